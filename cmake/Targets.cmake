@@ -1,0 +1,54 @@
+# How every target of the house is built, said once.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+
+find_program(CCACHE ccache)
+if(CCACHE)
+    set(CMAKE_C_COMPILER_LAUNCHER ${CCACHE})
+    set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE})
+endif()
+
+find_package(Threads REQUIRED)
+
+# Flags of our own code. Arithmetic is compiled as written: a fused multiply-add or a reordered sum would change
+# the sound.
+add_library(marnoth_flags INTERFACE)
+target_compile_options(marnoth_flags INTERFACE -Wall -Wextra -ffp-contract=off)
+target_include_directories(marnoth_flags INTERFACE ${PROJECT_SOURCE_DIR})
+if(WIN32)
+    target_compile_definitions(marnoth_flags INTERFACE UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN)
+endif()
+if(MARNOTH_SANITIZE)
+    add_compile_options(-fsanitize=${MARNOTH_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    add_link_options(-fsanitize=${MARNOTH_SANITIZE})
+endif()
+
+# marnoth_library(NAME SOURCES a.cpp ... DEPENDS lib ...): a static library of one folder.
+function(marnoth_library name)
+    cmake_parse_arguments(ARG "" "" "SOURCES;DEPENDS" ${ARGN})
+    add_library(${name} STATIC ${ARG_SOURCES})
+    target_link_libraries(${name} PUBLIC marnoth_flags ${ARG_DEPENDS})
+endfunction()
+
+# marnoth_program(NAME SOURCES a.cpp ... DEPENDS lib ...): an executable.
+function(marnoth_program name)
+    cmake_parse_arguments(ARG "" "" "SOURCES;DEPENDS" ${ARGN})
+    add_executable(${name} ${ARG_SOURCES})
+    target_link_libraries(${name} PRIVATE marnoth_flags ${ARG_DEPENDS})
+endfunction()
+
+# Header-only libraries of the system, offered alone: a cross build must not see the rest of /usr/include.
+function(marnoth_header_only name entry)
+    set(dir ${CMAKE_BINARY_DIR}/header-only/${name})
+    file(MAKE_DIRECTORY ${dir})
+    if(NOT EXISTS /usr/include/${entry})
+        message(FATAL_ERROR "/usr/include/${entry} is missing: run script/bootstrap")
+    endif()
+    file(CREATE_LINK /usr/include/${entry} ${dir}/${entry} SYMBOLIC)
+    add_library(${name} INTERFACE)
+    target_include_directories(${name} SYSTEM INTERFACE ${dir})
+endfunction()
