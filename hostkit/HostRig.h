@@ -1,0 +1,88 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "engine/IGrooveSampler.h"
+#include "host/KvxInterfaces.h"
+
+namespace marnoth {
+
+/// How `HostRig::attach` sets up the host's services.
+struct AttachOptions {
+    double tempo = 120.0;  ///< beats per minute, from tick 0 on
+    std::optional<std::uint32_t>
+        key;                ///< project key, 0 to 11 counted from A; without it there is no key service
+    bool converter = true;  ///< offer the time converter
+    double converterRate = 44100.0;  ///< its frames per second
+};
+
+/// Takes rendered audio: `frames` interleaved frames of one output pin, in order. `silent` says that the
+/// instrument delivered silence; the frames are zeros then.
+using AudioTaker = std::function<void(std::span<const float> samples, bool silent)>;
+
+/// A whole host in a box, on the instrument's public interfaces alone: a graph with a stream source, the
+/// instrument and a sink for each connected output pin, and the services that a sequencer offers. It renders
+/// offline, as fast as it can, on the caller's thread; it is what the command line, the tests and the
+/// benchmarks drive.
+///
+/// One thread at a time, except for `sampler()`, which any other thread may use while blocks run.
+/// Output pins are numbered as the instrument orders them: 0 the mix, 1 to 16 the channels.
+class HostRig {
+public:
+    HostRig();
+    ~HostRig();
+    HostRig(const HostRig&) = delete;
+    HostRig& operator=(const HostRig&) = delete;
+
+    /// Stops the graph, takes all connections apart, and connects the input pin with 32-bit float of `rate`
+    /// and `channels`, then each of `pins` with the same format. Gives the first failure.
+    HRESULT connect(std::uint32_t rate, std::uint32_t channels, std::span<const int> pins);
+    /// Where the audio of an output pin goes from now on; none by default. Allocates.
+    void setTaker(int pin, AudioTaker taker);
+
+    HRESULT attach(const AttachOptions& options);
+    HRESULT detach();
+    /// From `tick` (whole ticks) on the host's tempo is `beatsPerMinute`. Ticks must rise; false when they
+    /// don't, or without a host attached.
+    bool addTempo(std::int32_t tick, double beatsPerMinute);
+
+    /// Frames of one block; at least 1. The buffers grow with it, with the connections made anew when need
+    /// be.
+    HRESULT setBlock(std::int32_t frames);
+    /// Whether media samples offer `IKvxSampleSilence`.
+    void setSilenceFlag(bool offered);
+    /// What the input pin is sent: zeros marked as silence (the default), zeros unmarked, or frames, then
+    /// zeros.
+    void setInputSilence();
+    void setInputZeros();
+    void setInputFrames(std::vector<float> interleaved);
+    /// The next block is a discontinuity with this start time.
+    void setDiscontinuity(double seconds);
+
+    HRESULT pause();
+    HRESULT run();
+    HRESULT stop();
+    /// Runs the graph if it isn't running, then sends `frames` frames in blocks, the last one shorter. Stops
+    /// at the first failing block; the result is that of the last block.
+    HRESULT render(std::int64_t frames);
+
+    HRESULT queueEvents(std::uint32_t port, std::span<const SynthEvent> events);
+    HRESULT queueRawInput(std::uint32_t port, std::span<const RawMidiEvent> events);
+
+    IGrooveSampler& sampler();
+    IKvxSoftSynth2& synth();
+    IKvxNotify& notify();
+    std::uint32_t rate() const;
+    std::uint32_t channels() const;
+
+private:
+    struct Parts;
+    std::unique_ptr<Parts> parts_;
+};
+
+}  // namespace marnoth
