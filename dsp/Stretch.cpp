@@ -1,0 +1,156 @@
+#include "dsp/Stretch.h"
+
+#include <algorithm>
+
+#include "dsp/MixKernels.h"
+#include "dsp/MixRun.h"
+#include "dsp/StretchPlan.h"
+
+namespace marnoth {
+namespace {
+
+/// Where in its crossfade a run begins.
+struct FadePlace {
+    double length;  ///< frames of the whole crossfade
+    double place;   ///< frames that lie before the run
+};
+
+struct RampSide {
+    double gain;
+    double step;
+    double curve;
+};
+
+/// g * (1 - x * x) as start value and forward differences.
+RampSide fadeOut(float g, FadePlace fade) {
+    const double x = fade.place / fade.length;
+    const double n = 1.0 / (fade.length * fade.length);
+    return {g * (1.0 - x * x), -g * n - g * n * fade.place * 2.0, (g * -2.0f) * n};
+}
+
+/// g * (1 - (1 - x) * (1 - x)) likewise. The sum with the fade-out rises to 1.5 in the middle, and is meant
+/// to.
+RampSide fadeIn(float g, FadePlace fade) {
+    const double x = fade.place / fade.length;
+    const double n = 1.0 / (fade.length * fade.length);
+    return {g * (1.0 - (1.0 - x) * (1.0 - x)), (g * 2.0f) * (fade.length - fade.place) * n - g * n,
+            (g * -2.0f) * n};
+}
+
+/// The render of one span: turns runs of source frames into kernel calls.
+class RunMixer {
+public:
+    RunMixer(const StretchSource& source, const StretchDest& dest, StereoGain gain, std::int64_t begin)
+        : source(source), dest(dest), gain(gain), begin(begin) {}
+
+    /// `count` frames from source frame `from` on, at constant gain, to target frame `at`; the source's end
+    /// cuts it.
+    void plain(std::int64_t at, std::int64_t from, std::int64_t count) const {
+        MixArgs args = argsAt(at);
+        args.gainL = gain.left;
+        args.gainR = gain.right;
+        run(kernel(false), from, std::min(count, source.length - from), args);
+    }
+
+    void fadingOut(std::int64_t at, std::int64_t from, std::int64_t count, FadePlace fade) const {
+        ramped(at, from, count, fadeOut(gain.left, fade), fadeOut(gain.right, fade));
+    }
+
+    void fadingIn(std::int64_t at, std::int64_t from, std::int64_t count, FadePlace fade) const {
+        ramped(at, from, count, fadeIn(gain.left, fade), fadeIn(gain.right, fade));
+    }
+
+private:
+    std::int32_t destChannels() const { return dest.channels == 2 ? 2 : 1; }
+
+    MixKernel kernel(bool isRamped) const {
+        return GetMixKernel(32, static_cast<std::uint32_t>(source.wave.channels),
+                            static_cast<std::uint32_t>(dest.channels), 0, isRamped ? 1 : 0, 0);
+    }
+
+    MixArgs argsAt(std::int64_t at) const {
+        MixArgs args;
+        args.dest = dest.frames + (at - begin) * destChannels();
+        args.sampleBytes = (static_cast<std::uint32_t>(source.sampleBits) + 7) / 8;
+        return args;
+    }
+
+    void ramped(std::int64_t at, std::int64_t from, std::int64_t count, RampSide left, RampSide right) const {
+        MixArgs args = argsAt(at);
+        args.gainL = left.gain;
+        args.gainR = right.gain;
+        args.stepL = left.step;
+        args.stepR = right.step;
+        args.curveL = left.curve;
+        args.curveR = right.curve;
+        run(kernel(true), from, count, args);
+    }
+
+    void run(MixKernel mix, std::int64_t from, std::int64_t count, const MixArgs& args) const {
+        mixRun(mix, source.wave, source.first + from, count, destChannels(), args);
+    }
+
+    const StretchSource& source;
+    const StretchDest& dest;
+    StereoGain gain;
+    std::int64_t begin;
+};
+
+void renderPasses(const RunMixer& mixer, const StretchRequest& request) {
+    const PassPlan plan = planPasses(request.source, request.target, request.sampleRate);
+    for (std::int64_t pos = request.begin, stop = 0; pos < request.end; pos = stop) {
+        const Pass pass = passAt(plan, pos);
+        stop = std::min(request.end, pos < pass.fadeStart ? pass.fadeStart : pass.end);
+        const std::int64_t from = pos - pass.offset;
+        if (pos < pass.fadeStart || pass.toCome < 1) {
+            mixer.plain(pos, from, stop - pos);
+            continue;
+        }
+        // The end of the source cuts both sides of the crossfade alike.
+        const std::int64_t count = std::min(stop - pos, request.source - from);
+        const FadePlace fade{static_cast<double>(plan.fade), static_cast<double>(pos - pass.fadeStart)};
+        mixer.fadingOut(pos, from, count, fade);
+        mixer.fadingIn(pos, from - plan.step, count, fade);
+    }
+}
+
+void renderHeadTail(const RunMixer& mixer, const StretchRequest& request) {
+    const HeadTailPlan plan = planHeadTail(request.source, request.target, request.sampleRate);
+    const std::int64_t headEnd = std::min(request.end, plan.fadeStart);
+    if (request.begin < headEnd) mixer.plain(request.begin, request.begin, headEnd - request.begin);
+    const std::int64_t pos = std::max(request.begin, plan.fadeStart);
+    if (pos >= request.end) return;
+    // The tail ends with the source where the target ends, so neither side can run past the source.
+    const FadePlace fade{static_cast<double>(plan.fade), static_cast<double>(pos - plan.fadeStart)};
+    mixer.fadingOut(pos, pos, request.end - pos, fade);
+    mixer.fadingIn(pos, pos + plan.skip, request.end - pos, fade);
+}
+
+}  // namespace
+
+StereoGain grainGain(float padVolume, float padPan, double grainVolume, double grainPan) {
+    const float padLeft = std::min((1.0f - padPan) * 2.0f, 1.0f);
+    const float padRight = std::min(padPan * 2.0f, 1.0f);
+    const double grainLeft = std::min((1.0 - grainPan) * 2.0, 1.0);
+    const double grainRight = std::min(grainPan * 2.0, 1.0);
+    const auto left = static_cast<float>(grainLeft * static_cast<double>(padLeft));
+    const auto right = static_cast<float>(grainRight * static_cast<double>(padRight));
+    return {static_cast<float>(static_cast<double>(left) * static_cast<double>(padVolume) * grainVolume),
+            static_cast<float>(static_cast<double>(right) * static_cast<double>(padVolume) * grainVolume)};
+}
+
+void renderStretched(const StretchSource& source, const StretchSpan& span, const StretchDest& dest,
+                     StereoGain gain) {
+    const auto request = checkRequest(source, span);
+    if (!request) return;
+    const RunMixer mixer(source, dest, gain, request->begin);
+    if (request->target == request->source) {
+        mixer.plain(request->begin, request->begin, request->end - request->begin);
+    } else if (request->target > request->source) {
+        renderPasses(mixer, *request);
+    } else {
+        renderHeadTail(mixer, *request);
+    }
+}
+
+}  // namespace marnoth
