@@ -2,60 +2,122 @@
 
 #include <array>
 #include <cstdint>
-#include <memory>
 #include <string>
 #include <vector>
 
 #include "platform/Com.h"
 #include "platform/RiffStream.h"
+#include "sample/AcidNames.h"
 
 namespace marnoth {
 
-/// A run of frames of a file, one future grain.
+/// A run of frames of a file, one future grain. As the file says it: it needn't lie inside the audio.
 struct WaveSegment {
     std::uint32_t start = 0;   ///< frames
     std::uint32_t length = 0;  ///< frames
     std::uint32_t unused = 0;  ///< has a place in the record and no meaning
 };
 
-/// A tag of the file: its chunk, what it says and the label to show it under.
+/// A tag of the file: its chunk, the label to show it under and what it says.
 struct WaveTag {
-    MMCKINFO chunk{};
+    ChunkInfo chunk{};
     std::string label;
     std::string value;
 };
 
-/// Reader of one RIFF/WAVE file: format, audio, `LIST`/`INFO` tags, and the loop description of the `acid` and `strc`
-/// chunks, from which it builds the list of segments. Lives only during a load, on one thread.
+/// Reader of one RIFF/WAVE file: format, audio, `LIST`/`INFO` tags, and the loop description of the `acid`
+/// and `strc` chunks, from which it builds the list of segments. Lives only during a load, on one thread.
 ///
-/// It refuses only what it can't parse; what is acceptable for playback is the caller's business. Searches are bounded
-/// by the RIFF chunk, reads by the file. However damaged the file, nothing is read outside a buffer, no more is
-/// allocated than a small multiple of the file's size, and a refusal takes no noticeable time.
+/// It refuses only what it can't parse; what is acceptable for playback is the caller's business. Searches
+/// are bounded by the RIFF chunk, reads by the file. However damaged the file, nothing is read outside a
+/// buffer, no more is allocated than a small multiple of the file's size, and a refusal takes no noticeable
+/// time.
 class CAcidWave {
 public:
-    CAcidWave();
-    ~CAcidWave();
+    static constexpr std::uint32_t kEndTag = fourCC("    ");  ///< `ckid` of the record behind the last tag
+    static constexpr int kMaxTags = 23;                       ///< sub-chunks of the list that are looked at
+    static constexpr std::uint32_t kMaxDivisions = 4096;      ///< of a loop without markers
+    /// More than the frames of the longest loop that can be played; a file that claims more is refused.
+    static constexpr std::uint32_t kMaxMarkers = 1u << 24;
+    /// What is kept of a longer tag.
+    static constexpr std::int64_t kMaxTagBytes = 1 << 24;
+
+    CAcidWave() = default;
+    ~CAcidWave() = default;
     CAcidWave(const CAcidWave&) = delete;
     CAcidWave& operator=(const CAcidWave&) = delete;
 
-    /// Opens and parses a file. `path` is in the system code page, cut at 255 characters. 0 when the file can be read,
-    /// with or without loop data, and stays open for `SeekFrame` and `ReadData`; `E_FAIL` otherwise, with the reason in
-    /// `lastError` and the file closed.
+    /// Opens and parses a file. `path` is in the system code page (UTF-8 where there is none), cut at 255
+    /// characters. 0 when the file can be read, with or without loop data, and stays open for `SeekFrame` and
+    /// `ReadData`; `E_FAIL` otherwise, with the reason in `lastError` and the file closed.
     HRESULT Open(const char* path);
 
     /// Kind 2: `durationMs`. Kind 3: `frameCount`. Any other: 0.
     std::int64_t GetLength(std::uint32_t kind) const;
 
-    /// Positions the reader at a frame of the first `data` chunk. `S_OK` or `E_FAIL`.
+    /// Positions the reader at a frame behind the beginning of the first `data` chunk. `S_OK` or `E_FAIL`.
+    /// What `ReadData` may copy is then the size of the whole chunk, whatever the frame.
     HRESULT SeekFrame(std::uint32_t frame);
 
-    /// Copies up to `bytes` from the `data` chunk, no more than what remains of it; gives how many were copied, 0 on
-    /// any failure with `lastError` set.
+    /// Copies up to `bytes` from the `data` chunk, no more than what remains of it; gives how many were
+    /// copied. When the file ends first, `buffer` holds what was there, the result is 0 and `lastError` 261.
     std::uint32_t ReadData(void* buffer, std::uint32_t bytes);
 
-    std::int32_t GetSegmentCount() const;
+    std::int32_t GetSegmentCount() const { return static_cast<std::int32_t>(segments.size()); }
     /// The segment at `index`; zeros when there is none.
     WaveSegment GetSegment(std::int32_t index) const;
+
+    std::array<WaveTag, 100> tags{};
+    std::wstring pathName;
+    std::uint32_t hasFormat = 0;
+    std::uint32_t hasAcid = 0;
+    std::uint32_t hasStretch = 0;
+    std::uint32_t durationMs = 0;  ///< by the average byte rate; 0xFFFFFFFF when that gives no number
+    float durationSeconds = 0;
+    std::uint32_t readPosition = 0;  ///< bytes into the `data` chunk
+    std::uint32_t frameCount = 0;    ///< by the chunk's size, of which the file may hold less
+    std::uint32_t isLoop = 0;        ///< 0 for a one-shot
+    std::uint32_t rootNoteSet = 0;
+    std::int32_t rootNote = 0;  ///< 0 to 11 counted from A; a negative note leaves a negative remainder
+    std::uint32_t stretchOn = 0;
+    std::uint32_t diskBased = 0;
+    std::uint32_t beats = 0;
+    float tempo = 0;  ///< beats per minute
+    std::uint32_t stretchField16 = 0;
+    std::uint32_t divisionExponent = 4;  ///< index into `kDivisionNames`, from any file any number
+    std::uint32_t stretchField20 = 0;
+    std::uint32_t stretchMarkerCount = 0;
+    std::vector<WaveSegment> segments;
+    WAVEFORMATEX format{};        ///< `cbSize` is always 0
+    std::uint32_t lastError = 0;  ///< a `RiffError`
+    std::int64_t dataBytes = 0;   ///< size of the measured `data` chunk, as its header says
+    std::int64_t fileBytes = 0;   ///< size of the file
+
+private:
+    void forget();
+    bool fail(std::uint32_t error);
+    HRESULT failWith(std::uint32_t error);
+    bool find(const char (&id)[5], ChunkInfo& chunk);
+
+    bool openForm(const char* path);
+    bool readFormat();
+    bool measureData();
+    bool readTags();
+    bool readTag(WaveTag& tag, const ChunkInfo& list);
+    std::string readText(const ChunkInfo& chunk);
+    bool readLoop();
+    bool readAcid();
+    bool readStretch();
+    bool readMarkers();
+    void addSegment(std::uint32_t start);
+    void endLastSegment(std::uint32_t end);
+    void divideEvenly();
+
+    RiffStream file_;
+    ChunkInfo riff_;
+    ChunkInfo data_;
+    ChunkInfo acid_;
+    std::uint32_t unread_ = 0;  ///< bytes of `data` that `ReadData` may still copy
 };
 
 }  // namespace marnoth

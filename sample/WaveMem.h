@@ -9,16 +9,23 @@
 
 namespace marnoth {
 
-/// One block of audio in memory: interleaved 32-bit float frames at the engine's rate, mono or stereo, with a guard
-/// frame behind the last. Shared by a plain count between the Loop Bin's file and all grains cut from it; a tail wave
-/// belongs to one grain and its copies.
+/// One block of audio in memory: interleaved 32-bit float frames at the engine's rate, mono or stereo, with a
+/// guard frame behind the last. Shared by a plain count between the Loop Bin's file and all grains cut from
+/// it; a tail wave belongs to one grain and its copies.
 ///
-/// Written on the thread that loads a file, before anybody else can see it; read-only from then on. The count isn't
-/// atomic: it is touched under the engine's lock, or on objects that are not yet published.
+/// Written on the thread that loads a file, before anybody else can see it; read-only from then on. The count
+/// isn't atomic: it is touched under the engine's lock, or on objects that are not yet published.
 class CWaveMem {
 public:
-    /// Points of the peak table that the editor draws from; the scale of a grain's `peakOffset` and `peakCount`.
+    /// Points of the peak table that the editor draws from; the scale of a grain's `peakOffset` and
+    /// `peakCount`.
     static constexpr std::int32_t kPeakPoints = 544;
+    /// More frames than any file or grain has.
+    static constexpr std::int64_t kFrameLimit = std::int64_t{1} << 33;
+    /// How far `Resample` lets a wave grow: to the longest loop in stereo at 192000 Hz, or by this factor.
+    /// Beyond both there are only files that were made to exhaust the memory.
+    static constexpr double kResampleLimit = 128.0 * 192000 * 2;
+    static constexpr double kMostGrowth = 64;
 
     CWaveMem() = default;
     virtual ~CWaveMem() = default;
@@ -32,35 +39,45 @@ public:
     /// Deletes the wave when the last owner lets go.
     std::uint32_t Release();
 
-    /// Takes the format, and storage for `frameCount` frames and the guard frame, with unspecified contents.
+    /// Takes the format, and storage for `frameCount` frames with unspecified contents and a silent guard
+    /// frame. The storage is a multiple of four values; what is over is silent too.
     /// `E_OUTOFMEMORY`, with no samples held, or `S_OK`.
     HRESULT Create(std::int64_t frameCount, const WAVEFORMATEX& newFormat);
 
-    /// Converts to `newFormat.nSamplesPerSec` by a four-point quadratic and keeps the ratio in `rateRatio`. An equal
-    /// rate changes nothing. `E_FAIL` without samples; `E_OUTOFMEMORY` leaves the wave without samples.
+    /// Repeats the last frame behind it. Of more than two channels only the first.
+    void writeGuardFrame();
+
+    /// Converts to `newFormat.nSamplesPerSec` by a four-point quadratic and keeps the ratio in `rateRatio`.
+    /// An equal rate changes nothing. `E_FAIL` without samples; `E_OUTOFMEMORY` leaves the wave without
+    /// samples.
     HRESULT Resample(const WAVEFORMATEX& newFormat);
 
     /// Fills the peak table with `points` entries when `mode` is 0, else only drops the count of points.
     /// Entries that no frame reaches are 0. `E_OUTOFMEMORY` or `S_OK`.
     HRESULT BuildPeaks(std::int32_t mode, std::int32_t points);
 
-    /// Makes this the tail wave of the grain of `length` frames at `firstFrame` of `source`: twice as long, the grain
-    /// repeated in passes that fall to 0.15 over each grain length. `E_OUTOFMEMORY` or `S_OK`.
+    /// Makes this the tail wave of the grain of `length` frames at `firstFrame` of `source`: twice as long,
+    /// the grain repeated in passes that fall to 0.15 over each grain length. `E_FAIL`, with nothing changed,
+    /// for a grain without frames or a source without samples; `E_OUTOFMEMORY` or `S_OK`.
     HRESULT CreateTail(const CWaveMem& source, std::int64_t firstFrame, std::int64_t length);
 
     SourceWave view() const { return {samples.get(), frames, format.nChannels}; }
 
     WAVEFORMATEX format{};
-    std::unique_ptr<float[]> samples;   ///< (frames + 1) * channels values at least
-    std::unique_ptr<float[]> peaks;     ///< per point: minimum and maximum, left, then right when stereo; may be null
+    std::unique_ptr<float[]> samples;  ///< (frames + 1) * channels values at least
+    /// Per point the minimum and maximum of the left channel, then of the right one; may be null.
+    std::unique_ptr<float[]> peaks;
     std::uint32_t refCount = 1;
-    std::int64_t frames = 0;            ///< guard frame not counted
-    std::int64_t tailFrames = 0;        ///< tail waves only: twice the grain's length
-    double tailDecay = 0;               ///< tail waves only: gain factor per frame
-    std::int32_t peakPoints = 0;        ///< 0 when there is no table
-    std::int32_t peakCapacity = 0;      ///< values in `peaks`
-    std::uint64_t byteSize = 0;         ///< bytes of `samples`
-    double rateRatio = 1.0;             ///< new rate / the file's rate
+    std::int64_t frames = 0;        ///< guard frame not counted
+    std::int64_t tailFrames = 0;    ///< tail waves only: twice the grain's length
+    double tailDecay = 0;           ///< tail waves only: gain factor per frame
+    std::int32_t peakPoints = 0;    ///< 0 when there is no table
+    std::int32_t peakCapacity = 0;  ///< values in `peaks`
+    std::uint64_t byteSize = 0;     ///< bytes of `samples`
+    double rateRatio = 1.0;         ///< new rate / the file's rate
+
+private:
+    void fillPeaks();
 };
 
 }  // namespace marnoth

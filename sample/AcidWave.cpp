@@ -1,0 +1,283 @@
+#include "sample/AcidWave.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <limits>
+
+namespace marnoth {
+namespace {
+
+std::wstring wideFromSystem(const char* text) {
+    return std::filesystem::path(text).wstring();
+}
+
+std::filesystem::path filePath(const std::wstring& path) {
+    return path;
+}
+
+constexpr std::size_t kMaxPathCharacters = 255;
+constexpr std::uint32_t kLengthInMilliseconds = 2;
+constexpr std::uint32_t kLengthInFrames = 3;
+
+constexpr std::int64_t kFormatBytes = 16;
+constexpr std::int64_t kAcidBytes = 24;
+constexpr std::int64_t kStretchHeaderBytes = 28;
+constexpr std::int64_t kMarkerBytes = 32;
+constexpr std::int64_t kMarkersAtOnce = 2048;
+
+/// A number at `offset` of a record, little-endian as the file has it.
+template <class T>
+T field(const std::byte* record, int offset) {
+    T value;
+    std::memcpy(&value, record + offset, sizeof value);
+    return value;
+}
+
+std::string_view labelOf(std::uint32_t code) {
+    std::string_view label;
+    for (const TagLabel& row : kTagLabels) {
+        if (row.code == code) label = row.label;
+    }
+    return label;
+}
+
+/// The whole milliseconds of a duration and one more.
+std::uint32_t millisecondsBeyond(float seconds) {
+    const double whole = std::trunc(seconds * -1000.0);
+    constexpr double kMost = std::numeric_limits<std::uint32_t>::max();
+    return 1.0 - whole < kMost ? static_cast<std::uint32_t>(1.0 - whole)
+                               : std::numeric_limits<std::uint32_t>::max();
+}
+
+}  // namespace
+
+HRESULT CAcidWave::Open(const char* path) {
+    forget();
+    if (openForm(path) && readFormat() && measureData() && readTags() && readLoop()) return S_OK;
+    file_.close();
+    return E_FAIL;
+}
+
+void CAcidWave::forget() {
+    file_.close();
+    hasFormat = hasAcid = hasStretch = 0;
+    stretchMarkerCount = 0;
+    segments.clear();
+    tags.fill({});
+    lastError = kRiffOk;
+    unread_ = 0;
+}
+
+bool CAcidWave::fail(std::uint32_t error) {
+    lastError = error;
+    return false;
+}
+
+HRESULT CAcidWave::failWith(std::uint32_t error) {
+    lastError = error;
+    return E_FAIL;
+}
+
+bool CAcidWave::find(const char (&id)[5], ChunkInfo& chunk) {
+    chunk = {.ckid = fourCC(id)};
+    return file_.descend(chunk, &riff_, RiffFind::chunk) == kRiffOk;
+}
+
+bool CAcidWave::openForm(const char* path) {
+    pathName = wideFromSystem(path).substr(0, kMaxPathCharacters);
+    if (file_.open(filePath(pathName), FileMode::read)) return fail(kRiffCannotOpen);
+    fileBytes = file_.remaining().value_or(0);
+    riff_ = {};
+    const bool isWave =
+        file_.descend(riff_) == kRiffOk && riff_.ckid == kRiffId && riff_.fccType == fourCC("WAVE");
+    return isWave || fail(kRiffInvalidFile);
+}
+
+bool CAcidWave::readFormat() {
+    ChunkInfo chunk;
+    if (!find("fmt ", chunk)) return fail(kRiffChunkNotFound);
+    hasFormat = 1;
+    format = {};
+    if (!file_.readExactly(&format, kFormatBytes)) return fail(kRiffCannotRead);
+    std::uint16_t extraBytes;
+    if (format.wFormatTag != WAVE_FORMAT_PCM && !file_.readExactly(&extraBytes, sizeof extraBytes)) {
+        return fail(kRiffCannotRead);
+    }
+    if (format.nBlockAlign == 0) return fail(kRiffInvalidFile);
+    return file_.ascend(chunk) == kRiffOk || fail(kRiffCannotSeek);
+}
+
+bool CAcidWave::measureData() {
+    if (!find("data", data_)) return fail(kRiffChunkNotFound);
+    if (data_.cksize == 0) return fail(kRiffInvalidFile);
+    dataBytes = data_.cksize;
+    durationSeconds = format.nAvgBytesPerSec == 0
+                          ? std::numeric_limits<float>::infinity()
+                          : static_cast<float>(data_.cksize) / static_cast<float>(format.nAvgBytesPerSec);
+    durationMs = millisecondsBeyond(durationSeconds);
+    frameCount = data_.cksize / format.nBlockAlign;
+    return file_.ascend(data_) == kRiffOk || fail(kRiffCannotSeek);
+}
+
+bool CAcidWave::readTags() {
+    ChunkInfo list;
+    int count = 0;
+    if (find("LIST", list) && list.fccType == fourCC("INFO")) {
+        while (count < kMaxTags && readTag(tags[count], list)) ++count;
+        if (lastError == kRiffCannotSeek) return false;
+    }
+    tags[count].chunk.ckid = kEndTag;
+    return true;
+}
+
+/// Takes one sub-chunk of the list; one of an unknown code leaves `tag` empty. False when there is none, or
+/// none can follow.
+bool CAcidWave::readTag(WaveTag& tag, const ChunkInfo& list) {
+    ChunkInfo chunk;
+    if (file_.descend(chunk, &list)) return false;
+    std::string text = readText(chunk);
+    if (const std::string_view label = labelOf(chunk.ckid); !label.empty()) {
+        tag = {chunk, std::string(label), std::move(text)};
+    }
+    return file_.ascend(chunk) == kRiffOk || fail(kRiffCannotSeek);
+}
+
+/// The text of a tag up to its terminator, as much of it as the file holds.
+std::string CAcidWave::readText(const ChunkInfo& chunk) {
+    const std::int64_t present = std::min<std::int64_t>(chunk.cksize, file_.remaining().value_or(0));
+    if (present < chunk.cksize) lastError = kRiffCannotRead;
+    std::string text(static_cast<std::size_t>(std::min(present, kMaxTagBytes)), '\0');
+    const std::int64_t got = file_.read(text.data(), static_cast<std::int64_t>(text.size()));
+    text.resize(static_cast<std::size_t>(std::max<std::int64_t>(got, 0)));
+    if (const auto terminator = text.find('\0'); terminator != std::string::npos) text.resize(terminator);
+    return text;
+}
+
+bool CAcidWave::readLoop() {
+    // From the end of the audio again: tags and loop data come in either order.
+    if (file_.ascend(data_)) return fail(kRiffCannotSeek);
+    if (!find("acid", acid_)) return true;
+    if (!readAcid()) return false;
+    segments.push_back({0, frameCount, 0});
+    if (file_.ascend(acid_)) return fail(kRiffCannotSeek);
+    if (!readStretch()) return false;
+    if (segments.size() == 1) divideEvenly();
+    return true;
+}
+
+bool CAcidWave::readAcid() {
+    std::array<std::byte, kAcidBytes> record{};
+    if (file_.remaining().value_or(0) < acid_.cksize) return fail(kRiffCannotRead);
+    const std::int64_t known = std::min<std::int64_t>(acid_.cksize, kAcidBytes);
+    if (!file_.readExactly(record.data(), known)) return fail(kRiffCannotRead);
+
+    const auto flags = field<std::uint32_t>(record.data(), 0);
+    const auto note = field<std::int16_t>(record.data(), 4);
+    hasAcid = 1;
+    divisionExponent = 4;
+    tempo = field<float>(record.data(), 20);
+    isLoop = (flags & 1) == 0;
+    rootNoteSet = flags >> 1 & 1;
+    stretchOn = flags >> 2 & 1;
+    diskBased = flags >> 3 & 1;
+    beats = field<std::uint32_t>(record.data(), 12);
+    rootNote = (note + 3) % 12;
+    return true;
+}
+
+bool CAcidWave::readStretch() {
+    ChunkInfo chunk;
+    if (!find("strc", chunk)) return true;
+    std::array<std::byte, kStretchHeaderBytes> header;
+    if (!file_.readExactly(header.data(), kStretchHeaderBytes)) return fail(kRiffCannotRead);
+    hasStretch = 1;
+    stretchMarkerCount = field<std::uint32_t>(header.data(), 4);
+    stretchField16 = field<std::uint32_t>(header.data(), 16);
+    stretchField20 = field<std::uint32_t>(header.data(), 20);
+    divisionExponent = field<std::uint32_t>(header.data(), 24);
+    if (!readMarkers()) return false;
+    endLastSegment(frameCount);
+    return file_.ascend(chunk) == kRiffOk || fail(kRiffCannotSeek);
+}
+
+bool CAcidWave::readMarkers() {
+    if (file_.remaining().value_or(0) < stretchMarkerCount * kMarkerBytes) return fail(kRiffCannotRead);
+    if (stretchMarkerCount > kMaxMarkers) return fail(kRiffInvalidFile);
+    std::vector<std::byte> records(std::min<std::int64_t>(stretchMarkerCount, kMarkersAtOnce) * kMarkerBytes);
+    for (std::int64_t left = stretchMarkerCount; left > 0; left -= kMarkersAtOnce) {
+        const std::int64_t bytes = std::min(left, kMarkersAtOnce) * kMarkerBytes;
+        if (!file_.readExactly(records.data(), bytes)) return fail(kRiffCannotRead);
+        for (const std::byte* record = records.data(); record < records.data() + bytes;
+             record += kMarkerBytes) {
+            const auto type = field<std::uint32_t>(record, 0);
+            const auto position = field<std::uint32_t>(record, 8);
+            const auto activity = field<std::uint32_t>(record, 16);
+            if ((type == 0 || type == 2) && position != 0 && activity != 0) addSegment(position);
+        }
+    }
+    return true;
+}
+
+void CAcidWave::addSegment(std::uint32_t start) {
+    endLastSegment(start);
+    segments.push_back({start, 0, 0});
+}
+
+/// Markers aren't sorted: a length may come out as a huge number.
+void CAcidWave::endLastSegment(std::uint32_t end) {
+    segments.back().length = end - segments.back().start;
+}
+
+void CAcidWave::divideEvenly() {
+    const double perBeat = std::pow(2.0, divisionExponent - 2.0);
+    const double wanted = beats * perBeat + 0.5;
+    // Written so that what is no number, from 0 beats of an endless division, leaves the file whole too.
+    if (!(wanted < kMaxDivisions + 1.0)) return;
+    const auto count = static_cast<std::uint32_t>(wanted);
+    for (std::uint32_t i = 1; i < count; ++i) {
+        addSegment(static_cast<std::uint32_t>(frameCount * (static_cast<double>(i) / count)));
+    }
+    endLastSegment(frameCount);
+}
+
+std::int64_t CAcidWave::GetLength(std::uint32_t kind) const {
+    switch (kind) {
+        case kLengthInMilliseconds:
+            return durationMs;
+        case kLengthInFrames:
+            return frameCount;
+        default:
+            return 0;
+    }
+}
+
+HRESULT CAcidWave::SeekFrame(std::uint32_t frame) {
+    constexpr std::int64_t kFormTypeBytes = 4;
+    unread_ = 0;
+    if (file_.seek(riff_.dataOffset + kFormTypeBytes)) return failWith(kRiffCannotSeek);
+    if (!find("data", data_)) return failWith(kRiffChunkNotFound);
+    const std::int64_t offset = static_cast<std::int64_t>(frame) * format.nBlockAlign;
+    if (file_.seek(data_.dataOffset + offset)) return failWith(kRiffCannotSeek);
+    readPosition = static_cast<std::uint32_t>(offset);
+    unread_ = data_.cksize;
+    return S_OK;
+}
+
+std::uint32_t CAcidWave::ReadData(void* buffer, std::uint32_t bytes) {
+    const std::uint32_t wanted = std::min(bytes, unread_);
+    unread_ -= wanted;
+    if (wanted == 0) return 0;
+    if (!file_.readExactly(buffer, wanted)) {
+        lastError = kRiffCannotRead;
+        return 0;
+    }
+    readPosition += wanted;
+    return wanted;
+}
+
+WaveSegment CAcidWave::GetSegment(std::int32_t index) const {
+    return index >= 0 && index < GetSegmentCount() ? segments[index] : WaveSegment{};
+}
+
+}  // namespace marnoth
