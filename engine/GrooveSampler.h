@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -150,11 +151,24 @@ private:
         std::int32_t pinCount;
         std::int32_t mixIndex;  ///< of the mix pin in `pins`, -1 if it isn't there
     };
+    struct PadBlock;
     struct ClipTimes;
+    struct GrainRun;
+    struct VoiceTally;
 
-    // BlockFrame: the two ends of a block.
+    // EngineLife: from construction to teardown.
     void ResetKeyMap();
     void setFadeLengths(std::uint32_t sampleRate);
+
+    // BlockFrame: the two ends of a block.
+    /// Fixes the block's place in samples, the project's key and the skew.
+    void placeBlock(std::int64_t position, std::int32_t frames);
+    BlockContext describeBlock(std::int32_t frames, PinBuffer* pins, std::int32_t pinCount) const;
+    void clearMix(const BlockContext& block, std::int32_t frames);
+    /// Hands the input on to every pin but the mix; `input` null is silence.
+    void passInput(const BlockContext& block, const float* input, std::int32_t frames);
+    void sumIntoMix(const BlockContext& block, std::int32_t frames);
+    std::size_t bytesOf(std::int32_t frames) const;
 
     // RenderStages: what each source of voices does with a block, in this order.
     void RenderNotes(NoteQueue& notes, const BlockContext& block);
@@ -162,15 +176,79 @@ private:
     void RenderBinAuditions(const BlockContext& block);
     void RenderGrainAudition(const BlockContext& block);
 
+    // The steps of a note.
+    void renderNote(QueuedEvent& note, const BlockContext& block);
+    void startNote(VoiceState& voice, const SynthEvent& event, const BlockContext& block);
+    void switchGate(PadGate& gate, VoiceState& voice, const CGrooveTrack& track);
+    void setNotePhase(CGrooveTrack& track, const VoiceState& voice, const BlockContext& block);
+    bool holdsGate(const VoiceState& voice) const;
+    void takeNoteOff(VoiceState& voice, SynthEvent& event);
+    void endShotLane(VoiceState& voice, SynthEvent& event, bool held, const BlockContext& block);
+
+    // The steps of a pad that is played from the page.
+    void renderPadAudition(std::int32_t pad, const BlockContext& block);
+    void pressPad(std::int32_t pad, const BlockContext& block);
+    void setPressPhase(CGrooveTrack& track, VoiceState& voice, const BlockContext& block);
+    void takeStopRequest(VoiceState& voice);
+    void renderBinAudition(std::int32_t bin, const BlockContext& block);
+
+    /// Renders the voice with `track` as the one entry of the play list, and moves on.
+    void playAlone(const BlockContext& block, VoiceState& voice, PlayKind kind, std::int32_t pad,
+                   CGrooveTrack& track, std::uint32_t* soundedFlags);
+    /// Where a fade-out that begins with this block ends, 16.16 ticks.
+    std::int64_t fadeOutEnd() const;
+
     // VoiceRender: one voice, one block. `soundedFlags` has 16 entries or is null.
     void RenderVoice(const BlockContext& block, VoiceState& voice, std::uint32_t* soundedFlags);
+    VoiceTally renderEntry(const BlockContext& block, VoiceState& voice, const TrackPlayInfo& entry,
+                           std::uint32_t* soundedFlags);
+    PinBuffer* choosePin(const CGrooveTrack& track, const BlockContext& block) const;
+    std::int64_t toSamples(std::int64_t ticks16) const;
+    std::int32_t selectForBlock(VoiceState& voice, const PadBlock& pad);
+    void renderSelected(const PadBlock& pad);
+    void RenderStreamEvent(const StreamEventInfo& event, const PadBlock& pad);
+    GrainRun placeRun(const StreamEventInfo& event, const ClipTimes& clip, const PadBlock& pad) const;
+    ClipTimes timesInSamples(const StreamEventInfo& event, const CGrooveTrack& track) const;
+    std::int32_t keyOffset(const CGrooveTrack& track) const;
+    void renderFadeIn(const GrainRun& run, const ClipTimes& clip, const PadBlock& pad);
+    void renderFadeOut(const GrainRun& run, const ClipTimes& clip, const PadBlock& pad,
+                       std::int64_t fadeOutStart);
+    /// Renders part of a run and adds it to the pad's pin at frame `offset`, under a gain that moves per
+    /// frame.
+    void renderFaded(const GrainRun& run, const PadBlock& pad, std::int64_t offset, double gain, double step);
+
+    // SelectGrains.
     /// Fills `streamEvents`; gives their count, or -1 when a track that doesn't loop has played out.
     std::int32_t SelectGrains(CGrooveTrack& track, std::int64_t rangeStart, std::int64_t rangeEnd,
                               VoiceState& voice);
 
-    // LoopBin.
-    HRESULT LoadFile(const std::wstring& name, const std::wstring& path, std::int32_t& index,
-                     std::uint32_t& status);
+    // ControlSurface: one field of a pad or grain, checked and under the lock. `refusal` answers a bad pad.
+    template <class T, class Field>
+    HRESULT getFromPad(std::int32_t pad, T* out, Field field, HRESULT refusal = E_INVALIDARG);
+    template <class Write>
+    HRESULT changePad(std::int32_t pad, Write write, HRESULT refusal = E_INVALIDARG);
+    template <class T, class Read>
+    HRESULT getFromGrain(std::int32_t pad, std::int32_t grain, T* out, Read read);
+    template <class Write>
+    HRESULT changeGrain(std::int32_t pad, std::int32_t grain, Write write);
+
+    /// The track at an index; null when there is none.
+    CGrooveTrack* padAt(std::int32_t pad) const;
+    CGrooveTrack* binFileAt(std::int32_t bin) const;
+    /// Either, by a `LoopKind`; null for any other.
+    CGrooveTrack* trackOf(std::uint32_t kind, std::uint32_t index) const;
+    void recomputeAnySolo();
+    /// After pads changed places with their snapshots.
+    void adoptSwappedPads();
+    void auditionGrain(const CGrooveTrack& track, std::int32_t grain);
+    HRESULT transferGrain(std::int32_t pad, std::int32_t grain, std::int32_t toPad, std::int64_t time,
+                          std::int32_t* newIndex, bool keepSource, std::uint32_t markOnly);
+
+    // LoopBin. Texts in the system code page.
+    HRESULT LoadFile(const char* name, const char* path, std::int32_t& index, std::uint32_t& status);
+    std::int32_t findBinFile(const std::wstring& path) const;
+    /// The file's grains and loop in place of those of the pad.
+    HRESULT layOnPad(CGrooveTrack& pad, const CGrooveTrack& file);
 
     CPreAllocArray<TrackPlayInfo> playList;  ///< the pads of one `RenderVoice`, refilled per voice
     Pads pads;
