@@ -148,7 +148,8 @@ struct IKvxSoftSynth : IUnknown {
                                 IKvxEventList* list) = 0;
     /// Live MIDI: plays from the next block on, spaced as the list's times are.
     virtual HRESULT QueueRawInput(std::uint32_t port, IKvxRawEventList* list) = 0;
-    virtual HRESULT GetBankList(IKvxNameList** list) = 0;
+    /// One block from the task allocator, which the caller frees.
+    virtual HRESULT GetBankList(std::int32_t** banks, std::uint32_t* count) = 0;
     virtual HRESULT QueryPatchFalse(std::uint32_t bank, std::uint32_t patch) = 0;
     virtual HRESULT QueryPatchTrue(std::uint32_t bank, std::uint32_t patch) = 0;
     virtual HRESULT GetPatchList(std::uint32_t bank, IKvxNameList** list) = 0;

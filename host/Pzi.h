@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <deque>
 
+#include "host/RecyclingAllocator.h"
 #include "platform/Com.h"
 #include "platform/CritSec.h"
 
@@ -58,8 +59,9 @@ struct QueuedEvent {
     VoiceState* voice = nullptr;
 };
 
-/// The notes that have been drained into play, in order of draining.
-using NoteQueue = std::deque<QueuedEvent>;
+/// The notes that have been drained into play, in order of draining. Its storage grows with the most notes
+/// that it ever held and goes back to the system only with the queue itself.
+using NoteQueue = std::deque<QueuedEvent, RecyclingAllocator<QueuedEvent>>;
 
 inline constexpr IID IID_IKvxSampleSilence{
     0x6F1C2A54, 0x93D7, 0x4C1E, {0x8B, 0x40, 0x2D, 0x57, 0x9E, 0x61, 0xC8, 0x13}};

@@ -1,0 +1,81 @@
+#include <bitset>
+#include <new>
+
+#include "host/Numbers.h"
+#include "host/SoftSynth.h"
+
+namespace marnoth {
+
+namespace {
+
+constexpr int kKeys = 128;
+
+bool isNoteWith(const QueuedEvent& event, std::uint32_t duration) {
+    return event.event.type == SynthEventType::note && event.event.duration == duration;
+}
+
+}  // namespace
+
+HRESULT CSoftSynth::DrainEvents(std::int64_t position, std::int32_t count) try {
+    CAutoLock lock(*m_pzi);
+    const std::int64_t end = wrappingSum(position, count);
+    // What is earlier than the block came too late: it stays where it is until the transport stops or starts.
+    auto next = m_timeMap.lower_bound(position);
+    while (next != m_timeMap.end() && next->first < end) {
+        const QueuedEvent event = next->second;
+        next = m_timeMap.erase(next);
+        if (const HRESULT hr = drainOne(event); FAILED(hr)) return hr;
+    }
+    pairNoteOffs();
+    return S_OK;
+} catch (const std::bad_alloc&) {
+    return E_OUTOFMEMORY;
+}
+
+HRESULT CSoftSynth::drainOne(QueuedEvent event) {
+    if (!m_portTransforms[static_cast<std::int32_t>(event.port)].apply(event.event)) return S_OK;
+    // Queued first, so that running out of memory can't lose a voice.
+    m_eventQueue.push_back(event);
+    const bool sounds = event.event.type == SynthEventType::note && event.event.duration != kDurationOff;
+    const HRESULT hr = sounds ? m_pzi->CreateVoice(&m_eventQueue.back()) : S_OK;
+    if (hr != S_OK) m_eventQueue.pop_back();
+    return hr;
+}
+
+/// One note-off ends the oldest held note of its key, whatever its channel and port. A note-off without one
+/// is lost; several of one key in one drain count as one.
+void CSoftSynth::pairNoteOffs() {
+    std::bitset<kKeys> off;
+    for (auto it = m_eventQueue.begin(); it != m_eventQueue.end();) {
+        if (!isNoteWith(*it, kDurationOff)) {
+            ++it;
+            continue;
+        }
+        off.set(it->event.note % kKeys);
+        // A note that was told to release, and that no block has taken up since.
+        if (it->voice) m_pzi->ReleaseVoice(&*it, 1);
+        it = m_eventQueue.erase(it);
+    }
+    for (QueuedEvent& held : m_eventQueue) {
+        const int key = held.event.note % kKeys;
+        if (!isNoteWith(held, kDurationOpen) || !off[key]) continue;
+        held.event.duration = kDurationOff;
+        off.reset(key);
+    }
+}
+
+HRESULT CSoftSynth::RetireEvents(std::int64_t position, std::int32_t flush) {
+    CAutoLock lock(*m_pzi);
+    for (auto it = m_eventQueue.begin(); it != m_eventQueue.end();) {
+        bool keep = position <= it->sampleTime;
+        if (it->event.type == SynthEventType::note) {
+            const HRESULT hr = m_pzi->ReleaseVoice(&*it, flush);
+            if (FAILED(hr)) return hr;
+            keep = hr != S_OK;
+        }
+        it = keep ? it + 1 : m_eventQueue.erase(it);
+    }
+    return S_OK;
+}
+
+}  // namespace marnoth

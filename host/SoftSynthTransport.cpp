@@ -1,0 +1,46 @@
+#include "host/Numbers.h"
+#include "host/SoftSynth.h"
+
+namespace marnoth {
+
+HRESULT CSoftSynth::StartPlayback(std::int32_t ticks) {
+    CAutoLock lock(*m_pzi);
+    m_pzi->ResetVoices();
+    DropAllEvents();
+    m_startSample = WholeTicksToSamples(ticks);
+    m_position = 0;
+    m_loopOffset = 0;
+    m_playing = 1;
+    return S_OK;
+}
+
+HRESULT CSoftSynth::LoopPlayback(std::int32_t restartTicks, std::int32_t stopTicks) {
+    CAutoLock lock(*m_pzi);
+    const std::int64_t jump =
+        wrappingDifference(WholeTicksToSamples(stopTicks), WholeTicksToSamples(restartTicks));
+    m_loopOffset = wrappingSum(m_loopOffset, jump);
+    return S_OK;
+}
+
+HRESULT CSoftSynth::StopPlayback() {
+    CAutoLock lock(*m_pzi);
+    m_pzi->ResetVoices();
+    DropAllEvents();
+    m_playing = 0;
+    return S_OK;
+}
+
+void CSoftSynth::DropAllEvents() {
+    RetireEvents(m_position, 1);
+    // What a failure has left in the queue still owns its voice.
+    for (QueuedEvent& event : m_eventQueue)
+        if (event.voice) m_pzi->ReleaseVoice(&event, 1);
+    m_timeMap.clear();
+    m_eventQueue = NoteQueue();
+}
+
+void CSoftSynth::advancePosition(std::int32_t frames) {
+    m_position = wrappingSum(m_position, frames);
+}
+
+}  // namespace marnoth
