@@ -221,6 +221,7 @@ private:
     /// Fills `streamEvents`; gives their count, or -1 when a track that doesn't loop has played out.
     std::int32_t SelectGrains(CGrooveTrack& track, std::int64_t rangeStart, std::int64_t rangeEnd,
                               VoiceState& voice);
+    bool silencedBySolo(const CGrooveTrack& track) const { return anySolo && !track.solo; }
 
     // ControlSurface: one field of a pad or grain, checked and under the lock. `refusal` answers a bad pad.
     template <class T, class Field>
@@ -241,8 +242,10 @@ private:
     /// After pads changed places with their snapshots.
     void adoptSwappedPads();
     void auditionGrain(const CGrooveTrack& track, std::int32_t grain);
+    /// A copy of a grain goes to `toPad`; `leave` says what becomes of the pad that it comes from.
+    template <class Leave>
     HRESULT transferGrain(std::int32_t pad, std::int32_t grain, std::int32_t toPad, std::int64_t time,
-                          std::int32_t* newIndex, bool keepSource, std::uint32_t markOnly);
+                          std::int32_t* newIndex, Leave leave);
 
     // LoopBin. Texts in the system code page.
     HRESULT LoadFile(const char* name, const char* path, std::int32_t& index, std::uint32_t& status);

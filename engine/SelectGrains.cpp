@@ -21,7 +21,7 @@ std::int32_t CGrooveSampler::SelectGrains(CGrooveTrack& track, std::int64_t rang
                                           VoiceState& voice) {
     streamEvents.RemoveAll();
     const std::int64_t loop = track.lengthTicks;
-    if (loop < 1 || (anySolo && !track.solo)) return 0;
+    if (loop < 1 || silencedBySolo(track)) return 0;
 
     VoiceLane lane = track.oneShot ? voice.shot : voice.gate;
     std::uint32_t kind = kTicks16;

@@ -121,7 +121,7 @@ CGrooveSampler::VoiceTally CGrooveSampler::renderEntry(const BlockContext& block
         tally.ended = 1;
         return tally;
     }
-    if (entry.kind == PlayKind::pad && soundedFlags) soundedFlags[entry.pad] = 1;
+    if (entry.kind == PlayKind::pad && soundedFlags && !silencedBySolo(track)) soundedFlags[entry.pad] = 1;
     // Counting from its own start serves exactly one selection.
     track.phaseOwner = 0;
     if (!track.mute) renderSelected(pad);
