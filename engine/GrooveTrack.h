@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "engine/GrooveEvent.h"
@@ -15,13 +16,38 @@ namespace marnoth {
 
 class CAcidWave;
 
+/// What the grains of a track have in common. Copies share the sample.
+struct TrackFields {
+    CPziSynthContext* context = nullptr;  ///< conversions of time; not owned
+    RefPtr<CWaveMem> sample;              ///< the whole file; Loop Bin tracks only
+    std::int64_t lengthSamples = 0;       ///< loop length
+    std::int64_t lengthTicks = 0;         ///< loop length, 16.16 ticks
+    double tempo = kDefaultTrackTempo;    ///< beats per minute
+    std::uint32_t phaseOwner = 0;         ///< 1 for the block in which this pad set the common phase
+    std::int64_t phaseOrigin = 0;         ///< zero of the loop when synced, 16.16 ticks
+    std::uint32_t looping = 0;
+    std::uint32_t synced = 0;   ///< follows the host's tempo and position
+    std::uint32_t oneShot = 1;  ///< a note starts the pad and its end doesn't stop it
+    std::uint32_t mute = 0;
+    std::uint32_t tailOn = 0;
+    std::uint32_t solo = 0;
+    std::uint32_t followKey = 0;  ///< transposes with the project's key
+    std::int32_t rootNote = -1;   ///< 0 to 11 counted from A, -1 none; up to 127 is kept
+    std::wstring name;
+    std::wstring path;              ///< identity of a Loop Bin file
+    std::int32_t midiChannel = -1;  ///< 0 to 15, -1 omni
+    std::uint32_t output = 0;       ///< 0 the mix, 1 to 16 the channel pins
+    float volume = 1.0f;            ///< 0 to 2
+    float pan = 0.5f;               ///< 0 to 1
+};
+
 /// Grains with what they have in common: one pad, or one Loop Bin file. Playback reads the grains in order
 /// and relies on them being sorted by `startTicks`.
 ///
 /// Owns its grains. No lock of its own: everything runs under the engine's lock, except while a file is
 /// loaded into a track that nobody else can see yet. Grain indices out of range throw
 /// `std::invalid_argument`.
-class CGrooveTrack {
+class CGrooveTrack : public TrackFields {
 public:
     explicit CGrooveTrack(CPziSynthContext* synthContext);
     /// Copies every field and grain, sharing samples.
@@ -54,6 +80,10 @@ public:
                                    bool growLength);
     /// Puts a grain at the end of the array, out of order: `PurgeAndSort` must follow.
     std::int32_t AppendGrain(std::unique_ptr<CGrooveEvent> grain, std::int64_t startTicks, bool growLength);
+    /// Becomes a track of one copy of `grain`, placed at 0 and just as long as that.
+    void PlayAlone(const CGrooveEvent& grain);
+    /// Takes over the lengths of `other`, and the tempo that follows from them.
+    void TakeLengthsFrom(const CGrooveTrack& other);
     /// Deletes a grain and closes the gap. Without grains both lengths become 0, the tempo 100.
     void RemoveGrain(std::int32_t index);
     /// Marks a grain for `PurgeAndSort`. At or past the count: nothing; negative: throws.
@@ -78,29 +108,20 @@ public:
     std::int32_t CollectCycle(CPreAllocArray<StreamEventInfo>& events, std::int64_t origin, std::int64_t from,
                               std::int64_t to, std::int64_t cycle, std::uint32_t kind);
 
-    CPziSynthContext* context;          ///< conversions of time; not owned
-    RefPtr<CWaveMem> sample;            ///< the whole file; Loop Bin tracks only
-    std::int64_t lengthSamples = 0;     ///< loop length
-    std::int64_t lengthTicks = 0;       ///< loop length, 16.16 ticks
-    double tempo = kDefaultTrackTempo;  ///< beats per minute
-    std::uint32_t phaseOwner = 0;       ///< 1 for the block in which this pad set the common phase
-    std::int64_t phaseOrigin = 0;       ///< zero of the loop when synced, 16.16 ticks
-    std::uint32_t looping = 0;
-    std::uint32_t synced = 0;   ///< follows the host's tempo and position
-    std::uint32_t oneShot = 1;  ///< a note starts the pad and its end doesn't stop it
-    std::uint32_t mute = 0;
-    std::uint32_t tailOn = 0;
-    std::uint32_t solo = 0;
-    std::uint32_t followKey = 0;  ///< transposes with the project's key
-    std::int32_t rootNote = -1;   ///< 0 to 11 counted from A, -1 none; up to 127 is kept
-    std::wstring name;
-    std::wstring path;              ///< identity of a Loop Bin file
-    std::int32_t midiChannel = -1;  ///< 0 to 15, -1 omni
-    std::uint32_t output = 0;       ///< 0 the mix, 1 to 16 the channel pins
-    float volume = 1.0f;            ///< 0 to 2
-    float pan = 0.5f;               ///< 0 to 1
-
 private:
+    void append(std::unique_ptr<CGrooveEvent> grain) { grains_.push_back(std::move(grain)); }
+    void forgetLength();
+    /// `forgetLength` when no grain is left.
+    void forgetLengthWhenEmpty();
+    /// What placing does once the grain is in the array.
+    void settle(CGrooveEvent& grain, bool growLength);
+    /// Grows the loop to the whole beat behind the last grain of the array.
+    void growToBeat();
+
+    void cutSegments(const CAcidWave& wave, std::int32_t binIndex);
+    void cutWhole(std::int32_t binIndex);
+    HRESULT readAndCut(CAcidWave& wave, std::int32_t binIndex, const WAVEFORMATEX& newFormat);
+
     std::vector<std::unique_ptr<CGrooveEvent>> grains_;
 };
 

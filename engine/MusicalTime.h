@@ -1,5 +1,7 @@
 #pragma once
 
+#include <algorithm>
+#include <cmath>
 #include <cstdint>
 
 namespace marnoth {
@@ -18,12 +20,18 @@ enum TimeKind : std::uint32_t {
     kSamples = 3,
 };
 
+/// Seconds that one 16.16 tick lasts at one beat per minute: 60 / `kTicksPerBeat16`, which is 2^-20.
+inline constexpr double kSecondsPerTick16AtOneBpm = 9.5367431640625e-7;
+
 /// Tempo of a track without a length, in beats per minute.
 inline constexpr double kDefaultTrackTempo = 100.0;
 
-/// Adds a half and truncates, the rounding of all frame and tick numbers derived from files.
+/// Adds a half and truncates, the rounding of all frame and tick numbers derived from files. What is beyond
+/// any music stays at 2^62 on either side, and what isn't a number is 0.
 inline std::int64_t roundHalfUp(double value) {
-    return static_cast<std::int64_t>(value + 0.5);
+    constexpr double kFarthest = 0x1p62;
+    if (std::isnan(value)) return 0;
+    return static_cast<std::int64_t>(std::clamp(value, -kFarthest, kFarthest) + 0.5);
 }
 
 }  // namespace marnoth
