@@ -1,0 +1,195 @@
+#include "shells/cli/CommandLine.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <functional>
+#include <new>
+#include <ostream>
+#include <set>
+
+#include "shells/cli/Console.h"
+#include "shells/cli/Failure.h"
+#include "shells/cli/InfoCommand.h"
+#include "shells/cli/MidiFile.h"
+#include "shells/cli/RenderCommand.h"
+#include "shells/cli/ScriptRunner.h"
+
+namespace marnoth {
+
+namespace {
+
+constexpr int kFailedStatus = 1;
+constexpr int kWrongUseStatus = 2;
+
+constexpr std::uint32_t kLowestRate = 1000;
+constexpr std::uint32_t kHighestRate = 768000;
+constexpr std::int32_t kMostBlockFrames = 1 << 20;
+constexpr double kSlowestTempo = 1;
+constexpr double kFastestTempo = 1000;
+constexpr double kMostBeats = 1e6;
+
+constexpr const char* kProgramHelp =
+    "Marnoth, a loop-based groove sampler, without a host.\n"
+    "'marnoth COMMAND --help' tells about a command.";
+
+constexpr const char* kScriptHelp =
+    "Examples:\n"
+    "  marnoth script take.mrs --out audio > take.transcript\n";
+
+constexpr const char* kRenderHelp =
+    "Pads count from 1, as on the page; pad 1 plays on note 60, the next ones on the white keys above.\n"
+    "Without a MIDI file every loaded pad is held from beat 0 to the end, 16 beats unless --beats says\n"
+    "otherwise. With one, its notes play the pads and it ends at its last bar. A pad is one-shot: a note\n"
+    "starts it whatever the note's length, and a second note switches a loop off. With --gate a pad\n"
+    "sounds as long as its notes are held.\n"
+    "The tempo is --tempo, else that of the MIDI file with all its changes, else 120.\n"
+    "\n"
+    "Examples:\n"
+    "  marnoth render --pad 1=drums.wav --tempo 112 --out loop.wav\n"
+    "  marnoth render --pad 1=drums.wav --pad 3=bass.wav --midi song.mid --out song.wav --stems stems\n";
+
+constexpr const char* kInfoHelp =
+    "Examples:\n"
+    "  marnoth info drums.wav\n"
+    "  marnoth info drums.wav --json\n";
+
+/// What the arguments say, as text where CLI11 doesn't read it itself.
+struct Request {
+    std::string script;
+    std::string scriptOut;
+    std::vector<std::string> pads;
+    std::string key;
+    RenderOptions render;
+    std::string infoFile;
+    bool json = false;
+};
+
+/// The grammar of the command line; fills a request.
+class Grammar {
+public:
+    explicit Grammar(Request& request) {
+        app_.set_version_flag("--version", "marnoth " MARNOTH_VERSION);
+        app_.require_subcommand(1);
+        // A file's name may begin with a slash on every system.
+        app_.allow_windows_style_options(false);
+        addScript(request);
+        addRender(request);
+        addInfo(request);
+    }
+
+    CLI::App& app() { return app_; }
+    bool chose(const char* name) const { return app_.got_subcommand(name); }
+
+    /// How to ask for help about what was chosen.
+    std::string helpCall() const {
+        std::string call = "marnoth ";
+        for (const CLI::App* sub : app_.get_subcommands()) call += sub->get_name() + " ";
+        return call + "--help";
+    }
+
+private:
+    void addScript(Request& request) {
+        CLI::App* script = app_.add_subcommand("script", "Run a session script and print its transcript");
+        script->add_option("FILE", request.script, "The script")->required();
+        script->add_option("--out", request.scriptOut, "Folder for the audio; made when it is missing")
+            ->required()
+            ->type_name("DIR");
+        script->footer(kScriptHelp);
+    }
+
+    void addRender(Request& request) {
+        CLI::App* render = app_.add_subcommand("render", "Render loops and notes offline into a WAV file");
+        RenderOptions& options = request.render;
+        render->add_option("--pad", request.pads, "Load a WAV file onto a pad, 1 to 16; may be repeated")
+            ->required()
+            ->allow_extra_args(false)
+            ->type_name("N=FILE");
+        render->add_option("--midi", options.midi, "Standard MIDI file to play")->type_name("FILE");
+        render->add_option("--tempo", options.tempo, "Beats per minute")
+            ->check(CLI::Range(kSlowestTempo, kFastestTempo))
+            ->type_name("BPM");
+        render->add_option("--beats", options.beats, "Length in beats")
+            ->check(CLI::Range(0.001, kMostBeats))
+            ->type_name("N");
+        render->add_option("--rate", options.rate, "Frames per second, 44100 by default")
+            ->check(CLI::Range(kLowestRate, kHighestRate))
+            ->type_name("R");
+        render->add_option("--block", options.block, "Frames of one block, 512 by default")
+            ->check(CLI::Range(1, kMostBlockFrames))
+            ->type_name("N");
+        render->add_option("--key", request.key, "The project's key, such as A, C# or Bb")->type_name("NAME");
+        render->add_flag("--gate", options.gate, "Pads sound while their notes are held");
+        render->add_option("--out", options.out, "The file to write")->required()->type_name("FILE.wav");
+        render->add_option("--stems", options.stems, "Folder for a file of each pad")->type_name("DIR");
+        render->footer(kRenderHelp);
+    }
+
+    void addInfo(Request& request) {
+        CLI::App* info = app_.add_subcommand("info", "Tell what the instrument sees in a WAV file");
+        info->add_option("FILE", request.infoFile, "The WAV file")->required();
+        info->add_flag("--json", request.json, "Print JSON");
+        info->footer(kInfoHelp);
+    }
+
+    CLI::App app_{kProgramHelp, "marnoth"};
+};
+
+RenderOptions renderOptions(const Request& request) {
+    RenderOptions options = request.render;
+    std::set<int> taken;
+    for (const std::string& text : request.pads) {
+        options.pads.push_back(readPadFile(text));
+        const int pad = options.pads.back().pad;
+        if (!taken.insert(pad).second)
+            throw WrongUse("--pad " + std::to_string(pad + 1) + " is given twice: a pad holds one file");
+    }
+    if (!request.key.empty()) options.key = readKey(request.key);
+    if (!options.midi.empty() && !canReadMidi())
+        throw WrongUse("--midi needs a build for Linux: render without it, or use 'marnoth script'");
+    return options;
+}
+
+int carryOut(const Request& request, const Grammar& grammar, std::ostream& out, std::ostream& errors) {
+    if (grammar.chose("script"))
+        return runScript(request.script, pathFromUtf8(request.scriptOut), out, errors);
+    if (grammar.chose("render"))
+        runRender(renderOptions(request), out);
+    else
+        runInfo(request.infoFile, request.json, out);
+    return 0;
+}
+
+/// One line, whatever the text.
+std::string inOneLine(std::string text) {
+    std::replace(text.begin(), text.end(), '\n', ' ');
+    return text;
+}
+
+int report(std::ostream& errors, int status, const std::string& text) {
+    errors << "marnoth: " << inOneLine(text) << std::endl;
+    return status;
+}
+
+}  // namespace
+
+int runCommandLine(std::vector<std::string> arguments, std::ostream& out, std::ostream& errors) {
+    Request request;
+    Grammar grammar(request);
+    try {
+        std::reverse(arguments.begin(), arguments.end());
+        grammar.app().parse(std::move(arguments));
+        return carryOut(request, grammar, out, errors);
+    } catch (const CLI::Success& wish) {
+        return grammar.app().exit(wish, out, errors);
+    } catch (const CLI::Error& error) {
+        return report(errors, kWrongUseStatus, std::string(error.what()) + "; see " + grammar.helpCall());
+    } catch (const WrongUse& error) {
+        return report(errors, kWrongUseStatus, error.what());
+    } catch (const std::bad_alloc&) {
+        return report(errors, kFailedStatus, "there isn't enough memory");
+    } catch (const std::exception& error) {
+        return report(errors, kFailedStatus, error.what());
+    }
+}
+
+}  // namespace marnoth

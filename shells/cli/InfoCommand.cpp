@@ -1,0 +1,183 @@
+#include "shells/cli/InfoCommand.h"
+
+#include <array>
+#include <cmath>
+#include <cstdio>
+#include <filesystem>
+#include <nlohmann/json.hpp>
+#include <ostream>
+#include <vector>
+
+#include "hostkit/HostRig.h"
+#include "sample/AcidNames.h"
+#include "sample/AcidWave.h"
+#include "shells/cli/Console.h"
+#include "shells/cli/Failure.h"
+#include "shells/cli/LoadFailure.h"
+
+namespace marnoth {
+
+namespace {
+
+constexpr double kTicksPerBeat16 = 62914560.0;
+constexpr std::array<const char*, 12> kKeyNames{"A",  "A#", "B", "C",  "C#", "D",
+                                                "D#", "E",  "F", "F#", "G",  "G#"};
+constexpr std::uint32_t kMostRate = 768000;
+
+/// A grain of the file, in beats and semitones.
+struct GrainInfo {
+    double startBeats = 0;
+    double lengthBeats = 0;
+};
+
+/// The grains that the instrument cuts, or why it cuts none.
+struct Cut {
+    std::vector<GrainInfo> grains;
+    std::string refusal;
+};
+
+std::string fixed(double value, int digits) {
+    std::array<char, 64> text{};
+    std::snprintf(text.data(), text.size(), "%.*f", digits, value);
+    return text.data();
+}
+
+std::string formatName(const WAVEFORMATEX& format) {
+    switch (format.wFormatTag) {
+        case 1:
+            return "PCM";
+        case 3:
+            return "float";
+        default:
+            return "tag " + std::to_string(format.wFormatTag);
+    }
+}
+
+std::string keyName(std::int32_t note) {
+    return note >= 0 && note < 12 ? kKeyNames[static_cast<std::size_t>(note)] : std::to_string(note);
+}
+
+std::vector<GrainInfo> grainsOf(IGrooveSampler& sampler, std::int32_t bin) {
+    GrainListEntry* list = nullptr;
+    std::int32_t count = 0;
+    std::vector<GrainInfo> grains;
+    if (SUCCEEDED(sampler.GetBinGrainList(bin, &list, &count)))
+        for (std::int32_t i = 0; list && i < count; ++i)
+            grains.push_back({static_cast<double>(list[i].startTicks) / kTicksPerBeat16,
+                              static_cast<double>(list[i].endTicks - list[i].startTicks) / kTicksPerBeat16});
+    CoTaskMemFree(list);
+    return grains;
+}
+
+/// Loads the file into an instrument at the file's own rate, so that nothing is resampled.
+Cut cutFile(const std::string& file, const WAVEFORMATEX& format) {
+    const bool usual = format.nSamplesPerSec >= 1 && format.nSamplesPerSec <= kMostRate;
+    HostRig rig;
+    const std::array<int, 1> mix{0};
+    rig.connect(usual ? format.nSamplesPerSec : 44100, 2, mix);
+    const std::filesystem::path path = std::filesystem::absolute(pathFromUtf8(file));
+    std::int32_t bin = -1;
+    std::uint32_t status = 0;
+    const HRESULT result =
+        rig.sampler().LoadFileToBin("", toInstrument(utf8FromPath(path)).c_str(), &bin, &status);
+    if (FAILED(result)) return {{}, whyNotLoaded(file, result)};
+    return {grainsOf(rig.sampler(), bin), {}};
+}
+
+std::vector<const WaveTag*> tagsOf(const CAcidWave& wave) {
+    std::vector<const WaveTag*> tags;
+    for (const WaveTag& tag : wave.tags) {
+        if (tag.chunk.ckid == CAcidWave::kEndTag) break;
+        if (!tag.label.empty()) tags.push_back(&tag);
+    }
+    return tags;
+}
+
+double secondsOf(const CAcidWave& wave) {
+    return wave.format.nSamplesPerSec ? double(wave.frameCount) / wave.format.nSamplesPerSec : 0.0;
+}
+
+std::string divisionName(const CAcidWave& wave) {
+    return wave.divisionExponent < kDivisionNames.size()
+               ? std::string(kDivisionNames[wave.divisionExponent])
+               : "division " + std::to_string(wave.divisionExponent);
+}
+
+void printLoop(const CAcidWave& wave, std::ostream& out) {
+    if (!wave.hasAcid) {
+        out << "loop      none\n";
+        return;
+    }
+    out << "loop      " << (wave.isLoop ? "" : "one-shot, ") << wave.beats << " beats at "
+        << fixed(wave.tempo, 2) << " BPM";
+    if (wave.rootNoteSet) out << ", root note " << keyName(wave.rootNote);
+    out << '\n';
+    if (wave.hasStretch) out << "markers   " << wave.stretchMarkerCount << ", " << divisionName(wave) << '\n';
+}
+
+void printText(const CAcidWave& wave, const Cut& cut, const std::string& file, std::ostream& out) {
+    const WAVEFORMATEX& format = wave.format;
+    out << "file      " << file << '\n'
+        << "format    " << formatName(format) << ", " << format.wBitsPerSample << " bits, "
+        << format.nChannels << (format.nChannels == 1 ? " channel, " : " channels, ") << format.nSamplesPerSec
+        << " Hz\n"
+        << "length    " << wave.frameCount << " frames, " << fixed(secondsOf(wave), 3) << " s\n";
+    for (const WaveTag* tag : tagsOf(wave))
+        out << "tag       " << tag->label << ' ' << fromInstrument(tag->value) << '\n';
+    printLoop(wave, out);
+    if (!cut.refusal.empty()) {
+        out << "grains    none: " << cut.refusal << '\n';
+        return;
+    }
+    out << "grains    " << cut.grains.size() << '\n';
+    for (std::size_t i = 0; i < cut.grains.size(); ++i) {
+        std::array<char, 96> line{};
+        std::snprintf(line.data(), line.size(), "  %4zu    beat %9.4f, %.4f beats\n", i + 1,
+                      cut.grains[i].startBeats, cut.grains[i].lengthBeats);
+        out << line.data();
+    }
+}
+
+using Json = nlohmann::ordered_json;
+
+Json loopJson(const CAcidWave& wave) {
+    if (!wave.hasAcid) return nullptr;
+    Json loop{{"oneShot", wave.isLoop == 0}, {"beats", wave.beats}};
+    loop["tempo"] = std::isfinite(wave.tempo) ? Json(wave.tempo) : Json();
+    loop["rootNote"] = wave.rootNoteSet ? Json(keyName(wave.rootNote)) : Json();
+    loop["markers"] = wave.hasStretch ? Json(wave.stretchMarkerCount) : Json();
+    loop["division"] = divisionName(wave);
+    return loop;
+}
+
+void printJson(const CAcidWave& wave, const Cut& cut, const std::string& file, std::ostream& out) {
+    Json info{{"file", file},
+              {"format", formatName(wave.format)},
+              {"bits", wave.format.wBitsPerSample},
+              {"channels", wave.format.nChannels},
+              {"rate", wave.format.nSamplesPerSec},
+              {"frames", wave.frameCount},
+              {"seconds", secondsOf(wave)}};
+    info["tags"] = Json::object();
+    for (const WaveTag* tag : tagsOf(wave)) info["tags"][tag->label] = fromInstrument(tag->value);
+    info["loop"] = loopJson(wave);
+    info["refused"] = cut.refusal.empty() ? Json() : Json(cut.refusal);
+    info["grains"] = Json::array();
+    for (const GrainInfo& grain : cut.grains)
+        info["grains"].push_back({{"startBeats", grain.startBeats}, {"lengthBeats", grain.lengthBeats}});
+    // Tags hold whatever bytes somebody wrote; what isn't UTF-8 shows as replacement characters.
+    out << info.dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
+}
+
+}  // namespace
+
+void runInfo(const std::string& file, bool json, std::ostream& out) {
+    CAcidWave wave;
+    const std::string path = utf8FromPath(std::filesystem::absolute(pathFromUtf8(file)));
+    if (FAILED(wave.Open(toInstrument(path).c_str())))
+        throw FileFailure(file + ": " + whyNotOpened(file, wave.lastError));
+    const Cut cut = cutFile(file, wave.format);
+    (json ? printJson : printText)(wave, cut, file, out);
+}
+
+}  // namespace marnoth

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <string>
+
+#include "platform/Com.h"
+
+namespace marnoth {
+
+/// In words why the instrument didn't load a file: `result` is what the load gave, `file` its name in UTF-8.
+/// Looks into the file itself, since the codes alone don't tell.
+std::string whyNotLoaded(const std::string& file, HRESULT result);
+
+/// In words why the reader doesn't open a file.
+std::string whyNotOpened(const std::string& file, std::uint32_t riffError);
+
+}  // namespace marnoth

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+
+namespace marnoth {
+
+/// A bar on standard error that shows how far a piece of work has come; nothing when nobody watches.
+class Progress {
+public:
+    Progress();
+    ~Progress();
+    Progress(const Progress&) = delete;
+    Progress& operator=(const Progress&) = delete;
+
+    /// `done` runs from 0 to 1.
+    void show(double done);
+
+private:
+    bool watched_;
+    std::string shown_;
+};
+
+}  // namespace marnoth

@@ -1,0 +1,209 @@
+#include "shells/cli/RenderCommand.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <chrono>
+#include <cmath>
+#include <cstdio>
+#include <filesystem>
+#include <limits>
+#include <memory>
+#include <ostream>
+
+#include "hostkit/HostRig.h"
+#include "shells/cli/Console.h"
+#include "shells/cli/Failure.h"
+#include "shells/cli/LoadFailure.h"
+#include "shells/cli/MidiFile.h"
+#include "shells/cli/Progress.h"
+#include "shells/cli/RenderOutput.h"
+#include "shells/cli/ScriptNumbers.h"
+
+namespace marnoth {
+
+namespace {
+
+constexpr std::uint32_t kChannels = 2;
+constexpr int kPads = 16;
+constexpr double kTicksPerBeat = 960.0;
+constexpr double kDefaultBeats = 16.0;
+constexpr double kDefaultTempo = 120.0;
+constexpr std::uint8_t kHeldVelocity = 100;
+
+void need(HRESULT result, const char* what) {
+    if (FAILED(result)) throw FileFailure(std::string(what) + " failed with code " + printResult(result));
+}
+
+std::string padName(int pad) {
+    std::array<char, 16> name{};
+    std::snprintf(name.data(), name.size(), "pad%02d.wav", pad + 1);
+    return name.data();
+}
+
+/// One offline render: the instrument in its host, what it plays, and where the audio goes.
+class OfflineRender {
+public:
+    explicit OfflineRender(const RenderOptions& options) : options_(options) {}
+
+    void run(std::ostream& report) {
+        readMusic();
+        connect();
+        attach();
+        for (const PadFile& pad : options_.pads) load(pad);
+        openOutputs();
+        queue();
+        const double took = render();
+        for (const auto& output : outputs_) output->finish();
+        tell(report, took);
+    }
+
+private:
+    /// Fixes tempo, length and, with a MIDI file, the notes.
+    void readMusic() {
+        double ticks = kDefaultBeats * kTicksPerBeat;
+        if (!options_.midi.empty()) {
+            part_ = readMidi(options_.midi);
+            ticks = part_.endTicks;
+        }
+        if (options_.tempo) part_.tempo = TempoTrack(*options_.tempo);
+        if (options_.beats) ticks = *options_.beats * kTicksPerBeat;
+        const double frames = part_.tempo.seconds(ticks) * options_.rate + 0.5;
+        frames_ = std::max<std::int64_t>(1, static_cast<std::int64_t>(frames));
+        ticks_ = ticks;
+    }
+
+    void connect() {
+        std::vector<int> pins{0};
+        if (!options_.stems.empty())
+            for (const PadFile& pad : options_.pads) pins.push_back(pad.pad + 1);
+        need(rig_.setBlock(options_.block), "setting the block");
+        need(rig_.connect(options_.rate, kChannels, pins), "connecting the instrument");
+    }
+
+    void attach() {
+        const auto& tempo = part_.tempo.changes();
+        AttachOptions host;
+        host.tempo = tempo.front().beatsPerMinute;
+        host.key = options_.key;
+        host.converterRate = options_.rate;
+        need(rig_.attach(host), "attaching the host");
+        for (std::size_t i = 1; i < tempo.size(); ++i) rig_.addTempo(tempo[i].tick, tempo[i].beatsPerMinute);
+    }
+
+    void load(const PadFile& pad) {
+        const std::filesystem::path path = std::filesystem::absolute(pathFromUtf8(pad.file));
+        const std::string title = toInstrument(utf8FromPath(path.filename()));
+        std::int32_t bin = -1;
+        std::uint32_t status = 0;
+        const HRESULT result = rig_.sampler().LoadFileToPad(
+            pad.pad, title.c_str(), toInstrument(utf8FromPath(path)).c_str(), &bin, &status);
+        if (FAILED(result)) throw FileFailure(pad.file + ": " + whyNotLoaded(pad.file, result));
+        if (status == kBinFull) throw FileFailure(pad.file + ": the instrument holds no more files");
+        // A held pad has to sound for as long as its note does.
+        if (options_.gate || options_.midi.empty()) rig_.sampler().SetPadOneShot(pad.pad, 0);
+        if (!options_.stems.empty())
+            need(rig_.sampler().SetPadOutput(pad.pad, static_cast<std::uint32_t>(pad.pad + 1)),
+                 "routing a pad");
+    }
+
+    void openOutputs() {
+        open(0, pathFromUtf8(options_.out));
+        if (options_.stems.empty()) return;
+        const std::filesystem::path folder = pathFromUtf8(options_.stems);
+        std::error_code error;
+        std::filesystem::create_directories(folder, error);
+        if (error) throw FileFailure(options_.stems + ": the folder can't be made");
+        for (const PadFile& pad : options_.pads) open(pad.pad + 1, folder / padName(pad.pad));
+    }
+
+    void open(int pin, const std::filesystem::path& path) {
+        outputs_.push_back(std::make_unique<RenderOutput>(path, options_.rate, kChannels));
+        rig_.setTaker(pin, [output = outputs_.back().get()](std::span<const float> samples, bool) {
+            output->take(samples);
+        });
+    }
+
+    void queue() {
+        if (options_.midi.empty())
+            for (const PadFile& pad : options_.pads) part_.notes.push_back(heldNote(pad.pad));
+        need(rig_.synth().StartPlayback(0), "starting the transport");
+        need(rig_.queueEvents(0, part_.notes), "queueing the notes");
+    }
+
+    SynthEvent heldNote(int pad) {
+        KeyMapRecord entry{};
+        entry.pad = pad;
+        need(rig_.sampler().GetKeyMapEntry(&entry), "reading the key map");
+        SynthEvent note;
+        note.type = SynthEventType::note;
+        note.note = static_cast<std::uint8_t>(entry.rootKey);
+        note.velocity = kHeldVelocity;
+        note.duration = static_cast<std::uint32_t>(std::max(1.0, std::ceil(ticks_)));
+        return note;
+    }
+
+    /// Renders everything; gives the seconds that it took.
+    double render() {
+        const auto begin = std::chrono::steady_clock::now();
+        // About a second at a time, in whole blocks: cutting there changes nothing in the audio.
+        const std::int64_t atOnce = (options_.rate / options_.block + 1) * std::int64_t{options_.block};
+        Progress progress;
+        for (std::int64_t done = 0; done < frames_;) {
+            const std::int64_t now = std::min(atOnce, frames_ - done);
+            need(rig_.render(now), "rendering");
+            for (const auto& output : outputs_) output->check();
+            done += now;
+            progress.show(static_cast<double>(done) / static_cast<double>(frames_));
+        }
+        return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+    }
+
+    void tell(std::ostream& report, double took) const {
+        const double length = static_cast<double>(frames_) / options_.rate;
+        const float peak = outputs_.front()->peak();
+        std::array<char, 64> level{"silent"};
+        if (peak > 0) std::snprintf(level.data(), level.size(), "peak %.1f dBFS", 20 * std::log10(peak));
+        std::array<char, 160> text{};
+        std::snprintf(text.data(), text.size(), ": %.3f s, %s, %.0f times real time", length, level.data(),
+                      length / std::max(took, 1e-6));
+        report << options_.out << text.data() << std::endl;
+    }
+
+    const RenderOptions& options_;
+    MidiPart part_;
+    double ticks_ = 0;
+    std::int64_t frames_ = 0;
+    std::vector<std::unique_ptr<RenderOutput>> outputs_;
+    HostRig rig_;  // destroyed before the outputs that its pins write to
+};
+
+}  // namespace
+
+PadFile readPadFile(std::string_view text) {
+    const std::size_t equals = text.find('=');
+    int pad = 0;
+    const char* end = text.data() + std::min(equals, text.size());
+    const auto [stop, error] = std::from_chars(text.data(), end, pad);
+    const bool isNumber = error == std::errc{} && stop == end;
+    if (equals == text.npos || !isNumber || pad < 1 || pad > kPads || equals + 1 == text.size())
+        throw WrongUse("--pad \"" + std::string(text) + "\": write N=FILE.wav with a pad N from 1 to 16");
+    return {pad - 1, std::string(text.substr(equals + 1))};
+}
+
+std::uint32_t readKey(std::string_view name) {
+    // Semitones above A of the letters from A on.
+    constexpr std::array<int, 7> kLetters{0, 2, 3, 5, 7, 8, 10};
+    const char letter = name.empty() ? ' ' : static_cast<char>(name[0] & ~0x20);
+    const std::string_view sign = name.empty() ? name : name.substr(1);
+    if (letter < 'A' || letter > 'G' || (sign != "" && sign != "#" && sign != "b"))
+        throw WrongUse("--key \"" + std::string(name) + "\": write a note name such as A, C# or Bb");
+    const int step = sign == "#" ? 1 : sign == "b" ? 11 : 0;
+    return static_cast<std::uint32_t>((kLetters[static_cast<std::size_t>(letter - 'A')] + step) % 12);
+}
+
+void runRender(const RenderOptions& options, std::ostream& report) {
+    OfflineRender(options).run(report);
+}
+
+}  // namespace marnoth

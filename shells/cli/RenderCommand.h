@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstdint>
+#include <iosfwd>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace marnoth {
+
+/// A file for a pad.
+struct PadFile {
+    int pad = 0;  ///< 0 to 15
+    std::string file;
+};
+
+/// What `marnoth render` was asked for. File names are in UTF-8.
+struct RenderOptions {
+    std::vector<PadFile> pads;
+    std::string midi;             ///< empty: every loaded pad is held from beat 0 to the end
+    std::optional<double> tempo;  ///< in place of the MIDI file's
+    std::optional<double> beats;  ///< in place of the length of the MIDI file, or of 16
+    std::uint32_t rate = 44100;
+    std::int32_t block = 512;
+    std::optional<std::uint32_t> key;  ///< 0 to 11 counted from A
+    bool gate = false;                 ///< pads sound while their notes are held, in place of one-shot
+    std::string out;
+    std::string stems;  ///< folder for a file of each pad; empty for none
+};
+
+/// `N=FILE` with N from 1 to 16. Throws `WrongUse`.
+PadFile readPadFile(std::string_view text);
+/// The number of a key, from `A` for 0, with `#` or `b` behind the letter. Throws `WrongUse`.
+std::uint32_t readKey(std::string_view name);
+
+/// Renders offline and prints a line about it. Throws `FileFailure`.
+void runRender(const RenderOptions& options, std::ostream& report);
+
+}  // namespace marnoth

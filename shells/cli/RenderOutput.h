@@ -1,0 +1,33 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <span>
+#include <string>
+
+#include "shells/cli/WaveWriter.h"
+
+namespace marnoth {
+
+/// Where the audio of one pin of an offline render goes: a WAV file, and what is worth telling about it.
+class RenderOutput {
+public:
+    RenderOutput(const std::filesystem::path& path, std::uint32_t rate, std::uint32_t channels)
+        : writer_(path, rate, channels) {}
+
+    /// Appends audio. Called inside a block: a failure is kept for `check`.
+    void take(std::span<const float> samples) noexcept;
+    /// Throws the `FileFailure` that taking met.
+    void check() const;
+    /// Throws `FileFailure`.
+    void finish() { writer_.finish(); }
+
+    float peak() const { return peak_; }
+
+private:
+    WaveWriter writer_;
+    float peak_ = 0;
+    std::optional<std::string> failure_;
+};
+
+}  // namespace marnoth

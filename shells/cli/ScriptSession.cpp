@@ -1,0 +1,87 @@
+#include "shells/cli/ScriptSession.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "shells/cli/Console.h"
+#include "shells/cli/Failure.h"
+#include "shells/cli/ScriptWords.h"
+
+namespace marnoth {
+
+namespace {
+
+/// Blocks between two looks at whether the audio files still take what comes.
+constexpr std::int64_t kBlocksAtOnce = 64;
+
+std::string describe(std::uint32_t rate, std::uint32_t channels) {
+    return std::to_string(channels) + " channels at " + std::to_string(rate) + " Hz";
+}
+
+}  // namespace
+
+ScriptSession::ScriptSession(const std::filesystem::path& scriptFolder,
+                             const std::filesystem::path& outputFolder)
+    : folder_(std::filesystem::absolute(scriptFolder)), files_(outputFolder) {
+    for (int pin = 0; pin < kOutputPins; ++pin)
+        rig_.setTaker(pin, [this, pin](std::span<const float> samples, bool) { files_.take(pin, samples); });
+}
+
+std::filesystem::path ScriptSession::file(std::string_view word) const {
+    return (folder_ / pathFromUtf8(word)).lexically_normal().make_preferred();
+}
+
+HRESULT ScriptSession::connect(std::uint32_t rate, std::uint32_t channels, const std::vector<int>& pins) {
+    rate_ = rate;
+    channels_ = channels;
+    const HRESULT result = rig_.connect(rate, channels, pins);
+    files_.connected(rate, channels, SUCCEEDED(result) ? pins : std::vector<int>{});
+    return result;
+}
+
+void ScriptSession::setInputSilence() {
+    input_.reset();
+    rig_.setInputSilence();
+}
+
+void ScriptSession::setInputZeros() {
+    input_.reset();
+    rig_.setInputZeros();
+}
+
+void ScriptSession::setInputFile(std::string_view word) try {
+    WaveFrames wave = readWaveFrames(file(word));
+    input_ = InputFormat{std::string(word), wave.rate, wave.channels};
+    checkInput();
+    rig_.setInputFrames(std::move(wave.samples));
+} catch (const FileFailure& failure) {
+    throw ScriptError(failure.what());
+}
+
+HRESULT ScriptSession::setBlock(std::int32_t frames) {
+    block_ = frames;
+    return rig_.setBlock(frames);
+}
+
+HRESULT ScriptSession::render(std::int64_t frames) {
+    checkInput();
+    files_.begin();
+    // Cutting at whole blocks changes nothing in the audio.
+    const std::int64_t atOnce = kBlocksAtOnce * block_;
+    HRESULT result = S_OK;
+    do {
+        const std::int64_t now = std::min(frames, atOnce);
+        result = rig_.render(now);
+        files_.check();
+        frames -= now;
+    } while (frames > 0 && SUCCEEDED(result));
+    return result;
+}
+
+void ScriptSession::checkInput() const {
+    if (!input_ || !rate_ || (input_->rate == *rate_ && input_->channels == channels_)) return;
+    throw ScriptError(input_->name + " has " + describe(input_->rate, input_->channels) +
+                      ", the input pin has " + describe(*rate_, channels_));
+}
+
+}  // namespace marnoth

@@ -1,0 +1,9 @@
+#include <iostream>
+
+#include "shells/cli/CommandLine.h"
+#include "shells/cli/Console.h"
+
+int main(int argc, char** argv) {
+    marnoth::prepareConsole();
+    return marnoth::runCommandLine(marnoth::consoleArguments(argc, argv), std::cout, std::cerr);
+}
