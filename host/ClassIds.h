@@ -1,0 +1,14 @@
+#pragma once
+
+#include "platform/Com.h"
+
+namespace marnoth {
+
+/// The instrument as a node of the audio graph.
+inline constexpr CLSID CLSID_Marnoth{
+    0x8D2F6C4E, 0x71B3, 0x4A59, {0x9E, 0x06, 0xC5, 0x1A, 0x3F, 0xB8, 0x27, 0xD0}};
+/// The page of the editor.
+inline constexpr CLSID CLSID_MarnothProperties{
+    0x8D2F6C4F, 0x71B3, 0x4A59, {0x9E, 0x06, 0xC5, 0x1A, 0x3F, 0xB8, 0x27, 0xD0}};
+
+}  // namespace marnoth

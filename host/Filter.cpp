@@ -1,0 +1,98 @@
+#include "host/Filter.h"
+
+#include "host/ClassIds.h"
+
+namespace marnoth {
+
+CFilter::CFilter(IUnknown* outer, HRESULT* result)
+    : CPzi(this),
+      CSoftSynth(this),
+      CGrooveSampler(this),
+      CBaseFilter(outer, *this, CLSID_Marnoth),
+      m_inputPin(*this) {
+    m_moduleLock.emplace();
+    if (FAILED(*result)) return;
+    HRESULT hr = AddOutputPin("Mix Output", nullptr);
+    if (SUCCEEDED(hr)) hr = RegisterOutputs();
+    if (FAILED(hr)) *result = hr;
+}
+
+CFilter::~CFilter() {
+    RemoveAllOutputPins();
+    disconnectLeftOverPins();
+    releaseAbandonedSamples();
+    m_moduleLock.reset();
+    // The engine goes before the soft synth, and the voices in the queue are the engine's to free.
+    DropAllEvents();
+}
+
+IUnknown* CFilter::FindInterface(REFIID iid) {
+    if (iid == IID_IGrooveSampler || iid == IID_IDispatch) return static_cast<IGrooveSampler*>(this);
+    if (iid == IID_IKvxSoftSynth || iid == IID_IKvxSoftSynth2) return static_cast<IKvxSoftSynth2*>(this);
+    if (iid == IID_IKvxNotify) return static_cast<IKvxNotify*>(this);
+    if (iid == IID_IKvxInputPort) return static_cast<IKvxInputPort*>(this);
+    if (iid == IID_ISpecifyPropertyPages) return static_cast<ISpecifyPropertyPages*>(this);
+    return CBaseFilter::FindInterface(iid);
+}
+
+HRESULT CFilter::GetTypeInfoCount(UINT* count) {
+    if (!count) return E_POINTER;
+    *count = 0;
+    return S_OK;
+}
+
+HRESULT CFilter::GetTypeInfo(UINT index, LCID, ITypeInfo** out) {
+    if (!out) return E_POINTER;
+    *out = nullptr;
+    return index != 0 ? E_INVALIDARG : E_NOTIMPL;
+}
+
+HRESULT CFilter::GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) {
+    return E_NOTIMPL;
+}
+
+HRESULT CFilter::Invoke(DISPID, REFIID iid, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*, UINT*) {
+    return iid != IID_NULL ? DISP_E_UNKNOWNINTERFACE : E_NOTIMPL;
+}
+
+HRESULT CFilter::GetPages(CAUUID* pages) {
+    if (!pages) return E_POINTER;
+    pages->cElems = 0;
+    pages->pElems = static_cast<GUID*>(CoTaskMemAlloc(sizeof(GUID)));
+    if (!pages->pElems) return E_OUTOFMEMORY;
+    pages->cElems = 1;
+    *pages->pElems = CLSID_MarnothProperties;
+    return S_OK;
+}
+
+HRESULT CFilter::Pause() {
+    CAutoLock lock(pzi());
+    const FILTER_STATE before = State();
+    if (before == State_Paused) return S_OK;
+    m_streamPosition = 0;
+    HRESULT hr = CBaseFilter::Pause();
+    if (SUCCEEDED(hr) && !m_inputPin.IsConnected()) hr = EndOfStream();
+    if (SUCCEEDED(hr) && before == State_Stopped) hr = PrepareResources();
+    return hr;
+}
+
+HRESULT CFilter::Run(REFERENCE_TIME start) {
+    CAutoLock lock(pzi());
+    CBaseFilter::Run(start);
+    if (!m_inputPin.IsConnected()) EndOfStream();
+    SetRefreshRequest(2);
+    return S_OK;
+}
+
+HRESULT CFilter::Stop() {
+    CAutoLock lock(pzi());
+    if (State() == State_Stopped) return S_OK;
+    releaseAbandonedSamples();
+    HRESULT hr = CBaseFilter::Stop();
+    if (SUCCEEDED(hr)) hr = FreeResources();
+    ClearPhaseAnchor();
+    SetRefreshRequest(2);
+    return hr;
+}
+
+}  // namespace marnoth

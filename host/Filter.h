@@ -1,0 +1,129 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "engine/GrooveSampler.h"
+#include "host/FilterPins.h"
+#include "host/Module.h"
+#include "host/SoftSynth.h"
+#include "platform/BaseFilter.h"
+#include "platform/RefPtr.h"
+
+namespace marnoth {
+
+/// The whole instrument as one object: the engine, what the sequencer talks to, and the node of the audio
+/// graph with one input pin and seventeen output pins ("Mix Output", "Chan 1" to "Chan 16").
+///
+/// One identity and one reference count for every interface. One lock, that of `CPzi`: the streaming thread
+/// holds it for a block, everybody else for one operation. Audio at the input pin is the only clock: each
+/// sample received is one block rendered and one sample delivered on every connected output pin.
+class CFilter final : public CSoftSynth,
+                      public CGrooveSampler,
+                      public CBaseFilter,
+                      public ISpecifyPropertyPages {
+public:
+    using OutputPins = std::vector<RefPtr<CFilterOutputPin>>;
+
+    /// Begins with one reference. `outer` is the object that this one becomes a part of, or null. A failure
+    /// to make the pins goes into `*result`, which is left alone otherwise; such an object is only fit to be
+    /// released.
+    CFilter(IUnknown* outer, HRESULT* result);
+
+    // IUnknown, for every interface of the object.
+    HRESULT QueryInterface(REFIID iid, void** out) override { return CBaseFilter::QueryInterface(iid, out); }
+    ULONG AddRef() override { return CBaseFilter::AddRef(); }
+    ULONG Release() override { return CBaseFilter::Release(); }
+
+    // IDispatch: there is no type library to serve it from.
+    HRESULT GetTypeInfoCount(UINT* count) override;
+    HRESULT GetTypeInfo(UINT index, LCID locale, ITypeInfo** out) override;
+    HRESULT GetIDsOfNames(REFIID iid, LPOLESTR* names, UINT count, LCID locale, DISPID* ids) override;
+    HRESULT Invoke(DISPID id, REFIID iid, LCID locale, WORD flags, DISPPARAMS* arguments, VARIANT* result,
+                   EXCEPINFO* exception, UINT* argumentError) override;
+
+    // ISpecifyPropertyPages: the editor.
+    HRESULT GetPages(CAUUID* pages) override;
+
+    // CBaseFilter.
+    int GetPinCount() override;
+    CBasePin* GetPin(int index) override;
+    HRESULT Stop() override;
+    HRESULT Pause() override;
+    HRESULT Run(REFERENCE_TIME start) override;
+
+    // CPziSynthContext: the output pins. Everything that changes their set asks the attached host first,
+    // which may refuse, and tells host and graph afterwards.
+    HRESULT AddOutputPin(const char* name, std::uint32_t* id) override;
+    /// A connected pin stays: `E_UNEXPECTED`. An unknown id counts as the last pin's, and what goes is one
+    /// from the count of pins while the pin itself stays.
+    HRESULT RemoveOutputPin(std::uint32_t id) override;
+    /// Removes from the first on; a connected pin ends it with `E_UNEXPECTED` and the count as it was.
+    HRESULT RemoveAllOutputPins() override;
+    IPin* FindOutputPin(std::uint32_t id) override;
+    std::int32_t GetOutputPinCount() override;
+    std::uint32_t GetPinId(std::int32_t index) override;
+
+    // For the pins.
+    CPzi& pzi() { return *this; }
+    const CFilterInputPin& inputPin() const { return m_inputPin; }
+    const OutputPins& outputPins() const { return m_outputPins; }
+    /// Renders and delivers one block. Streaming thread. A failure to get buffers for it comes back; what the
+    /// engine or a pin downstream says of the block doesn't.
+    HRESULT Receive(IMediaSample* in);
+    /// Lets the engine play out, then sends the end of the stream down.
+    HRESULT EndOfStream();
+    /// Calls `deliver` for the connected output pins in order until one fails.
+    template <class Deliver>
+    HRESULT tellConnectedOutputs(Deliver deliver) {
+        for (const auto& pin : m_outputPins) {
+            if (!pin->IsConnected()) continue;
+            if (const HRESULT hr = deliver(*pin); FAILED(hr)) return hr;
+        }
+        return S_OK;
+    }
+
+protected:
+    IUnknown* FindInterface(REFIID iid) override;
+
+private:
+    /// The buffers of one block: one descriptor for each connected output pin, in order.
+    struct BlockBuffers {
+        std::vector<PinBuffer> buffers;
+        std::vector<RefPtr<CFilterOutputPin>> pins;  ///< of `buffers`, index for index
+    };
+    class BlockScope;
+    struct SampleFlags;
+
+    ~CFilter() override;
+
+    // Output pins.
+    HRESULT askForPinSet(std::int32_t count);
+    HRESULT NotifyPinSetChanged(std::int32_t count);
+    void disconnectLeftOverPins();
+
+    // Block cycle.
+    HRESULT prepareBuffers(BlockBuffers& block, const SampleFlags& flags);
+    HRESULT prepareBuffer(CFilterOutputPin* pin, PinBuffer* buffer, const SampleFlags& flags);
+    HRESULT fitBuffers(BlockBuffers& block, std::int32_t frames, LONG bytes);
+    HRESULT renderReceived(BlockBuffers& block, PinBuffer& input, const SampleFlags& flags);
+    void deliverBlock(BlockBuffers& block, HRESULT rendered);
+    HRESULT deliverBuffer(CFilterOutputPin& pin, PinBuffer& buffer);
+    HRESULT renderRest(BlockBuffers& block, std::int32_t frames);
+    HRESULT deliverRest(BlockBuffers& block, HRESULT rendered);
+    HRESULT endAllStreams(BlockBuffers& block);
+    void advance(std::int32_t frames);
+    void abandonSamples(BlockBuffers& block);
+    void releaseAbandonedSamples();
+
+    std::optional<ModuleLock> m_moduleLock;
+    CFilterInputPin m_inputPin;
+    OutputPins m_outputPins;
+    std::int32_t m_outputPinCount = 0;  ///< as told to the host; may differ from the list after odd removals
+    std::int64_t m_streamPosition = 0;  ///< samples on the input pin since the last `Pause`
+    BlockBuffers m_spareBuffers;        ///< storage for a block, with room for every output pin
+    std::vector<RefPtr<IMediaSample>> m_abandonedSamples;  ///< of blocks that failed; kept until `Stop`
+};
+
+}  // namespace marnoth

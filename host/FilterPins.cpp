@@ -1,0 +1,170 @@
+#include "host/FilterPins.h"
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+
+#include "host/AudioFormats.h"
+#include "host/Filter.h"
+
+namespace marnoth {
+
+namespace {
+
+/// Sets a flag for a scope.
+class FlagScope {
+public:
+    explicit FlagScope(bool& flag) : flag_(flag) { flag_ = true; }
+    ~FlagScope() { flag_ = false; }
+    FlagScope(const FlagScope&) = delete;
+    FlagScope& operator=(const FlagScope&) = delete;
+
+private:
+    bool& flag_;
+};
+
+LONG doubled(LONG bytes) {
+    constexpr LONG kMost = std::numeric_limits<LONG>::max();
+    return bytes > kMost / 2 ? kMost : bytes * 2;
+}
+
+bool hasFormatBlock(const AM_MEDIA_TYPE& type) {
+    return type.pbFormat && type.cbFormat >= sizeof(WAVEFORMATEX);
+}
+
+}  // namespace
+
+CFilterInputPin::CFilterInputPin(CFilter& filter)
+    : CBaseInputPin(filter, filter.pzi(), L"Input"), filter_(filter) {}
+
+HRESULT CFilterInputPin::CheckMediaType(const AM_MEDIA_TYPE* type) {
+    CAutoLock lock(filter_.pzi());
+    if (checkingType_) return S_OK;
+    const FlagScope checking(checkingType_);
+    if (const HRESULT hr = CheckInputType(filter_.pzi(), type); FAILED(hr)) return hr;
+    for (const auto& pin : filter_.outputPins())
+        if (pin->IsConnected() && FAILED(CheckTransform(filter_.pzi(), type, pin->CurrentMediaType().Get())))
+            return VFW_E_TYPE_NOT_ACCEPTED;
+    return S_OK;
+}
+
+HRESULT CFilterInputPin::SetMediaType(const AM_MEDIA_TYPE* type) {
+    CBaseInputPin::SetMediaType(type);
+    if (const HRESULT hr = CheckAudioMediaType(type); FAILED(hr)) return hr;
+    return SetFormat(filter_.pzi(), PINDIR_INPUT, type);
+}
+
+HRESULT CFilterInputPin::CompleteConnect(IPin*) {
+    HRESULT hr = S_OK;
+    // A reconnection may change the set of pins.
+    const auto pins = filter_.outputPins();
+    for (const auto& pin : pins) {
+        if (!pin->IsConnected()) continue;
+        hr = CheckTransform(filter_.pzi(), CurrentMediaType().Get(), pin->CurrentMediaType().Get());
+        if (SUCCEEDED(hr)) continue;
+        hr = filter_.ReconnectPin(pin.get(), nullptr);
+        if (FAILED(hr)) return hr;
+    }
+    return hr;
+}
+
+HRESULT CFilterInputPin::Receive(IMediaSample* sample) {
+    return filter_.Receive(sample);
+}
+
+HRESULT CFilterInputPin::EndOfStream() {
+    return filter_.EndOfStream();
+}
+
+HRESULT CFilterInputPin::BeginFlush() {
+    CAutoLock lock(filter_.pzi());
+    const HRESULT hr =
+        filter_.tellConnectedOutputs([](CFilterOutputPin& pin) { return pin.DeliverBeginFlush(); });
+    return FAILED(hr) ? hr : CBaseInputPin::BeginFlush();
+}
+
+HRESULT CFilterInputPin::EndFlush() {
+    CAutoLock lock(filter_.pzi());
+    const HRESULT hr =
+        filter_.tellConnectedOutputs([](CFilterOutputPin& pin) { return pin.DeliverEndFlush(); });
+    return FAILED(hr) ? hr : CBaseInputPin::EndFlush();
+}
+
+HRESULT CFilterInputPin::NewSegment(REFERENCE_TIME start, REFERENCE_TIME stop, double rate) {
+    CAutoLock lock(filter_.pzi());
+    const HRESULT hr = filter_.tellConnectedOutputs(
+        [&](CFilterOutputPin& pin) { return pin.DeliverNewSegment(start, stop, rate); });
+    return FAILED(hr) ? hr : CBaseInputPin::NewSegment(start, stop, rate);
+}
+
+CFilterOutputPin::CFilterOutputPin(CFilter& filter, std::wstring_view name, std::uint32_t id)
+    : CBaseOutputPin(filter, filter.pzi(), name), filter_(filter), id_(id) {}
+
+// The count is atomic instead of guarded by the filter's lock: the last holder may let go when the filter,
+// and the lock with it, has gone already.
+ULONG CFilterOutputPin::AddRef() {
+    return ++references_;
+}
+
+ULONG CFilterOutputPin::Release() {
+    const ULONG left = --references_;
+    if (left == 0) delete this;
+    return left;
+}
+
+HRESULT CFilterOutputPin::CheckMediaType(const AM_MEDIA_TYPE* type) {
+    CAutoLock lock(filter_.pzi());
+    if (checkingType_) return S_OK;
+    const FlagScope checking(checkingType_);
+    if (const HRESULT hr = CheckOutputType(filter_.pzi(), type); FAILED(hr)) return hr;
+    const CFilterInputPin& input = filter_.inputPin();
+    if (!input.IsConnected()) return VFW_E_NOT_CONNECTED;
+    const HRESULT hr = CheckTransform(filter_.pzi(), input.CurrentMediaType().Get(), type);
+    return FAILED(hr) ? VFW_E_TYPE_NOT_ACCEPTED : S_OK;
+}
+
+HRESULT CFilterOutputPin::SetMediaType(const AM_MEDIA_TYPE* type) {
+    CAutoLock lock(filter_.pzi());
+    if (!filter_.inputPin().IsConnected()) return VFW_E_NOT_CONNECTED;
+    if (const HRESULT hr = CBaseOutputPin::SetMediaType(type); FAILED(hr)) return hr;
+    return SetFormat(filter_.pzi(), PINDIR_OUTPUT, type);
+}
+
+HRESULT CFilterOutputPin::EnumMediaTypes(IEnumMediaTypes** out) {
+    if (!out) return E_POINTER;
+    *out = nullptr;
+    CAutoLock lock(filter_.pzi());
+    IPin* upstream = filter_.inputPin().GetConnected();
+    return upstream ? upstream->EnumMediaTypes(out) : VFW_E_NOT_CONNECTED;
+}
+
+HRESULT CFilterOutputPin::GetMediaType(int position, CMediaType* type) {
+    CAutoLock lock(filter_.pzi());
+    const CFilterInputPin& input = filter_.inputPin();
+    if (!input.IsConnected()) return VFW_S_NO_MORE_ITEMS;
+    if (position < 0) return E_INVALIDARG;
+    if (position > 0) return VFW_S_NO_MORE_ITEMS;
+    if (!type) return E_POINTER;
+    const AM_MEDIA_TYPE& source = *input.CurrentMediaType();
+    if (!hasFormatBlock(source) || !hasFormatBlock(**type)) return E_FAIL;
+    WAVEFORMATEX format = FormatOf(source);
+    const HRESULT hr = filter_.pzi().ProposeOutputFormat(&format);
+    std::memcpy((*type)->pbFormat, &format, sizeof format);
+    return hr;
+}
+
+HRESULT CFilterOutputPin::DecideBufferSize(IMemAllocator* allocator, ALLOCATOR_PROPERTIES* properties) {
+    if (!allocator || !properties) return E_POINTER;
+    CAutoLock lock(filter_.pzi());
+    const CFilterInputPin& input = filter_.inputPin();
+    if (input.IsConnected() && input.Allocator()) input.Allocator()->GetProperties(properties);
+    const CPzi& pzi = filter_.pzi();
+    if (pzi.inputFormat.nChannels == 1 && pzi.outputFormat.nChannels == 2)
+        properties->cbBuffer = doubled(properties->cbBuffer);
+    ALLOCATOR_PROPERTIES actual{};
+    const HRESULT hr = allocator->SetProperties(properties, &actual);
+    if (SUCCEEDED(hr)) *properties = actual;
+    return hr;
+}
+
+}  // namespace marnoth
