@@ -5,16 +5,10 @@
 #include <cstring>
 #include <limits>
 
+#include "platform/Text.h"
+
 namespace marnoth {
 namespace {
-
-std::wstring wideFromSystem(const char* text) {
-    return std::filesystem::path(text).wstring();
-}
-
-std::filesystem::path filePath(const std::wstring& path) {
-    return path;
-}
 
 constexpr std::size_t kMaxPathCharacters = 255;
 constexpr std::uint32_t kLengthInMilliseconds = 2;
@@ -86,7 +80,7 @@ bool CAcidWave::find(const char (&id)[5], ChunkInfo& chunk) {
 
 bool CAcidWave::openForm(const char* path) {
     pathName = wideFromSystem(path).substr(0, kMaxPathCharacters);
-    if (file_.open(filePath(pathName), FileMode::read)) return fail(kRiffCannotOpen);
+    if (file_.open(pathFromWide(pathName), FileMode::read)) return fail(kRiffCannotOpen);
     fileBytes = file_.remaining().value_or(0);
     riff_ = {};
     const bool isWave =

@@ -155,7 +155,9 @@ HRESULT CWaveMem::BuildPeaks(std::int32_t mode, std::int32_t points) {
     peakPoints = 0;
     if (mode != 0) return S_OK;
     peakCapacity = format.nChannels * points * 2;
-    peaks = allocateSilence(peakCapacity);
+    // A grain's offset and count are rounded each for itself, so that the last grain may reach one entry too
+    // far.
+    peaks = allocateSilence(peakCapacity + format.nChannels * 2);
     if (!peaks) return E_OUTOFMEMORY;
     peakPoints = points;
     if (samples) fillPeaks();

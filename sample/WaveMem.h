@@ -72,7 +72,7 @@ public:
     std::int64_t tailFrames = 0;    ///< tail waves only: twice the grain's length
     double tailDecay = 0;           ///< tail waves only: gain factor per frame
     std::int32_t peakPoints = 0;    ///< 0 when there is no table
-    std::int32_t peakCapacity = 0;  ///< values in `peaks`
+    std::int32_t peakCapacity = 0;  ///< values in `peaks`, which has one spare entry behind them
     std::uint64_t byteSize = 0;     ///< bytes of `samples`
     double rateRatio = 1.0;         ///< new rate / the file's rate
 

@@ -6,13 +6,16 @@
 #include <string>
 #include <system_error>
 
+#include "platform/Text.h"
+
 namespace marnoth::test {
 
 /// A path in the system's temporary folder that nobody else has. What stands there is removed at the end.
 class TempPath {
 public:
-    explicit TempPath(const std::string& extension = "")
-        : path_(std::filesystem::temp_directory_path() / (uniqueName() + extension)), name_(path_.string()) {}
+    explicit TempPath(const std::filesystem::path& extension = {})
+        : path_((std::filesystem::temp_directory_path() / uniqueName()) += extension),
+          name_(systemFromWide(wide())) {}
     TempPath(TempPath&& other) noexcept : path_(std::move(other.path_)), name_(std::move(other.name_)) {
         other.path_.clear();
     }
@@ -24,9 +27,10 @@ public:
     }
 
     const std::filesystem::path& path() const { return path_; }
+    /// In the system's code page, as the interfaces take it.
     const std::string& string() const { return name_; }
     const char* c_str() const { return name_.c_str(); }
-    std::wstring wide() const { return path_.wstring(); }
+    std::wstring wide() const { return wideFromPath(path_); }
 
 private:
     static std::string uniqueName() {

@@ -173,21 +173,16 @@ public:
 
     /// The whole file.
     Bytes bytes() const {
-        Bytes file;
-        append(file, std::string("RIFF"));
-        append(file, std::uint32_t{0});
-        append(file, formType_);
-        for (const auto& [id, body] : chunks()) appendChunk(file, id, body);
-        const auto formBytes = static_cast<std::uint32_t>(file.size() - 8);
-        std::memcpy(file.data() + 4, &formBytes, 4);
-        for (const auto& [id, size] : claims_) std::memcpy(file.data() + offsetOf(file, id) + 4, &size, 4);
+        const Bytes sound = soundBytes();
+        Bytes file = sound;
+        for (const auto& [id, size] : claims_) std::memcpy(file.data() + offsetOf(sound, id) + 4, &size, 4);
         for (const auto& [offset, value] : pokes_) file.at(offset) = value;
         if (length_) file.resize(std::min(file.size(), *length_));
         return file;
     }
 
     /// Where the header of the first chunk `id` stands.
-    std::size_t offsetOf(const std::string& id) const { return offsetOf(bytes(), id); }
+    std::size_t offsetOf(const std::string& id) const { return offsetOf(soundBytes(), id); }
 
     void write(const std::filesystem::path& path) const { writeBytes(path, bytes()); }
     /// A file that goes with the returned object.
@@ -214,6 +209,17 @@ private:
     void addInteger(std::int32_t value) {
         for (int shift = 0; shift < bits_; shift += 8)
             audio_.push_back(static_cast<std::uint8_t>(value >> shift));
+    }
+
+    Bytes soundBytes() const {
+        Bytes file;
+        append(file, std::string("RIFF"));
+        append(file, std::uint32_t{0});
+        append(file, formType_);
+        for (const auto& [id, body] : chunks()) appendChunk(file, id, body);
+        const auto formBytes = static_cast<std::uint32_t>(file.size() - 8);
+        std::memcpy(file.data() + 4, &formBytes, 4);
+        return file;
     }
 
     Bytes formatBody() const {
