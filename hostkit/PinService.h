@@ -1,0 +1,19 @@
+#pragma once
+
+#include "host/KvxInterfaces.h"
+#include "platform/Unknown.h"
+
+namespace marnoth {
+
+/// The host's say in the set of output pins: accepts every change.
+class PinService : public Implements<CUnknown, IKvxPinHost> {
+public:
+    PinService() : Implements(nullptr) {}
+
+    HRESULT OnPinSetChange(std::uint32_t kind, IBaseFilter* filter, std::int32_t count) override;
+
+private:
+    IUnknown* FindInterface(REFIID iid) override;
+};
+
+}  // namespace marnoth
