@@ -103,7 +103,7 @@ template <class From, class To, class Gain>
     right.advance();
 }
 
-/// Frames in the lines of the cache that one round of `mixFrames` fills: 64 bytes of the destination.
+/// A round of `mixFrames` fills 64 bytes of the destination, a line of the cache.
 template <class To>
 inline constexpr int framesPerRound = 64 / (sizeof(typename To::Sample) * To::channels);
 
@@ -123,12 +123,15 @@ template <class From, class To, class Gain>
     constexpr int round = framesPerRound<To>;
     for (; count >= round; count -= round) {
         prefetchRound<From, To, Gain>(dest, src);
+#pragma GCC unroll 1
+#pragma GCC ivdep
         for (int i = 0; i < round; ++i) {
             mixFrame<From, To>(dest + i * To::channels, src + i * From::channels, left, right);
         }
         dest += round * To::channels;
         src += round * From::channels;
     }
+#pragma GCC ivdep
     for (std::int32_t i = 0; i < count; ++i) {
         mixFrame<From, To>(dest + i * To::channels, src + i * From::channels, left, right);
     }
@@ -144,26 +147,73 @@ void mixRamped(MixArgs* args) {
     if constexpr (From::channels == 2 || To::channels == 2) args->gainR = right.value;
 }
 
-template <class From, class To, class Value>
-void mixConstantIn(const MixArgs& args) {
-    Constant<Value> left{static_cast<Value>(args.gainL)};
-    Constant<Value> right{static_cast<Value>(args.gainR)};
+/// Constant gains over samples of the destination's own type, without rounds: nothing stands in the
+/// vectoriser's way, and a straight run needs no hints.
+template <class From, class To>
+[[gnu::always_inline]] inline void mixStraight(const MixArgs& args) {
+    using Sample = typename To::Sample;
+    Sample* __restrict dest = static_cast<Sample*>(args.dest);
+    const Sample* __restrict src = static_cast<const Sample*>(args.src);
+    Constant<Sample> left{static_cast<Sample>(args.gainL)};
+    Constant<Sample> right{static_cast<Sample>(args.gainR)};
+    const std::int32_t count = args.count;
+#pragma GCC unroll 4
+#pragma GCC ivdep
+    for (std::int32_t i = 0; i < count; ++i) {
+        mixFrame<From, To>(dest + std::int64_t{i} * To::channels, src + std::int64_t{i} * From::channels,
+                           left, right);
+    }
+}
+
+#if defined(__x86_64__) && !defined(_WIN32)
+#define MARNOTH_WIDE_MIX 1
+/// The same loop for wider registers. Products and sums are those of the narrow one, sample by sample.
+template <class From, class To>
+[[gnu::target("avx2")]] void mixStraight256(const MixArgs& args) {
+    mixStraight<From, To>(args);
+}
+template <class From, class To>
+[[gnu::target("avx512f,avx512vl,avx512dq,prefer-vector-width=512")]] void mixStraight512(
+    const MixArgs& args) {
+    mixStraight<From, To>(args);
+}
+#endif
+
+template <class From, class To>
+void mixStraightWidest(const MixArgs& args) {
+#ifdef MARNOTH_WIDE_MIX
+    if (__builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512vl") &&
+        __builtin_cpu_supports("avx512dq")) {
+        return mixStraight512<From, To>(args);
+    }
+    if (__builtin_cpu_supports("avx2")) return mixStraight256<From, To>(args);
+#endif
+    mixStraight<From, To>(args);
+}
+
+template <class From, class To>
+void mixInRounds(const MixArgs& args) {
+    Constant<double> left{args.gainL};
+    Constant<double> right{args.gainR};
     mixFrames<From, To>(static_cast<typename To::Sample*>(args.dest),
                         static_cast<const typename From::Sample*>(args.src), args.count, left, right);
 }
 
-inline bool fitsFloat(double gain) {
-    return static_cast<double>(static_cast<float>(gain)) == gain;
+/// Whether the gain's value survives in the sample's type, so that nothing is lost by computing in it.
+template <class Sample>
+bool fits(double gain) {
+    return static_cast<double>(static_cast<Sample>(gain)) == gain;
 }
 
 template <class From, class To>
 void mixConstant(MixArgs* args) {
-    constexpr bool floats = std::is_same_v<typename From::Sample, float>;
+    using Sample = typename To::Sample;
+    constexpr bool sameType = std::is_same_v<typename From::Sample, Sample>;
     constexpr bool sums = From::channels == 2 && To::channels == 1;
-    if constexpr (floats && !sums) {
-        if (fitsFloat(args->gainL) && fitsFloat(args->gainR)) return mixConstantIn<From, To, float>(*args);
+    if constexpr (sameType && !sums) {
+        if (fits<Sample>(args->gainL) && fits<Sample>(args->gainR)) return mixStraightWidest<From, To>(*args);
     }
-    mixConstantIn<From, To, double>(*args);
+    mixInRounds<From, To>(*args);
 }
 
 /// Picks the instance; a template per entry keeps the tables free of code at run time.

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+
+/// Measuring beside a bound. The machines are noisy, so work and bounds take turns within one run, the best
+/// turn of each counts, and ratios are printed.
+namespace marnoth::bench {
+
+/// The best time of a piece of work that is measured in turns of many calls.
+class BestTime {
+public:
+    /// Runs `work` `calls` times; returns the seconds that the turn took.
+    template <class Work>
+    double turn(int calls, const Work& work) {
+        const auto begin = std::chrono::steady_clock::now();
+        for (int i = 0; i < calls; ++i) {
+            work();
+            benchmark::ClobberMemory();
+        }
+        const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - begin;
+        best = std::min(best, taken.count() / calls);
+        return taken.count();
+    }
+
+    double nanoseconds() const { return best * 1e9; }
+
+private:
+    double best = std::numeric_limits<double>::infinity();
+};
+
+/// Tells apart two renders that differ in a single bit.
+inline std::uint64_t fingerprint(const void* data, std::size_t bytes) {
+    std::uint64_t hash = 14695981039346656037u;
+    const auto* byte = static_cast<const unsigned char*>(data);
+    for (std::size_t i = 0; i < bytes; ++i) hash = (hash ^ byte[i]) * 1099511628211u;
+    return hash;
+}
+
+}  // namespace marnoth::bench
