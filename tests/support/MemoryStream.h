@@ -1,0 +1,82 @@
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <vector>
+
+#include "platform/Com.h"
+
+namespace marnoth::test {
+
+/// A stream over bytes in memory, as a host gives one. Can be made to fail from a call on. Lives where it is
+/// declared: its count is only counted.
+class MemoryStream final : public IStream {
+public:
+    MemoryStream() = default;
+    explicit MemoryStream(std::vector<std::uint8_t> content) : bytes(std::move(content)) {}
+    virtual ~MemoryStream() = default;
+
+    std::vector<std::uint8_t> bytes;
+    std::uint64_t position = 0;
+    ULONG references = 1;
+    int calls = 0;         ///< of `Read`, `Write` and `Seek`
+    int failFromCall = 0;  ///< the first call that fails, from 1; 0 for none
+    bool knowsSize = true;
+
+    HRESULT QueryInterface(REFIID iid, void** out) override {
+        *out = nullptr;
+        if (!(IsEqualIID(iid, IID_IUnknown) || IsEqualIID(iid, IID_IStream))) return E_NOINTERFACE;
+        AddRef();
+        *out = static_cast<IStream*>(this);
+        return S_OK;
+    }
+    ULONG AddRef() override { return ++references; }
+    ULONG Release() override { return --references; }
+
+    HRESULT Read(void* to, ULONG count, ULONG* read) override {
+        if (fails()) return E_FAIL;
+        const std::uint64_t left = position < bytes.size() ? bytes.size() - position : 0;
+        const auto got = static_cast<ULONG>(std::min<std::uint64_t>(count, left));
+        if (got > 0) std::memcpy(to, bytes.data() + position, got);
+        position += got;
+        if (read) *read = got;
+        return got == count ? S_OK : S_FALSE;
+    }
+    HRESULT Write(const void* from, ULONG count, ULONG* written) override {
+        if (fails()) return E_FAIL;
+        if (position + count > bytes.size()) bytes.resize(position + count);
+        if (count > 0) std::memcpy(bytes.data() + position, from, count);
+        position += count;
+        if (written) *written = count;
+        return S_OK;
+    }
+    HRESULT Seek(LARGE_INTEGER move, DWORD origin, ULARGE_INTEGER* now) override {
+        if (fails()) return E_FAIL;
+        const std::int64_t bases[] = {0, static_cast<std::int64_t>(position),
+                                      static_cast<std::int64_t>(bytes.size())};
+        if (origin > 2 || bases[origin] + move.QuadPart < 0) return E_INVALIDARG;
+        position = static_cast<std::uint64_t>(bases[origin] + move.QuadPart);
+        if (now) now->QuadPart = position;
+        return S_OK;
+    }
+    HRESULT Stat(STATSTG* out, DWORD) override {
+        if (!knowsSize) return E_NOTIMPL;
+        *out = {};
+        out->type = STGTY_STREAM;
+        out->cbSize.QuadPart = bytes.size();
+        return S_OK;
+    }
+    HRESULT SetSize(ULARGE_INTEGER) override { return E_NOTIMPL; }
+    HRESULT CopyTo(IStream*, ULARGE_INTEGER, ULARGE_INTEGER*, ULARGE_INTEGER*) override { return E_NOTIMPL; }
+    HRESULT Commit(DWORD) override { return S_OK; }
+    HRESULT Revert() override { return E_NOTIMPL; }
+    HRESULT LockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) override { return E_NOTIMPL; }
+    HRESULT UnlockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) override { return E_NOTIMPL; }
+    HRESULT Clone(IStream**) override { return E_NOTIMPL; }
+
+private:
+    bool fails() { return ++calls >= failFromCall && failFromCall > 0; }
+};
+
+}  // namespace marnoth::test
