@@ -1,6 +1,5 @@
 #include "shells/cli/AudioFiles.h"
 
-#include <cstdio>
 #include <utility>
 
 #include "shells/cli/Failure.h"
@@ -10,9 +9,8 @@ namespace marnoth {
 namespace {
 
 std::string fileName(int pin, int number) {
-    char name[32] = "mix";
-    if (pin > 0) std::snprintf(name, sizeof name, "chan%02d", pin);
-    std::string text = name;
+    std::string text = "mix";
+    if (pin > 0) text = (pin < 10 ? "chan0" : "chan") + std::to_string(pin);
     if (number > 1) text += "-" + std::to_string(number);
     return text + ".wav";
 }

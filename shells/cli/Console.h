@@ -27,7 +27,4 @@ std::string utf8FromPath(const std::filesystem::path& path);
 std::string toInstrument(std::string_view utf8);
 std::string fromInstrument(std::string_view systemText);
 
-/// Whether `text` is well-formed UTF-8.
-bool isUtf8(std::string_view text);
-
 }  // namespace marnoth

@@ -36,9 +36,8 @@ void need(HRESULT result, const char* what) {
 }
 
 std::string padName(int pad) {
-    std::array<char, 16> name{};
-    std::snprintf(name.data(), name.size(), "pad%02d.wav", pad + 1);
-    return name.data();
+    const std::string number = std::to_string(pad + 1);
+    return (number.size() < 2 ? "pad0" : "pad") + number + ".wav";
 }
 
 /// One offline render: the instrument in its host, what it plays, and where the audio goes.

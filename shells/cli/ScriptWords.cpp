@@ -1,6 +1,6 @@
 #include "shells/cli/ScriptWords.h"
 
-#include "shells/cli/Console.h"
+#include "platform/Text.h"
 
 namespace marnoth {
 
