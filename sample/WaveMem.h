@@ -21,7 +21,7 @@ public:
     /// `peakCount`.
     static constexpr std::int32_t kPeakPoints = 544;
     /// More frames than any file or grain has.
-    static constexpr std::int64_t kFrameLimit = std::int64_t{1} << 33;
+    static constexpr std::int64_t kFrameLimit = std::int64_t{1} << 30;
     /// How far `Resample` lets a wave grow: to the longest loop in stereo at 192000 Hz, or by this factor.
     /// Beyond both there are only files that were made to exhaust the memory.
     static constexpr double kResampleLimit = 128.0 * 192000 * 2;
@@ -75,9 +75,6 @@ public:
     std::int32_t peakCapacity = 0;  ///< values in `peaks`, which has one spare entry behind them
     std::uint64_t byteSize = 0;     ///< bytes of `samples`
     double rateRatio = 1.0;         ///< new rate / the file's rate
-
-private:
-    void fillPeaks();
 };
 
 }  // namespace marnoth
