@@ -6,6 +6,7 @@
 #include "platform/MemAllocator.h"
 #include "platform/RefPtr.h"
 #include "platform/TestFilter.h"
+#include "support/AllocationMeter.h"
 
 namespace marnoth {
 namespace {
@@ -227,6 +228,23 @@ TEST(MemAllocator, ASampleIsAsNewWhenItIsGivenOutAgain) {
     AM_MEDIA_TYPE* none = nullptr;
     EXPECT_EQ(sample->GetMediaType(&none), S_FALSE);
     EXPECT_EQ(none, nullptr);
+}
+
+TEST(MemAllocator, GettingAndReturningSamplesAllocatesNothing) {
+    auto allocator = makeAllocator(2, 16);
+    {
+        const test::AllocationMeter meter;
+        allocator->Commit();
+        EXPECT_GT(meter.peakBytes(), 0u) << "the meter doesn't see the allocator's memory";
+    }
+    const test::AllocationMeter meter;
+    for (int i = 0; i < 100; ++i) {
+        Sample a, b, c;
+        EXPECT_EQ(take(allocator, a), S_OK);
+        EXPECT_EQ(take(allocator, b), S_OK);
+        EXPECT_EQ(take(allocator, c), VFW_E_TIMEOUT);
+    }
+    EXPECT_EQ(meter.peakBytes(), 0u);
 }
 
 TEST(MemAllocator, MoreMemoryThanThereIsGivesOutOfMemory) {
