@@ -10,11 +10,12 @@ namespace {
 
 constexpr std::size_t kMaxNameBytes = 259;
 
-/// How much of the peak table the grain has for itself; a project may have told anything.
+/// The grain's entries of the peak table. Offset and count are rounded each for itself and may reach one
+/// entry too far, which the table has; a project may have told anything.
 std::int32_t plotLengthOf(const CGrooveEvent& grain) {
-    const std::int64_t left = std::int64_t{grain.sample->peakPoints} - grain.peakOffset;
+    const std::int64_t left = std::int64_t{grain.sample->peakPoints} + 1 - grain.peakOffset;
     return static_cast<std::int32_t>(
-        std::clamp<std::int64_t>(grain.peakCount, 0, std::max<std::int64_t>(left, 0)));
+        std::min<std::int64_t>(grain.peakCount, std::max<std::int64_t>(left, 0)));
 }
 
 void plotGrain(GrainListEntry& entry, const CGrooveEvent& grain) {
