@@ -4,8 +4,8 @@
 
 namespace marnoth {
 
-/// The recursive lock of an object. The instrument has exactly one, that of `CPzi`: the streaming thread holds it for a
-/// block, everyone else for one operation.
+/// The recursive lock of an object. The instrument has exactly one, that of `CPzi`: the streaming thread
+/// holds it for a block, everyone else for one operation.
 class CCritSec {
 public:
     CCritSec() = default;

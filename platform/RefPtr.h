@@ -5,10 +5,11 @@
 
 namespace marnoth {
 
-/// The one owner of counted things: COM objects and samples. Whatever it points to has `AddRef` and `Release`.
+/// The one owner of counted things: COM objects and samples. Whatever it points to has `AddRef` and
+/// `Release`.
 ///
-/// It does no locking: a plain count (that of `CWaveMem`) may only be touched under the engine's lock or while nobody
-/// else can see the object.
+/// It does no locking: a plain count (that of `CWaveMem`) may only be touched under the engine's lock or
+/// while nobody else can see the object.
 template <class T>
 class RefPtr {
 public:
