@@ -39,7 +39,7 @@ Loop drums() {
     constexpr std::array<Stroke, 6> kKicks{{{0, 1}, {1.5, 0.7}, {2.5, 0.9}, {4, 1}, {5.75, 0.6}, {6.5, 0.9}}};
     constexpr std::array<Stroke, 6> kSnares{{{1, 0.9}, {3, 1}, {3.75, 0.2}, {5, 0.9}, {7, 1}, {7.75, 0.35}}};
     play(loop, kKicks, 0.6, kCentre, kick());
-    play(loop, kSnares, 0.35, 0.45, snare());
+    play(loop, kSnares, 0.35, 0.45, louder(0.6, snare()));
     for (int eighth = 0; eighth < 16; ++eighth) {
         const bool open = eighth % 8 == 7;
         addVoice(loop, eighth / 2.0, open ? 0.4 : 0.12, 0.65,

@@ -22,7 +22,7 @@ std::string describe(std::uint32_t rate, std::uint32_t channels) {
 
 ScriptSession::ScriptSession(const std::filesystem::path& scriptFolder,
                              const std::filesystem::path& outputFolder)
-    : folder_(std::filesystem::absolute(scriptFolder)), files_(outputFolder) {
+    : folder_(std::filesystem::current_path() / scriptFolder), files_(outputFolder) {
     for (int pin = 0; pin < kOutputPins; ++pin)
         rig_.setTaker(pin, [this, pin](std::span<const float> samples, bool) { files_.take(pin, samples); });
 }

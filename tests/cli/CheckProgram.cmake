@@ -1,0 +1,47 @@
+# Runs the program itself: cmake -DPROGRAM=... -DEMULATOR=... -DSCRIPTS=... -DFOLDER=... -P CheckProgram.cmake
+# What it prints must be the same bytes on every system, and its exit status must say how it went.
+
+file(REMOVE_RECURSE "${FOLDER}")
+file(MAKE_DIRECTORY "${FOLDER}")
+
+function(run expected)
+    execute_process(
+        COMMAND ${EMULATOR} "${PROGRAM}" ${ARGN}
+        WORKING_DIRECTORY "${FOLDER}"
+        RESULT_VARIABLE status
+        OUTPUT_FILE "${FOLDER}/out.txt"
+        ERROR_FILE "${FOLDER}/err.txt")
+    if(NOT status EQUAL expected)
+        file(READ "${FOLDER}/err.txt" errors)
+        message(FATAL_ERROR "marnoth ${ARGN}: status ${status} in place of ${expected}\n${errors}")
+    endif()
+endfunction()
+
+run(0 script "${SCRIPTS}/values.mrs" --out audio)
+file(READ "${FOLDER}/out.txt" printed HEX)
+file(READ "${SCRIPTS}/values.transcript" expected HEX)
+if(NOT printed STREQUAL expected)
+    message(FATAL_ERROR "The transcript of values.mrs isn't as it must be: ${FOLDER}/out.txt")
+endif()
+if(NOT EXISTS "${FOLDER}/audio/mix.wav" OR NOT EXISTS "${FOLDER}/audio/chan03.wav")
+    message(FATAL_ERROR "values.mrs left no audio in ${FOLDER}/audio")
+endif()
+
+run(0 --help)
+run(2 play)
+run(2 render --pad 1=a.wav)
+run(1 info none.wav)
+run(1 script none.mrs --out audio)
+file(WRITE "${FOLDER}/bad.mrs" "Undo\nnonsense\n")
+run(2 script bad.mrs --out audio)
+file(READ "${FOLDER}/err.txt" errors)
+if(NOT errors MATCHES "^bad.mrs:2: unknown command")
+    message(FATAL_ERROR "A bad line isn't named: ${errors}")
+endif()
+
+# A name beyond the system code page reaches the files all the same.
+file(COPY "${SCRIPTS}/sounds/ping.wav" DESTINATION "${FOLDER}")
+run(0 render --pad 1=ping.wav --beats 1 --out "größe-日本.wav")
+if(NOT EXISTS "${FOLDER}/größe-日本.wav")
+    message(FATAL_ERROR "A file got another name than it was given")
+endif()

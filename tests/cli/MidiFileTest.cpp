@@ -1,0 +1,159 @@
+#include <gtest/gtest.h>
+
+#include "cli/CliRun.h"
+#include "shells/cli/Failure.h"
+#include "shells/cli/MidiFile.h"
+#include "shells/cli/WaveFrames.h"
+#include "support/WaveFile.h"
+
+namespace marnoth::test {
+namespace {
+
+#ifdef _WIN32
+
+TEST(MidiFile, IsRefusedInOneLine) {
+    const CliRun run = marnoth({"render", "--pad", "1=a.wav", "--midi", "a.mid", "--out", "b.wav"});
+    EXPECT_EQ(run.status, 2);
+    EXPECT_NE(run.err.find("--midi needs a build for Linux"), std::string::npos) << run.err;
+}
+
+#else
+
+void appendBig(Bytes& bytes, std::uint32_t value, int count) {
+    for (int shift = 8 * (count - 1); shift >= 0; shift -= 8)
+        bytes.push_back(static_cast<std::uint8_t>(value >> shift));
+}
+
+/// A standard MIDI file of one track; `events` are its bytes with delta times, without the end of the track.
+Bytes midi(std::uint16_t pulsesPerBeat, Bytes events, std::uint8_t endDelta = 0) {
+    events.insert(events.end(), {endDelta, 0xFF, 0x2F, 0});
+    Bytes file;
+    append(file, std::string("MThd"));
+    appendBig(file, 6, 4);
+    appendBig(file, 0, 2);
+    appendBig(file, 1, 2);
+    appendBig(file, pulsesPerBeat, 2);
+    append(file, std::string("MTrk"));
+    appendBig(file, static_cast<std::uint32_t>(events.size()), 4);
+    file.insert(file.end(), events.begin(), events.end());
+    return file;
+}
+
+MidiPart read(const Bytes& file) {
+    const TempPath path(".mid");
+    WaveFile::writeBytes(path.path(), file);
+    return readMidi(path.string());
+}
+
+TEST(MidiFile, GivesNotesInTicksOfTheInstrument) {
+    // 96 pulses to the beat: ten ticks each.
+    const MidiPart part =
+        read(midi(96, {0, 0x91, 60, 100, 96, 0x81, 60, 0, 1, 0x91, 62, 90, 47, 0x91, 62, 0}));
+    ASSERT_EQ(part.notes.size(), 2u);
+    EXPECT_EQ(part.notes[0].time, 0);
+    EXPECT_EQ(part.notes[0].channel, 1);
+    EXPECT_EQ(part.notes[0].note, 60);
+    EXPECT_EQ(part.notes[0].velocity, 100);
+    EXPECT_EQ(part.notes[0].duration, 960u);
+    EXPECT_EQ(part.notes[1].time, 970);
+    EXPECT_EQ(part.notes[1].duration, 470u);
+}
+
+TEST(MidiFile, RoundsPulsesThatAreNoWholeTicks) {
+    // 7 pulses to the beat: pulse 1 is tick 137.14, pulse 3 tick 411.43.
+    const MidiPart part = read(midi(7, {1, 0x90, 60, 1, 2, 0x80, 60, 0}));
+    EXPECT_EQ(part.notes.at(0).time, 137);
+    EXPECT_EQ(part.notes.at(0).duration, 411u - 137u);
+}
+
+TEST(MidiFile, ANoteOffEndsTheOldestNoteOfItsKeyAndChannel) {
+    const MidiPart part =
+        read(midi(96, {0, 0x90, 60, 1, 10, 0x90, 60, 2, 10, 0x91, 60, 0, 0, 0x80, 60, 0, 10, 0x80, 60, 0}));
+    ASSERT_EQ(part.notes.size(), 2u);
+    EXPECT_EQ(part.notes[0].duration, 200u);
+    EXPECT_EQ(part.notes[1].duration, 200u);
+}
+
+TEST(MidiFile, OpenNotesEndWithTheFileAndNoneIsOfZeroLength) {
+    const MidiPart part = read(midi(96, {0, 0x90, 60, 1, 0, 0x80, 60, 0, 0, 0x90, 64, 1}, 48));
+    ASSERT_EQ(part.notes.size(), 2u);
+    EXPECT_EQ(part.notes[0].duration, 1u);
+    EXPECT_EQ(part.notes[1].duration, 480u);
+}
+
+TEST(MidiFile, TakesAllTempi) {
+    // 600000 microseconds are 100 beats per minute, 300000 are 200.
+    const MidiPart part = read(midi(96, {0,  0xFF, 0x51, 3, 0x09, 0x27, 0xC0, 0, 0x90, 60, 1,
+                                         96, 0xFF, 0x51, 3, 0x04, 0x93, 0xE0, 0, 0x80, 60, 0}));
+    ASSERT_EQ(part.tempo.changes().size(), 2u);
+    EXPECT_EQ(part.tempo.changes()[0].tick, 0);
+    EXPECT_DOUBLE_EQ(part.tempo.changes()[0].beatsPerMinute, 100);
+    EXPECT_EQ(part.tempo.changes()[1].tick, 960);
+    EXPECT_DOUBLE_EQ(part.tempo.changes()[1].beatsPerMinute, 200);
+}
+
+TEST(MidiFile, EndsAtAWholeBarOfItsTimeSignature) {
+    EXPECT_EQ(read(midi(96, {0, 0x90, 60, 1, 97, 0x80, 60, 0})).endTicks, 4 * 960);
+    // 3/4: four beats are two bars.
+    EXPECT_EQ(read(midi(24, {0, 0xFF, 0x58, 4, 3, 2, 24, 8, 0, 0x90, 60, 1, 96, 0x80, 60, 0})).endTicks,
+              6 * 960);
+    // 6/8: a bar of three beats that the note fills.
+    EXPECT_EQ(read(midi(24, {0, 0xFF, 0x58, 4, 6, 3, 24, 8, 0, 0x90, 60, 1, 72, 0x80, 60, 0})).endTicks,
+              3 * 960);
+}
+
+TEST(MidiFile, RefusesWhatItCannotPlay) {
+    EXPECT_THROW(readMidi("/nowhere/at/all.mid"), FileFailure);
+    EXPECT_THROW(read(Bytes{'M', 'T', 'h', 'd', 0, 0}), FileFailure);
+    EXPECT_THROW(read(Bytes(1000, 0xFF)), FileFailure);
+    EXPECT_THROW(read(midi(96, {0, 0xC0, 5})), FileFailure);
+    EXPECT_THROW(read(midi(0xE728, {0, 0x90, 60, 1})), FileFailure);
+}
+
+TEST(MidiFile, ANoteStartsALoopAndTheNextOneEndsIt) {
+    const TempFolder folder;
+    WaveFile()
+        .floats()
+        .channels(2)
+        .frames(22050, [](auto, int) { return 0.25; })
+        .acid({.beats = 1})
+        .write(folder / "a.wav");
+    // On from beat 1, off at beat 2, at 120.
+    WaveFile::writeBytes(folder / "a.mid",
+                         midi(24, {24, 0x90, 60, 1, 6, 0x80, 60, 0, 18, 0x90, 60, 1, 6, 0x80, 60, 0}));
+    const CliRun run = marnoth({"render", "--pad", "1=" + folder.name("a.wav"), "--midi",
+                                folder.name("a.mid"), "--out", folder.name("out.wav")});
+    ASSERT_EQ(run.status, 0) << run.err;
+    const WaveFrames wave = readWaveFrames(folder / "out.wav");
+    ASSERT_EQ(wave.samples.size() / 2, 4 * 22050u);
+    const auto at = [&](double beat) { return wave.samples[2 * static_cast<std::size_t>(beat * 22050)]; };
+    EXPECT_EQ(at(0.5), 0.0f);
+    EXPECT_NEAR(at(1.1), 0.25, 1e-3);
+    EXPECT_NEAR(at(1.9), 0.25, 1e-3);
+    EXPECT_EQ(at(2.2), 0.0f);
+    EXPECT_EQ(at(3.5), 0.0f);
+}
+
+TEST(MidiFile, WithGatesANoteLastsAsLongAsItIsHeld) {
+    const TempFolder folder;
+    WaveFile()
+        .floats()
+        .channels(2)
+        .frames(22050, [](auto, int) { return 0.25; })
+        .acid({.beats = 1})
+        .write(folder / "a.wav");
+    WaveFile::writeBytes(folder / "a.mid", midi(24, {24, 0x90, 60, 1, 24, 0x80, 60, 0}));
+    const CliRun run = marnoth({"render", "--pad", "1=" + folder.name("a.wav"), "--midi",
+                                folder.name("a.mid"), "--gate", "--out", folder.name("out.wav")});
+    ASSERT_EQ(run.status, 0) << run.err;
+    const WaveFrames wave = readWaveFrames(folder / "out.wav");
+    const auto at = [&](double beat) { return wave.samples[2 * static_cast<std::size_t>(beat * 22050)]; };
+    EXPECT_EQ(at(0.5), 0.0f);
+    EXPECT_NEAR(at(1.5), 0.25, 1e-3);
+    EXPECT_EQ(at(2.1), 0.0f);
+}
+
+#endif
+
+}  // namespace
+}  // namespace marnoth::test

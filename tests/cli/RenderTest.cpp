@@ -1,0 +1,170 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+
+#include "cli/CliRun.h"
+#include "shells/cli/Failure.h"
+#include "shells/cli/RenderCommand.h"
+#include "shells/cli/TempoTrack.h"
+#include "shells/cli/WaveFrames.h"
+#include "support/WaveFile.h"
+
+namespace marnoth::test {
+namespace {
+
+/// Two beats at 120 of a level that doesn't change.
+WaveFile steady(double level) {
+    return WaveFile().floats().channels(2).frames(44100, [=](auto, int) { return level; }).acid({.beats = 2});
+}
+
+float sampleAt(const WaveFrames& wave, std::size_t frame) {
+    return wave.samples.at(frame * wave.channels);
+}
+
+TEST(TempoTrack, AddsUpTheSecondsOfEachTempo) {
+    TempoTrack tempo(120);
+    tempo.add(960, 60);
+    tempo.add(1920, 240);
+    EXPECT_DOUBLE_EQ(tempo.seconds(480), 0.25);
+    EXPECT_DOUBLE_EQ(tempo.seconds(960), 0.5);
+    EXPECT_DOUBLE_EQ(tempo.seconds(1440), 1.0);
+    EXPECT_DOUBLE_EQ(tempo.seconds(2880), 1.75);
+}
+
+TEST(TempoTrack, TheLastOfTwoAtOneTickCounts) {
+    TempoTrack tempo(120);
+    tempo.add(0, 60);
+    EXPECT_DOUBLE_EQ(tempo.seconds(960), 1.0);
+}
+
+TEST(RenderArguments, CountPadsFromOne) {
+    EXPECT_EQ(readPadFile("1=a.wav").pad, 0);
+    EXPECT_EQ(readPadFile("16=a=b.wav").pad, 15);
+    EXPECT_EQ(readPadFile("16=a=b.wav").file, "a=b.wav");
+    for (const char* text : {"0=a.wav", "17=a.wav", "a.wav", "1=", "=a.wav", "x=a.wav", "1x=a.wav", ""})
+        EXPECT_THROW(readPadFile(text), WrongUse) << text;
+}
+
+TEST(RenderArguments, CountKeysFromA) {
+    EXPECT_EQ(readKey("A"), 0u);
+    EXPECT_EQ(readKey("Bb"), 1u);
+    EXPECT_EQ(readKey("A#"), 1u);
+    EXPECT_EQ(readKey("B"), 2u);
+    EXPECT_EQ(readKey("C"), 3u);
+    EXPECT_EQ(readKey("f#"), 9u);
+    EXPECT_EQ(readKey("G"), 10u);
+    EXPECT_EQ(readKey("Ab"), 11u);
+    for (const char* text : {"", "H", "C##", "1", "Am"}) EXPECT_THROW(readKey(text), WrongUse) << text;
+}
+
+TEST(Render, HoldsALoopForTheBeatsThatItIsAskedFor) {
+    const TempFolder folder;
+    steady(0.25).write(folder / "a.wav");
+    const CliRun run = marnoth(
+        {"render", "--pad", "1=" + folder.name("a.wav"), "--beats", "4.5", "--out", folder.name("out.wav")});
+    ASSERT_EQ(run.status, 0) << run.err;
+    const WaveFrames wave = readWaveFrames(folder / "out.wav");
+    EXPECT_EQ(wave.rate, 44100u);
+    EXPECT_EQ(wave.channels, 2u);
+    ASSERT_EQ(wave.samples.size() / 2, 9 * 44100u / 4);
+    // Behind the fade of 1 ms, in the second round, and before the fade of 20 ms.
+    for (const std::size_t frame : {45u, 60000u, 98000u})
+        EXPECT_NEAR(sampleAt(wave, frame), 0.25, 1e-3) << frame;
+    EXPECT_LT(std::abs(wave.samples.back()), 0.01f);
+}
+
+TEST(Render, LastsAsLongAsItsBeatsAtTheTempo) {
+    const TempFolder folder;
+    steady(0.25).write(folder / "a.wav");
+    const auto frames = [&](std::vector<std::string> more) {
+        std::vector<std::string> words{"render", "--pad", "1=" + folder.name("a.wav"), "--out",
+                                       folder.name("out.wav")};
+        words.insert(words.end(), more.begin(), more.end());
+        EXPECT_EQ(marnoth(words).status, 0);
+        return readWaveFrames(folder / "out.wav").samples.size() / 2;
+    };
+    EXPECT_EQ(frames({}), 16 * 22050u);
+    EXPECT_EQ(frames({"--tempo", "100", "--beats", "4"}), 4 * 26460u);
+    EXPECT_EQ(frames({"--tempo", "60", "--beats", "1", "--rate", "48000"}), 48000u);
+}
+
+TEST(Render, TheBlockDoesNotChangeTheAudio) {
+    const TempFolder folder;
+    steady(0.25).write(folder / "a.wav");
+    std::vector<std::vector<float>> audio;
+    for (const char* block : {"512", "64", "1000"}) {
+        marnoth({"render", "--pad", "1=" + folder.name("a.wav"), "--beats", "4", "--block", block, "--out",
+                 folder.name("out.wav")});
+        audio.push_back(readWaveFrames(folder / "out.wav").samples);
+        // The last 20 ms fade block by block.
+        audio.back().resize(audio.back().size() - 2 * 2 * 882);
+    }
+    EXPECT_EQ(audio[0], audio[1]);
+    EXPECT_EQ(audio[0], audio[2]);
+}
+
+TEST(Render, TellsLengthAndPeakInOneLine) {
+    const TempFolder folder;
+    steady(0.5).write(folder / "a.wav");
+    const CliRun run = marnoth(
+        {"render", "--pad", "3=" + folder.name("a.wav"), "--beats", "2", "--out", folder.name("out.wav")});
+    EXPECT_NE(run.out.find("1.000 s, peak -6.0 dBFS, "), std::string::npos) << run.out;
+    EXPECT_NE(run.out.find("times real time\n"), std::string::npos);
+    EXPECT_EQ(std::count(run.out.begin(), run.out.end(), '\n'), 1);
+}
+
+TEST(Render, StemsAddUpToTheMix) {
+    const TempFolder folder;
+    steady(0.25).write(folder / "a.wav");
+    steady(0.125).write(folder / "b.wav");
+    const CliRun run =
+        marnoth({"render", "--pad", "1=" + folder.name("a.wav"), "--pad", "16=" + folder.name("b.wav"),
+                 "--beats", "1", "--out", folder.name("out.wav"), "--stems", folder.name("stems")});
+    ASSERT_EQ(run.status, 0) << run.err;
+    const WaveFrames mix = readWaveFrames(folder / "out.wav");
+    const WaveFrames first = readWaveFrames(folder / "stems" / "pad01.wav");
+    const WaveFrames last = readWaveFrames(folder / "stems" / "pad16.wav");
+    ASSERT_EQ(mix.samples.size(), first.samples.size());
+    ASSERT_EQ(mix.samples.size(), last.samples.size());
+    for (std::size_t i = 0; i < mix.samples.size(); ++i)
+        ASSERT_NEAR(mix.samples[i], first.samples[i] + last.samples[i], 1e-6) << i;
+    EXPECT_NEAR(sampleAt(first, 10000), 0.25, 1e-3);
+    EXPECT_NEAR(sampleAt(last, 10000), 0.125, 1e-3);
+}
+
+TEST(Render, SaysWhyAFileDoesNotLoad) {
+    const TempFolder folder;
+    writeText(folder / "text.wav", "this is no wave file at all");
+    WaveFile().rate(8000).frames(8000 * 31).write(folder / "long.wav");
+    steady(0.1).acid({.beats = 65}).write(folder / "beats.wav");
+    WaveFile().bits(8).frames(100).write(folder / "bytes.wav");
+    const std::vector<std::pair<std::string, std::string>> reasons{
+        {"none.wav", "there is no such file"},
+        {"text.wav", "it isn't a WAV file"},
+        {"long.wav", "it is too long: 31 seconds"},
+        {"beats.wav", "it has 65 beats"},
+        {"bytes.wav", "8 bits"},
+    };
+    for (const auto& [name, reason] : reasons) {
+        const CliRun run =
+            marnoth({"render", "--pad", "1=" + folder.name(name), "--out", folder.name("out.wav")});
+        EXPECT_EQ(run.status, 1) << name;
+        EXPECT_NE(run.err.find(reason), std::string::npos) << run.err;
+        EXPECT_FALSE(std::filesystem::exists(folder / "out.wav")) << name;
+    }
+}
+
+TEST(Render, LeavesNothingBehindAFailure) {
+    const TempFolder folder;
+    const TempFolder out;
+    steady(0.1).write(folder / "a.wav");
+    std::filesystem::create_directories(out / "mix.wav" / "in the way");
+    const CliRun run = marnoth(
+        {"render", "--pad", "1=" + folder.name("a.wav"), "--beats", "1", "--out", out.name("mix.wav")});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_FALSE(std::filesystem::exists(out / "mix.wav.part"));
+}
+
+}  // namespace
+}  // namespace marnoth::test

@@ -1,0 +1,172 @@
+#include <gtest/gtest.h>
+
+#include "engine/KeyMap.h"
+#include "engine/VoiceRig.h"
+
+namespace marnoth::test {
+namespace {
+
+/// A map over two pads, of which only the first four fields matter to a test.
+struct TwoPads {
+    FakeSynthContext context;
+    CGrooveTrack first{&context};
+    CGrooveTrack second{&context};
+    CKeyMap map;
+    CPreAllocArray<TrackPlayInfo> found{kPads};
+
+    TrackKeyInfoImp entry(std::int32_t pad, std::int32_t low, std::int32_t high, std::int32_t root) {
+        return {pad, pad == 0 ? &first : &second, low, high, root, 0, 127};
+    }
+    std::int32_t find(std::int32_t key, std::int32_t channel = 0, std::int32_t velocity = 100) {
+        return map.FindPads(found, key, channel, velocity);
+    }
+};
+
+TEST(KeyMap, NoteInTwoRangesSoundsBothPadsEachWithItsOwnOffset) {
+    TwoPads pads;
+    pads.map.AddOrReplace(pads.entry(0, 40, 60, 48));
+    pads.map.AddOrReplace(pads.entry(1, 50, 70, 61));
+    ASSERT_EQ(pads.find(55), 2);
+    EXPECT_EQ(pads.found[0].pad, 0);
+    EXPECT_EQ(pads.found[0].semitones, 7);
+    EXPECT_EQ(pads.found[0].track, &pads.first);
+    EXPECT_EQ(pads.found[0].kind, PlayKind::pad);
+    EXPECT_EQ(pads.found[0].gain, 1.0f);
+    EXPECT_EQ(pads.found[1].pad, 1);
+    EXPECT_EQ(pads.found[1].semitones, -6);
+}
+
+TEST(KeyMap, RangeEndsAreInside) {
+    TwoPads pads;
+    pads.map.AddOrReplace(pads.entry(0, 40, 60, 48));
+    EXPECT_EQ(pads.find(39), 0);
+    EXPECT_EQ(pads.find(40), 1);
+    EXPECT_EQ(pads.find(60), 1);
+    EXPECT_EQ(pads.find(61), 0);
+}
+
+TEST(KeyMap, EachSearchForgetsTheOneBefore) {
+    TwoPads pads;
+    pads.map.AddOrReplace(pads.entry(0, 40, 60, 48));
+    pads.find(50);
+    EXPECT_EQ(pads.find(50), 1);
+    EXPECT_EQ(pads.find(10), 0);
+    EXPECT_EQ(pads.found.GetSize(), 0);
+}
+
+TEST(KeyMap, PadOnChannel3IgnoresChannel4WhateverItsKeys) {
+    TwoPads pads;
+    pads.first.midiChannel = 3;
+    pads.map.AddOrReplace(pads.entry(0, 0, 127, 60));
+    EXPECT_EQ(pads.find(60, 4), 0);
+    EXPECT_EQ(pads.find(60, 3), 1);
+}
+
+TEST(KeyMap, OmniPadAnswersEveryChannel) {
+    TwoPads pads;
+    pads.map.AddOrReplace(pads.entry(0, 60, 60, 60));
+    for (std::int32_t channel = 0; channel < 16; ++channel) EXPECT_EQ(pads.find(60, channel), 1);
+}
+
+TEST(KeyMap, VelocitySelectsAndMinusOneIsAny) {
+    TwoPads pads;
+    TrackKeyInfoImp soft = pads.entry(0, 0, 127, 60);
+    soft.lowVelocity = 1;
+    soft.highVelocity = 63;
+    pads.map.AddOrReplace(soft);
+    EXPECT_EQ(pads.find(60, 0, 1), 1);
+    EXPECT_EQ(pads.find(60, 0, 63), 1);
+    EXPECT_EQ(pads.find(60, 0, 64), 0);
+    EXPECT_EQ(pads.find(60, 0, -1), 1);
+}
+
+TEST(KeyMap, VelocitiesOutOfOrderMatchNoNote) {
+    TwoPads pads;
+    TrackKeyInfoImp entry = pads.entry(0, 0, 127, 60);
+    entry.lowVelocity = 80;
+    entry.highVelocity = 40;
+    pads.map.AddOrReplace(entry);
+    EXPECT_EQ(pads.find(60, 0, 60), 0);
+    EXPECT_EQ(pads.find(60, 0, -1), 1);
+}
+
+TEST(KeyMap, OverwritingPutsKeysInOrder) {
+    TwoPads pads;
+    pads.map.AddOrReplace(pads.entry(0, 1, 2, 1));
+    EXPECT_EQ(pads.map.AddOrReplace(pads.entry(0, 70, 60, 65)), 1);
+    ASSERT_NE(pads.map.find(0), nullptr);
+    EXPECT_EQ(pads.map.find(0)->lowKey, 60);
+    EXPECT_EQ(pads.map.find(0)->highKey, 70);
+    EXPECT_EQ(pads.map.find(0)->rootKey, 65);
+}
+
+TEST(KeyMap, NewEntryKeepsItsKeysAsGiven) {
+    TwoPads pads;
+    EXPECT_EQ(pads.map.AddOrReplace(pads.entry(0, 70, 60, 65)), 1);
+    EXPECT_EQ(pads.map.find(0)->lowKey, 70);
+    EXPECT_EQ(pads.map.find(0)->highKey, 60);
+}
+
+TEST(KeyMap, FullMapTakesNoSeventeenthEntry) {
+    TwoPads pads;
+    for (std::int32_t pad = 0; pad < 16; ++pad) {
+        EXPECT_EQ(pads.map.AddOrReplace(pads.entry(pad, 60, 60, 60)), pad + 1);
+    }
+    EXPECT_EQ(pads.map.AddOrReplace(pads.entry(16, 60, 60, 60)), 16);
+    EXPECT_EQ(pads.map.find(16), nullptr);
+}
+
+TEST(KeyMap, EntryFollowsItsPadToAnotherTrack) {
+    TwoPads pads;
+    pads.map.AddOrReplace(pads.entry(0, 60, 60, 60));
+    pads.map.setTrack(0, &pads.second);
+    pads.map.setTrack(5, &pads.first);
+    ASSERT_EQ(pads.find(60), 1);
+    EXPECT_EQ(pads.found[0].track, &pads.second);
+}
+
+TEST(KeyMap, EngineStartsWithOneWhiteKeyForEachPad) {
+    VoiceRig rig;
+    const std::int32_t keys[] = {60, 62, 64, 65, 67, 69, 71, 72, 74, 76, 77, 79, 81, 83, 84, 86};
+    for (std::int32_t pad = 0; pad < 16; ++pad) {
+        KeyMapRecord entry{pad, -1, -1, -1, -1, -1};
+        ASSERT_EQ(rig.engine.GetKeyMapEntry(&entry), S_OK);
+        EXPECT_EQ(entry.lowKey, keys[pad]);
+        EXPECT_EQ(entry.highKey, keys[pad]);
+        EXPECT_EQ(entry.rootKey, keys[pad]);
+        EXPECT_EQ(entry.lowVelocity, 0);
+        EXPECT_EQ(entry.highVelocity, 127);
+    }
+}
+
+TEST(KeyMap, ResetMakesPadsOneShotOmniOnTheMixWithoutRoot) {
+    VoiceRig rig;
+    for (std::int32_t pad = 0; pad < 16; ++pad) {
+        rig.engine.SetPadOneShot(pad, 0);
+        rig.engine.SetPadChannel(pad, 5);
+        rig.engine.SetPadOutput(pad, 2);
+        rig.engine.SetPadRootNote(pad, 7);
+        rig.engine.SetPadFollowKey(pad, 1);
+        rig.engine.SetPadTail(pad, 1);
+    }
+    rig.engine.ClearProject();
+    for (std::int32_t pad = 0; pad < 16; ++pad) {
+        std::uint32_t oneShot = 0, output = 1, follow = 1, tail = 1;
+        std::int32_t channel = 0, root = 0;
+        rig.engine.GetPadOneShot(pad, &oneShot);
+        rig.engine.GetPadOutput(pad, &output);
+        rig.engine.GetPadFollowKey(pad, &follow);
+        rig.engine.GetPadTail(pad, &tail);
+        rig.engine.GetPadChannel(pad, &channel);
+        rig.engine.GetPadRootNote(pad, &root);
+        EXPECT_EQ(oneShot, 1u);
+        EXPECT_EQ(output, 0u);
+        EXPECT_EQ(follow, 0u);
+        EXPECT_EQ(tail, 0u);
+        EXPECT_EQ(channel, -1);
+        EXPECT_EQ(root, -1);
+    }
+}
+
+}  // namespace
+}  // namespace marnoth::test

@@ -1,0 +1,253 @@
+#include <gtest/gtest.h>
+
+#include "engine/VoiceRig.h"
+
+namespace marnoth::test {
+namespace {
+
+constexpr std::int32_t kBlock = 1024;
+
+/// A one-shot pad on key 60.
+struct OneShot : VoiceRig {
+    explicit OneShot(std::uint32_t looping, std::int64_t frames = 20000) {
+        laySound(0, ramp(frames));
+        engine.SetPadLooping(0, looping);
+    }
+    float loudestOfBlock() {
+        cycle(kBlock);
+        return peak(audio[0]);
+    }
+};
+
+TEST(OneShotPad, PlaysOnBehindItsNoteOff) {
+    OneShot rig(0, 5000);
+    rig.noteOn(60);
+    rig.cycle(kBlock);
+    rig.noteOff(60);
+    expectFrames(rig.play(4 * kBlock, kBlock), 0, 5000 - kBlock,
+                 [](std::int64_t i) { return rampAt(kBlock + i); });
+}
+
+TEST(OneShotPad, SecondNoteSwitchesALoopOff) {
+    OneShot rig(1);
+    rig.noteOn(60);
+    rig.cycle(kBlock);
+    rig.noteOff(60);
+    EXPECT_GT(rig.loudestOfBlock(), 0);
+    rig.noteOn(60);
+    EXPECT_GT(rig.loudestOfBlock(), 0);  // the old note's turn came before the new one's
+    EXPECT_GT(rig.loudestOfBlock(), 0);  // its last block, fading
+    EXPECT_EQ(rig.loudestOfBlock(), 0);
+    EXPECT_FALSE(rig.isPlaying(0));
+}
+
+TEST(OneShotPad, SwitchedOffLoopOfAHeldNoteFadesToTheEndOfItsLastBlock) {
+    VoiceRig rig;
+    rig.laySound(0, constant(20000));
+    rig.engine.SetPadLooping(0, 1);
+    rig.noteOn(60);
+    rig.cycle(kBlock);
+    rig.noteOn(60);
+    rig.cycle(kBlock);
+    rig.cycle(kBlock);
+    expectFrames(rig.audio[0], 0, kBlock - 882, [](std::int64_t) { return 1.0; });
+    expectFrames(
+        rig.audio[0], kBlock - 882, kBlock,
+        [](std::int64_t i) { return (kBlock - static_cast<double>(i)) / 882; }, 1e-5);
+    rig.cycle(kBlock);
+    expectSilence(rig.audio[0], 0, kBlock);
+}
+
+TEST(OneShotPad, SwitchedOffLoopFadesFromTheStartOfABlockThatIsTooShort) {
+    VoiceRig rig;
+    rig.laySound(0, constant(20000));
+    rig.engine.SetPadLooping(0, 1);
+    rig.noteOn(60);
+    rig.cycle(256);
+    rig.noteOn(60);
+    rig.cycle(256);
+    rig.cycle(256);
+    expectFrames(
+        rig.audio[0], 0, 256, [](std::int64_t i) { return (256 - static_cast<double>(i)) / 882; }, 1e-5);
+    rig.cycle(256);
+    expectSilence(rig.audio[0], 0, 256);
+}
+
+TEST(OneShotPad, ThirdNoteSwitchesTheLoopOnAgainFromItsStart) {
+    OneShot rig(1);
+    for (int press = 0; press < 2; ++press) {
+        rig.noteOn(60);
+        rig.play(4 * kBlock, kBlock);
+        rig.noteOff(60);
+        rig.play(2 * kBlock, kBlock);
+    }
+    EXPECT_EQ(rig.loudestOfBlock(), 0);
+    rig.noteOn(60);
+    rig.cycle(kBlock);
+    expectFrames(rig.audio[0], 44, kBlock, [](std::int64_t i) { return rampAt(i); });
+}
+
+TEST(OneShotPad, SecondNoteRestartsOneThatDoesNotLoop) {
+    OneShot rig(0, 3000);
+    rig.noteOn(60);
+    rig.play(4 * kBlock, kBlock);
+    rig.noteOff(60);
+    rig.noteOn(60);
+    rig.cycle(kBlock);
+    expectFrames(rig.audio[0], 44, kBlock, [](std::int64_t i) { return rampAt(i); });
+}
+
+TEST(OneShotPad, NotesOnOnePadSoundTogether) {
+    OneShot rig(0);
+    rig.noteOn(60);
+    rig.cycle(kBlock);
+    rig.noteOn(60);
+    rig.cycle(kBlock);
+    expectFrames(rig.audio[0], 44, kBlock, [](std::int64_t i) { return rampAt(i) + rampAt(kBlock + i); });
+}
+
+TEST(OneShotPad, NoteThatHoldsItsGateWaitsSilentlyUntilALaterNoteTakesIt) {
+    OneShot rig(0, 3000);
+    rig.noteOn(60);
+    rig.cycle(kBlock);
+    rig.noteOff(60);
+    rig.play(4 * kBlock, kBlock);
+    for (int i = 0; i < 5; ++i) EXPECT_EQ(rig.loudestOfBlock(), 0);
+    ASSERT_EQ(rig.notes.size(), 1u);
+    const VoiceState* first = rig.notes.front().voice;
+    rig.noteOn(60);
+    rig.play(3 * kBlock, kBlock);
+    ASSERT_EQ(rig.notes.size(), 1u);
+    EXPECT_NE(rig.notes.front().voice, first);
+}
+
+TEST(OneShotPad, NoteThatHoldsItsGateGoesWithTheTransport) {
+    OneShot rig(1);
+    rig.noteOn(60);
+    rig.cycle(kBlock);
+    rig.noteOff(60);
+    rig.cycle(kBlock);
+    rig.engine.ResetVoices();
+    rig.play(3 * kBlock, kBlock);
+    EXPECT_TRUE(rig.notes.empty());
+    EXPECT_EQ(rig.loudestOfBlock(), 0);
+}
+
+TEST(OneShotPad, StopPadIgnoresItAndStopPadOfAllStopsIt) {
+    OneShot rig(1);
+    rig.noteOn(60);
+    rig.cycle(kBlock);
+    EXPECT_EQ(rig.engine.StopPad(0), S_OK);
+    rig.cycle(kBlock);
+    EXPECT_GT(rig.loudestOfBlock(), 0);
+    EXPECT_EQ(rig.engine.StopPad(-1), S_OK);
+    EXPECT_EQ(rig.loudestOfBlock(), 0);
+    EXPECT_EQ(rig.loudestOfBlock(), 0);
+    EXPECT_TRUE(rig.notes.empty());
+}
+
+TEST(StopAll, LastsOneBlock) {
+    OneShot rig(0);
+    rig.engine.StopPad(-1);
+    rig.cycle(kBlock);
+    rig.noteOn(60);
+    EXPECT_GT(rig.loudestOfBlock(), 0);
+}
+
+TEST(GatedPad, EndsWithItsNote) {
+    OneShot rig(1);
+    rig.engine.SetPadOneShot(0, 0);
+    rig.noteOn(60);
+    rig.play(30 * kBlock, kBlock);
+    EXPECT_GT(rig.loudestOfBlock(), 0);
+    rig.noteOff(60);
+    EXPECT_GT(rig.loudestOfBlock(), 0);
+    EXPECT_EQ(rig.loudestOfBlock(), 0);
+    EXPECT_TRUE(rig.notes.empty());
+}
+
+TEST(GatedPad, NoteEndedInItsFirstBlockHasThatBlock) {
+    OneShot rig(0);
+    rig.engine.SetPadOneShot(0, 0);
+    rig.position = 4096;
+    rig.noteOn(60);
+    rig.noteOff(60);
+    EXPECT_GT(rig.loudestOfBlock(), 0);
+    EXPECT_EQ(rig.loudestOfBlock(), 0);
+}
+
+TEST(OneNote, SoundsAGatedAndAOneShotPadAtOnceEachToItsOwnEnd) {
+    VoiceRig rig;
+    rig.laySound(0, constant(40000, 0.25f));
+    rig.laySound(1, constant(4 * kBlock, 0.5f));
+    rig.engine.SetPadOneShot(0, 0);
+    const KeyMapRecord both{1, 60, 60, 60, 0, 127};
+    rig.engine.SetKeyMapEntry(&both);
+    rig.noteOn(60);
+    rig.cycle(kBlock);
+    expectFrames(rig.audio[0], 44, kBlock, [](std::int64_t) { return 0.75; });
+    rig.noteOff(60);
+    rig.cycle(kBlock);
+    rig.cycle(kBlock);
+    expectFrames(rig.audio[0], 0, kBlock, [](std::int64_t) { return 0.5; });
+    rig.cycle(kBlock);
+    rig.cycle(kBlock);
+    expectSilence(rig.audio[0], 0, kBlock);
+}
+
+TEST(OneNote, WithoutAPadKeepsItsVoiceAndMovesItsPositions) {
+    VoiceRig rig(48000);
+    QueuedEvent& note = rig.noteOn(20);
+    rig.cycle(480);
+    const VoiceState before = *note.voice;
+    rig.cycle(480);
+    const VoiceState& after = *note.voice;
+    EXPECT_EQ(before.gate.position, 480 * 62914560LL / 24000);
+    EXPECT_EQ(after.gate.position, 960 * 62914560LL / 24000);
+    EXPECT_EQ(after.shot.position, after.gate.position);
+    EXPECT_EQ(after.gate.end, before.gate.end);
+    EXPECT_EQ(after.shot.end, before.shot.end);
+    EXPECT_EQ(after.stopRequest + after.releasing + after.startPending, 0u);
+    EXPECT_EQ(after.finished, 1u);
+}
+
+TEST(OneNote, OnAnEmptyPadClearsItsGate) {
+    OneShot rig(1);
+    rig.noteOn(60);
+    rig.cycle(kBlock);
+    rig.noteOff(60);
+    std::int32_t count = 0;
+    rig.engine.GetGrainCount(kPadLoop, 0, &count);
+    ASSERT_EQ(count, 1);
+    rig.engine.DeleteGrain(0, 0, 0);
+    rig.noteOn(60);
+    rig.cycle(kBlock);
+    rig.noteOff(60);
+    rig.play(3 * kBlock, kBlock);
+    // With the gate forgotten the pad starts afresh, where a latched one would be switched off.
+    rig.laySound(0, ramp(9000));
+    rig.engine.SetPadLooping(0, 1);
+    rig.noteOn(60);
+    EXPECT_GT(rig.loudestOfBlock(), 0);
+}
+
+TEST(OneNote, PlaysTransposedByItsDistanceFromTheRoot) {
+    VoiceRig rig;
+    rig.laySound(0, ramp(20000));
+    const KeyMapRecord wide{0, 0, 127, 60, 0, 127};
+    rig.engine.SetKeyMapEntry(&wide);
+    rig.noteOn(72);
+    rig.cycle(kBlock);
+    // An octave up is twice the speed; a line stays a line under linear interpolation.
+    expectFrames(rig.audio[0], 44, kBlock, [](std::int64_t i) { return rampAt(2 * i); });
+}
+
+TEST(OneNote, MaySoundBeforeTimeZero) {
+    OneShot rig(0);
+    rig.position = -5000;
+    rig.noteOn(60);
+    EXPECT_GT(rig.loudestOfBlock(), 0);
+}
+
+}  // namespace
+}  // namespace marnoth::test

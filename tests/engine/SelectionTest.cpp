@@ -1,0 +1,257 @@
+#include <gtest/gtest.h>
+
+#include "dsp/Stretch.h"
+#include "engine/VoiceRig.h"
+
+namespace marnoth::test {
+namespace {
+
+constexpr std::int64_t kBeat = kTicksPerBeat16;
+
+TEST(Loop, RepeatsWithoutAGapWhateverTheBlocks) {
+    for (const std::int32_t frames : {1, 64, 441, 999, 1000}) {
+        VoiceRig rig;
+        rig.laySound(0, ramp(1000));
+        rig.engine.SetPadLooping(0, 1);
+        rig.noteOn(60);
+        expectFrames(rig.play(5000, frames), 44, 5000, [](std::int64_t i) { return rampAt(i % 1000); });
+    }
+}
+
+TEST(Loop, BlockLongerThanItPlaysItOnce) {
+    VoiceRig rig;
+    rig.laySound(0, ramp(1000));
+    rig.engine.SetPadLooping(0, 1);
+    rig.noteOn(60);
+    rig.cycle(4096);
+    expectFrames(rig.audio[0], 44, 1000, [](std::int64_t i) { return rampAt(i); });
+    expectSilence(rig.audio[0], 1000, 4096);
+}
+
+TEST(Loop, SoundWithoutOneEndsWithItsLastFrame) {
+    VoiceRig rig;
+    rig.laySound(0, ramp(1000));
+    rig.noteOn(60);
+    const auto audio = rig.play(4000, 300);
+    expectFrames(audio, 44, 1000, [](std::int64_t i) { return rampAt(i); });
+    expectSilence(audio, 1000, 4000);
+}
+
+TEST(Selection, Takes100GrainsOfAPadInABlockAndDropsTheRest) {
+    VoiceRig rig;
+    rig.layLoop(0, constant(2048), 64);  // 256 grains of 8 frames
+    rig.engine.SetPadSynced(0, 0);
+    rig.engine.SetPadLooping(0, 0);
+    rig.noteOn(60);
+    rig.cycle(2048);
+    expectFrames(rig.audio[0], 44, 800, [](std::int64_t) { return 1.0; });
+    expectSilence(rig.audio[0], 800, 2048);
+}
+
+TEST(Selection, BlockOf100GrainsIsWhole) {
+    VoiceRig rig;
+    rig.layLoop(0, constant(2048), 64);
+    rig.engine.SetPadSynced(0, 0);
+    rig.noteOn(60);
+    expectFrames(rig.play(8000, 800), 44, 8000, [](std::int64_t) { return 1.0; });
+}
+
+/// A track of two grains of a beat each, on the first and the third beat of four, at 48000 Hz and 120 beats
+/// per minute.
+struct TwoGrains {
+    FakeSynthContext context;
+    CGrooveTrack track{&context};
+    CPreAllocArray<StreamEventInfo> events{kStreamEvents};
+
+    TwoGrains() {
+        context.rate = 48000;
+        for (const std::int64_t beat : {0, 2}) {
+            auto grain = std::make_unique<CGrooveEvent>();
+            grain->lengthTicks = kBeat;
+            grain->lengthSamples = 24000;
+            grain->tempoLocked = 1;
+            track.AppendGrain(std::move(grain), beat * kBeat, false);
+        }
+        track.SetLength(4 * kBeat, kTicks16);
+        track.SetLength(96000, kSamples);
+        track.looping = 1;
+        track.GetAt(1).startSamples = 48000;
+    }
+    void expectEvent(std::int32_t index, std::int32_t grain, std::int64_t start, std::int64_t end,
+                     std::int64_t clipStart, std::int64_t clipEnd) {
+        ASSERT_LT(index, events.GetSize());
+        EXPECT_EQ(events[index].grain, &track.GetAt(grain));
+        EXPECT_EQ(events[index].start, start);
+        EXPECT_EQ(events[index].end, end);
+        EXPECT_EQ(events[index].clipStart, clipStart);
+        EXPECT_EQ(events[index].clipEnd, clipEnd);
+    }
+};
+
+TEST(SelectRange, ClipsGrainsToTheRange) {
+    TwoGrains it;
+    EXPECT_EQ(it.track.SelectRange(it.events, 1000, 11000, 51000, kSamples), 1);
+    ASSERT_EQ(it.events.GetSize(), 2);
+    it.expectEvent(0, 0, 1000, 25000, 11000, 25000);
+    it.expectEvent(1, 1, 49000, 73000, 49000, 51000);
+}
+
+TEST(SelectRange, GrainThatOnlyTouchesTheRangeIsLeftOut) {
+    TwoGrains it;
+    EXPECT_EQ(it.track.SelectRange(it.events, 0, 24000, 48000, kSamples), 0);
+    EXPECT_EQ(it.events.GetSize(), 0);
+}
+
+TEST(SelectRange, CrossesTheLoopsEnd) {
+    TwoGrains it;
+    EXPECT_EQ(it.track.SelectRange(it.events, 0, 96000 + 60000, 2 * 96000 + 500, kSamples), 1);
+    ASSERT_EQ(it.events.GetSize(), 2);
+    it.expectEvent(0, 1, 144000, 168000, 156000, 168000);
+    it.expectEvent(1, 0, 192000, 216000, 192000, 192500);
+}
+
+TEST(SelectRange, WithoutALoopNothingComesBehindTheFirstLength) {
+    TwoGrains it;
+    it.track.looping = 0;
+    EXPECT_EQ(it.track.SelectRange(it.events, 0, 96000, 97000, kSamples), 0);
+    EXPECT_EQ(it.track.SelectRange(it.events, 0, 2 * 96000 - 10, 2 * 96000 + 10, kSamples), 0);
+    EXPECT_EQ(it.track.SelectRange(it.events, 0, 60000, 97000, kSamples), 1);
+    ASSERT_EQ(it.events.GetSize(), 1);
+    it.expectEvent(0, 1, 48000, 72000, 60000, 72000);
+}
+
+TEST(SelectRange, SyncedTrackCountsFromTheCommonZero) {
+    TwoGrains it;
+    it.track.synced = 1;
+    it.track.phaseOrigin = kBeat;
+    EXPECT_EQ(it.track.SelectRange(it.events, 0, kBeat, 2 * kBeat, kTicks16), 1);
+    ASSERT_EQ(it.events.GetSize(), 1);
+    it.expectEvent(0, 0, kBeat, 2 * kBeat, kBeat, 2 * kBeat);
+}
+
+TEST(SelectRange, PadThatSetTheZeroCountsFromItsOwnStart) {
+    TwoGrains it;
+    it.track.synced = 1;
+    it.track.phaseOrigin = kBeat;
+    it.track.phaseOwner = 1;
+    EXPECT_EQ(it.track.SelectRange(it.events, 0, 2 * kBeat, 3 * kBeat, kTicks16), 1);
+    ASSERT_EQ(it.events.GetSize(), 1);
+    it.expectEvent(0, 1, 2 * kBeat, 3 * kBeat, 2 * kBeat, 3 * kBeat);
+}
+
+TEST(SelectRange, UnsyncedTrackIgnoresTheCommonZero) {
+    TwoGrains it;
+    it.track.phaseOrigin = kBeat;
+    it.track.SelectRange(it.events, 0, 0, 100, kSamples);
+    ASSERT_EQ(it.events.GetSize(), 1);
+    it.expectEvent(0, 0, 0, 24000, 0, 100);
+}
+
+TEST(SelectRange, TrackWithoutALengthPlaysOnlyWhatLiesAtItsZero) {
+    TwoGrains it;
+    it.track.lengthSamples = 0;
+    EXPECT_EQ(it.track.SelectRange(it.events, 0, 0, 0, kSamples), 0);
+}
+
+TEST(CollectCycle, CycleIsCountedInTheTracksLength) {
+    TwoGrains it;
+    EXPECT_EQ(it.track.CollectCycle(it.events, 7, 0, 10, 3, kSamples), 1);
+    ASSERT_EQ(it.events.GetSize(), 1);
+    it.expectEvent(0, 0, 3 * 96000 + 7, 3 * 96000 + 24007, 3 * 96000 + 7, 3 * 96000 + 17);
+}
+
+TEST(CollectCycle, GrainNotCutOnTheBeatKeepsItsDurationAtAnyTempo) {
+    TwoGrains it;
+    it.track.GetAt(0).tempoLocked = 0;
+    it.context.tempo = 60;
+    it.track.CollectCycle(it.events, 0, 0, 4 * kBeat, 0, kTicks16);
+    ASSERT_EQ(it.events.GetSize(), 2);
+    it.expectEvent(0, 0, 0, kBeat / 2, 0, kBeat / 2);
+    it.expectEvent(1, 1, 2 * kBeat, 3 * kBeat, 2 * kBeat, 3 * kBeat);
+}
+
+TEST(CollectCycle, TailRingsForItsOwnLengthEvenOnTheBeat) {
+    TwoGrains it;
+    it.track.SetTail(1);
+    it.track.GetAt(0).tailLengthSamples = 48000;
+    it.track.GetAt(1).tailLengthSamples = 36000;
+    it.track.GetAt(0).tailWave = it.track.GetAt(1).tailWave = CWaveMem::make();
+    it.track.CollectCycle(it.events, 0, 0, 4 * kBeat, 0, kTicks16);
+    ASSERT_EQ(it.events.GetSize(), 2);
+    it.expectEvent(0, 0, 0, 2 * kBeat, 0, 2 * kBeat);
+    it.expectEvent(1, 1, 2 * kBeat, 2 * kBeat + kBeat * 3 / 2, 2 * kBeat, 2 * kBeat + kBeat * 3 / 2);
+}
+
+TEST(CollectCycle, FarOutTimesDoNoHarm) {
+    TwoGrains it;
+    constexpr std::int64_t far = INT64_MAX;
+    it.track.SetLength(far, kTicks16);
+    it.track.GetAt(1).startTicks = far;
+    it.track.GetAt(1).lengthTicks = far;
+    for (const std::int64_t origin : {-far, std::int64_t{0}, far}) {
+        it.track.SelectRange(it.events, origin, -far, far, kTicks16);
+        it.track.SelectRange(it.events, origin, far - 10, far, kTicks16);
+        it.track.CollectCycle(it.events, origin, 0, far, far, kTicks16);
+    }
+}
+
+TEST(SyncedPad, GrainOfAFileWithoutBeatsStartsWithTheTempoAndKeepsItsLengthInSeconds) {
+    VoiceRig rig(48000);
+    const std::int32_t bin = rig.loadToBin(rig.waveOf(ramp(9000)));
+    ASSERT_EQ(rig.engine.AddGrain(bin, 0, 0, kBeat), S_OK);
+    rig.context.tempo = 60;  // a beat has 48000 frames
+    rig.context.running = 1;
+    rig.noteOn(60);
+    const auto audio = rig.play(96000, 480);
+    expectSilence(audio, 0, 48000);
+    expectFrames(audio, 48000, 57000, [](std::int64_t i) { return rampAt(i - 48000); });
+    expectSilence(audio, 57000, 96000);
+}
+
+/// What a loop of four grains must sound like when each of them fills `target` frames: each grain rendered
+/// whole.
+std::vector<float> stretchedGrains(const std::vector<float>& loop, std::int64_t grain, std::int64_t target) {
+    std::vector<float> wave = loop;
+    wave.push_back(loop.back());
+    std::vector<float> expected(static_cast<std::size_t>(4 * target));
+    for (std::int64_t i = 0; i < 4; ++i) {
+        StretchSource source;
+        source.wave = {wave.data(), static_cast<std::int64_t>(loop.size()), 1};
+        source.first = i * grain;
+        source.length = grain;
+        source.sampleRate = 48000;
+        const StretchSpan whole{0, static_cast<std::int32_t>(target), target};
+        renderStretched(source, whole, {expected.data() + i * target, 1}, {1, 1});
+    }
+    return expected;
+}
+
+TEST(SyncedPad, GrainsFillTheirBeatsAtAnyTempo) {
+    for (const double tempo : {60.0, 96.0, 120.0, 240.0}) {
+        VoiceRig rig(48000);
+        const auto loop = ramp(24000);
+        rig.layLoop(0, loop, 1);
+        rig.context.tempo = tempo;
+        rig.context.running = 1;
+        rig.noteOn(60);
+        const auto target = static_cast<std::int64_t>(6000 * 120 / tempo);
+        const auto expected = stretchedGrains(loop, 6000, target);
+        const auto audio = rig.play(8 * target, 256);
+        expectFrames(
+            audio, 48, 8 * target,
+            [&](std::int64_t i) { return expected[static_cast<std::size_t>(i % (4 * target))]; }, 1e-5);
+    }
+}
+
+TEST(UnsyncedPad, PlaysAtItsOwnSpeedAtAnyTempo) {
+    VoiceRig rig(48000);
+    rig.layLoop(0, ramp(24000), 1);
+    rig.engine.SetPadSynced(0, 0);
+    rig.context.tempo = 77;
+    rig.context.running = 1;
+    rig.noteOn(60);
+    expectFrames(rig.play(60000, 512), 48, 60000, [](std::int64_t i) { return rampAt(i % 24000); });
+}
+
+}  // namespace
+}  // namespace marnoth::test
