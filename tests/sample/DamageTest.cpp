@@ -14,7 +14,7 @@ double secondsSince(std::clock_t start) {
     return static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
 }
 
-WaveFile small() {
+WaveFile shortLoop() {
     return WaveFile()
         .channels(2)
         .frames(20, [](auto i, int) { return 0.01 * static_cast<double>(i); })
@@ -57,7 +57,7 @@ constexpr std::size_t kMostForAFileThatClaimsMore = 16 << 20;
 TEST(DamagedWave, EveryByteAtEveryExtremeIsLoadedOrRefused) {
     const TempPath file(".wav");
     const auto reader = std::make_unique<CAcidWave>();
-    const Bytes sound = small().bytes();
+    const Bytes sound = shortLoop().bytes();
     ASSERT_EQ(attempt(*reader, file, sound).result, S_OK);
     int refused = 0;
     for (std::size_t at = 0; at < sound.size(); ++at) {
@@ -78,7 +78,7 @@ TEST(DamagedWave, EveryByteAtEveryExtremeIsLoadedOrRefused) {
 TEST(DamagedWave, EveryTruncationIsLoadedOrRefused) {
     const TempPath file(".wav");
     const auto reader = std::make_unique<CAcidWave>();
-    const WaveFile content = small();
+    const WaveFile content = shortLoop();
     const std::size_t audio = content.offsetOf("data") + 8;
     for (std::size_t length = 0; length < content.bytes().size(); ++length) {
         const Attempt now = attempt(*reader, file, WaveFile(content).truncate(length).bytes());
