@@ -20,7 +20,7 @@ RefPtr<IKvxSampleSilence> silenceOf(IMediaSample& sample) {
 std::int64_t framesAt(REFERENCE_TIME time, std::int64_t rate) {
     const std::int64_t seconds = time / kTimeUnitsPerSecond;
     const std::int64_t rest = time % kTimeUnitsPerSecond;
-    return wrappingSum(seconds * rate, rest * rate / kTimeUnitsPerSecond);
+    return wrappingSum(wrappingProduct(seconds, rate), rest * rate / kTimeUnitsPerSecond);
 }
 
 /// The first start time in the sample's own time, if it has any.

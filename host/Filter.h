@@ -19,10 +19,7 @@ namespace marnoth {
 /// One identity and one reference count for every interface. One lock, that of `CPzi`: the streaming thread
 /// holds it for a block, everybody else for one operation. Audio at the input pin is the only clock: each
 /// sample received is one block rendered and one sample delivered on every connected output pin.
-class CFilter final : public CSoftSynth,
-                      public CGrooveSampler,
-                      public CBaseFilter,
-                      public ISpecifyPropertyPages {
+class CFilter : public CSoftSynth, public CGrooveSampler, public CBaseFilter, public ISpecifyPropertyPages {
 public:
     using OutputPins = std::vector<RefPtr<CFilterOutputPin>>;
 
@@ -85,6 +82,9 @@ public:
     }
 
 protected:
+    /// References delete the object; nobody else does.
+    ~CFilter() override;
+
     IUnknown* FindInterface(REFIID iid) override;
 
 private:
@@ -95,8 +95,6 @@ private:
     };
     class BlockScope;
     struct SampleFlags;
-
-    ~CFilter() override;
 
     // Output pins.
     HRESULT askForPinSet(std::int32_t count);

@@ -21,12 +21,15 @@ inline std::int32_t clampedToInt32(std::int64_t value) {
     return static_cast<std::int32_t>(value);
 }
 
-/// Sum and difference modulo 2^64.
+/// Sum, difference and product modulo 2^64.
 inline std::int64_t wrappingSum(std::int64_t a, std::int64_t b) {
     return static_cast<std::int64_t>(static_cast<std::uint64_t>(a) + static_cast<std::uint64_t>(b));
 }
 inline std::int64_t wrappingDifference(std::int64_t a, std::int64_t b) {
     return static_cast<std::int64_t>(static_cast<std::uint64_t>(a) - static_cast<std::uint64_t>(b));
+}
+inline std::int64_t wrappingProduct(std::int64_t a, std::int64_t b) {
+    return static_cast<std::int64_t>(static_cast<std::uint64_t>(a) * static_cast<std::uint64_t>(b));
 }
 
 }  // namespace marnoth

@@ -233,7 +233,7 @@ TEST(Ports, AForcedChannelCountsItsLowFourBits) {
     host.queue({note(0, 60, kDurationOpen, 100, 3)});
     host.drain(1);
     host.notify(PortTransform::kChannel, 0, 255);
-    host.queue({note(1, 61, kDurationOpen, 100, 3)});
+    host.queue({note(10, 61, kDurationOpen, 100, 3)});
     host.drain(512);
     ASSERT_EQ(host.played().size(), 2u);
     EXPECT_EQ(host.played()[0].event.channel, 15);
