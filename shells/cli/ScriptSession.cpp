@@ -28,7 +28,8 @@ ScriptSession::ScriptSession(const std::filesystem::path& scriptFolder,
 }
 
 std::filesystem::path ScriptSession::file(std::string_view word) const {
-    return (folder_ / pathFromUtf8(word)).lexically_normal().make_preferred();
+    // Not made shorter: a file is known by its path as given.
+    return (folder_ / pathFromUtf8(word)).make_preferred();
 }
 
 HRESULT ScriptSession::connect(std::uint32_t rate, std::uint32_t channels, const std::vector<int>& pins) {

@@ -50,7 +50,7 @@ TEST(IncludeArrows, EveryFloorHasIncludesToLookAt) {
 }
 
 TEST(IncludeArrows, RunDownwardOnly) {
-    for (const std::string& folder : {"platform", "dsp", "sample", "engine", "host", "hostkit", "shells"}) {
+    for (const std::string folder : {"platform", "dsp", "sample", "engine", "host", "hostkit", "shells"}) {
         for (const auto& [from, to] : includesUnder(folder)) {
             ASSERT_NE(heightOf(to), kFloors.size()) << from << " includes " << to << ", which is on no floor";
             EXPECT_LE(heightOf(to), heightOf(from)) << from << " includes " << to;
@@ -59,7 +59,7 @@ TEST(IncludeArrows, RunDownwardOnly) {
 }
 
 TEST(IncludeArrows, NobodyButShellsSeesThePlatformsOwnFolders) {
-    for (const std::string& folder : {"platform", "dsp", "sample", "engine", "host", "hostkit"})
+    for (const std::string folder : {"platform", "dsp", "sample", "engine", "host", "hostkit"})
         for (const auto& [from, to] : includesUnder(folder)) {
             const bool inside = from.starts_with("platform/linux/") || from.starts_with("platform/windows/");
             const bool own = to.starts_with("platform/linux/") || to.starts_with("platform/windows/");
@@ -70,7 +70,7 @@ TEST(IncludeArrows, NobodyButShellsSeesThePlatformsOwnFolders) {
 TEST(IncludeArrows, TheCoreLeansOnTheStandardLibraryAndThePlatformAlone) {
     static const std::regex kForeign(
         R"re(^\s*#\s*include\s*<(CLI|nlohmann|smf|sndfile|glib|benchmark|gtest)[^>]*>)re");
-    for (const std::string& folder : {"platform", "dsp", "sample", "engine", "host", "hostkit"}) {
+    for (const std::string folder : {"platform", "dsp", "sample", "engine", "host", "hostkit"}) {
         for (const auto& entry : fs::recursive_directory_iterator(fs::path(MARNOTH_SOURCE_DIR) / folder)) {
             if (!entry.is_regular_file()) continue;
             std::ifstream file(entry.path());
