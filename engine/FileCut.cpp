@@ -104,6 +104,7 @@ HRESULT CGrooveTrack::LoadFromWave(CAcidWave& wave, const std::wstring& newName,
 HRESULT CGrooveTrack::readAndCut(CAcidWave& wave, std::int32_t binIndex, const WAVEFORMATEX& newFormat) {
     if (!isWithinLimits(wave)) return E_UNEXPECTED;
     if (const HRESULT result = ReadSamples(wave); FAILED(result)) return result;
+    if (!sample->samples) return E_OUTOFMEMORY;
     if (const HRESULT result = sample->Resample(newFormat); FAILED(result)) return result;
     if (isLoop(wave)) {
         cutSegments(wave, binIndex);
