@@ -17,8 +17,8 @@ constexpr int kTempo = 112;  // beats per minute: that of none of the loops
 constexpr int kBeats = 64;
 constexpr int kVelocity = 100;
 constexpr double kNoteBeats = 0.25;
-/// The loops go out a little before the last bar does, so that their fades end with it.
-constexpr double kEnd = kBeats - 0.06;
+/// The loops go out a little before the last bar does, so that their fades have ended when it does.
+constexpr double kEnd = kBeats - 0.2;
 
 /// Keys of pads 1 to 4.
 constexpr int kDrums = 60;

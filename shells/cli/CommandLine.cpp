@@ -114,7 +114,9 @@ private:
         render->add_option("--rate", options.rate, "Frames per second, 44100 by default")
             ->check(CLI::Range(kLowestRate, kHighestRate))
             ->type_name("R");
-        render->add_option("--block", options.block, "Frames of one block, 512 by default")
+        render
+            ->add_option("--block", options.block,
+                         "Frames of one block, 1024 by default: room for a whole fade at the usual rates")
             ->check(CLI::Range(1, kMostBlockFrames))
             ->type_name("N");
         render->add_option("--key", request.key, "The project's key, such as A, C# or Bb")->type_name("NAME");
@@ -150,13 +152,15 @@ RenderOptions renderOptions(const Request& request) {
 }
 
 int carryOut(const Request& request, const Grammar& grammar, std::ostream& out, std::ostream& errors) {
+    int status = 0;
     if (grammar.chose("script"))
-        return runScript(request.script, pathFromUtf8(request.scriptOut), out, errors);
-    if (grammar.chose("render"))
+        status = runScript(request.script, pathFromUtf8(request.scriptOut), out, errors);
+    else if (grammar.chose("render"))
         runRender(renderOptions(request), out);
     else
         runInfo(request.infoFile, request.json, out);
-    return 0;
+    if (!out.flush()) throw FileFailure("standard output can't be written");
+    return status;
 }
 
 /// One line, whatever the text.
