@@ -28,6 +28,18 @@ TEST(Loop, BlockLongerThanItPlaysItOnce) {
     expectSilence(rig.audio[0], 1000, 4096);
 }
 
+TEST(Loop, GrainWhosePlaceLiesBeforeTheBlockIsSkipped) {
+    VoiceRig rig;
+    rig.laySound(0, ramp(1000));
+    rig.engine.SetPadLooping(0, 1);
+    rig.noteOn(60);
+    rig.cycle(4096);
+    // Repetitions are counted in the loop's own length: the second lies at frame 1000, behind which the block
+    // begins.
+    rig.cycle(4096);
+    expectSilence(rig.audio[0], 0, 4096);
+}
+
 TEST(Loop, SoundWithoutOneEndsWithItsLastFrame) {
     VoiceRig rig;
     rig.laySound(0, ramp(1000));
@@ -184,14 +196,14 @@ TEST(CollectCycle, TailRingsForItsOwnLengthEvenOnTheBeat) {
 
 TEST(CollectCycle, FarOutTimesDoNoHarm) {
     TwoGrains it;
-    constexpr std::int64_t far = INT64_MAX;
-    it.track.SetLength(far, kTicks16);
-    it.track.GetAt(1).startTicks = far;
-    it.track.GetAt(1).lengthTicks = far;
-    for (const std::int64_t origin : {-far, std::int64_t{0}, far}) {
-        it.track.SelectRange(it.events, origin, -far, far, kTicks16);
-        it.track.SelectRange(it.events, origin, far - 10, far, kTicks16);
-        it.track.CollectCycle(it.events, origin, 0, far, far, kTicks16);
+    constexpr std::int64_t most = INT64_MAX;
+    it.track.SetLength(most, kTicks16);
+    it.track.GetAt(1).startTicks = most;
+    it.track.GetAt(1).lengthTicks = most;
+    for (const std::int64_t origin : {-most, std::int64_t{0}, most}) {
+        it.track.SelectRange(it.events, origin, -most, most, kTicks16);
+        it.track.SelectRange(it.events, origin, most - 10, most, kTicks16);
+        it.track.CollectCycle(it.events, origin, 0, most, most, kTicks16);
     }
 }
 
