@@ -6,12 +6,15 @@
 #include <array>
 #include <deque>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <limits>
 #include <memory>
 #include <span>
 
 #include "shells/cli/Console.h"
 #include "shells/cli/Failure.h"
+#include "shells/cli/MidiCheck.h"
 
 namespace marnoth {
 
@@ -25,6 +28,7 @@ constexpr unsigned char kMeta = 0xFF;
 constexpr unsigned char kTempoMeta = 0x51;
 constexpr unsigned char kSignatureMeta = 0x58;
 constexpr int kLargestDenominatorExponent = 8;
+constexpr std::uintmax_t kMostFileBytes = 64 << 20;
 
 struct SmfDeleter {
     void operator()(smf_t* smf) const { smf_delete(smf); }
@@ -119,6 +123,17 @@ private:
     MidiPart part_;
 };
 
+std::vector<std::uint8_t> readFile(const std::string& file) {
+    std::error_code error;
+    const std::filesystem::path path = pathFromUtf8(file);
+    if (!std::filesystem::is_regular_file(path, error)) throw FileFailure(file + ": there is no such file");
+    if (std::filesystem::file_size(path, error) > kMostFileBytes)
+        throw FileFailure(file + ": it is too long");
+    std::ifstream in(path, std::ios::binary);
+    if (!in) throw FileFailure(file + ": it can't be opened");
+    return {std::istreambuf_iterator<char>(in), {}};
+}
+
 }  // namespace
 
 bool canReadMidi() {
@@ -126,12 +141,11 @@ bool canReadMidi() {
 }
 
 MidiPart readMidi(const std::string& file) {
-    std::error_code ignored;
-    if (!std::filesystem::is_regular_file(pathFromUtf8(file), ignored))
-        throw FileFailure(file + ": there is no such file");
+    const std::vector<std::uint8_t> bytes = readFile(file);
+    if (!isMidiFile(bytes)) throw FileFailure(file + ": it isn't a standard MIDI file, or it is damaged");
     g_log_set_default_handler(dropMessage, nullptr);
-    const Smf smf(smf_load(file.c_str()));
-    if (!smf) throw FileFailure(file + ": it isn't a standard MIDI file");
+    const Smf smf(smf_load_from_memory(bytes.data(), static_cast<int>(bytes.size())));
+    if (!smf) throw FileFailure(file + ": it isn't a standard MIDI file of a known kind");
     if (smf->ppqn <= 0) throw FileFailure(file + ": it counts in film frames, not in beats");
     PartBuilder builder(file, smf->ppqn);
     while (const smf_event_t* event = smf_get_next_event(smf.get())) builder.take(*event);

@@ -1,8 +1,5 @@
 #include <cstdint>
 #include <limits>
-#include <numeric>
-#include <optional>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -19,16 +16,28 @@ constexpr std::int64_t kMostBlockFrames = 1 << 20;
 /// Beyond it the bytes per second of stereo floats don't fit into the format's record.
 constexpr std::int64_t kHighestRate = 0xFFFFFFFFLL / 8;
 constexpr double kDefaultRate = 44100.0;
+// Far beyond any music, and so that times in samples and in ticks stay within 64 bits.
+constexpr double kLowestConverterRate = 1e-3;
+constexpr double kHighestConverterRate = 1e9;
+constexpr double kSlowestTempo = 1e-3;
+constexpr double kFastestTempo = 1e6;
+constexpr double kMostSeconds = 1e9;
 constexpr std::int64_t kHighestKey = 11;
 
 std::string done() {
     return printResult(S_OK);
 }
 
-double readPositive(std::string_view word, const char* name) {
+double readBetween(std::string_view word, const char* name, double lowest, double highest) {
     const double value = readReal(word, name);
-    if (value <= 0) throw ScriptError(std::string(name) + " must be above 0");
+    if (value < lowest || value > highest)
+        throw ScriptError(std::string(name) + " must lie within " + printReal(lowest) + " to " +
+                          printReal(highest));
     return value;
+}
+
+double readTempo(std::string_view word) {
+    return readBetween(word, "BPM", kSlowestTempo, kFastestTempo);
 }
 
 /// A word that must be the first of two, or the second.
@@ -42,8 +51,7 @@ std::vector<int> readPins(Arguments words) {
     std::vector<int> pins;
     for (const std::string& word : words) {
         if (word == "all") {
-            pins.resize(kOutputPins);
-            std::iota(pins.begin(), pins.end(), 0);
+            for (int pin = 0; pin < kOutputPins; ++pin) pins.push_back(pin);
         } else {
             pins.push_back(word == "mix" ? 0
                                          : static_cast<int>(readInteger(word, "PIN", 1, kOutputPins - 1)));
@@ -65,7 +73,7 @@ void readAttachOption(const std::string& word, AttachOptions& options) {
     if (name == "key")
         options.key = static_cast<std::uint32_t>(readInteger(value, "key", 0, kHighestKey));
     else if (name == "rate")
-        options.converterRate = readPositive(value, "rate");
+        options.converterRate = readBetween(value, "rate", kLowestConverterRate, kHighestConverterRate);
     else if (word == "converter=off")
         options.converter = false;
     else
@@ -74,7 +82,7 @@ void readAttachOption(const std::string& word, AttachOptions& options) {
 
 std::string attach(ScriptSession& session, Arguments words) {
     AttachOptions options;
-    options.tempo = readPositive(words[0], "BPM");
+    options.tempo = readTempo(words[0]);
     options.converterRate = session.rate() ? static_cast<double>(*session.rate()) : kDefaultRate;
     for (const std::string& word : words.subspan(1)) readAttachOption(word, options);
     return printResult(session.rig().attach(options));
@@ -82,7 +90,7 @@ std::string attach(ScriptSession& session, Arguments words) {
 
 std::string tempo(ScriptSession& session, Arguments words) {
     const auto tick = readNumber<std::int32_t>(words[0], "TICK");
-    const double beatsPerMinute = readPositive(words[1], "BPM");
+    const double beatsPerMinute = readTempo(words[1]);
     if (!session.rig().addTempo(tick, beatsPerMinute))
         throw ScriptError("a tempo needs `attach` before it and a TICK above those before it");
     return done();
@@ -125,7 +133,7 @@ std::string stop(ScriptSession& session, Arguments) {
 }
 
 std::string discontinuity(ScriptSession& session, Arguments words) {
-    session.rig().setDiscontinuity(readReal(words[0], "SECONDS"));
+    session.rig().setDiscontinuity(readBetween(words[0], "SECONDS", -kMostSeconds, kMostSeconds));
     return done();
 }
 

@@ -110,6 +110,31 @@ TEST(MidiFile, RefusesWhatItCannotPlay) {
     EXPECT_THROW(read(midi(0xE728, {0, 0x90, 60, 1})), FileFailure);
 }
 
+TEST(MidiFile, RefusesDamageAnywhere) {
+    const Bytes good = midi(96, {0, 0x90, 60, 1, 10, 61, 1, 0, 0xF0, 2, 1, 0xF7, 0, 0xFF, 0x01, 1, 'x'}, 96);
+    EXPECT_EQ(read(good).notes.size(), 2u);
+    for (std::size_t length = 0; length < good.size(); ++length)
+        EXPECT_THROW(read(Bytes(good.begin(), good.begin() + static_cast<std::ptrdiff_t>(length))),
+                     FileFailure)
+            << length;
+    // No byte that is changed ends the program.
+    for (std::size_t at = 0; at < good.size(); ++at) {
+        for (const int value : {0x00, 0x7F, 0x80, 0xF0, 0xF7, 0xF8, 0xFF}) {
+            Bytes damaged = good;
+            damaged[at] = static_cast<std::uint8_t>(value);
+            try {
+                EXPECT_FALSE(read(damaged).notes.empty());
+            } catch (const FileFailure&) {
+            }
+        }
+    }
+    EXPECT_THROW(read(midi(96, {0, 60, 1})), FileFailure) << "a running status from nowhere";
+    EXPECT_THROW(read(midi(96, {0, 0x90, 60, 1, 0, 0xFF, 1, 0, 0, 60, 1})), FileFailure)
+        << "a running status behind a meta event";
+    EXPECT_THROW(read(midi(96, {0x80, 0x80, 0x80, 0x80, 0, 0x90, 60, 1})), FileFailure)
+        << "a time of five bytes";
+}
+
 TEST(MidiFile, ANoteStartsALoopAndTheNextOneEndsIt) {
     const TempFolder folder;
     WaveFile()
