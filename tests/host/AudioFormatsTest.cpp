@@ -105,13 +105,13 @@ TEST(FormatOfADirection, IsTakenOverOnlyWhenEveryTestPasses) {
     pzi.inputFormat = pzi.outputFormat = waveFormat(22050, 1);
     EXPECT_EQ(SetFormat(pzi, PINDIR_INPUT, nullptr), E_POINTER);
     EXPECT_EQ(SetFormat(pzi, PINDIR_OUTPUT, audioType(44100, 3).Get()), VFW_E_TYPE_NOT_ACCEPTED);
-    EXPECT_EQ(pzi.inputFormat.nSamplesPerSec, 22050u);
+    EXPECT_EQ(+pzi.inputFormat.nSamplesPerSec, 22050u);
     EXPECT_EQ(SetFormat(pzi, PINDIR_INPUT, audioType(44100, 2).Get()), S_OK);
-    EXPECT_EQ(pzi.inputFormat.nSamplesPerSec, 44100u);
+    EXPECT_EQ(+pzi.inputFormat.nSamplesPerSec, 44100u);
     EXPECT_EQ(pzi.inputFormat.nBlockAlign, 8);
-    EXPECT_EQ(pzi.outputFormat.nSamplesPerSec, 22050u);
+    EXPECT_EQ(+pzi.outputFormat.nSamplesPerSec, 22050u);
     EXPECT_EQ(SetFormat(pzi, PINDIR_OUTPUT, audioType(48000, 2).Get()), S_OK);
-    EXPECT_EQ(pzi.outputFormat.nSamplesPerSec, 48000u);
+    EXPECT_EQ(+pzi.outputFormat.nSamplesPerSec, 48000u);
 }
 
 }  // namespace

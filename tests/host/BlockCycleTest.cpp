@@ -150,7 +150,7 @@ TEST(Receive, ADiscontinuityInTheMiddleOfASampleIsCut) {
     host.input().Receive(&in);
     EXPECT_EQ(position, -54444);
     // The product with the rate needs more than 64 bits.
-    in.start = INT64_MAX;
+    in.start = INT64_MAX - 1;
     host.input().Receive(&in);
     EXPECT_EQ(position, 40675070682529561);
 }

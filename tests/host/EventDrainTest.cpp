@@ -46,7 +46,7 @@ TEST(Drain, NoteOffAndNoteOnInOneBlockLeaveAReleasedNote) {
     host.queue({note(0, 60), noteOff(1, 60)});
     host.drain(512);
     ASSERT_EQ(host.played().size(), 1u);
-    EXPECT_EQ(host.played().front().event.duration, 0u);
+    EXPECT_EQ(+host.played().front().event.duration, 0u);
     EXPECT_NE(host.played().front().voice, nullptr);
     EXPECT_EQ(host.pzi.liveVoices, 1);
 }
@@ -60,9 +60,9 @@ TEST(Drain, ANoteOffEndsTheOldestNoteOfItsKeyOnAnyChannel) {
     host.drain(22050);
     ASSERT_EQ(host.played().size(), 2u);
     EXPECT_EQ(host.played()[0].event.channel, 1);
-    EXPECT_EQ(host.played()[0].event.duration, 0u);
+    EXPECT_EQ(+host.played()[0].event.duration, 0u);
     EXPECT_EQ(host.played()[1].event.channel, 2);
-    EXPECT_EQ(host.played()[1].event.duration, 0xFFFFFFFFu);
+    EXPECT_EQ(+host.played()[1].event.duration, 0xFFFFFFFFu);
 }
 
 TEST(Drain, SeveralNoteOffsOfOneKeyCountAsOne) {
@@ -71,8 +71,8 @@ TEST(Drain, SeveralNoteOffsOfOneKeyCountAsOne) {
     host.queue({note(0, 60), note(0, 60), noteOff(1, 60), noteOff(2, 60)});
     host.drain(512);
     ASSERT_EQ(host.played().size(), 2u);
-    EXPECT_EQ(host.played()[0].event.duration, 0u);
-    EXPECT_EQ(host.played()[1].event.duration, 0xFFFFFFFFu);
+    EXPECT_EQ(+host.played()[0].event.duration, 0u);
+    EXPECT_EQ(+host.played()[1].event.duration, 0xFFFFFFFFu);
 }
 
 TEST(Drain, ANoteOffWithoutANoteIsLost) {
@@ -83,8 +83,8 @@ TEST(Drain, ANoteOffWithoutANoteIsLost) {
     host.queue({note(10, 60)});
     host.drain(512);
     ASSERT_EQ(host.played().size(), 2u);
-    EXPECT_EQ(host.played()[0].event.duration, 0xFFFFFFFFu);
-    EXPECT_EQ(host.played()[1].event.duration, 0xFFFFFFFFu);
+    EXPECT_EQ(+host.played()[0].event.duration, 0xFFFFFFFFu);
+    EXPECT_EQ(+host.played()[1].event.duration, 0xFFFFFFFFu);
 }
 
 TEST(Drain, ANoteWithALengthIsNeverPaired) {
@@ -93,8 +93,8 @@ TEST(Drain, ANoteWithALengthIsNeverPaired) {
     host.queue({note(0, 60, 480), note(0, 60), noteOff(0, 60)});
     host.drain(1);
     ASSERT_EQ(host.played().size(), 2u);
-    EXPECT_EQ(host.played()[0].event.duration, 480u);
-    EXPECT_EQ(host.played()[1].event.duration, 0u);
+    EXPECT_EQ(+host.played()[0].event.duration, 480u);
+    EXPECT_EQ(+host.played()[1].event.duration, 0u);
 }
 
 TEST(Drain, ANoteClosedBeforeThatNoBlockTookUpGoesWithItsVoice) {
@@ -196,7 +196,7 @@ TEST(Ports, AMuteEventWorksLikeANotification) {
     EXPECT_TRUE(host.played().empty());
     host.drain(1);
     ASSERT_EQ(host.played().size(), 2u);
-    EXPECT_EQ(host.played()[0].event.type, SynthEventType::mute);
+    EXPECT_TRUE(host.played()[0].event.type == SynthEventType::mute);
     EXPECT_EQ(host.played()[1].event.note, 61);
 }
 
@@ -223,7 +223,7 @@ TEST(Ports, NoteOffsMoveWithTheirNotes) {
     host.drain(1);
     ASSERT_EQ(host.played().size(), 1u);
     EXPECT_EQ(host.played().front().event.note, 71);
-    EXPECT_EQ(host.played().front().event.duration, 0u);
+    EXPECT_EQ(+host.played().front().event.duration, 0u);
 }
 
 TEST(Ports, AForcedChannelCountsItsLowFourBits) {

@@ -6,7 +6,7 @@ namespace {
 TEST(InputPin, TakesFloatAndMakesItTheFormatOfTheInstrument) {
     FilterHost host;
     EXPECT_EQ(host.connectInput(48000, 1), S_OK);
-    EXPECT_EQ(host.filter->inputFormat.nSamplesPerSec, 48000u);
+    EXPECT_EQ(+host.filter->inputFormat.nSamplesPerSec, 48000u);
     EXPECT_EQ(host.filter->inputFormat.nChannels, 1);
     EXPECT_EQ(host.filter->inputFormat.nBlockAlign, 4);
 }
@@ -16,7 +16,7 @@ TEST(InputPin, RefusesIntegersAndKeepsTheFormatsAsTheyWere) {
     const CMediaType type = audioType(44100, 2, 1, 16);
     EXPECT_EQ(host.input().ReceiveConnection(&host.source, type.Get()), VFW_E_TYPE_NOT_ACCEPTED);
     EXPECT_FALSE(host.input().IsConnected());
-    EXPECT_EQ(host.filter->inputFormat.nSamplesPerSec, 0u);
+    EXPECT_EQ(+host.filter->inputFormat.nSamplesPerSec, 0u);
     EXPECT_EQ(host.input().CheckMediaType(nullptr), E_POINTER);
 }
 
@@ -62,11 +62,11 @@ TEST(OutputPin, TakesFloatAtTheInputsRateAlone) {
     FilterHost host;
     host.connectInput(44100, 2);
     EXPECT_EQ(host.connectOutput(0, 48000), VFW_E_TYPE_NOT_ACCEPTED);
-    EXPECT_EQ(host.filter->outputFormat.nSamplesPerSec, 0u);
+    EXPECT_EQ(+host.filter->outputFormat.nSamplesPerSec, 0u);
     EXPECT_EQ(host.output(0).CheckMediaType(audioType(44100, 2, 1, 16).Get()), VFW_E_TYPE_NOT_ACCEPTED);
     EXPECT_EQ(host.output(0).CheckMediaType(nullptr), E_POINTER);
     EXPECT_EQ(host.connectOutput(0, 44100), S_OK);
-    EXPECT_EQ(host.filter->outputFormat.nSamplesPerSec, 44100u);
+    EXPECT_EQ(+host.filter->outputFormat.nSamplesPerSec, 44100u);
 }
 
 TEST(OutputPin, OffersWhatTheInputsSourceOffers) {
@@ -87,7 +87,7 @@ TEST(OutputPin, ProposesTheInputsFormatIntoTheBlockThatItIsGiven) {
     type = audioType(8000, 2);
     EXPECT_EQ(host.output(0).GetMediaType(0, &type), S_OK);
     ASSERT_NE(type.WaveFormat(), nullptr);
-    EXPECT_EQ(type.WaveFormat()->nSamplesPerSec, 48000u);
+    EXPECT_EQ(+type.WaveFormat()->nSamplesPerSec, 48000u);
     EXPECT_EQ(type.WaveFormat()->nChannels, 1);
 }
 

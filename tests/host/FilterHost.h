@@ -50,6 +50,7 @@ public:
     };
     std::function<HRESULT(const Block&)> onProcess;
     std::function<HRESULT()> onCreateVoice;
+    /// What a note without `flush` is told; S_OK frees its voice.
     std::function<HRESULT()> onReleaseVoice;
 
     HRESULT ProcessBlock(std::int64_t at, PinBuffer* input, PinBuffer* pins, std::int32_t pinCount,
@@ -62,7 +63,9 @@ public:
         return onCreateVoice ? onCreateVoice() : CFilter::CreateVoice(event);
     }
     HRESULT ReleaseVoice(QueuedEvent* event, std::int32_t flush) override {
-        return onReleaseVoice && !flush ? onReleaseVoice() : CFilter::ReleaseVoice(event, flush);
+        const HRESULT hr = onReleaseVoice && !flush ? onReleaseVoice() : S_OK;
+        if (hr != S_OK) return hr;
+        return CFilter::ReleaseVoice(event, onReleaseVoice ? 1 : flush);
     }
 
     using CSoftSynth::eventQueue;
