@@ -34,27 +34,32 @@ using AudioTaker = std::function<void(std::span<const float> samples, bool silen
 /// Output pins are numbered as the instrument orders them: 0 the mix, 1 to 16 the channels.
 class HostRig {
 public:
+    /// Makes the instrument. `std::runtime_error` when that fails.
     HostRig();
     ~HostRig();
     HostRig(const HostRig&) = delete;
     HostRig& operator=(const HostRig&) = delete;
 
     /// Stops the graph, takes all connections apart, and connects the input pin with 32-bit float of `rate`
-    /// and `channels`, then each of `pins` with the same format. Gives the first failure.
+    /// and `channels`, then each of `pins` with the same format, also behind one that fails. Gives the first
+    /// failure; `E_INVALIDARG` for a pin that there isn't, and for a rate or channel count of 0, which leaves
+    /// everything as it is.
     HRESULT connect(std::uint32_t rate, std::uint32_t channels, std::span<const int> pins);
-    /// Where the audio of an output pin goes from now on; none by default. Allocates.
+    /// Where the audio of an output pin goes from now on; none by default. It is called on the thread
+    /// that renders. `std::invalid_argument` for a pin that there isn't.
     void setTaker(int pin, AudioTaker taker);
 
+    /// `E_UNEXPECTED` while attached; `E_INVALIDARG` for a tempo, key or rate that can't be.
     HRESULT attach(const AttachOptions& options);
     HRESULT detach();
     /// From `tick` (whole ticks) on the host's tempo is `beatsPerMinute`. Ticks must rise; false when they
     /// don't, or without a host attached.
     bool addTempo(std::int32_t tick, double beatsPerMinute);
 
-    /// Frames of one block; at least 1. The buffers grow with it, with the connections made anew when need
-    /// be.
+    /// Frames of one block, 512 at first; at least 1, or `E_INVALIDARG`. The buffers grow with it, also while
+    /// the graph runs. After `E_OUTOFMEMORY` the blocks are as long as before.
     HRESULT setBlock(std::int32_t frames);
-    /// Whether media samples offer `IKvxSampleSilence`.
+    /// Whether media samples offer `IKvxSampleSilence`, from the next block on; they do at first.
     void setSilenceFlag(bool offered);
     /// What the input pin is sent: zeros marked as silence (the default), zeros unmarked, or frames, then
     /// zeros.
@@ -68,7 +73,8 @@ public:
     HRESULT run();
     HRESULT stop();
     /// Runs the graph if it isn't running, then sends `frames` frames in blocks, the last one shorter. Stops
-    /// at the first failing block; the result is that of the last block.
+    /// at the first failing block; the result is that of the last block. `VFW_E_NOT_CONNECTED` without a
+    /// connected input, `E_INVALIDARG` for a negative length.
     HRESULT render(std::int64_t frames);
 
     HRESULT queueEvents(std::uint32_t port, std::span<const SynthEvent> events);
