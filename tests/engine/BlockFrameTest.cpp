@@ -254,6 +254,26 @@ TEST(Position, EngineBehindTheGraphHasNoSkew) {
     EXPECT_EQ(loopFrameOf(rig, 1350 - 1024), 100);
 }
 
+TEST(Position, KeyIsAskedForAtTheMiddleOfTheBlockAsTheGraphCounts) {
+    struct KeyLog : FakeSynthContext {
+        std::vector<std::int64_t> asked;
+        std::uint32_t GetKeyAtTime(std::int64_t ticks16) override {
+            asked.push_back(ticks16);
+            return 0;
+        }
+    };
+    KeyLog context;
+    context.rate = 48000;
+    context.running = 1;
+    EngineUnderTest engine(context);
+    engine.inputFormat = floatFormat(48000, 1);
+    PinBuffer input{1001, 0, nullptr, nullptr, 1};
+    engine.ProcessBlock(24000, &input, nullptr, 0, 0, nullptr);
+    engine.ProcessBlock(48000, &input, nullptr, 0, 0, nullptr);
+    // 24500 and 48500 frames, at 24000 frames to the beat.
+    EXPECT_EQ(context.asked, (std::vector<std::int64_t>{64225280, 127139840}));
+}
+
 TEST(Position, FarOutPositionsDoNoHarm) {
     for (const std::int64_t position : {INT64_MIN, INT64_MAX, INT64_MAX - 100, std::int64_t{-1}}) {
         VoiceRig rig(48000);

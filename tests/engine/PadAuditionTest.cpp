@@ -68,6 +68,15 @@ TEST(PadFromThePage, PlaysOnceAndThenReportsThatItDoesNot) {
     EXPECT_FALSE(rig.isPlaying(0));
 }
 
+TEST(PadFromThePage, PlayedOutPadStaysSilentWhenItsLoopIsSwitchedOn) {
+    VoiceRig rig;
+    rig.laySound(0, ramp(1500));
+    rig.engine.AuditionPad(0, -1);
+    rig.play(5 * kBlock, kBlock);
+    rig.engine.SetPadLooping(0, 1);
+    EXPECT_EQ(peak(rig.play(3 * kBlock, kBlock)), 0);
+}
+
 TEST(PadFromThePage, ReportsAsPlayingWhileItSounds) {
     VoiceRig rig;
     rig.laySound(0, ramp(9000));
