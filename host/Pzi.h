@@ -3,9 +3,9 @@
 #include <cstdint>
 #include <deque>
 
-#include "host/RecyclingAllocator.h"
 #include "platform/Com.h"
 #include "platform/CritSec.h"
+#include "platform/RecyclingAllocator.h"
 
 struct IMediaSample;
 struct IPin;
