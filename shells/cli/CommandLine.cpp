@@ -12,6 +12,7 @@
 #include "shells/cli/InfoCommand.h"
 #include "shells/cli/MidiFile.h"
 #include "shells/cli/RenderCommand.h"
+#include "shells/cli/ScriptNumbers.h"
 #include "shells/cli/ScriptRunner.h"
 
 namespace marnoth {
@@ -64,6 +65,18 @@ struct Request {
     bool json = false;
 };
 
+/// Takes numbers between the two, and nothing that only looks like a number.
+CLI::Validator within(double lowest, double highest) {
+    const std::string range = "a number from " + printReal(lowest) + " to " + printReal(highest);
+    const auto problem = [=](const std::string& word) -> std::string {
+        double value = 0;
+        // Written this way round since "nan" lies neither below nor above.
+        if (CLI::detail::lexical_cast(word, value) && value >= lowest && value <= highest) return {};
+        return "write " + range + " in place of \"" + word + "\"";
+    };
+    return CLI::Validator(problem, "");
+}
+
 /// The grammar of the command line; fills a request.
 class Grammar {
 public:
@@ -106,18 +119,18 @@ private:
             ->type_name("N=FILE");
         render->add_option("--midi", options.midi, "Standard MIDI file to play")->type_name("FILE");
         render->add_option("--tempo", options.tempo, "Beats per minute")
-            ->check(CLI::Range(kSlowestTempo, kFastestTempo))
+            ->check(within(kSlowestTempo, kFastestTempo))
             ->type_name("BPM");
         render->add_option("--beats", options.beats, "Length in beats")
-            ->check(CLI::Range(0.001, kMostBeats))
+            ->check(within(0.001, kMostBeats))
             ->type_name("N");
         render->add_option("--rate", options.rate, "Frames per second, 44100 by default")
-            ->check(CLI::Range(kLowestRate, kHighestRate))
+            ->check(within(kLowestRate, kHighestRate))
             ->type_name("R");
         render
             ->add_option("--block", options.block,
                          "Frames of one block, 1024 by default: room for a whole fade at the usual rates")
-            ->check(CLI::Range(1, kMostBlockFrames))
+            ->check(within(1, kMostBlockFrames))
             ->type_name("N");
         render->add_option("--key", request.key, "The project's key, such as A, C# or Bb")->type_name("NAME");
         render->add_flag("--gate", options.gate, "Pads sound while their notes are held");

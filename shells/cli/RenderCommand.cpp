@@ -40,6 +40,12 @@ std::string padName(int pad) {
     return (number.size() < 2 ? "pad0" : "pad") + number + ".wav";
 }
 
+/// Whether two names, of files that needn't be there, mean the same file.
+bool isSamePlace(const std::filesystem::path& a, const std::filesystem::path& b) {
+    std::error_code ignored;
+    return std::filesystem::weakly_canonical(a, ignored) == std::filesystem::weakly_canonical(b, ignored);
+}
+
 /// One offline render: the instrument in its host, what it plays, and where the audio goes.
 class OfflineRender {
 public:
@@ -107,13 +113,21 @@ private:
     }
 
     void openOutputs() {
+        // The mix may go into the folder of the stems.
+        if (!options_.stems.empty()) openStems(pathFromUtf8(options_.stems));
         open(0, pathFromUtf8(options_.out));
-        if (options_.stems.empty()) return;
-        const std::filesystem::path folder = pathFromUtf8(options_.stems);
+    }
+
+    void openStems(const std::filesystem::path& folder) {
         std::error_code error;
         std::filesystem::create_directories(folder, error);
         if (error) throw FileFailure(options_.stems + ": the folder can't be made");
-        for (const PadFile& pad : options_.pads) open(pad.pad + 1, folder / padName(pad.pad));
+        for (const PadFile& pad : options_.pads) {
+            const std::filesystem::path path = folder / padName(pad.pad);
+            if (isSamePlace(path, pathFromUtf8(options_.out)))
+                throw WrongUse("--out " + options_.out + " is the file of a stem: give it another name");
+            open(pad.pad + 1, path);
+        }
     }
 
     void open(int pin, const std::filesystem::path& path) {
@@ -160,7 +174,7 @@ private:
 
     void tell(std::ostream& report, double took) const {
         const double length = static_cast<double>(frames_) / options_.rate;
-        const float peak = outputs_.front()->peak();
+        const float peak = outputs_.back()->peak();
         std::array<char, 64> level{"silent"};
         if (peak > 0) std::snprintf(level.data(), level.size(), "peak %.1f dBFS", 20 * std::log10(peak));
         std::array<char, 160> text{};
@@ -173,7 +187,7 @@ private:
     MidiPart part_;
     double ticks_ = 0;
     std::int64_t frames_ = 0;
-    std::vector<std::unique_ptr<RenderOutput>> outputs_;
+    std::vector<std::unique_ptr<RenderOutput>> outputs_;  ///< the stems, then the mix
     HostRig rig_;  // destroyed before the outputs that its pins write to
 };
 

@@ -35,7 +35,7 @@ PadFile readPadFile(std::string_view text);
 /// The number of a key, from `A` for 0, with `#` or `b` behind the letter. Throws `WrongUse`.
 std::uint32_t readKey(std::string_view name);
 
-/// Renders offline and prints a line about it. Throws `FileFailure`.
+/// Renders offline and prints a line about it. Throws `FileFailure`, and `WrongUse` for files that clash.
 void runRender(const RenderOptions& options, std::ostream& report);
 
 }  // namespace marnoth

@@ -5,6 +5,7 @@
 #include <limits>
 #include <string>
 #include <string_view>
+#include <type_traits>
 
 #include "platform/Com.h"
 #include "shells/cli/ScriptWords.h"
@@ -22,11 +23,13 @@ double readReal(std::string_view word, const char* name);
 /// The same for a number that is kept in 32 bits.
 float readFloat(std::string_view word, const char* name);
 
-/// An integer within the range of its type.
+/// An integer that the bits of its type can hold, read as signed or as unsigned: -1 and 0xFFFFFFFF are the
+/// same 32 bits, whichever of the two an operation declares.
 template <std::integral T>
 requires(sizeof(T) < 8 || std::signed_integral<T>) T readNumber(std::string_view word, const char* name) {
-    return static_cast<T>(
-        readInteger(word, name, std::numeric_limits<T>::min(), std::numeric_limits<T>::max()));
+    using Lowest = std::numeric_limits<std::make_signed_t<T>>;
+    using Highest = std::numeric_limits<std::conditional_t<sizeof(T) < 8, std::make_unsigned_t<T>, T>>;
+    return static_cast<T>(readInteger(word, name, Lowest::min(), Highest::max()));
 }
 
 /// As `printf` with `%.9g`.

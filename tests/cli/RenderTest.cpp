@@ -133,6 +133,21 @@ TEST(Render, StemsAddUpToTheMix) {
     EXPECT_NEAR(sampleAt(last, 10000), 0.125, 1e-3);
 }
 
+TEST(Render, TheMixMayGoIntoTheFolderOfTheStems) {
+    const TempFolder folder;
+    steady(0.25).write(folder / "a.wav");
+    const auto statusOf = [&](const std::string& out) {
+        return marnoth({"render", "--pad", "2=" + folder.name("a.wav"), "--beats", "1", "--out",
+                        folder.name(out), "--stems", folder.name("stems")})
+            .status;
+    };
+    EXPECT_EQ(statusOf("stems/mix.wav"), 0);
+    EXPECT_EQ(readWaveFrames(folder / "stems" / "mix.wav").samples.size(), 2 * 22050u);
+    // There it would be in the way of a stem.
+    EXPECT_EQ(statusOf("stems/../stems/pad02.wav"), 2);
+    EXPECT_EQ(readWaveFrames(folder / "stems" / "pad02.wav").samples.size(), 2 * 22050u);
+}
+
 TEST(Render, SaysWhyAFileDoesNotLoad) {
     const TempFolder folder;
     writeText(folder / "text.wav", "this is no wave file at all");

@@ -18,11 +18,19 @@ TEST(ScriptNumbers, ReadDecimalAndHexadecimalIntegers) {
 
 TEST(ScriptNumbers, RefuseWhatTheTypeCannotHold) {
     EXPECT_THROW(readNumber<std::uint8_t>("256", "N"), ScriptError);
-    EXPECT_THROW(readNumber<std::uint32_t>("-1", "N"), ScriptError);
-    EXPECT_THROW(readNumber<std::int32_t>("2147483648", "N"), ScriptError);
+    EXPECT_THROW(readNumber<std::uint8_t>("-129", "N"), ScriptError);
+    EXPECT_THROW(readNumber<std::uint32_t>("-2147483649", "N"), ScriptError);
+    EXPECT_THROW(readNumber<std::int32_t>("4294967296", "N"), ScriptError);
     EXPECT_THROW(readNumber<std::int64_t>("9223372036854775808", "N"), ScriptError);
     EXPECT_THROW(readNumber<std::int64_t>("99999999999999999999999", "N"), ScriptError);
     EXPECT_THROW(readFloat("1e39", "N"), ScriptError);
+}
+
+TEST(ScriptNumbers, ReadTheBitsOfATypeAsSignedOrUnsigned) {
+    EXPECT_EQ(readNumber<std::uint8_t>("-10", "N"), 0xF6);
+    EXPECT_EQ(readNumber<std::uint32_t>("-1", "N"), 0xFFFFFFFFu);
+    EXPECT_EQ(readNumber<std::int32_t>("0xFFFFFFFF", "N"), -1);
+    EXPECT_EQ(readNumber<std::int32_t>("2147483648", "N"), std::numeric_limits<std::int32_t>::min());
 }
 
 TEST(ScriptNumbers, RefuseWhatIsNoNumber) {
@@ -37,7 +45,7 @@ TEST(ScriptNumbers, SayWhichArgumentIsWrong) {
         readNumber<std::uint8_t>("999", "VELOCITY");
         FAIL();
     } catch (const ScriptError& error) {
-        EXPECT_STREQ(error.what(), "VELOCITY: \"999\" isn't within 0 to 255");
+        EXPECT_STREQ(error.what(), "VELOCITY: \"999\" isn't within -128 to 255");
     }
 }
 
