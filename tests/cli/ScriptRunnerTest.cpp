@@ -78,7 +78,7 @@ TEST(ScriptRunner, RefusesArgumentsThatMakeNoSense) {
                              "QueueEvents 0 0:0:60:100",
                              "QueueEvents 0 0:0:60:100:1:1",
                              "QueueEvents 0 0:0:256:100:1",
-                             "QueueEvents 0 0:0:60:100:-1",
+                             "QueueEvents 0 0:0:60:100:close",
                              "QueueRawInput 0 0:0x90:62",
                              "Notify 1 0 256 1",
                              "StartPlayback 4294967296"}) {
