@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <limits>
+#include <vector>
 
 /// Measuring beside a bound. The machines are noisy, so work and bounds take turns within one run, the best
 /// turn of each counts, and ratios are printed.
@@ -33,6 +34,13 @@ public:
 private:
     double best = std::numeric_limits<double>::infinity();
 };
+
+/// The middle one of the values, the upper of two; there must be one.
+inline double medianOf(std::vector<double> values) {
+    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+    std::nth_element(values.begin(), middle, values.end());
+    return *middle;
+}
 
 /// Tells apart two renders that differ in a single bit.
 inline std::uint64_t fingerprint(const void* data, std::size_t bytes) {

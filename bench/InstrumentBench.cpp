@@ -1,0 +1,212 @@
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <limits>
+#include <numeric>
+#include <span>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "bench/Bounds.h"
+#include "hostkit/HostRig.h"
+#include "support/WaveFile.h"
+
+/// The whole instrument as a host drives it, pins and all: pads that play loops of 16 grains, each stretched
+/// to 1.25 of its length.
+namespace marnoth::bench {
+namespace {
+
+constexpr int kRate = 44100;
+constexpr int kGrains = 16;
+constexpr int kBeats = 4;
+/// A loop made at 125 beats per minute and played at 100.
+constexpr double kHostTempo = 100.0;
+constexpr std::int64_t kLoopFrames = kRate * kBeats * 60 / 125;
+/// Two rounds of the stretched loop.
+constexpr std::int64_t kPassFrames = 2 * kLoopFrames * 5 / 4;
+
+struct Scene {
+    int pads;
+    int semitones;
+    int block;
+
+    std::int64_t blocks() const { return kPassFrames / block; }
+};
+
+void check(HRESULT result, const char* what) {
+    if (result != S_OK) throw std::runtime_error(what);
+}
+
+/// A stereo loop of a pitch of its own.
+test::TempPath writeLoop(int pad) {
+    const double left = 0.01 * (pad + 2), right = 0.013 * (pad + 2);
+    return test::WaveFile()
+        .rate(kRate)
+        .channels(2)
+        .bits(16)
+        .frames(kLoopFrames, [&](std::int64_t i, int c) { return 0.3 * std::sin((c ? right : left) * i); })
+        .acid({.beats = kBeats, .tempo = 125})
+        .writeTemp();
+}
+
+/// A host with the pads of a scene, each with a file of its own.
+class Stage {
+public:
+    explicit Stage(const Scene& scene) : scene(scene) {
+        const int mix = 0;
+        check(rig.connect(kRate, 2, {&mix, 1}), "connect");
+        check(rig.setBlock(scene.block), "setBlock");
+        check(rig.attach({.tempo = kHostTempo, .key = {}}), "attach");
+        for (int pad = 0; pad < scene.pads; ++pad) load(pad);
+    }
+
+    /// Plays the scene from its beginning; `onBlock` is called for every block and renders it.
+    template <class OnBlock>
+    void play(const OnBlock& onBlock) {
+        check(rig.synth().StopPlayback(), "StopPlayback");
+        check(rig.synth().StartPlayback(0), "StartPlayback");
+        check(rig.queueEvents(0, notes), "queueEvents");
+        for (std::int64_t i = 0; i < scene.blocks(); ++i) onBlock(i);
+    }
+
+    void renderBlock() { check(rig.render(scene.block), "render"); }
+
+    /// What the scene sounds like, for eyes; throws when it is silent.
+    std::string audioLabel() {
+        std::vector<float> audio;
+        rig.setTaker(0, [&](std::span<const float> samples, bool) {
+            audio.insert(audio.end(), samples.begin(), samples.end());
+        });
+        play([&](std::int64_t) { renderBlock(); });
+        rig.setTaker(0, {});
+        const float peak = *std::max_element(audio.begin(), audio.end());
+        if (peak < 0.1f) throw std::runtime_error("silence");
+        const auto print = fingerprint(audio.data(), audio.size() * sizeof(float));
+        char label[64];
+        std::snprintf(label, sizeof label, "audio %016llx peak %.2f", static_cast<unsigned long long>(print),
+                      peak);
+        return label;
+    }
+
+private:
+    void load(int pad) {
+        IGrooveSampler& sampler = rig.sampler();
+        files.push_back(writeLoop(pad));
+        std::int32_t bin = -1, grains = 0;
+        std::uint32_t status = 0;
+        check(sampler.LoadFileToPad(pad, "loop", files.back().c_str(), &bin, &status), "LoadFileToPad");
+        check(sampler.GetGrainCount(kPadLoop, static_cast<std::uint32_t>(pad), &grains), "GetGrainCount");
+        if (grains != kGrains) throw std::runtime_error("not 16 grains");
+        for (int grain = 0; grain < kGrains; ++grain)
+            check(sampler.SetGrainTranspose(pad, grain, scene.semitones), "SetGrainTranspose");
+        KeyMapRecord key{};
+        key.pad = pad;
+        check(sampler.GetKeyMapEntry(&key), "GetKeyMapEntry");
+        SynthEvent note;
+        note.note = static_cast<std::uint8_t>(key.rootKey);
+        note.velocity = 100;
+        note.duration = 960 * 1000;
+        notes.push_back(note);
+    }
+
+    Scene scene;
+    HostRig rig;
+    std::vector<test::TempPath> files;
+    std::vector<SynthEvent> notes;
+};
+
+/// Copies what each pad of a block has to read, out of as much memory as the pads' waves take.
+class BlockCopy {
+public:
+    explicit BlockCopy(const Scene& scene)
+        : scene(scene),
+          waves(static_cast<std::size_t>(scene.pads * kLoopFrames * 2), 0.5f),
+          out(static_cast<std::size_t>(scene.block) * 2) {}
+
+    void operator()(std::int64_t block) {
+        const std::int64_t place = block * scene.block % (kLoopFrames - scene.block);
+        for (int pad = 0; pad < scene.pads; ++pad) {
+            std::memcpy(out.data(), waves.data() + (pad * kLoopFrames + place) * 2,
+                        out.size() * sizeof(float));
+            benchmark::ClobberMemory();
+        }
+    }
+
+private:
+    Scene scene;
+    std::vector<float> waves, out;
+};
+
+/// Per block of the scene the best time of all passes: what is left is the block's own cost.
+class BlockTimes {
+public:
+    explicit BlockTimes(const Scene& scene)
+        : best(static_cast<std::size_t>(scene.blocks()), std::numeric_limits<double>::infinity()) {}
+
+    /// Gives the seconds that the work took.
+    template <class Work>
+    double measure(std::int64_t block, const Work& work) {
+        BestTime time;
+        const double seconds = time.turn(1, work);
+        best[static_cast<std::size_t>(block)] = std::min(best[static_cast<std::size_t>(block)], seconds);
+        return seconds;
+    }
+
+    double sum() const { return std::accumulate(best.begin(), best.end(), 0.0); }
+    double worst() const { return *std::max_element(best.begin(), best.end()); }
+    double median() const { return medianOf(best); }
+
+private:
+    std::vector<double> best;
+};
+
+void run(benchmark::State& state, Scene scene) {
+    Stage stage(scene);
+    state.SetLabel(stage.audioLabel());
+    BlockCopy copy(scene);
+    BlockTimes renders(scene), copies(scene);
+    std::vector<double> passes;
+    for (auto _ : state) {
+        double pass = 0;
+        stage.play([&](std::int64_t i) { pass += renders.measure(i, [&] { stage.renderBlock(); }); });
+        for (std::int64_t i = 0; i < scene.blocks(); ++i) copies.measure(i, [&] { copy(i); });
+        passes.push_back(pass);
+        state.SetIterationTime(pass);
+    }
+    const double blockSeconds = static_cast<double>(scene.block) / kRate;
+    const double audioSeconds = blockSeconds * static_cast<double>(scene.blocks());
+    state.counters["x_realtime"] = audioSeconds / renders.sum();
+    state.counters["x_realtime_median_pass"] = audioSeconds / medianOf(passes);
+    state.counters["median_us"] = renders.median() * 1e6;
+    state.counters["worst_us"] = renders.worst() * 1e6;
+    state.counters["worst_x_realtime"] = blockSeconds / renders.worst();
+    state.counters["copy_us"] = copies.median() * 1e6;
+    state.counters["x_copy"] = renders.median() / copies.median();
+}
+
+void addScenes() {
+    for (int semitones : {0, 3}) {
+        for (int pads : {1, 4, 16}) {
+            for (int block : {64, 512}) {
+                const std::string name = "Instrument/pads_" + std::to_string(pads) +
+                                         (semitones ? "/transposed_by_3" : "/untransposed") + "/blocks_of_" +
+                                         std::to_string(block);
+                benchmark::RegisterBenchmark(name.c_str(), run, Scene{pads, semitones, block})
+                    ->UseManualTime()
+                    ->Unit(benchmark::kMillisecond)
+                    ->MinTime(0.5);
+            }
+        }
+    }
+}
+
+[[maybe_unused]] const bool kAdded = (addScenes(), true);
+
+}  // namespace
+}  // namespace marnoth::bench
