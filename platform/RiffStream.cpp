@@ -1,16 +1,20 @@
 #include "platform/RiffStream.h"
 
+#include <algorithm>
 #include <array>
 #include <limits>
 
 namespace marnoth {
 namespace {
 
-/// What one search may cost. A header that lies near the last one comes out of a buffer and costs 1; one
-/// behind a long chunk costs calls of the system.
-constexpr int kSearchBudget = 1 << 20;
-constexpr int kCostOfLongStep = 16;
-constexpr std::int64_t kLongStep = 2048;
+/// What passing over a chunk takes from the searches' budget. A header that lies near the last one comes out
+/// of a buffer, which has to be filled; one that lies far takes calls of the system, and perhaps a turn of
+/// the disk, whatever the distance.
+int costOfPassing(const ChunkInfo& chunk) {
+    constexpr std::uint32_t kFarBytes = 2048;
+    constexpr std::uint32_t kBytesAtNoCost = 32;
+    return 1 + static_cast<int>(std::min(chunk.cksize, kFarBytes) / kBytesAtNoCost);
+}
 
 constexpr std::int64_t kHeaderBytes = 8;
 constexpr std::int64_t kTypeBytes = 4;
@@ -65,6 +69,7 @@ void RiffStream::open(std::unique_ptr<ByteStream> bytes) {
 }
 
 RiffError RiffStream::close() {
+    searchBudget_ = kSearchBudget;
     if (!bytes_) return kRiffOk;
     const bool closed = bytes_->close();
     bytes_.reset();
@@ -86,14 +91,14 @@ bool RiffStream::readHeader(ChunkInfo& chunk) {
 
 RiffError RiffStream::find(ChunkInfo& chunk, const ChunkInfo* parent, RiffFind kind) {
     ChunkInfo found;
-    for (int budget = kSearchBudget; budget > 0;) {
+    while (searchBudget_ > 0) {
         if (!beginsInside(position(), parent) || !readHeader(found)) return kRiffChunkNotFound;
         if (matches(found, chunk, kind)) {
             chunk = found;
             return kRiffOk;
         }
         if (const RiffError error = seek(found.paddedEnd())) return error;
-        budget -= found.cksize < kLongStep ? 1 : kCostOfLongStep;
+        searchBudget_ -= costOfPassing(found);
     }
     return kRiffChunkNotFound;
 }

@@ -37,8 +37,9 @@ public:
     static constexpr std::uint32_t kEndTag = fourCC("    ");  ///< `ckid` of the record behind the last tag
     static constexpr int kMaxTags = 23;                       ///< sub-chunks of the list that are looked at
     static constexpr std::uint32_t kMaxDivisions = 4096;      ///< of a loop without markers
-    /// More than the frames of the longest loop that can be played; a file that claims more is refused.
-    static constexpr std::uint32_t kMaxMarkers = 1u << 24;
+    /// Eight thousand in each second of the longest loop that can be played; a file of more is refused, so
+    /// that a list of markers as long as a disk doesn't take its time before the loop is refused.
+    static constexpr std::uint32_t kMaxMarkers = 1u << 20;
     /// What is kept of a longer tag.
     static constexpr std::int64_t kMaxTagBytes = 1 << 24;
 

@@ -144,6 +144,20 @@ TEST(RiffStream, SearchThatFailsLeavesThePosition) {
     EXPECT_EQ(chunk.ckid, fourCC("zzzz"));
 }
 
+TEST(RiffStream, AllSearchesTogetherPassOverAMillionChunksAtMost) {
+    Bytes chunks;
+    for (int i = 0; i < 600000; ++i) appendChunk(chunks, "JUNK", {});
+    appendChunk(chunks, "last", {});
+    Reading in(chunks);
+    ChunkInfo chunk = wanted("last");
+    ASSERT_EQ(in.riff.descend(chunk, nullptr, RiffFind::chunk), kRiffOk);
+    in.riff.seek(0);
+    EXPECT_EQ(in.riff.descend(chunk, nullptr, RiffFind::chunk), kRiffChunkNotFound);
+    // Another file starts afresh.
+    ASSERT_EQ(in.riff.open(in.file.path(), FileMode::read), kRiffOk);
+    EXPECT_EQ(in.riff.descend(chunk, nullptr, RiffFind::chunk), kRiffOk);
+}
+
 TEST(RiffStream, ParentBoundsTheSearch) {
     Reading in(someForm());
     ChunkInfo riff;
