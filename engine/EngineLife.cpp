@@ -47,12 +47,12 @@ void setPadDefaults(CGrooveTrack& track) {
 }  // namespace
 
 CGrooveSampler::CGrooveSampler(CPziSynthContext* synthContext)
-    : CPzi(synthContext),
-      playList(kPads),
+    : playList(kPads),
       binFiles(kBinFiles),
       auditionTrack(synthContext),
       streamEvents(kStreamEvents),
       scratch(std::make_unique<float[]>(kScratchValues)) {
+    setContext(synthContext);
     for (auto& pad : pads) pad = std::make_unique<CGrooveTrack>(synthContext);
     ResetKeyMap();
 }

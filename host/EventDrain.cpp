@@ -20,10 +20,11 @@ HRESULT CSoftSynth::DrainEvents(std::int64_t position, std::int32_t count) try {
     CAutoLock lock(*m_pzi);
     const std::int64_t end = wrappingSum(position, count);
     // What is earlier than the block came too late: it stays where it is until the transport stops or starts.
-    auto next = m_timeMap.lower_bound(position);
-    while (next != m_timeMap.end() && next->first < end) {
+    auto& timeMap = m_events->timeMap;
+    auto next = timeMap.lower_bound(position);
+    while (next != timeMap.end() && next->first < end) {
         const QueuedEvent event = next->second;
-        next = m_timeMap.erase(next);
+        next = timeMap.erase(next);
         if (const HRESULT hr = drainOne(event); FAILED(hr)) return hr;
     }
     pairNoteOffs();
@@ -35,10 +36,11 @@ HRESULT CSoftSynth::DrainEvents(std::int64_t position, std::int32_t count) try {
 HRESULT CSoftSynth::drainOne(QueuedEvent event) {
     if (!m_portTransforms[static_cast<std::int32_t>(event.port)].apply(event.event)) return S_OK;
     // Queued first, so that running out of memory can't lose a voice.
-    m_eventQueue.push_back(event);
+    NoteQueue& queue = eventQueue();
+    queue.push_back(event);
     const bool sounds = event.event.type == SynthEventType::note && event.event.duration != kDurationOff;
-    const HRESULT hr = sounds ? m_pzi->CreateVoice(&m_eventQueue.back()) : S_OK;
-    if (hr != S_OK) m_eventQueue.pop_back();
+    const HRESULT hr = sounds ? m_pzi->CreateVoice(&queue.back()) : S_OK;
+    if (hr != S_OK) queue.pop_back();
     return hr;
 }
 
@@ -46,7 +48,8 @@ HRESULT CSoftSynth::drainOne(QueuedEvent event) {
 /// is lost; several of one key in one drain count as one.
 void CSoftSynth::pairNoteOffs() {
     std::bitset<kKeys> off;
-    for (auto it = m_eventQueue.begin(); it != m_eventQueue.end();) {
+    NoteQueue& queue = eventQueue();
+    for (auto it = queue.begin(); it != queue.end();) {
         if (!isNoteWith(*it, kDurationOff)) {
             ++it;
             continue;
@@ -54,9 +57,9 @@ void CSoftSynth::pairNoteOffs() {
         off.set(it->event.note % kKeys);
         // A note that was told to release, and that no block has taken up since.
         if (it->voice) m_pzi->ReleaseVoice(&*it, 1);
-        it = m_eventQueue.erase(it);
+        it = queue.erase(it);
     }
-    for (QueuedEvent& held : m_eventQueue) {
+    for (QueuedEvent& held : queue) {
         const int key = held.event.note % kKeys;
         if (!isNoteWith(held, kDurationOpen) || !off[key]) continue;
         held.event.duration = kDurationOff;
@@ -66,14 +69,15 @@ void CSoftSynth::pairNoteOffs() {
 
 HRESULT CSoftSynth::RetireEvents(std::int64_t position, std::int32_t flush) {
     CAutoLock lock(*m_pzi);
-    for (auto it = m_eventQueue.begin(); it != m_eventQueue.end();) {
+    NoteQueue& queue = eventQueue();
+    for (auto it = queue.begin(); it != queue.end();) {
         bool keep = position <= it->sampleTime;
         if (it->event.type == SynthEventType::note) {
             const HRESULT hr = m_pzi->ReleaseVoice(&*it, flush);
             if (FAILED(hr)) return hr;
             keep = hr != S_OK;
         }
-        it = keep ? it + 1 : m_eventQueue.erase(it);
+        it = keep ? it + 1 : queue.erase(it);
     }
     return S_OK;
 }

@@ -81,7 +81,7 @@ std::optional<SynthEvent> toSynthEvent(const RawMidiEvent& raw) {
 
 HRESULT CSoftSynth::insertIfKept(const SynthEvent& event, std::uint32_t port, std::int64_t sampleTime) {
     const HRESULT hr = m_pzi->IsIgnoredEvent(&event);
-    if (hr == S_OK) m_timeMap.emplace(sampleTime, QueuedEvent{event, port, sampleTime, nullptr});
+    if (hr == S_OK) m_events->timeMap.emplace(sampleTime, QueuedEvent{event, port, sampleTime, nullptr});
     return hr;
 }
 

@@ -5,11 +5,9 @@
 namespace marnoth {
 
 CFilter::CFilter(IUnknown* outer, HRESULT* result)
-    : CPzi(this),
-      CSoftSynth(this),
-      CGrooveSampler(this),
-      CBaseFilter(outer, *this, CLSID_Marnoth),
-      m_inputPin(*this) {
+    : CGrooveSampler(this), CBaseFilter(outer, *this, CLSID_Marnoth), m_inputPin(*this) {
+    // The soft synth is built before the engine, which it can only meet now.
+    setPzi(this);
     m_moduleLock.emplace();
     if (FAILED(*result)) return;
     HRESULT hr = AddOutputPin("Mix Output", nullptr);

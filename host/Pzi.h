@@ -2,10 +2,10 @@
 
 #include <cstdint>
 #include <deque>
+#include <memory_resource>
 
 #include "platform/Com.h"
 #include "platform/CritSec.h"
-#include "platform/RecyclingAllocator.h"
 
 struct IMediaSample;
 struct IPin;
@@ -59,9 +59,8 @@ struct QueuedEvent {
     VoiceState* voice = nullptr;
 };
 
-/// The notes that have been drained into play, in order of draining. Its storage grows with the most notes
-/// that it ever held and goes back to the system only with the queue itself.
-using NoteQueue = std::deque<QueuedEvent, RecyclingAllocator<QueuedEvent>>;
+/// The notes that have been drained into play, in order of draining.
+using NoteQueue = std::pmr::deque<QueuedEvent>;
 
 inline constexpr IID IID_IKvxSampleSilence{
     0x6F1C2A54, 0x93D7, 0x4C1E, {0x8B, 0x40, 0x2D, 0x57, 0x9E, 0x61, 0xC8, 0x13}};
@@ -125,8 +124,6 @@ protected:
 /// context isn't owned and outlives it.
 class CPzi : public CCritSec {
 public:
-    explicit CPzi(CPziSynthContext* context) : context_(context) {}
-
     /// Keeps the id of output pin 0 as the mix and makes the channel pins.
     virtual HRESULT RegisterOutputs() = 0;
     virtual HRESULT CheckInputFormat(const WAVEFORMATEX* format) = 0;
@@ -162,9 +159,11 @@ public:
 protected:
     ~CPzi() = default;
     CPziSynthContext& context() const { return *context_; }
+    /// The instrument's constructor says whom it was given; nothing is asked of the context before.
+    void setContext(CPziSynthContext* context) { context_ = context; }
 
 private:
-    CPziSynthContext* context_;
+    CPziSynthContext* context_ = nullptr;
 };
 
 }  // namespace marnoth

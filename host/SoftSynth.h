@@ -3,6 +3,8 @@
 #include <atomic>
 #include <cstdint>
 #include <map>
+#include <memory>
+#include <memory_resource>
 #include <optional>
 
 #include "host/KvxInterfaces.h"
@@ -73,7 +75,10 @@ public:
     HRESULT RetireEvents(std::int64_t position, std::int32_t flush);
 
 protected:
+    /// For an object whose `CPzi` isn't there yet: `setPzi` comes before anything else.
+    CSoftSynth() = default;
     ~CSoftSynth();
+    void setPzi(CPzi* pzi) { m_pzi = pzi; }
 
     /// Empties map and queue and frees every voice. Whoever destroys the engine before this object calls it
     /// first: the voices are the engine's to free.
@@ -82,11 +87,20 @@ protected:
     bool isAttached() const { return m_attached; }
     IKvxPinHost* pinHost() const { return m_pinHost.get(); }
     std::int64_t position() const { return m_position; }
-    NoteQueue& eventQueue() { return m_eventQueue; }
+    NoteQueue& eventQueue() { return m_events->queue; }
     void advancePosition(std::int32_t frames);
 
 private:
+    /// The events on their way. What they are stored in grows with the most events that there ever were at a
+    /// time, is used again, and goes back to the system with all of this: so a block frees nothing.
+    struct Events {
+        std::pmr::unsynchronized_pool_resource storage;
+        std::pmr::multimap<std::int64_t, QueuedEvent> timeMap{&storage};  ///< by sample time, then by arrival
+        NoteQueue queue{&storage};
+    };
+
     void releaseServices();
+    void endAllEvents();
     HRESULT insertIfKept(const SynthEvent& event, std::uint32_t port, std::int64_t sampleTime);
     HRESULT drainOne(QueuedEvent event);
     void pairNoteOffs();
@@ -94,16 +108,15 @@ private:
     std::optional<SynthTimeValue> converted(SynthTimeValue value, std::uint32_t format);
     double stoppedTempo();
 
-    CPzi* m_pzi;
+    CPzi* m_pzi = nullptr;
     RefPtr<IKvxTempoMap> m_tempoMap;
     RefPtr<IKvxTimeConverter> m_timeConverter;
     RefPtr<IKvxProjectKeyMap> m_projectKeyMap;
     RefPtr<IUnknown> m_eventTarget;
     RefPtr<IKvxPinHost> m_pinHost;
     bool m_attached = false;
-    std::atomic<double> m_tempo = 120.0;                 ///< beats per minute, where the host tells none
-    std::multimap<std::int64_t, QueuedEvent> m_timeMap;  ///< by sample time, then by arrival
-    NoteQueue m_eventQueue;
+    std::atomic<double> m_tempo = 120.0;  ///< beats per minute, where the host tells none
+    std::unique_ptr<Events> m_events = std::make_unique<Events>();
     std::map<std::int32_t, PortTransform> m_portTransforms;
     std::int64_t m_position = 0;     ///< samples; start of the next block on the running timeline
     std::int64_t m_startSample = 0;  ///< samples; the tick at which playback last started

@@ -5,8 +5,7 @@ namespace marnoth {
 
 HRESULT CSoftSynth::StartPlayback(std::int32_t ticks) {
     CAutoLock lock(*m_pzi);
-    m_pzi->ResetVoices();
-    DropAllEvents();
+    endAllEvents();
     m_startSample = WholeTicksToSamples(ticks);
     m_position = 0;
     m_loopOffset = 0;
@@ -24,19 +23,24 @@ HRESULT CSoftSynth::LoopPlayback(std::int32_t restartTicks, std::int32_t stopTic
 
 HRESULT CSoftSynth::StopPlayback() {
     CAutoLock lock(*m_pzi);
-    m_pzi->ResetVoices();
-    DropAllEvents();
+    endAllEvents();
     m_playing = 0;
     return S_OK;
+}
+
+void CSoftSynth::endAllEvents() {
+    m_pzi->ResetVoices();
+    DropAllEvents();
+    m_events = std::make_unique<Events>();
 }
 
 void CSoftSynth::DropAllEvents() {
     RetireEvents(m_position, 1);
     // What a failure has left in the queue still owns its voice.
-    for (QueuedEvent& event : m_eventQueue)
+    for (QueuedEvent& event : m_events->queue)
         if (event.voice) m_pzi->ReleaseVoice(&event, 1);
-    m_timeMap.clear();
-    m_eventQueue = NoteQueue();
+    m_events->timeMap.clear();
+    m_events->queue.clear();
 }
 
 void CSoftSynth::advancePosition(std::int32_t frames) {

@@ -14,15 +14,15 @@ void passThrough(NoteQueue& queue, int held, int rounds) {
     queue.clear();
 }
 
-TEST(NoteQueue, AllocatesOnlyToGrowBeyondItsLargestSize) {
-    NoteQueue queue;
-    passThrough(queue, 40, 1000);
+TEST(EventStorage, GrowsWithTheMostNotesAloneAndIsUsedAgain) {
+    SynthHost host;
+    passThrough(host.synth.eventQueue(), 40, 1000);
     AllocationMeter meter;
-    passThrough(queue, 30, 10000);
+    passThrough(host.synth.eventQueue(), 30, 10000);
     EXPECT_EQ(meter.peakBytes(), 0u);
 }
 
-TEST(NoteQueue, GivesItsStorageBackWithTheTransport) {
+TEST(EventStorage, GoesBackWithTheTransport) {
     SynthHost host;
     passThrough(host.synth.eventQueue(), 1000, 0);
     host.synth.StopPlayback();
@@ -31,17 +31,17 @@ TEST(NoteQueue, GivesItsStorageBackWithTheTransport) {
     EXPECT_GE(meter.peakBytes(), 900 * sizeof(QueuedEvent));
 }
 
-TEST(NoteQueue, CanBeCopiedAndMoved) {
-    NoteQueue queue;
-    for (int i = 0; i < 100; ++i) queue.push_back({{}, static_cast<std::uint32_t>(i), i, nullptr});
-    NoteQueue copy = queue;
-    NoteQueue moved = std::move(queue);
-    copy.pop_front();
-    moved = copy;
-    copy.clear();
-    ASSERT_EQ(moved.size(), 99u);
-    EXPECT_EQ(moved.front().sampleTime, 1);
-    EXPECT_EQ(moved.back().sampleTime, 99);
+TEST(EventStorage, OfAnEventThatHasPlayedServesTheNext) {
+    SynthHost host;
+    host.attach();
+    EventList noteOffs{noteOff(0, 60), noteOff(1, 61), noteOff(2, 62), noteOff(3, 63)};
+    ASSERT_EQ(host.synth.QueueEvents(0, 0, 0, &noteOffs), S_OK);
+    ASSERT_EQ(host.synth.DrainEvents(0, 22050), S_OK);
+    AllocationMeter meter;
+    ASSERT_EQ(host.synth.QueueEvents(0, 0, 0, &noteOffs), S_OK);
+    ASSERT_EQ(host.synth.DrainEvents(0, 22050), S_OK);
+    EXPECT_EQ(meter.peakBytes(), 0u);
+    EXPECT_EQ(meter.frees(), 0u);
 }
 
 }  // namespace

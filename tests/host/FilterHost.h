@@ -38,7 +38,7 @@ inline CMediaType audioType(DWORD rate, WORD channels, WORD tag = kFloat, WORD b
 /// The instrument with a view of its timeline. What `onProcess` is set to renders in the engine's place.
 class FilterUnderTest final : public CFilter {
 public:
-    explicit FilterUnderTest(HRESULT* result) : CPzi(this), CFilter(nullptr, result) {}
+    explicit FilterUnderTest(HRESULT* result) : CFilter(nullptr, result) {}
 
     struct Block {
         std::int64_t position;

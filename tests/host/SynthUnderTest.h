@@ -15,7 +15,7 @@ namespace marnoth::test {
 /// An instrument that only keeps the books: which voices live, and what it was told.
 class FakePzi : public CPzi {
 public:
-    FakePzi() : CPzi(nullptr) { inputFormat.nSamplesPerSec = 44100; }
+    FakePzi() { inputFormat.nSamplesPerSec = 44100; }
 
     int liveVoices = 0;
     int resets = 0;

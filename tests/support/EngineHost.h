@@ -66,7 +66,7 @@ private:
 /// so references aren't counted.
 class EngineUnderTest : public CGrooveSampler {
 public:
-    explicit EngineUnderTest(CPziSynthContext& context) : CPzi(&context), CGrooveSampler(&context) {}
+    explicit EngineUnderTest(CPziSynthContext& context) : CGrooveSampler(&context) {}
 
     HRESULT QueryInterface(REFIID, void** out) override {
         *out = nullptr;
