@@ -1,9 +1,27 @@
 #include "platform/BaseFilter.h"
 
 #include "platform/BasePin.h"
-#include "platform/EnumPins.h"
+#include "platform/Enumerator.h"
 
 namespace marnoth {
+
+namespace {
+
+/// The pins of a filter, for an enumerator.
+struct PinList {
+    using Interface = IEnumPins;
+    using Item = IPin;
+    static const IID& iid() { return IID_IEnumPins; }
+
+    CCritSec& lock() const { return filter->Lock(); }
+    int version() const { return filter->PinVersion(); }
+    IPin* take(int position) const { return RefPtr<IPin>(filter->GetPin(position)).detach(); }
+    void giveBack(IPin* pin) const { pin->Release(); }
+
+    RefPtr<CBaseFilter> filter;
+};
+
+}  // namespace
 
 CBaseFilter::CBaseFilter(IUnknown* outer, CCritSec& lock, REFCLSID id)
     : Implements(outer), lock_(lock), id_(id) {}
@@ -107,8 +125,7 @@ HRESULT CBaseFilter::GetSyncSource(IReferenceClock** out) {
 HRESULT CBaseFilter::EnumPins(IEnumPins** out) {
     if (!out) return E_POINTER;
     CAutoLock hold(lock_);
-    *out = CEnumPins::Create(*this, 0).detach();
-    return *out ? S_OK : E_OUTOFMEMORY;
+    return CEnumerator<PinList>::Make({RefPtr<CBaseFilter>(this)}, out);
 }
 
 HRESULT CBaseFilter::FindPin(LPCWSTR id, IPin** out) {

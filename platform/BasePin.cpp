@@ -4,10 +4,31 @@
 #include <limits>
 
 #include "platform/BaseFilter.h"
-#include "platform/EnumMediaTypes.h"
+#include "platform/Enumerator.h"
 #include "platform/Unknown.h"
 
 namespace marnoth {
+
+namespace {
+
+/// The media types that a pin proposes, for an enumerator.
+struct TypeList {
+    using Interface = IEnumMediaTypes;
+    using Item = AM_MEDIA_TYPE;
+    static const IID& iid() { return IID_IEnumMediaTypes; }
+
+    CCritSec& lock() const { return pin->Filter().Lock(); }
+    int version() const { return pin->MediaTypeVersion(); }
+    AM_MEDIA_TYPE* take(int position) const {
+        CMediaType type;
+        return pin->GetMediaType(position, &type) == S_OK ? CreateMediaType(*type) : nullptr;
+    }
+    void giveBack(AM_MEDIA_TYPE* type) const { DeleteMediaType(type); }
+
+    RefPtr<CBasePin> pin;
+};
+
+}  // namespace
 
 CBasePin::CBasePin(CBaseFilter& filter, CCritSec& lock, PIN_DIRECTION direction, std::wstring_view name)
     : filter_(filter),
@@ -245,8 +266,7 @@ HRESULT CBasePin::QueryAccept(const AM_MEDIA_TYPE* type) {
 
 HRESULT CBasePin::EnumMediaTypes(IEnumMediaTypes** out) {
     if (!out) return E_POINTER;
-    *out = CEnumMediaTypes::Create(*this, 0).detach();
-    return *out ? S_OK : E_OUTOFMEMORY;
+    return CEnumerator<TypeList>::Make({RefPtr<CBasePin>(this)}, out);
 }
 
 HRESULT CBasePin::QueryInternalConnections(IPin**, ULONG*) {
