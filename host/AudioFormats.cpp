@@ -61,7 +61,9 @@ HRESULT SetFormat(CPzi& pzi, PIN_DIRECTION direction, const AM_MEDIA_TYPE* type)
     const bool isInput = direction == PINDIR_INPUT;
     const HRESULT hr = isInput ? CheckInputType(pzi, type) : CheckOutputType(pzi, type);
     if (hr != S_OK) return hr;
-    (isInput ? pzi.inputFormat : pzi.outputFormat) = FormatOf(*type);
+    WAVEFORMATEX& format = isInput ? pzi.inputFormat : pzi.outputFormat;
+    format = FormatOf(*type);
+    format.nBlockAlign = static_cast<WORD>(format.nChannels * format.wBitsPerSample / 8);
     return S_OK;
 }
 

@@ -18,8 +18,9 @@ HRESULT CheckTransform(CPzi& pzi, const AM_MEDIA_TYPE* input, const AM_MEDIA_TYP
 HRESULT CheckInputType(CPzi& pzi, const AM_MEDIA_TYPE* type);
 HRESULT CheckOutputType(CPzi& pzi, const AM_MEDIA_TYPE* type);
 
-/// Tests `type` and, only if everything passes, takes its format over as the engine's input or output format.
-/// Under the lock of `pzi`.
+/// Tests `type` and, only if everything passes, takes its format over as the engine's input or output format,
+/// with the frame size that its channels and bits make: what a record says of that isn't tested, but buffers
+/// are measured by it. Under the lock of `pzi`.
 HRESULT SetFormat(CPzi& pzi, PIN_DIRECTION direction, const AM_MEDIA_TYPE* type);
 
 /// The format in the block of a type that has passed `CheckAudioMediaType`.

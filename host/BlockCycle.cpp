@@ -141,10 +141,11 @@ HRESULT CFilter::prepareBuffer(CFilterOutputPin* pin, PinBuffer* buffer, const S
 }
 
 /// Makes every buffer one of `frames` frames; `bytes` is the length of the input, fraction of a frame and
-/// all.
+/// all. The engine renders in the channels of the input, so the buffer has to hold those too.
 HRESULT CFilter::fitBuffers(BlockBuffers& block, std::int32_t frames, LONG bytes) {
+    const std::int64_t renderedBytes = std::int64_t{frames} * inputFormat.nBlockAlign;
     for (PinBuffer& buffer : block.buffers) {
-        if (buffer.frames < frames) return E_FAIL;
+        if (buffer.frames < frames || buffer.sample->GetSize() < renderedBytes) return E_FAIL;
         buffer.frames = frames;
         buffer.sample->SetActualDataLength(bytes);
     }

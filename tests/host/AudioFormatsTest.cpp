@@ -114,5 +114,18 @@ TEST(FormatOfADirection, IsTakenOverOnlyWhenEveryTestPasses) {
     EXPECT_EQ(+pzi.outputFormat.nSamplesPerSec, 48000u);
 }
 
+TEST(FormatOfADirection, HasTheFrameSizeOfItsChannelsWhateverTheRecordSays) {
+    FakePzi pzi;
+    for (const WORD told : {0, 1, 4, 7, 0xFFFF}) {
+        WAVEFORMATEX format = waveFormat(44100, 2);
+        format.nBlockAlign = told;
+        EXPECT_EQ(SetFormat(pzi, PINDIR_INPUT, audioType(format).Get()), S_OK);
+        EXPECT_EQ(pzi.inputFormat.nBlockAlign, 8);
+        format.nChannels = 1;
+        EXPECT_EQ(SetFormat(pzi, PINDIR_OUTPUT, audioType(format).Get()), S_OK);
+        EXPECT_EQ(pzi.outputFormat.nBlockAlign, 4);
+    }
+}
+
 }  // namespace
 }  // namespace marnoth::test

@@ -79,6 +79,37 @@ TEST(Receive, IntoSmallerBuffersFailsAndDeliversNothing) {
     EXPECT_EQ(host.sink(1).allocator.samplesOut(), 0u);
 }
 
+TEST(Receive, RendersIntoNoBufferThatIsTooSmallForTheInputsChannels) {
+    FilterHost host;
+    // Buffers for a mono input, which then becomes a stereo one.
+    host.inputAllocator.properties.cbBuffer = 512 * 4;
+    ASSERT_EQ(host.connectInput(44100, 1), S_OK);
+    for (int i : {0, 1}) ASSERT_EQ(host.connectOutput(i, 44100, 1), S_OK);
+    host.input().Disconnect();
+    ASSERT_EQ(host.connectInput(44100, 2), S_OK);
+    ASSERT_EQ(host.filter->Pause(), S_OK);
+    EXPECT_EQ(host.send(512, 0.5f), E_FAIL);
+    EXPECT_EQ(host.filter->position(), 0);
+    EXPECT_EQ(host.send(256, 0.5f), S_OK);
+    // The first of the interleaved values, as many as a mono block has.
+    EXPECT_EQ(host.last(1).audio, std::vector<float>(256, 0.5f));
+}
+
+TEST(Receive, CountsFramesByTheChannelsWhateverFrameSizeTheFormatTells) {
+    FilterHost host;
+    WAVEFORMATEX format = waveFormat(44100, 2);
+    format.nBlockAlign = 1;
+    const CMediaType type = audioType(format);
+    host.inputAllocator.properties.cbBuffer = 100 * 8;
+    ASSERT_EQ(host.input().ReceiveConnection(&host.source, type.Get()), S_OK);
+    host.input().NotifyAllocator(&host.inputAllocator, FALSE);
+    for (int i : {0, 1}) ASSERT_EQ(host.output(i).Connect(&host.sink(i), type.Get()), S_OK);
+    ASSERT_EQ(host.filter->Pause(), S_OK);
+    EXPECT_EQ(host.send(100, 0.25f), S_OK);
+    EXPECT_EQ(host.filter->position(), 100);
+    EXPECT_EQ(host.last(0).audio, std::vector<float>(200, 0.25f));
+}
+
 TEST(Receive, GivesBackTheFailureToGetABuffer) {
     FilterHost host;
     host.start({0, 1});
