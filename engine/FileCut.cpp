@@ -37,9 +37,19 @@ struct Cut {
         : start(roundHalfUp(segment.start * ratio)),
           length(roundHalfUp((static_cast<double>(segment.start) + segment.length) * ratio) - start) {}
 
+    bool fitsIn(std::int64_t frames) const { return start + length <= frames; }
+
     std::int64_t start;
     std::int64_t length;
 };
+
+/// False for a loop whose first segment runs past its end at the new rate, so that nothing of it can be cut:
+/// known before anything is read.
+bool hasGrains(const CAcidWave& wave, std::uint32_t newRate) {
+    if (!isLoop(wave)) return true;
+    const double ratio = static_cast<double>(newRate) / wave.format.nSamplesPerSec;
+    return Cut(wave.GetSegment(0), ratio).fitsIn(roundHalfUp(wave.frameCount * ratio));
+}
 
 /// A grain that plays a cut of `wave`, at the same place of a loop of `beats` beats.
 std::unique_ptr<CGrooveEvent> makeLoopGrain(const RefPtr<CWaveMem>& wave, const Cut& cut,
@@ -102,7 +112,7 @@ HRESULT CGrooveTrack::LoadFromWave(CAcidWave& wave, const std::wstring& newName,
 }
 
 HRESULT CGrooveTrack::readAndCut(CAcidWave& wave, std::int32_t binIndex, const WAVEFORMATEX& newFormat) {
-    if (!isWithinLimits(wave)) return E_UNEXPECTED;
+    if (!isWithinLimits(wave) || !hasGrains(wave, newFormat.nSamplesPerSec)) return E_UNEXPECTED;
     if (const HRESULT result = ReadSamples(wave); FAILED(result)) return result;
     if (!sample->samples) return E_OUTOFMEMORY;
     if (const HRESULT result = sample->Resample(newFormat); FAILED(result)) return result;
@@ -112,7 +122,6 @@ HRESULT CGrooveTrack::readAndCut(CAcidWave& wave, std::int32_t binIndex, const W
         cutWhole(binIndex);
     }
     SetTail(0);
-    if (grains_.empty()) return E_UNEXPECTED;
     lengthTicks = grains_.back()->GetEnd(kTicks16, 0);
     lengthSamples = grains_.back()->GetEnd(kSamples, 0);
     RecomputeTempo();
@@ -122,7 +131,7 @@ HRESULT CGrooveTrack::readAndCut(CAcidWave& wave, std::int32_t binIndex, const W
 void CGrooveTrack::cutSegments(const CAcidWave& wave, std::int32_t binIndex) {
     for (std::int32_t i = 0; i < wave.GetSegmentCount(); ++i) {
         const Cut cut(wave.GetSegment(i), sample->rateRatio);
-        if (cut.start + cut.length > sample->frames) break;
+        if (!cut.fitsIn(sample->frames)) break;
         auto grain = makeLoopGrain(sample, cut, wave.beats);
         grain->binFile = binIndex;
         grain->binGrain = GetSize();
