@@ -1,5 +1,6 @@
 #include "shells/cli/InfoCommand.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdio>
@@ -93,6 +94,20 @@ std::vector<const WaveTag*> tagsOf(const CAcidWave& wave) {
     return tags;
 }
 
+/// A tag's label without the colon that it ends with.
+std::string nameOf(const WaveTag& tag) {
+    std::string name(tag.label);
+    if (name.ends_with(':')) name.pop_back();
+    return name;
+}
+
+/// Text from a file for a terminal: what would end the line or steer the terminal becomes a blank.
+std::string inOneLine(std::string text) {
+    std::replace_if(
+        text.begin(), text.end(), [](unsigned char c) { return c < ' ' || c == 0x7F; }, ' ');
+    return text;
+}
+
 double secondsOf(const CAcidWave& wave) {
     return wave.format.nSamplesPerSec ? double(wave.frameCount) / wave.format.nSamplesPerSec : 0.0;
 }
@@ -123,7 +138,7 @@ void printText(const CAcidWave& wave, const Cut& cut, const std::string& file, s
         << " Hz\n"
         << "length    " << wave.frameCount << " frames, " << fixed(secondsOf(wave), 3) << " s\n";
     for (const WaveTag* tag : tagsOf(wave))
-        out << "tag       " << tag->label << ' ' << fromInstrument(tag->value) << '\n';
+        out << "tag       " << tag->label << ' ' << inOneLine(fromInstrument(tag->value)) << '\n';
     printLoop(wave, out);
     if (!cut.refusal.empty()) {
         out << "grains    none: " << cut.refusal << '\n';
@@ -159,7 +174,7 @@ void printJson(const CAcidWave& wave, const Cut& cut, const std::string& file, s
               {"frames", wave.frameCount},
               {"seconds", secondsOf(wave)}};
     info["tags"] = Json::object();
-    for (const WaveTag* tag : tagsOf(wave)) info["tags"][tag->label] = fromInstrument(tag->value);
+    for (const WaveTag* tag : tagsOf(wave)) info["tags"][nameOf(*tag)] = fromInstrument(tag->value);
     info["loop"] = loopJson(wave);
     info["refused"] = cut.refusal.empty() ? Json() : Json(cut.refusal);
     info["grains"] = Json::array();

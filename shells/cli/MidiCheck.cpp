@@ -10,6 +10,7 @@ namespace {
 constexpr std::uint32_t kHeaderId = 0x4D546864;  // "MThd"
 constexpr std::uint32_t kTrackId = 0x4D54726B;   // "MTrk"
 constexpr std::uint32_t kHeaderBytes = 6;
+constexpr std::size_t kChunkHeadBytes = 8;
 constexpr int kLongestVariableNumber = 4;  // bytes
 constexpr std::uint8_t kMeta = 0xFF;
 constexpr std::uint8_t kSystem = 0xF0;
@@ -20,7 +21,7 @@ class Bytes {
 public:
     explicit Bytes(std::span<const std::uint8_t> bytes) : rest_(bytes) {}
 
-    bool empty() const { return rest_.empty(); }
+    std::size_t size() const { return rest_.size(); }
     bool ok() const { return ok_; }
     std::uint8_t peek() const { return rest_.empty() ? 0 : rest_.front(); }
 
@@ -35,6 +36,12 @@ public:
     std::uint32_t big32() {
         std::uint32_t value = 0;
         for (const std::uint8_t byte : take(4)) value = value << 8 | byte;
+        return value;
+    }
+
+    std::uint16_t big16() {
+        std::uint16_t value = 0;
+        for (const std::uint8_t byte : take(2)) value = static_cast<std::uint16_t>(value << 8 | byte);
         return value;
     }
 
@@ -105,23 +112,58 @@ private:
     bool ended_ = false;
 };
 
+/// Reads the chunk at the front and keeps it if it is a track; false behind the last one.
+bool takeChunk(Bytes& bytes, MidiChunks& chunks) {
+    if (!bytes.ok() || bytes.size() < kChunkHeadBytes) return false;
+    const bool isTrack = bytes.big32() == kTrackId;
+    const std::uint32_t length = bytes.big32();
+    if (!isTrack && length > bytes.size()) return false;
+    const auto body = bytes.take(length);
+    if (!isTrack) return true;
+    if (!bytes.ok() || !TrackCheck(body).pass()) {
+        bytes.fail();
+        return false;
+    }
+    chunks.tracks.push_back(body);
+    return true;
+}
+
+void appendBig(std::vector<std::uint8_t>& file, std::size_t value, int bytes) {
+    for (int shift = 8 * (bytes - 1); shift >= 0; shift -= 8)
+        file.push_back(static_cast<std::uint8_t>(value >> shift));
+}
+
 }  // namespace
 
-bool isMidiFile(std::span<const std::uint8_t> file) {
+std::optional<MidiChunks> readMidiChunks(std::span<const std::uint8_t> file) {
     Bytes bytes(file);
-    if (bytes.big32() != kHeaderId) return false;
+    if (bytes.big32() != kHeaderId) return {};
     const std::uint32_t headerBytes = bytes.big32();
-    if (headerBytes < kHeaderBytes) return false;
-    bytes.take(headerBytes);
-    int tracks = 0;
-    while (bytes.ok() && !bytes.empty()) {
-        const bool isTrack = bytes.big32() == kTrackId;
-        const auto body = bytes.take(bytes.big32());
-        if (!isTrack) continue;
-        if (!bytes.ok() || !TrackCheck(body).pass()) return false;
-        ++tracks;
+    if (headerBytes < kHeaderBytes) return {};
+    Bytes header(bytes.take(headerBytes));
+    MidiChunks chunks;
+    chunks.format = header.big16();
+    header.big16();
+    chunks.division = header.big16();
+    while (takeChunk(bytes, chunks)) {
     }
-    return bytes.ok() && tracks > 0;
+    if (!bytes.ok() || chunks.tracks.empty()) return {};
+    return chunks;
+}
+
+std::vector<std::uint8_t> writeMidiChunks(const MidiChunks& chunks) {
+    std::vector<std::uint8_t> file;
+    appendBig(file, kHeaderId, 4);
+    appendBig(file, kHeaderBytes, 4);
+    appendBig(file, chunks.format, 2);
+    appendBig(file, chunks.tracks.size(), 2);
+    appendBig(file, chunks.division, 2);
+    for (const auto& track : chunks.tracks) {
+        appendBig(file, kTrackId, 4);
+        appendBig(file, track.size(), 4);
+        file.insert(file.end(), track.begin(), track.end());
+    }
+    return file;
 }
 
 }  // namespace marnoth

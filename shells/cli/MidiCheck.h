@@ -1,13 +1,26 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <span>
+#include <vector>
 
 namespace marnoth {
 
-/// Whether `file` has the structure of a standard MIDI file: chunks that lie within it, tracks of whole
-/// events with an end, times that fit 32 bits. The library that reads such files ends the program over one
-/// that hasn't.
-bool isMidiFile(std::span<const std::uint8_t> file);
+/// What counts of a standard MIDI file; the tracks lie in the file's own bytes.
+struct MidiChunks {
+    std::uint16_t format = 0;    ///< 0 one track, 1 tracks of one piece, 2 a piece in each track
+    std::uint16_t division = 0;  ///< pulses per beat; with the highest bit set, of a film frame
+    std::vector<std::span<const std::uint8_t>> tracks;
+};
+
+/// Takes a file apart. Nothing unless it has the structure of a standard MIDI file: tracks that lie within
+/// it, of whole events with an end, and times that fit 32 bits. The library that reads such files ends the
+/// program over one that hasn't. Chunks of other kinds, and what stands behind the last chunk, are passed
+/// over.
+std::optional<MidiChunks> readMidiChunks(std::span<const std::uint8_t> file);
+
+/// A file of these chunks and nothing else.
+std::vector<std::uint8_t> writeMidiChunks(const MidiChunks& chunks);
 
 }  // namespace marnoth

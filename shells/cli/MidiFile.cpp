@@ -28,6 +28,9 @@ constexpr unsigned char kMeta = 0xFF;
 constexpr unsigned char kTempoMeta = 0x51;
 constexpr unsigned char kSignatureMeta = 0x58;
 constexpr int kLargestDenominatorExponent = 8;
+constexpr std::uint16_t kFilmFrames = 0x8000;
+constexpr std::uint16_t kOnePiece = 1;  ///< the highest format of a piece in one
+constexpr std::size_t kMostTracks = 0xFFFF;
 constexpr std::uintmax_t kMostFileBytes = 64 << 20;
 
 struct SmfDeleter {
@@ -134,6 +137,20 @@ std::vector<std::uint8_t> readFile(const std::string& file) {
     return {std::istreambuf_iterator<char>(in), {}};
 }
 
+/// Why a sound file can't be played, or nothing.
+std::string problemOf(const MidiChunks& chunks) {
+    if (chunks.division >= kFilmFrames) return "it counts in film frames, not in beats: export it in beats";
+    if (chunks.division == 0) return "it says that a beat has no length";
+    if (chunks.format > kOnePiece) return "its tracks are pieces of their own: export it as one piece";
+    if (chunks.tracks.size() > kMostTracks) return "it has too many tracks";
+    return {};
+}
+
+Smf load(const std::vector<std::uint8_t>& file) {
+    g_log_set_default_handler(dropMessage, nullptr);
+    return Smf(smf_load_from_memory(file.data(), static_cast<int>(file.size())));
+}
+
 }  // namespace
 
 bool canReadMidi() {
@@ -142,11 +159,13 @@ bool canReadMidi() {
 
 MidiPart readMidi(const std::string& file) {
     const std::vector<std::uint8_t> bytes = readFile(file);
-    if (!isMidiFile(bytes)) throw FileFailure(file + ": it isn't a standard MIDI file, or it is damaged");
-    g_log_set_default_handler(dropMessage, nullptr);
-    const Smf smf(smf_load_from_memory(bytes.data(), static_cast<int>(bytes.size())));
+    const auto chunks = readMidiChunks(bytes);
+    if (!chunks) throw FileFailure(file + ": it isn't a standard MIDI file, or it is damaged");
+    const std::string problem = problemOf(*chunks);
+    if (!problem.empty()) throw FileFailure(file + ": " + problem);
+    const Smf smf = load(writeMidiChunks(*chunks));
     if (!smf) throw FileFailure(file + ": it isn't a standard MIDI file of a known kind");
-    if (smf->ppqn <= 0) throw FileFailure(file + ": it counts in film frames, not in beats");
+    smf_rewind(smf.get());
     PartBuilder builder(file, smf->ppqn);
     while (const smf_event_t* event = smf_get_next_event(smf.get())) builder.take(*event);
     return builder.finish();

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "cli/CliRun.h"
+#include "platform/Text.h"
 #include "support/WaveFile.h"
 
 namespace marnoth::test {
@@ -87,9 +88,19 @@ TEST(Info, TellsTheSameAsJson) {
     const CliRun run = marnoth({"info", folder.name("a.wav"), "--json"});
     ASSERT_EQ(run.status, 0) << run.err;
     for (const char* part :
-         {"\"rate\": 44100", "\"frames\": 44100", R"("Name/Title:": "a \"title\"")", "\"beats\": 2",
+         {"\"rate\": 44100", "\"frames\": 44100", R"("Name/Title": "a \"title\"")", "\"beats\": 2",
           "\"rootNote\": \"A\"", "\"startBeats\": 1.0", "\"refused\": null"})
         EXPECT_NE(run.out.find(part), std::string::npos) << part << "\n" << run.out;
+}
+
+TEST(Info, HostileTagsStayInTheirLine) {
+    const TempFolder folder;
+    WaveFile().frames(100).info("INAM", "a\nb\x1B[31m \"c\" \xFF\xFE").write(folder / "a.wav");
+    EXPECT_NE(marnoth({"info", folder.name("a.wav")}).out.find("Name/Title: a b [31m \"c\" "),
+              std::string::npos);
+    const std::string json = marnoth({"info", folder.name("a.wav"), "--json"}).out;
+    EXPECT_NE(json.find(R"("Name/Title": "a\nb\u001b[31m \"c\" )"), std::string::npos) << json;
+    EXPECT_TRUE(isUtf8(json));
 }
 
 TEST(Info, TellsWhyTheInstrumentRefusesAFile) {

@@ -24,19 +24,39 @@ void appendBig(Bytes& bytes, std::uint32_t value, int count) {
         bytes.push_back(static_cast<std::uint8_t>(value >> shift));
 }
 
-/// A standard MIDI file of one track; `events` are its bytes with delta times, without the end of the track.
-Bytes midi(std::uint16_t pulsesPerBeat, Bytes events, std::uint8_t endDelta = 0) {
-    events.insert(events.end(), {endDelta, 0xFF, 0x2F, 0});
+Bytes header(std::uint16_t format, std::uint16_t tracks, std::uint16_t pulsesPerBeat) {
     Bytes file;
     append(file, std::string("MThd"));
     appendBig(file, 6, 4);
-    appendBig(file, 0, 2);
-    appendBig(file, 1, 2);
+    appendBig(file, format, 2);
+    appendBig(file, tracks, 2);
     appendBig(file, pulsesPerBeat, 2);
-    append(file, std::string("MTrk"));
-    appendBig(file, static_cast<std::uint32_t>(events.size()), 4);
-    file.insert(file.end(), events.begin(), events.end());
     return file;
+}
+
+Bytes chunk(const std::string& id, const Bytes& body) {
+    Bytes bytes;
+    append(bytes, id);
+    appendBig(bytes, static_cast<std::uint32_t>(body.size()), 4);
+    bytes.insert(bytes.end(), body.begin(), body.end());
+    return bytes;
+}
+
+/// A track of these events, which are bytes with delta times, and its end.
+Bytes track(Bytes events, std::uint8_t endDelta = 0) {
+    events.insert(events.end(), {endDelta, 0xFF, 0x2F, 0});
+    return chunk("MTrk", events);
+}
+
+Bytes joined(const std::vector<Bytes>& parts) {
+    Bytes file;
+    for (const Bytes& part : parts) file.insert(file.end(), part.begin(), part.end());
+    return file;
+}
+
+/// A standard MIDI file of one track.
+Bytes midi(std::uint16_t pulsesPerBeat, const Bytes& events, std::uint8_t endDelta = 0) {
+    return joined({header(0, 1, pulsesPerBeat), track(events, endDelta)});
 }
 
 MidiPart read(const Bytes& file) {
@@ -108,6 +128,50 @@ TEST(MidiFile, RefusesWhatItCannotPlay) {
     EXPECT_THROW(read(Bytes(1000, 0xFF)), FileFailure);
     EXPECT_THROW(read(midi(96, {0, 0xC0, 5})), FileFailure);
     EXPECT_THROW(read(midi(0xE728, {0, 0x90, 60, 1})), FileFailure);
+}
+
+TEST(MidiFile, TakesTheTracksOfAPieceTogether) {
+    // Tempo in the first, notes in the two others; the third holds the end.
+    const MidiPart part = read(
+        joined({header(1, 3, 96), track({96, 0xFF, 0x51, 3, 0x09, 0x27, 0xC0}),
+                track({48, 0x90, 60, 1, 48, 0x80, 60, 0}), track({24, 0x91, 62, 1, 48, 0x81, 62, 0}, 120)}));
+    ASSERT_EQ(part.notes.size(), 2u);
+    EXPECT_EQ(part.notes[0].note, 62);
+    EXPECT_EQ(part.notes[0].time, 240);
+    EXPECT_EQ(part.notes[0].duration, 480u);
+    EXPECT_EQ(part.notes[1].note, 60);
+    EXPECT_EQ(part.notes[1].time, 480);
+    ASSERT_EQ(part.tempo.changes().size(), 2u);
+    EXPECT_EQ(part.tempo.changes()[1].tick, 960);
+    EXPECT_EQ(part.endTicks, 4 * 960);
+}
+
+TEST(MidiFile, PassesOverWhatIsNoTrack) {
+    const Bytes notes = track({0, 0x90, 60, 1, 96, 0x80, 60, 0});
+    const std::vector<Bytes> files{
+        joined({header(0, 1, 96), chunk("XFIH", {1, 2, 3}), notes}),
+        joined({header(0, 1, 96), notes, chunk("XFKM", {1, 2, 3})}),
+        joined({header(0, 1, 96), notes, {0, 0, 0}}),
+        joined({header(0, 1, 96), notes, Bytes(100, 0x1A)}),
+        joined({header(1, 3, 96), notes}),
+    };
+    for (const Bytes& file : files) EXPECT_EQ(read(file).notes.size(), 1u);
+}
+
+TEST(MidiFile, SaysWhatKindItDoesNotPlay) {
+    const Bytes notes = track({0, 0x90, 60, 1, 96, 0x80, 60, 0});
+    const auto reason = [&](const Bytes& head) -> std::string {
+        try {
+            read(joined({head, notes}));
+        } catch (const FileFailure& failure) {
+            return failure.what();
+        }
+        return "none";
+    };
+    // 25 film frames a second, 40 pulses each.
+    EXPECT_NE(reason(header(0, 1, 0xE728)).find("film frames"), std::string::npos);
+    EXPECT_NE(reason(header(2, 1, 96)).find("pieces of their own"), std::string::npos);
+    EXPECT_NE(reason(header(0, 1, 0)).find("no length"), std::string::npos);
 }
 
 TEST(MidiFile, RefusesDamageAnywhere) {
