@@ -10,7 +10,7 @@ namespace {
 /// tail, keeps its natural duration at any tempo.
 std::int64_t endOf(const CGrooveEvent& grain, std::int64_t start, std::uint32_t kind,
                    CPziSynthContext& context) {
-    const bool keepsDuration = kind == kTicks16 && (!grain.tempoLocked || grain.tailOn);
+    const bool keepsDuration = kind == kTicks16 && (!grain.tempoLocked || grain.playsTail());
     if (!keepsDuration) return plus(start, grain.GetLength(kind, 1));
     return context.SamplesToTicks(plus(context.TicksToSamples(start), grain.GetLength(kSamples, 1)));
 }

@@ -196,6 +196,15 @@ TEST(CollectCycle, TailRingsForItsOwnLengthEvenOnTheBeat) {
     it.expectEvent(1, 1, 2 * kBeat, 2 * kBeat + kBeat * 3 / 2, 2 * kBeat, 2 * kBeat + kBeat * 3 / 2);
 }
 
+TEST(CollectCycle, TailThatIsNotThereLeavesTheGrainOnTheBeat) {
+    TwoGrains it;
+    it.track.SetTail(1);
+    it.context.tempo = 60;
+    it.track.CollectCycle(it.events, 0, 0, 4 * kBeat, 0, kTicks16);
+    ASSERT_EQ(it.events.GetSize(), 2);
+    it.expectEvent(0, 0, 0, kBeat, 0, kBeat);
+}
+
 TEST(CollectCycle, FarOutTimesDoNoHarm) {
     TwoGrains it;
     constexpr std::int64_t most = INT64_MAX;
