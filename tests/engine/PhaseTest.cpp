@@ -97,12 +97,26 @@ TEST(Phase, StoppingTheGraphClearsTheZero) {
 
 TEST(Phase, ResetVoicesKeepsTheZero) {
     SyncedPads rig;
+    rig.laySound(2, constant(20000));
+    rig.position = 5000;
+    rig.engine.AuditionPad(0, -1);
+    rig.phase(0);
+    rig.engine.ResetVoices();
+    // While another pad sounds, a synced one takes the zero as it stands; a note of an unsynced pad leaves it
+    // alone.
+    rig.noteOn(64);
+    rig.cycle(480);
+    rig.noteOn(60);
+    EXPECT_EQ(rig.phase(0), 2 * 480 + 100);
+}
+
+TEST(Phase, AfterResetVoicesTheFirstPadSetsTheZeroAnew) {
+    SyncedPads rig;
     rig.position = 5000;
     rig.engine.AuditionPad(0, -1);
     rig.phase(0);
     rig.engine.ResetVoices();
     rig.noteOn(60);
-    // The note's pad is the first to sound, and takes the zero over.
     EXPECT_EQ(rig.phase(0), 100);
 }
 
