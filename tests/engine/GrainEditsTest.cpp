@@ -85,6 +85,16 @@ TEST_F(GrainEditsTest, ReplacingByALongerGrainGrowsTheLoop) {
     EXPECT_EQ(rig.length(kPadLoop, 0), 5 * kBeat);
 }
 
+TEST_F(GrainEditsTest, ReplacingTheOnlyGrainBeginsTheLoopAnew) {
+    rig.engine.DeleteGrain(0, 0, 0);
+    ASSERT_EQ(rig.length(kPadLoop, 0), 2 * kBeat);
+    rig.engine.SetLoopLength(kPadLoop, 0, 7 * kBeat);
+    EXPECT_EQ(rig.engine.ReplaceGrain(0, 0, 0, 0), S_OK);
+    EXPECT_EQ(rig.starts(0), Starts{kBeat});
+    EXPECT_EQ(rig.length(kPadLoop, 0), 2 * kBeat) << "the pad was empty in between";
+    EXPECT_EQ(rig.get(&Sampler::GetPadLooping, 0), 1u);
+}
+
 TEST_F(GrainEditsTest, AddingAndReplacingRefuseABadPadOrFileAndRaiseForABadGrain) {
     EXPECT_EQ(rig.engine.AddGrain(1, 0, 0, 0), E_INVALIDARG);
     EXPECT_EQ(rig.engine.AddGrain(0, 0, 16, 0), E_INVALIDARG);

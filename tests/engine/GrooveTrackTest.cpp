@@ -2,6 +2,7 @@
 
 #include "engine/EditRig.h"
 #include "engine/GrooveTrack.h"
+#include "sample/AcidWave.h"
 
 namespace marnoth::test {
 namespace {
@@ -224,6 +225,29 @@ TEST_F(GrooveTrackTest, ACopyHasEveryFieldAndGrainsOfItsOwn) {
     ASSERT_EQ(copy.GetSize(), 1);
     EXPECT_EQ(copy.GetAt(0).binGrain, 42);
     EXPECT_NE(&copy.GetAt(0), &track.GetAt(0));
+}
+
+TEST_F(GrooveTrackTest, EveryGrainOfAFileGetsATailOfItsOwnAndACopyOnAPadSharesIt) {
+    CAcidWave reader;
+    WaveFile loop;
+    const TempPath file = loop.frames(1000, sine).acid({.beats = 1}).strc(2, {{300}, {301}}).writeTemp();
+    ASSERT_EQ(reader.Open(file.c_str()), S_OK);
+    ASSERT_EQ(track.LoadFromWave(reader, L"name", L"path", 3, floatFormat(44100, 2)), S_OK);
+    CGrooveTrack pad(&context);
+    pad.CopyGrainsFrom(track);
+    const std::int64_t lengths[] = {300, 1, 699};
+    ASSERT_EQ(track.GetSize(), 3);
+    for (std::int32_t i = 0; i < 3; ++i) {
+        const CGrooveEvent& grain = track.GetAt(i);
+        ASSERT_TRUE(grain.tailWave) << i;
+        EXPECT_EQ(grain.tailOn, 0u) << "the tail is there whatever the flag";
+        EXPECT_EQ(grain.tailWave->frames, 2 * lengths[i]);
+        EXPECT_EQ(grain.tailLengthSamples, 2 * lengths[i]);
+        EXPECT_EQ(pad.GetAt(i).tailWave.get(), grain.tailWave.get());
+        EXPECT_EQ(grain.tailWave->refCount, 2u) << "one grain and its copy";
+        EXPECT_EQ(grain.binFile, 3);
+    }
+    EXPECT_EQ(track.sample->refCount, 7u) << "the file, three grains and their copies";
 }
 
 TEST_F(GrooveTrackTest, CopyingGrainsAppendsAndChangesNeitherLengthsNorFlags) {
