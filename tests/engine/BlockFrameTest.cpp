@@ -228,6 +228,18 @@ TEST(Position, GraphIsFollowedWhileTheTransportStands) {
     EXPECT_EQ(loopFrameOf(rig, 0), 4000);
 }
 
+TEST(Position, EngineCountsItsOwnFramesWhileTheTransportStandsToo) {
+    VoiceRig rig(48000);
+    rig.layLoop(0, ramp(24000), 1);
+    rig.cycle(512);
+    rig.position = 9000;
+    rig.cycle(512);
+    rig.context.running = 1;
+    rig.noteOn(60);
+    rig.cycle(512);
+    EXPECT_EQ(loopFrameOf(rig, 100), 1124);
+}
+
 TEST(Position, SkewCarriesSequencedNotesToWhereTheEngineIs) {
     VoiceRig rig(48000);
     rig.laySound(0, ramp(20000));
@@ -240,6 +252,26 @@ TEST(Position, SkewCarriesSequencedNotesToWhereTheEngineIs) {
     rig.cycle(1024);
     expectSilence(rig.audio[0], 0, 501);
     EXPECT_EQ(loopFrameOf(rig, 600), 100);
+}
+
+TEST(Position, SkewMovesAllTimesOfASequencedNoteButItsOpenEnd) {
+    VoiceRig rig(48000);
+    rig.context.running = 1;
+    rig.cycle(24000);
+    rig.position = 0;
+    const VoiceState& voice = *rig.sequence(20, 96, 960).voice;
+    rig.cycle(480);
+    // The engine is a beat ahead; the positions have gone on by a block of 480 frames, a fiftieth of a beat.
+    constexpr std::int64_t beat = 62914560;
+    for (const VoiceLane* lane : {&voice.gate, &voice.shot}) {
+        EXPECT_EQ(lane->start, beat / 10 + beat);
+        EXPECT_EQ(lane->from, beat / 10 + beat);
+        EXPECT_NEAR(static_cast<double>(lane->position), beat * 1.12, 1);
+    }
+    EXPECT_EQ(voice.gate.end, beat / 10 + 2 * beat);
+    EXPECT_EQ(voice.gate.length, beat);
+    EXPECT_EQ(voice.shot.end, kOpenEnded);
+    EXPECT_EQ(voice.shot.length, kOpenEnded);
 }
 
 TEST(Position, EngineBehindTheGraphHasNoSkew) {

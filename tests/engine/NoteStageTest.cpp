@@ -73,6 +73,18 @@ TEST(OneShotPad, SwitchedOffLoopFadesFromTheStartOfABlockThatIsTooShort) {
     expectSilence(rig.audio[0], 0, 256);
 }
 
+TEST(OneShotPad, NotesOfASwitchedOffLoopLeaveTheQueue) {
+    OneShot rig(1);
+    for (int press = 0; press < 2; ++press) {
+        rig.noteOn(60);
+        rig.cycle(kBlock);
+        rig.noteOff(60);
+        rig.cycle(kBlock);
+    }
+    rig.play(3 * kBlock, kBlock);
+    EXPECT_TRUE(rig.notes.empty());
+}
+
 TEST(OneShotPad, ThirdNoteSwitchesTheLoopOnAgainFromItsStart) {
     OneShot rig(1);
     for (int press = 0; press < 2; ++press) {
@@ -185,6 +197,29 @@ TEST(GatedPad, EndsWithItsNote) {
     EXPECT_GT(rig.loudestOfBlock(), 0);
     EXPECT_EQ(rig.loudestOfBlock(), 0);
     EXPECT_TRUE(rig.notes.empty());
+}
+
+TEST(GatedPad, NoteHoldsNoGateShouldThePadBecomeAOneShot) {
+    OneShot rig(1);
+    rig.engine.SetPadOneShot(0, 0);
+    rig.noteOn(60);
+    EXPECT_GT(rig.loudestOfBlock(), 0);
+    rig.engine.SetPadOneShot(0, 1);
+    EXPECT_EQ(rig.loudestOfBlock(), 0);
+}
+
+TEST(GatedPad, NoteRemembersHowThePadsGateStood) {
+    OneShot rig(1);
+    rig.noteOn(60);
+    rig.cycle(kBlock);
+    rig.noteOn(60);  // switches the loop off; the first note has a last block to come
+    rig.cycle(kBlock);
+    rig.engine.SetPadOneShot(0, 0);
+    rig.noteOn(60);
+    rig.cycle(kBlock);
+    // The gate was shut before the third note as well, so nothing has just been switched off.
+    rig.engine.SetPadOneShot(0, 1);
+    EXPECT_EQ(rig.loudestOfBlock(), 0);
 }
 
 TEST(GatedPad, NoteEndedInItsFirstBlockHasThatBlock) {

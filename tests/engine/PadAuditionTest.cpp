@@ -185,5 +185,16 @@ TEST(ResetVoices, EndsEverythingAtOnce) {
     EXPECT_EQ(peak(rig.audio[0]), 0);
 }
 
+TEST(ResetVoices, PressBehindItStartsALoopThatPlayed) {
+    VoiceRig rig;
+    rig.laySound(0, constant(3000));
+    rig.engine.SetPadLooping(0, 1);
+    rig.engine.AuditionPad(0, -1);
+    rig.cycle(kBlock);
+    rig.engine.ResetVoices();
+    rig.engine.AuditionPad(0, -1);
+    expectFrames(rig.play(4 * kBlock, kBlock), 44, 4 * kBlock, [](std::int64_t) { return 1.0; });
+}
+
 }  // namespace
 }  // namespace marnoth::test

@@ -40,6 +40,14 @@ TEST(Phase, TransportStoppedTheFirstPadStartsTheLoopFromItsZero) {
     EXPECT_EQ(rig.phase(0), 580);
 }
 
+TEST(Phase, TransportStoppedASequencedNoteSetsTheZeroWhereItBegins) {
+    SyncedPads rig;
+    rig.sequence(60, 20, 960);  // 500 frames
+    rig.cycle(480);
+    expectSilence(rig.audio[1], 0, 480);
+    EXPECT_EQ(rig.phase(0), 480 + 100 - 500);
+}
+
 TEST(Phase, TransportStoppedPadsThatFollowCountFromTheFirst) {
     SyncedPads rig;
     rig.position = 5000;
@@ -150,6 +158,34 @@ TEST(Phase, TransportStoppedASyncedPadWithoutALoopMissesItsFirstBlock) {
     EXPECT_EQ(rig.phase(0), 580);
     rig.play(24000 - 2 * 480, 480);
     EXPECT_EQ(peak(rig.play(4800, 480, 1)), 0);
+}
+
+TEST(Phase, NoteWhileTheTransportRunsClearsTheZero) {
+    SyncedPads rig;
+    rig.position = 5000;
+    rig.engine.AuditionPad(0, -1);
+    rig.phase(0);
+    rig.engine.ResetVoices();
+    rig.context.running = 1;
+    rig.noteOn(60);
+    rig.cycle(480);
+    rig.context.running = 0;
+    rig.noteOn(62);
+    EXPECT_EQ(rig.phase(1), 5000 + 2 * 480 + 100);
+}
+
+TEST(Phase, NoteOfAnUnsyncedPadPutsThePadBackOnTheProjectsZero) {
+    SyncedPads rig;
+    rig.engine.SetPadOneShot(0, 0);
+    rig.position = 5000;
+    rig.noteOn(60);
+    EXPECT_EQ(rig.phase(0), 100);
+    rig.engine.SetPadSynced(0, 0);
+    rig.noteOff(60);
+    rig.noteOn(60);
+    rig.cycle(480);
+    rig.engine.SetPadSynced(0, 1);
+    EXPECT_EQ(rig.phase(0), 5000 + 2 * 480 + 100);
 }
 
 TEST(Phase, StartFollowsATempoChange) {
