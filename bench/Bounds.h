@@ -6,6 +6,7 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <ctime>
 #include <limits>
 #include <vector>
 
@@ -41,6 +42,25 @@ inline double medianOf(std::vector<double> values) {
     std::nth_element(values.begin(), middle, values.end());
     return *middle;
 }
+
+/// Times of the processor, one per turn, for work of a millisecond and more: what other programs take from
+/// the machine meanwhile isn't counted.
+class ProcessorTimes {
+public:
+    /// Runs `work`; returns the seconds that the turn took.
+    template <class Work>
+    double turn(const Work& work) {
+        const std::clock_t begin = std::clock();
+        work();
+        seconds.push_back(static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC);
+        return seconds.back();
+    }
+
+    double median() const { return medianOf(seconds); }
+
+private:
+    std::vector<double> seconds;
+};
 
 /// Tells apart two renders that differ in a single bit.
 inline std::uint64_t fingerprint(const void* data, std::size_t bytes) {

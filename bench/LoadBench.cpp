@@ -7,7 +7,6 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
-#include <vector>
 
 #include "bench/Bounds.h"
 #include "hostkit/HostRig.h"
@@ -81,27 +80,24 @@ void readPlain(const test::TempPath& file, Samples& samples) {
 void run(benchmark::State& state, Scene scene) {
     const test::TempPath file = writeFile(scene);
     Loader loader;
-    BestTime loadTime, freshTime, reusedTime;
     Samples fresh, reused;
-    std::vector<double> loads, reads;
     readPlain(file, reused);
+    ProcessorTimes loads, reads, repeatedReads;
     for (auto _ : state) {
         malloc_trim(0);
-        loads.push_back(loadTime.turn(1, [&] { loader.load(file); }));
-        state.SetIterationTime(loads.back());
+        state.SetIterationTime(loads.turn([&] { loader.load(file); }));
         if (loader.grains() != scene.grains) throw std::runtime_error("unexpected number of grains");
         loader.remove();
         malloc_trim(0);
-        reads.push_back(freshTime.turn(1, [&] { readPlain(file, fresh); }));
+        reads.turn([&] { readPlain(file, fresh); });
         fresh.reset();
-        reusedTime.turn(1, [&] { readPlain(file, reused); });
+        repeatedReads.turn([&] { readPlain(file, reused); });
     }
-    state.counters["ms"] = loadTime.nanoseconds() / 1e6;
-    state.counters["median_ms"] = medianOf(loads) * 1e3;
-    state.counters["sndfile_ms"] = freshTime.nanoseconds() / 1e6;
-    state.counters["sndfile_reused_ms"] = reusedTime.nanoseconds() / 1e6;
-    state.counters["x_sndfile"] = loadTime.nanoseconds() / freshTime.nanoseconds();
-    state.counters["x_sndfile_median"] = medianOf(loads) / medianOf(reads);
+    state.counters["ms"] = loads.median() * 1e3;
+    state.counters["sndfile_ms"] = reads.median() * 1e3;
+    state.counters["sndfile_reused_ms"] = repeatedReads.median() * 1e3;
+    state.counters["x_sndfile"] = loads.median() / reads.median();
+    state.counters["x_realtime"] = kSeconds / loads.median();
 }
 
 void add(const char* name, const Scene& scene) {
