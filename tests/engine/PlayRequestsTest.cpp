@@ -109,6 +109,19 @@ TEST_F(PlayRequestsTest, AFilesAuditionGoesOnUntilItIsStopped) {
     EXPECT_EQ(peak(1024), 0.0f) << "it ends without a fade";
 }
 
+TEST_F(PlayRequestsTest, ASingleGrainFileLoopsInTheBinThoughNotOnAPad) {
+    WaveFile file;
+    file.frames(4410, sine);
+    ASSERT_EQ(rig.lay(1, file).bin, 1);
+    rig.engine.AuditionPad(1, -1);
+    EXPECT_GT(peak(4096), 0.1f);
+    rig.render(4096);
+    EXPECT_EQ(peak(4096), 0.0f) << "the pad has played out";
+    rig.engine.AuditionBinFile(1, -1);
+    rig.render(10 * 4410);
+    EXPECT_GT(peak(4096), 0.1f);
+}
+
 TEST_F(PlayRequestsTest, AllAuditionsStopAtOnce) {
     rig.load(loopFile(1));
     rig.engine.AuditionBinFile(0, -1);
