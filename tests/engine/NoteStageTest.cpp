@@ -267,6 +267,48 @@ TEST(OneNote, WithoutAPadKeepsItsVoiceAndMovesItsPositions) {
     EXPECT_EQ(after.finished, 1u);
 }
 
+/// 16.16 ticks of so many frames at 48000 Hz and 120 beats per minute, to the nearest.
+std::int64_t ticksOf(std::int64_t frames) {
+    return (frames * 62914560 + 12000) / 24000;
+}
+
+TEST(OneNote, NoteOffEndsTheGateLaneAndGivesTheShotLane20Milliseconds) {
+    VoiceRig rig(48000);
+    QueuedEvent& note = rig.noteOn(20);
+    rig.cycle(480);
+    rig.noteOff(20);
+    rig.cycle(480);
+    EXPECT_EQ(note.event.duration, kDurationReleased);
+    EXPECT_EQ(note.voice->releasing, 1u);
+    EXPECT_EQ(note.voice->gate.end, 0);
+    EXPECT_EQ(note.voice->gate.length, 0);
+    EXPECT_EQ(note.voice->shot.end, ticksOf(480 + 960));
+    EXPECT_EQ(note.voice->shot.length, ticksOf(480 + 960));
+}
+
+TEST(OneNote, IsReleasedInTheBlockThatBeginsAtItsEnd) {
+    VoiceRig rig(48000);
+    QueuedEvent& note = rig.sequence(20, 0, 48);  // 1200 frames
+    rig.cycle(1200);
+    EXPECT_EQ(note.voice->gate.position, note.voice->gate.end);
+    EXPECT_EQ(note.voice->releasing, 0u);
+    rig.cycle(480);
+    EXPECT_EQ(note.voice->releasing, 1u);
+    EXPECT_EQ(note.voice->gate.end, 0);
+}
+
+TEST(OneNote, ShotLaneThatWouldEndBehindItsPositionLastsABlockLonger) {
+    VoiceRig rig(48000);
+    QueuedEvent& note = rig.noteOn(20);
+    rig.cycle(4800);
+    rig.noteOff(20);
+    rig.position = 3600;
+    rig.cycle(480);
+    const std::int64_t end = ticksOf(3600 + 960) + ticksOf(3600 + 480) - ticksOf(3600);
+    EXPECT_EQ(note.voice->shot.end, end);
+    EXPECT_EQ(note.voice->shot.length, end);
+}
+
 TEST(OneNote, OnAnEmptyPadClearsItsGate) {
     OneShot rig(1);
     rig.noteOn(60);

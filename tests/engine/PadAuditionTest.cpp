@@ -44,6 +44,31 @@ TEST(PadFromThePage, GatedPadEndsWithTheReleaseOfTheButton) {
     expectSilence(audio, 882, 2 * kBlock);
 }
 
+TEST(PadFromThePage, GatedLoopStartsAfreshWithEachPress) {
+    VoiceRig rig;
+    rig.laySound(0, ramp(9000));
+    rig.engine.SetPadOneShot(0, 0);
+    rig.engine.SetPadLooping(0, 1);
+    for (int press = 0; press < 2; ++press) {
+        rig.engine.AuditionPad(0, -1);
+        rig.cycle(kBlock);
+        expectFrames(rig.audio[0], 44, kBlock, [](std::int64_t i) { return rampAt(i); });
+    }
+}
+
+TEST(PadFromThePage, SecondReleaseOfTheButtonDoesNotLengthenTheFade) {
+    VoiceRig rig;
+    rig.laySound(0, constant(30000));
+    rig.engine.SetPadOneShot(0, 0);
+    rig.engine.AuditionPad(0, -1);
+    rig.cycle(kBlock);
+    for (int release = 0; release < 3; ++release) {
+        rig.engine.StopPad(0);
+        rig.cycle(441);
+    }
+    expectSilence(rig.audio[0], 0, 441);
+}
+
 TEST(PadFromThePage, OneShotIgnoresStopPadAndObeysStopPadOfAll) {
     VoiceRig rig;
     rig.laySound(0, constant(30000));
@@ -77,6 +102,17 @@ TEST(PadFromThePage, PlayedOutPadStaysSilentWhenItsLoopIsSwitchedOn) {
     EXPECT_EQ(peak(rig.play(3 * kBlock, kBlock)), 0);
 }
 
+TEST(PadFromThePage, GatedPadThatIsHeldWaitsForItsLoopBehindItsEnd) {
+    VoiceRig rig;
+    rig.laySound(0, ramp(1500));
+    rig.engine.SetPadOneShot(0, 0);
+    rig.engine.AuditionPad(0, -1);
+    rig.play(5 * kBlock, kBlock);
+    rig.engine.SetPadLooping(0, 1);
+    expectFrames(rig.play(3 * kBlock, kBlock), 0, 3 * kBlock,
+                 [](std::int64_t i) { return rampAt((5 * kBlock + i) % 1500); });
+}
+
 TEST(PadFromThePage, ReportsAsPlayingWhileItSounds) {
     VoiceRig rig;
     rig.laySound(0, ramp(9000));
@@ -101,6 +137,17 @@ TEST(PadFromThePage, EmptyPadStaysSilent) {
     rig.cycle(kBlock);
     EXPECT_EQ(peak(rig.audio[0]), 0);
     EXPECT_FALSE(rig.isPlaying(3));
+}
+
+TEST(PadFromThePage, PadThatLosesItsGrainsReportsAsNotPlaying) {
+    VoiceRig rig;
+    rig.laySound(0, ramp(9000));
+    rig.engine.AuditionPad(0, -1);
+    rig.cycle(kBlock);
+    EXPECT_TRUE(rig.isPlaying(0));
+    rig.engine.DeleteGrain(0, 0, 0);
+    rig.cycle(kBlock);
+    EXPECT_FALSE(rig.isPlaying(0));
 }
 
 TEST(BinAudition, LoopsUntilStopped) {
