@@ -303,7 +303,8 @@ TEST(OneNote, ShotLaneThatWouldEndBehindItsPositionLastsABlockLonger) {
     rig.cycle(4800);
     rig.noteOff(20);
     rig.position = 3600;
-    rig.cycle(480);
+    rig.drain();
+    rig.block(480);
     const std::int64_t end = ticksOf(3600 + 960) + ticksOf(3600 + 480) - ticksOf(3600);
     EXPECT_EQ(note.voice->shot.end, end);
     EXPECT_EQ(note.voice->shot.length, end);
