@@ -42,6 +42,18 @@ TEST(Loop, GrainWhosePlaceLiesBeforeTheBlockIsSkipped) {
     EXPECT_EQ(peak(memory), 0);
 }
 
+TEST(Loop, GrainWhosePlaceLiesBehindTheBlockIsSkipped) {
+    VoiceRig rig(48000);
+    rig.layLoop(0, ramp(24000), 1);
+    rig.context.tempo = 2880;  // a beat has 1000 frames
+    rig.context.running = 1;
+    rig.position = -5 * 4096;
+    rig.noteOn(60);
+    // Five blocks before zero are counted as five loops before zero, which lie at frame -5000.
+    rig.cycle(4096);
+    EXPECT_EQ(peak(rig.audio[0]), 0);
+}
+
 TEST(Loop, SoundWithoutOneEndsWithItsLastFrame) {
     VoiceRig rig;
     rig.laySound(0, ramp(1000));
