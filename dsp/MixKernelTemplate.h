@@ -166,12 +166,12 @@ template <class From, class To>
     mixInRounds<From, To>(args, Constant<double>{args.gainL, args.gainR});
 }
 
-/// One channel into two: whole vectors of products come first, or else the compiler takes the destination
+/// Adds one channel to two: whole vectors of products come first, or else the compiler takes the destination
 /// apart by channels and puts it together again.
-template <class To, class Sample>
-[[gnu::always_inline]] inline void mixIntoBoth(Sample* __restrict dest, const Sample* __restrict src,
-                                               std::int32_t count, Constant<Sample> gains) {
-    constexpr int round = 2 * framesPerRound<To>;
+template <class Sample>
+[[gnu::always_inline]] inline void addToBoth(Sample* __restrict dest, const Sample* __restrict src,
+                                             std::int32_t count, Constant<Sample> gains) {
+    constexpr int round = 64 / sizeof(Sample);
     for (; count >= round; count -= round) {
         Sample products[2 * round];
 #pragma GCC unroll 32
@@ -180,13 +180,13 @@ template <class To, class Sample>
             products[2 * i + 1] = src[i] * gains.right();
         }
 #pragma GCC unroll 32
-        for (int i = 0; i < 2 * round; ++i) dest[i] = To::over(dest[i], products[i]);
+        for (int i = 0; i < 2 * round; ++i) dest[i] += products[i];
         dest += 2 * round;
         src += round;
     }
     for (std::int32_t i = 0; i < count; ++i) {
-        dest[2 * i] = To::over(dest[2 * i], src[i] * gains.left());
-        dest[2 * i + 1] = To::over(dest[2 * i + 1], src[i] * gains.right());
+        dest[2 * i] += src[i] * gains.left();
+        dest[2 * i + 1] += src[i] * gains.right();
     }
 }
 
@@ -198,7 +198,9 @@ template <class From, class To>
     Sample* __restrict dest = static_cast<Sample*>(args.dest);
     const Sample* __restrict src = static_cast<const Sample*>(args.src);
     Constant<Sample> gains{static_cast<Sample>(args.gainL), static_cast<Sample>(args.gainR)};
-    if constexpr (To::channels > From::channels) return mixIntoBoth<To>(dest, src, args.count, gains);
+    if constexpr (To::channels > From::channels && To::mode == Mode::Add) {
+        return addToBoth(dest, src, args.count, gains);
+    }
     const std::int32_t count = args.count;
 #pragma GCC unroll 4
 #pragma GCC ivdep
