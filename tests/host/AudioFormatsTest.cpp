@@ -114,6 +114,14 @@ TEST(FormatOfADirection, IsTakenOverOnlyWhenEveryTestPasses) {
     EXPECT_EQ(+pzi.outputFormat.nSamplesPerSec, 48000u);
 }
 
+TEST(FormatOfADirection, NeedsAPlainYesOfTheInstrument) {
+    struct Hesitating : FakePzi {
+        HRESULT CheckInputFormat(const WAVEFORMATEX*) override { return S_FALSE; }
+    } pzi;
+    EXPECT_EQ(SetFormat(pzi, PINDIR_INPUT, audioType(48000, 2).Get()), S_FALSE);
+    EXPECT_NE(+pzi.inputFormat.nSamplesPerSec, 48000u);
+}
+
 TEST(FormatOfADirection, HasTheFrameSizeOfItsChannelsWhateverTheRecordSays) {
     FakePzi pzi;
     for (const WORD told : {0, 1, 4, 7, 0xFFFF}) {

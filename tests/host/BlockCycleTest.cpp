@@ -49,9 +49,11 @@ TEST(Receive, WithoutOutputsRendersAndMovesOn) {
     playLive(host, 60);
     std::vector<Block> blocks;
     host.filter->onProcess = [&](const Block& block) { return blocks.push_back(block), S_OK; };
-    host.filter->onReleaseVoice = [] { return S_OK; };
+    std::int64_t retiredAt = -1;
+    host.filter->onReleaseVoice = [&] { return retiredAt = host.filter->position(), S_OK; };
     EXPECT_EQ(host.send(100), S_OK);
     EXPECT_EQ(host.send(100), S_OK);
+    EXPECT_EQ(retiredAt, 100);
     ASSERT_EQ(blocks.size(), 2u);
     EXPECT_EQ(blocks[0].pins.size(), 0u);
     EXPECT_EQ(blocks[0].notes, 1u);
@@ -155,7 +157,7 @@ TEST(Receive, ADiscontinuitySetsThePositionByItsTime) {
     std::vector<Block> blocks;
     host.filter->onProcess = [&](const Block& block) { return blocks.push_back(block), S_OK; };
     FakeSample in = stereoFrames(100);
-    in.discontinuity = in.hasStart = true;
+    in.discontinuity = in.hasStart = in.hasEnd = true;
     in.start = 10000000;  // 1 s
     EXPECT_EQ(host.input().Receive(&in), S_OK);
     EXPECT_EQ(blocks[0].position, 48000);
@@ -306,6 +308,15 @@ TEST(Receive, ARenderThatIsOverEndsTheStream) {
     EXPECT_EQ(host.sink(0).allocator.samplesOut(), 0u);
 }
 
+TEST(Receive, DeliversNoSampleThatRefusesItsLength) {
+    FilterHost host;
+    host.start({0, 1});
+    host.sink(0).allocator.samples[0]->lengthResult = E_FAIL;
+    EXPECT_EQ(host.send(100), S_OK);
+    EXPECT_EQ(host.sink(0).deliveries.size(), 0u);
+    EXPECT_EQ(host.sink(1).deliveries.size(), 1u);
+}
+
 TEST(Receive, DoesntLookAtWhatADeliveryGives) {
     FilterHost host;
     host.start({0, 1});
@@ -399,6 +410,24 @@ TEST(EndOfStream, DeliversWhatAnInstrumentHasLeft) {
     EXPECT_EQ(host.filter->position(), 100 + 3 * 512);
 }
 
+TEST(EndOfStream, DrainsAndRetiresTheNotesOfWhatIsLeft) {
+    FilterHost host;
+    host.start({0});
+    host.attach();
+    // Ticks of 24 are 12 ms, 529 samples: the second of the blocks of 512.
+    RawEventList list{midi(0, 0x90, 60, 100), midi(1, 0x90, 61, 100), midi(24, 0x90, 62, 100)};
+    ASSERT_EQ(host.filter->QueueRawInput(0, &list), S_OK);
+    host.filter->onReleaseVoice = [] { return S_OK; };
+    std::vector<std::size_t> notes;
+    host.filter->onProcess = [&](const Block& block) {
+        notes.push_back(block.notes);
+        return notes.size() < 3 ? S_OK : S_FALSE;
+    };
+    EXPECT_EQ(host.input().EndOfStream(), S_OK);
+    EXPECT_EQ(notes, (std::vector<std::size_t>{2, 1, 0}));
+    host.filter->onReleaseVoice = nullptr;
+}
+
 TEST(EndOfStream, AFailedDeliveryOrRenderEndsItWithThatFailure) {
     FilterHost host;
     host.start({0});
@@ -410,37 +439,6 @@ TEST(EndOfStream, AFailedDeliveryOrRenderEndsItWithThatFailure) {
     EXPECT_EQ(host.input().EndOfStream(), E_ABORT);
     EXPECT_EQ(host.sink(0).endsOfStream, 2);
     EXPECT_EQ(host.sink(0).allocator.samplesOut(), 0u);
-}
-
-TEST(Pause, WithTheInputUnconnectedEndsEveryStreamAtOnce) {
-    FilterHost host;
-    host.connectInput();
-    for (int i : {0, 9}) ASSERT_EQ(host.connectOutput(i), S_OK);
-    host.input().Disconnect();
-    EXPECT_EQ(host.filter->Pause(), S_OK);
-    EXPECT_EQ(host.sink(0).endsOfStream, 2);
-    EXPECT_EQ(host.sink(9).endsOfStream, 2);
-    EXPECT_EQ(host.filter->Run(0), S_OK);
-    EXPECT_EQ(host.sink(0).endsOfStream, 4);
-}
-
-TEST(Pause, PutsTheStreamPositionBackAndTheTimelineGoesOn) {
-    FilterHost host;
-    host.start({});
-    host.send(100);
-    host.filter->Run(0);
-    std::vector<Block> blocks;
-    host.filter->onProcess = [&](const Block& block) { return blocks.push_back(block), S_OK; };
-    host.send(100);
-    EXPECT_EQ(blocks[0].position, 100);
-    host.filter->Pause();
-    host.send(100);
-    EXPECT_EQ(blocks[1].position, 0);
-    EXPECT_EQ(blocks[1].reserved, 200);
-    // Paused already: nothing happens.
-    host.filter->Pause();
-    host.send(100);
-    EXPECT_EQ(blocks[2].position, 100);
 }
 
 TEST(Teardown, FreesTheVoicesOfNotesThatStillPlay) {

@@ -147,7 +147,7 @@ TEST(QueueRawInput, TheDifferenceOfTimesWraps) {
 TEST(QueueRawInput, AnUnknownMessageIsPassedOverButItsTimeCounts) {
     SynthHost host;
     host.attach();
-    EXPECT_EQ(host.live({midi(0, 0xF8, 0, 0), midi(960, 0x90, 60, 100)}), S_OK);
+    EXPECT_EQ(host.live({midi(100, 0xF8, 0, 0), midi(1060, 0x90, 60, 100)}), S_OK);
     host.drain(22051);
     ASSERT_EQ(host.played().size(), 1u);
     EXPECT_EQ(host.played().front().sampleTime, 22050);
@@ -187,6 +187,12 @@ TEST(LiveMidi, NoteOffAndNoteOnOfVelocityZeroAreNoteOffs) {
     EXPECT_EQ(+zero.duration, 0u);
 }
 
+TEST(LiveMidi, OnlyAVelocityByteOfZeroMakesANoteOnANoteOff) {
+    const SynthEvent event = fromMidi(0x90, 60, 0x80);
+    EXPECT_EQ(event.velocity, 0);
+    EXPECT_EQ(+event.duration, 0xFFFFFFFFu);
+}
+
 TEST(LiveMidi, AftertouchAndControllersCarryBothValues) {
     const SynthEvent key = fromMidi(0xA2, 0xC0, 0xC1);
     EXPECT_TRUE(key.type == SynthEventType::keyAftertouch);
@@ -196,7 +202,7 @@ TEST(LiveMidi, AftertouchAndControllersCarryBothValues) {
     EXPECT_TRUE(controller.type == SynthEventType::controller);
     EXPECT_EQ(controller.note, 7);
     EXPECT_EQ(controller.velocity, 99);
-    const SynthEvent channel = fromMidi(0xD0, 55, 99);
+    const SynthEvent channel = fromMidi(0xD0, 0x80 | 55, 99);
     EXPECT_TRUE(channel.type == SynthEventType::channelAftertouch);
     EXPECT_EQ(channel.velocity, 55);
 }

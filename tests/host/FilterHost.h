@@ -50,6 +50,9 @@ public:
     };
     std::function<HRESULT(const Block&)> onProcess;
     std::function<HRESULT()> onCreateVoice;
+    /// Called when the engine is asked for its word on a format.
+    std::function<void()> onCheckFormat;
+    int preparations = 0, releases = 0;  ///< of resources
     /// What a note without `flush` is told; S_OK frees its voice.
     std::function<HRESULT()> onReleaseVoice;
 
@@ -66,6 +69,23 @@ public:
         const HRESULT hr = onReleaseVoice && !flush ? onReleaseVoice() : S_OK;
         if (hr != S_OK) return hr;
         return CFilter::ReleaseVoice(event, onReleaseVoice ? 1 : flush);
+    }
+
+    HRESULT CheckInputFormat(const WAVEFORMATEX* format) override {
+        if (onCheckFormat) onCheckFormat();
+        return CFilter::CheckInputFormat(format);
+    }
+    HRESULT CheckOutputFormat(const WAVEFORMATEX* format) override {
+        if (onCheckFormat) onCheckFormat();
+        return CFilter::CheckOutputFormat(format);
+    }
+    HRESULT PrepareResources() override {
+        ++preparations;
+        return CFilter::PrepareResources();
+    }
+    HRESULT FreeResources() override {
+        ++releases;
+        return CFilter::FreeResources();
     }
 
     using CSoftSynth::eventQueue;

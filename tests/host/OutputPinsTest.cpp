@@ -172,6 +172,14 @@ TEST(RemoveOutputPin, TakesThePinOut) {
     EXPECT_EQ(host.context.pinHost.calls, (Calls{{1, 16}, {2, 16}}));
 }
 
+TEST(RemoveOutputPin, MakesEnumeratorsOutOfDate) {
+    FilterHost host;
+    RefPtr<IEnumPins> pins;
+    host.filter->EnumPins(pins.put());
+    host.filter->RemoveOutputPin(host.filter->GetPinId(1));
+    EXPECT_EQ(pins->Skip(1), VFW_E_ENUM_OUT_OF_SYNC);
+}
+
 TEST(RemoveOutputPin, GivesBackWhatTheHostSaysAfterwards) {
     AttachedHost host;
     host.context.pinHost.toldResult = E_ABORT;
@@ -206,6 +214,14 @@ TEST(RemoveAllOutputPins, EmptiesTheListAndThenThereIsNothingToRemove) {
     EXPECT_EQ(host.filter->GetPinId(0), 0xFFFFFFFFu);
     EXPECT_EQ(host.context.pinHost.calls, (Calls{{1, 0}, {2, 0}}));
     EXPECT_EQ(host.filter->RemoveOutputPin(1), E_FAIL);
+}
+
+TEST(RemoveAllOutputPins, TakesANoFromTheHost) {
+    AttachedHost host;
+    host.context.pinHost.askResult = E_ACCESSDENIED;
+    EXPECT_EQ(host.filter->RemoveAllOutputPins(), E_ACCESSDENIED);
+    EXPECT_EQ(host.filter->GetPinCount(), 18);
+    EXPECT_NE(host.filter->GetPin(17), nullptr);
 }
 
 TEST(RemoveAllOutputPins, EndsAtAConnectedPinWithTheCountUnchanged) {

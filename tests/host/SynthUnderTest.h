@@ -23,6 +23,7 @@ public:
         return event.type == SynthEventType::note ? S_OK : S_FALSE;
     };
     std::function<HRESULT(const QueuedEvent&)> onCreate = [](const QueuedEvent&) { return S_OK; };
+    std::function<void()> onReset = [] {};
     /// Asked with `flush` 0: S_OK lets the note go, S_FALSE keeps it.
     std::function<HRESULT(const QueuedEvent&)> onRelease = [](const QueuedEvent&) { return S_FALSE; };
 
@@ -43,7 +44,10 @@ public:
         --liveVoices;
         return S_OK;
     }
-    void ResetVoices() override { ++resets; }
+    void ResetVoices() override {
+        ++resets;
+        onReset();
+    }
 
     HRESULT RegisterOutputs() override { return S_OK; }
     HRESULT CheckInputFormat(const WAVEFORMATEX*) override { return S_OK; }

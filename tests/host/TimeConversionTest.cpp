@@ -59,6 +59,7 @@ TEST(Ticks16, GoByTheTempoAtTheBeginningOfTheMapWhileStopped) {
     host.attach();
     EXPECT_EQ(host.synth.TicksToSamples(kBeat16), 44100);
     EXPECT_EQ(host.synth.SamplesToTicks(44100), kBeat16);
+    EXPECT_EQ(host.context.tempoMap.tempoTimeAsked, 0);
 }
 
 TEST(Ticks16, GoByTheConverterWhilePlaying) {

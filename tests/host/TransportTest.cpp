@@ -19,6 +19,16 @@ TEST(StartPlayback, EndsAllVoicesAndEmptiesMapAndQueue) {
     EXPECT_TRUE(host.played().empty());
 }
 
+TEST(StartPlayback, ResetsTheInstrumentBeforeItFreesAVoice) {
+    SynthHost host;
+    host.attach();
+    host.queue({note(0, 60)});
+    host.drain(1);
+    host.pzi.onReset = [&] { EXPECT_EQ(host.pzi.liveVoices, 1); };
+    host.synth.StartPlayback(0);
+    EXPECT_EQ(host.pzi.liveVoices, 0);
+}
+
 TEST(StartPlayback, MakesItsTickTheZeroOfTheTimeline) {
     SynthHost host;
     host.attach();
@@ -85,6 +95,18 @@ TEST(LoopPlayback, MovesLaterEventsByTheLengthOfTheJump) {
     host.drain(1);
     ASSERT_EQ(host.played().size(), 1u);
     EXPECT_EQ(host.played().front().sampleTime, 44100);
+}
+
+TEST(LoopPlayback, IsntTakenBackByAStop) {
+    SynthHost host;
+    host.attach();
+    host.synth.LoopPlayback(0, 960);
+    host.synth.StopPlayback();
+    host.queue({note(0, 60)});
+    host.drain(22050);
+    EXPECT_TRUE(host.played().empty());
+    host.drain(1);
+    EXPECT_EQ(host.played().size(), 1u);
 }
 
 TEST(LoopPlayback, AddsUpUntilTheNextStart) {

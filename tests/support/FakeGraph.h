@@ -33,6 +33,7 @@ public:
     bool hasStart = false, hasEnd = false;
     REFERENCE_TIME start = 0, end = 0;
     bool sync = false, preroll = false, discontinuity = false;
+    HRESULT lengthResult = S_OK;  ///< of a length that fits
 
     float* floats() { return reinterpret_cast<float*>(memory.data()); }
     void fill(float value) {
@@ -67,6 +68,7 @@ public:
     HRESULT SetActualDataLength(LONG bytes) override {
         lengthsSet.push_back(bytes);
         if (bytes > GetSize()) return VFW_E_BUFFER_OVERFLOW;
+        if (FAILED(lengthResult)) return lengthResult;
         length = bytes;
         return S_OK;
     }

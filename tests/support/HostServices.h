@@ -18,6 +18,7 @@ public:
     std::int32_t millisecondsPerBeat = 500;
     HRESULT tempoResult = S_OK;
     std::vector<std::int32_t> millisecondsAsked;
+    std::int32_t tempoTimeAsked = -1;
 
     std::int32_t TicksToMilliseconds(std::int32_t ticks) override {
         return static_cast<std::int32_t>(std::int64_t{ticks} * millisecondsPerBeat / 960);
@@ -30,7 +31,8 @@ public:
     HRESULT reserved6() override { return E_NOTIMPL; }
     HRESULT reserved7() override { return E_NOTIMPL; }
     HRESULT GetTempoAt(std::int32_t time, std::int32_t* other, std::int32_t* hundredths) override {
-        *other = time == 0 ? 1 : 0;
+        tempoTimeAsked = time;
+        *other = 0;
         if (SUCCEEDED(tempoResult)) *hundredths = tempoHundredths;
         return tempoResult;
     }
