@@ -18,6 +18,11 @@ std::string seconds(double value) {
     return printReal(value) + " seconds";
 }
 
+/// Whether the instrument, which takes names in the system code page, gets this one whole.
+bool isSayable(const std::string& name) {
+    return fromInstrument(toInstrument(name)) == name;
+}
+
 /// For a file that can be read, but broke a limit of the instrument.
 std::string brokenLimit(const CAcidWave& wave) {
     const double length =
@@ -43,7 +48,8 @@ std::string whyNotOpened(const std::string& file, std::uint32_t riffError) {
     if (!std::filesystem::is_regular_file(path, ignored)) return "it isn't a file";
     switch (riffError) {
         case kRiffCannotOpen:
-            return "it can't be opened";
+            return isSayable(file) ? "it can't be opened"
+                                   : "its name holds characters that the system code page lacks: rename it";
         case kRiffCannotRead:
             return "it is cut short";
         case kRiffInvalidFile:

@@ -93,6 +93,17 @@ TEST(Info, TellsTheSameAsJson) {
         EXPECT_NE(run.out.find(part), std::string::npos) << part << "\n" << run.out;
 }
 
+#ifndef _WIN32
+TEST(Info, SaysThatANameIsTheProblem) {
+    const TempFolder folder;
+    WaveFile().frames(100).write(folder / "a.wav");
+    std::filesystem::rename(folder / "a.wav", folder / "\xFF.wav");
+    const CliRun run = marnoth({"info", folder.name("\xFF.wav")});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_NE(run.err.find("code page"), std::string::npos) << run.err;
+}
+#endif
+
 TEST(Info, HostileTagsStayInTheirLine) {
     const TempFolder folder;
     WaveFile().frames(100).info("INAM", "a\nb\x1B[31m \"c\" \xFF\xFE").write(folder / "a.wav");
