@@ -187,6 +187,29 @@ TEST(LoopLength, OfAFileSetsItsTicksAndNothingElse) {
     EXPECT_EQ(rig.engine.SetLoopLength(kBinLoop, 0, kBeat), S_OK);
     EXPECT_EQ(rig.length(kBinLoop, 0), kBeat);
     EXPECT_EQ(rig.count(kBinLoop, 0), 8);
+
+    // A file that isn't synced repeats after its frames, which are still the audio's.
+    WaveFile file;
+    rig.load(file.frames(4410, sine));
+    EXPECT_EQ(rig.engine.SetLoopLength(kBinLoop, 1, 16 * kBeat), S_OK);
+    rig.engine.AuditionBinFile(1, -1);
+    const std::vector<float> audio = rig.render(3 * 4410);
+    for (std::size_t i = 100; i < 4410; ++i) ASSERT_NEAR(audio[2 * (4410 + i)], audio[2 * i], 1e-6) << i;
+}
+
+TEST(LoopLength, OfAPadWithoutATempoSetsTheFramesAt100BeatsAMinute) {
+    EditRig rig;
+    WaveFile file;
+    rig.load(file.frames(4410, sine));
+    rig.engine.SetLoopLength(kBinLoop, 0, 0);
+    rig.engine.LoadPadFromBin(0, 0);
+    rig.engine.SetPadLooping(0, 1);
+    EXPECT_EQ(rig.engine.SetLoopLength(kPadLoop, 0, kBeat), S_OK);
+    rig.engine.AuditionPad(0, -1);
+    // A beat lasts 0.6 seconds.
+    const std::vector<float> audio = rig.render(26460 + 4410);
+    EXPECT_EQ(audio[2 * (26460 - 1)], 0.0f);
+    for (std::size_t i = 100; i < 4410; ++i) ASSERT_NEAR(audio[2 * (26460 + i)], audio[2 * i], 1e-6) << i;
 }
 
 TEST(LoopLength, BadKindsAndIndicesAreRefused) {
