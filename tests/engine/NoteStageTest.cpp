@@ -342,6 +342,18 @@ TEST(OneNote, PlaysTransposedByItsDistanceFromTheRoot) {
     expectFrames(rig.audio[0], 44, kBlock, [](std::int64_t i) { return rampAt(2 * i); });
 }
 
+TEST(OneNote, EndsBeforeTimeZeroTooOnASyncedPad) {
+    VoiceRig rig;
+    rig.layLoop(0, constant(22050), 1);
+    rig.engine.SetPadOneShot(0, 0);
+    rig.position = -50000;
+    rig.noteOn(60);
+    EXPECT_GT(peak(rig.play(2 * kBlock, kBlock)), 0);
+    rig.noteOff(60);
+    EXPECT_GT(peak(rig.play(kBlock, kBlock)), 0);
+    EXPECT_EQ(peak(rig.play(kBlock, kBlock)), 0);
+}
+
 TEST(OneNote, MaySoundBeforeTimeZero) {
     OneShot rig(0);
     rig.position = -5000;

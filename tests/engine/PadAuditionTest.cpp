@@ -123,6 +123,16 @@ TEST(PadFromThePage, ReportsAsPlayingWhileItSounds) {
     EXPECT_FALSE(rig.isPlaying(1));
 }
 
+TEST(PadFromThePage, ReportsAsPlayingInTheBlockThatBeginsAtItsEnd) {
+    VoiceRig rig;
+    rig.laySound(0, ramp(2 * kBlock));
+    rig.engine.AuditionPad(0, -1);
+    rig.play(3 * kBlock, kBlock);
+    EXPECT_TRUE(rig.isPlaying(0));
+    rig.cycle(kBlock);
+    EXPECT_FALSE(rig.isPlaying(0));
+}
+
 TEST(PadFromThePage, PassesTheGateThatNotesShut) {
     VoiceRig rig;
     rig.laySound(0, constant(9000));

@@ -148,6 +148,16 @@ TEST(Phase, SyncedPadWithoutALoopIsSilentBehindTheProjectsFirstLoopLength) {
     EXPECT_EQ(peak(rig.play(48000, 480, 1)), 0);
 }
 
+TEST(Phase, SyncedPadWithoutALoopIsSilentBeforeTheProjectsZero) {
+    SyncedPads rig;
+    rig.engine.SetPadLooping(0, 0);
+    rig.context.running = 1;
+    rig.position = -24000 - 100;
+    rig.noteOn(60);
+    EXPECT_EQ(peak(rig.play(24000, 480, 1)), 0);
+    EXPECT_GT(peak(rig.play(480, 480, 1)), 0);
+}
+
 TEST(Phase, TransportStoppedASyncedPadWithoutALoopMissesItsFirstBlock) {
     SyncedPads rig;
     rig.engine.SetPadLooping(0, 0);

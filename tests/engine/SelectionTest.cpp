@@ -179,6 +179,20 @@ TEST(SelectRange, TrackWithoutALengthPlaysOnlyWhatLiesAtItsZero) {
     EXPECT_EQ(it.track.SelectRange(it.events, 0, 0, 0, kSamples), 0);
 }
 
+TEST(CollectCycle, GrainBehindOneThatStartsTooLateIsNotLookedAt) {
+    TwoGrains it;
+    auto late = std::make_unique<CGrooveEvent>();
+    late->lengthTicks = kBeat;
+    late->tempoLocked = 1;
+    it.track.AppendGrain(std::move(late), 0, false);
+    it.track.CollectCycle(it.events, 0, 0, kBeat, 0, kTicks16);
+    EXPECT_EQ(it.events.GetSize(), 1);
+    it.track.PurgeAndSort();
+    it.events.RemoveAll();
+    it.track.CollectCycle(it.events, 0, 0, kBeat, 0, kTicks16);
+    EXPECT_EQ(it.events.GetSize(), 2);
+}
+
 TEST(CollectCycle, CycleIsCountedInTheTracksLength) {
     TwoGrains it;
     EXPECT_EQ(it.track.CollectCycle(it.events, 7, 0, 10, 3, kSamples), 1);
