@@ -99,18 +99,7 @@ bool CAcidWave::readFormat() {
         return fail(kRiffCannotRead);
     }
     if (format.nBlockAlign == 0) return fail(kRiffInvalidFile);
-    sampleTag = readSampleTag(chunk);
     return file_.ascend(chunk) == kRiffOk || fail(kRiffCannotSeek);
-}
-
-/// An extensible format names the real one by an identifier that begins with its tag.
-std::uint16_t CAcidWave::readSampleTag(const ChunkInfo& chunk) {
-    constexpr std::int64_t kOffset = 24;
-    std::uint16_t tag = format.wFormatTag;
-    if (tag != WAVE_FORMAT_EXTENSIBLE || chunk.cksize < kOffset + sizeof tag) return tag;
-    const bool read =
-        file_.seek(chunk.dataOffset + kOffset) == kRiffOk && file_.readExactly(&tag, sizeof tag);
-    return read ? tag : format.wFormatTag;
 }
 
 bool CAcidWave::measureData() {

@@ -90,7 +90,6 @@ public:
     std::uint32_t stretchMarkerCount = 0;
     std::vector<WaveSegment> segments;
     WAVEFORMATEX format{};        ///< `cbSize` is always 0
-    std::uint16_t sampleTag = 0;  ///< tag of the values: `wFormatTag`, or what an extensible format names
     std::uint32_t lastError = 0;  ///< a `RiffError`
     std::int64_t dataBytes = 0;   ///< size of the measured `data` chunk, as its header says
     std::int64_t fileBytes = 0;   ///< size of the file
@@ -103,7 +102,6 @@ private:
 
     bool openForm(const char* path);
     bool readFormat();
-    std::uint16_t readSampleTag(const ChunkInfo& chunk);
     bool measureData();
     bool readTags();
     bool readTag(WaveTag& tag, const ChunkInfo& list);

@@ -13,14 +13,13 @@ constexpr std::uint32_t kLengthInFrames = 3;
 /// Whole values of every depth, and enough to pass by the buffer of the file.
 constexpr std::int64_t kBytesAtOnce = 0x18000;
 
-/// Values of 32 bits are floats whatever the tag says, but where it says that they are integers.
-bool canConvert(const CAcidWave& file) {
-    switch (file.format.wBitsPerSample) {
+bool canConvert(const WAVEFORMATEX& format) {
+    switch (format.wBitsPerSample) {
         case 16:
         case 24:
             return true;
         case 32:
-            return file.sampleTag != WAVE_FORMAT_PCM;
+            return format.wFormatTag == WAVE_FORMAT_IEEE_FLOAT;
         default:
             return false;
     }
@@ -74,7 +73,8 @@ void becomeFloat(WAVEFORMATEX& format) {
 
 HRESULT readSamples(CAcidWave& file, RefPtr<CWaveMem>& wave) {
     const std::int64_t frames = file.GetLength(kLengthInFrames);
-    if (!canConvert(file) || !isSound(file.format) || frames == 0 || !claimIsPlausible(file)) return E_FAIL;
+    if (!canConvert(file.format) || !isSound(file.format) || frames == 0 || !claimIsPlausible(file))
+        return E_FAIL;
     wave = CWaveMem::make();
     if (FAILED(wave->Create(frames, file.format))) return S_OK;
     readValues(file, wave->samples.get(), frames * file.format.nChannels);

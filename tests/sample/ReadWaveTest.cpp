@@ -118,36 +118,6 @@ TEST(ReadWave, OtherDepthsAreRefused) {
     expectRefused(WaveFile().bits(32).frames(4));
 }
 
-TEST(ReadWave, ThirtyTwoBitsAreFloatsUnderAnyTagButThatOfIntegers) {
-    for (const std::uint16_t tag : {3, 0xFFFE, 0x55, 0}) {
-        const ReadFile file(WaveFile().bits(32).tag(tag).values(Floats{0.25f, -0.5f}));
-        ASSERT_EQ(file.result, S_OK) << tag;
-        EXPECT_EQ(file.values(2), (Floats{0.25f, -0.5f})) << tag;
-    }
-}
-
-/// A file of two 32-bit values in an extensible format whose identifier begins with `tag`.
-Bytes extensible(std::uint16_t tag) {
-    Bytes file = WaveFile().bits(32).tag(0xFFFE).values(Floats{0.25f, -0.5f}).bytes();
-    Bytes extension(6);
-    append(extension, tag);
-    extension.resize(22);
-    constexpr int kFormatSize = 16;
-    constexpr int kFormatEnd = 20 + 18;
-    file.insert(file.begin() + kFormatEnd, extension.begin(), extension.end());
-    file[kFormatSize] = 40;
-    file[4] = static_cast<std::uint8_t>(file.size() - 8);
-    return file;
-}
-
-TEST(ReadWave, AnExtensibleFormatIsTakenByTheTagThatItNames) {
-    RefPtr<CWaveMem> wave;
-    EXPECT_EQ(readSamples(*OpenedWave(extensible(1)), wave), E_FAIL);
-    EXPECT_EQ(readSamples(*OpenedWave(extensible(3)), wave), S_OK);
-    EXPECT_EQ(wave->frames, 2);
-    EXPECT_EQ(wave->samples[1], -0.5f);
-}
-
 TEST(ReadWave, ChannelsThatCanNotBeAreRefused) {
     expectRefused(WaveFile().channels(0).blockAlign(4).audio(Bytes(64)));
     expectRefused(WaveFile().channels(0xFFFF).blockAlign(2).audio(Bytes(64)));
