@@ -278,7 +278,7 @@ TEST(OneNote, NoteOffEndsTheGateLaneAndGivesTheShotLane20Milliseconds) {
     rig.cycle(480);
     rig.noteOff(20);
     rig.cycle(480);
-    EXPECT_EQ(note.event.duration, kDurationReleased);
+    EXPECT_EQ(std::uint32_t{note.event.duration}, kDurationReleased);
     EXPECT_EQ(note.voice->releasing, 1u);
     EXPECT_EQ(note.voice->gate.end, 0);
     EXPECT_EQ(note.voice->gate.length, 0);
@@ -340,18 +340,6 @@ TEST(OneNote, PlaysTransposedByItsDistanceFromTheRoot) {
     rig.cycle(kBlock);
     // An octave up is twice the speed; a line stays a line under linear interpolation.
     expectFrames(rig.audio[0], 44, kBlock, [](std::int64_t i) { return rampAt(2 * i); });
-}
-
-TEST(OneNote, EndsBeforeTimeZeroTooOnASyncedPad) {
-    VoiceRig rig;
-    rig.layLoop(0, constant(22050), 1);
-    rig.engine.SetPadOneShot(0, 0);
-    rig.position = -50000;
-    rig.noteOn(60);
-    EXPECT_GT(peak(rig.play(2 * kBlock, kBlock)), 0);
-    rig.noteOff(60);
-    EXPECT_GT(peak(rig.play(kBlock, kBlock)), 0);
-    EXPECT_EQ(peak(rig.play(kBlock, kBlock)), 0);
 }
 
 TEST(OneNote, MaySoundBeforeTimeZero) {
