@@ -146,6 +146,15 @@ TEST(SelectRange, WithoutALoopNothingComesBehindTheFirstLength) {
     it.expectEvent(0, 1, 48000, 72000, 60000, 72000);
 }
 
+TEST(SelectRange, WithoutALoopNothingComesAheadOfTheZero) {
+    TwoGrains it;
+    it.track.looping = 0;
+    EXPECT_EQ(it.track.SelectRange(it.events, 0, -96000 - 100, -96000 + 400, kSamples), 0);
+    EXPECT_EQ(it.track.SelectRange(it.events, 0, -100, 400, kSamples), 1);
+    ASSERT_EQ(it.events.GetSize(), 1);
+    it.expectEvent(0, 0, 0, 24000, 0, 400);
+}
+
 TEST(SelectRange, SyncedTrackCountsFromTheCommonZero) {
     TwoGrains it;
     it.track.synced = 1;
