@@ -43,12 +43,4 @@ HRESULT CGrooveSampler::ClearProject() {
     return S_OK;
 }
 
-HRESULT CGrooveSampler::SaveProject(std::uint32_t, const char*) {
-    return E_NOTIMPL;
-}
-
-HRESULT CGrooveSampler::LoadProject(const char*) {
-    return E_NOTIMPL;
-}
-
 }  // namespace marnoth

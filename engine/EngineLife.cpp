@@ -173,12 +173,4 @@ void CGrooveSampler::ClearPhaseAnchor() {
     phaseAnchor = 0;
 }
 
-HRESULT CGrooveSampler::LoadState(IStream*) {
-    return E_NOTIMPL;
-}
-
-HRESULT CGrooveSampler::SaveState(IStream*) {
-    return E_NOTIMPL;
-}
-
 }  // namespace marnoth
