@@ -8,8 +8,8 @@ namespace marnoth {
 /// The one owner of counted things: COM objects and samples. Whatever it points to has `AddRef` and
 /// `Release`.
 ///
-/// It does no locking: a plain count (that of `CWaveMem`) may only be touched under the engine's lock or
-/// while nobody else can see the object.
+/// It does no locking: one pointer is used by one thread at a time. Whether several of them may share an
+/// object is that object's affair.
 template <class T>
 class RefPtr {
 public:

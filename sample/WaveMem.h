@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
 
@@ -10,11 +11,10 @@
 namespace marnoth {
 
 /// One block of audio in memory: interleaved 32-bit float frames at the engine's rate, mono or stereo, with a
-/// guard frame behind the last. Shared by a plain count between the Loop Bin's file and all grains cut from
-/// it; a tail wave belongs to one grain and its copies.
+/// guard frame behind the last. Shared by a count between the Loop Bin's file and all grains cut from it; a
+/// tail wave belongs to one grain and its copies.
 ///
-/// Written on the thread that loads a file, before anybody else can see it; read-only from then on. The count
-/// isn't atomic: it is touched under the engine's lock, or on objects that are not yet published.
+/// Written on the thread that loads a file, before anybody else can see it; read-only from then on.
 class CWaveMem {
 public:
     /// Points of the peak table that the editor draws from; the scale of a grain's `peakOffset` and
@@ -67,7 +67,9 @@ public:
     std::unique_ptr<float[]> samples;  ///< (frames + 1) * channels values at least
     /// Per point the minimum and maximum of the left channel, then of the right one; may be null.
     std::unique_ptr<float[]> peaks;
-    std::uint32_t refCount = 1;
+    /// Atomic, since what a save holds and what a load has replaced is let go outside the engine's lock,
+    /// while blocks copy grains of the same wave under it.
+    std::atomic<std::uint32_t> refCount = 1;
     std::int64_t frames = 0;        ///< guard frame not counted
     std::int64_t tailFrames = 0;    ///< tail waves only: twice the grain's length
     double tailDecay = 0;           ///< tail waves only: gain factor per frame
