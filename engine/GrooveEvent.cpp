@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "engine/ProjectRecords.h"
 #include "engine/TimeMath.h"
 
 namespace marnoth {
@@ -65,6 +66,25 @@ HRESULT CGrooveEvent::BuildTail() {
     tailLengthSamples = tail->frames;
     tailWave = std::move(tail);
     return S_OK;
+}
+
+void CGrooveEvent::FromRecord(const GrainRecord& record) {
+    binFile = record.binFile;
+    binGrain = record.binGrain;
+    SetStart(record.startTicks, kTicks16);
+    SetStart(record.startSamples, kSamples);
+    SetLength(record.lengthTicks, kTicks16);
+    SetLength(record.lengthSamples, kSamples);
+    tailLengthSamples = record.tailLengthSamples;
+    tempoLocked = record.tempoLocked;
+    pitchRatio = record.pitchRatio;
+    transpose = record.transpose;
+    volume = record.volume;
+    pan = record.pan;
+    tailOn = record.tailOn;
+    sampleOffset = record.sampleOffset;
+    peakOffset = record.peakOffset;
+    peakCount = record.peakCount;
 }
 
 StretchSource CGrooveEvent::source() const {

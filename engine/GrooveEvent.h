@@ -10,6 +10,8 @@
 
 namespace marnoth {
 
+struct GrainRecord;
+
 /// A grain: a stretch of a sample, placed at a time on a track. It holds its place in 16.16 ticks, for
 /// playback that follows the tempo, and in samples, for playback at the file's own speed.
 ///
@@ -47,6 +49,11 @@ public:
     HRESULT RenderShifted(std::int64_t pos, std::int64_t destFrame, std::int32_t frames,
                           std::int64_t targetFrames, float* dest, const WAVEFORMATEX* destFormat,
                           float padVolume, float padPan, std::int32_t semitones) const;
+
+    /// Takes a saved grain's values as they are; sample and tail stay. Negative times are not taken.
+    void FromRecord(const GrainRecord& record);
+    /// What a project file keeps of the grain.
+    GrainRecord ToRecord() const;
 
     RefPtr<CWaveMem> sample;
     std::int64_t sampleOffset = 0;  ///< first frame of the grain in the sample

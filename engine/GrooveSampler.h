@@ -10,6 +10,7 @@
 #include "engine/IGrooveSampler.h"
 #include "engine/KeyMap.h"
 #include "engine/PreAllocArray.h"
+#include "engine/Project.h"
 #include "engine/UndoRing.h"
 #include "engine/Voice.h"
 #include "host/Pzi.h"
@@ -252,6 +253,10 @@ private:
     std::int32_t findBinFile(const std::wstring& path) const;
     /// The file's grains and loop in place of those of the pad.
     HRESULT layOnPad(CGrooveTrack& pad, const CGrooveTrack& file);
+
+    // ProjectTake.
+    /// The present state, taken under the lock; samples are shared, not copied.
+    Project takeProject();
 
     CPreAllocArray<TrackPlayInfo> playList;  ///< the pads of one `RenderVoice`, refilled per voice
     Pads pads;

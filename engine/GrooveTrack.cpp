@@ -5,6 +5,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "engine/ProjectRecords.h"
 #include "engine/TimeMath.h"
 
 namespace marnoth {
@@ -141,6 +142,38 @@ void CGrooveTrack::growToBeat() {
     lengthTicks = std::max(lengthTicks, wholeBeats(std::max(lengthTicks, lastEnd)));
     lengthSamples = roundHalfUp(context->GetSampleRate() * (static_cast<double>(lengthTicks) / tempo) *
                                 kSecondsPerTick16AtOneBpm);
+}
+
+void CGrooveTrack::FromRecord(const TrackRecord& record) {
+    lengthSamples = std::max<std::int64_t>(record.lengthSamples, 0);
+    lengthTicks = std::max<std::int64_t>(record.lengthTicks, 0);
+    looping = record.looping;
+    synced = record.synced;
+    mute = record.mute;
+    solo = record.solo;
+    oneShot = record.oneShot;
+    tailOn = record.tailOn;
+    followKey = record.followKey;
+    rootNote = -1;
+    SetRootNote(record.rootNote);
+    output = record.output <= kChannelPins ? record.output : 0;
+    midiChannel = record.midiChannel;
+    volume = record.volume;
+    pan = record.pan;
+    RecomputeTempo();
+}
+
+void CGrooveTrack::SwapPad(CGrooveTrack& other) noexcept {
+    TrackFields& own = *this;
+    std::swap(own, static_cast<TrackFields&>(other));
+    std::swap(phaseOwner, other.phaseOwner);
+    std::swap(phaseOrigin, other.phaseOrigin);
+    grains_.swap(other.grains_);
+}
+
+std::vector<std::unique_ptr<CGrooveEvent>> CGrooveTrack::TakeGrains() noexcept {
+    forgetLength();
+    return std::exchange(grains_, {});
 }
 
 void CGrooveTrack::RemoveGrain(std::int32_t index) {

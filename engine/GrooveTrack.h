@@ -15,6 +15,9 @@
 namespace marnoth {
 
 class CAcidWave;
+struct TrackRecord;
+
+inline constexpr std::uint32_t kChannelPins = 16;
 
 /// What the grains of a track have in common. Copies share the sample.
 struct TrackFields {
@@ -80,6 +83,8 @@ public:
                                    bool growLength);
     /// Puts a grain at the end of the array, out of order: `PurgeAndSort` must follow.
     std::int32_t AppendGrain(std::unique_ptr<CGrooveEvent> grain, std::int64_t startTicks, bool growLength);
+    /// Puts a grain at the end as it is.
+    void append(std::unique_ptr<CGrooveEvent> grain) { grains_.push_back(std::move(grain)); }
     /// Becomes a track of one copy of `grain`, placed at 0 and just as long as that.
     void PlayAlone(const CGrooveEvent& grain);
     /// Takes over the lengths of `other`, and the tempo that follows from them.
@@ -90,6 +95,17 @@ public:
     void MarkGrainDeleted(std::int32_t index);
     /// Deletes what is marked and sorts the rest by `startTicks`.
     void PurgeAndSort();
+
+    /// Takes saved settings. A negative length counts as 0, a root note or an output that there isn't as none.
+    /// Grains, name, sample and phase stay, and the tempo follows from the lengths.
+    void FromRecord(const TrackRecord& record);
+    /// What a project file keeps of the track, but for its grains, name and path.
+    TrackRecord ToRecord() const;
+    /// Moves everything that a project keeps of a pad out of `other`: settings and grains. Its phase stays
+    /// this track's own. What this track had is `other`'s then, for the caller to destroy.
+    void SwapPad(CGrooveTrack& other) noexcept;
+    /// Gives all grains away in the time that takes a pointer or two; both lengths become 0, the tempo 100.
+    std::vector<std::unique_ptr<CGrooveEvent>> TakeGrains() noexcept;
 
     /// Reads a whole file as float into `sample`, at the file's rate, with its peak table; sets the loop
     /// length in frames. `E_OUTOFMEMORY`, `E_FAIL` for a depth that can't be played, or `S_OK`.
@@ -109,7 +125,6 @@ public:
                               std::int64_t to, std::int64_t cycle, std::uint32_t kind);
 
 private:
-    void append(std::unique_ptr<CGrooveEvent> grain) { grains_.push_back(std::move(grain)); }
     void forgetLength();
     /// `forgetLength` when no grain is left.
     void forgetLengthWhenEmpty();

@@ -130,6 +130,10 @@ std::wstring wideFromUtf8(std::string_view text) {
     return out;
 }
 
+std::wstring wideFromSaved(std::string_view text) {
+    return isUtf8(text) ? wideFromUtf8(text) : wideFromSystem(text);
+}
+
 std::string utf8FromWide(std::wstring_view text) {
     std::string out;
     out.reserve(text.size());
@@ -140,6 +144,16 @@ std::string utf8FromWide(std::wstring_view text) {
 std::string systemFromWide(std::wstring_view text, std::size_t maxBytes) {
     const std::string all = systemFromWide(text);
     return std::string(cutSystem(all, maxBytes));
+}
+
+std::string storedFromWide(std::wstring_view text, std::size_t maxBytes) {
+    std::string stored = systemFromWide(text, maxBytes);
+    if (text.starts_with(wideFromStored(stored))) return stored;
+    return std::string(cutUtf8(utf8FromWide(text), maxBytes));
+}
+
+std::wstring wideFromStored(std::string_view text) {
+    return isUtf8(text) ? wideFromUtf8(text) : wideFromSystem(text);
 }
 
 #ifdef _WIN32

@@ -18,6 +18,9 @@ namespace marnoth {
 /// files from elsewhere have such names.
 std::wstring wideFromSystem(std::string_view text);
 
+/// Text of a file that may come from another system: as UTF-8 where it is UTF-8, else in the code page.
+std::wstring wideFromSaved(std::string_view text);
+
 /// Wide to code page. What the code page lacks becomes its default character, '?' as a rule.
 std::string systemFromWide(std::wstring_view text);
 
@@ -27,6 +30,14 @@ std::string systemFromWide(std::wstring_view text, std::size_t maxBytes);
 
 /// The beginning of `text`, which is in the code page, that fits in `maxBytes` without splitting a character.
 std::string_view cutSystem(std::string_view text, std::size_t maxBytes);
+
+/// Wide to at most `maxBytes` bytes that `wideFromStored` reads as the same text, cut behind the last
+/// character that fits: in the code page, or in UTF-8 where the code page would lose something.
+std::string storedFromWide(std::wstring_view text, std::size_t maxBytes);
+
+/// Text in a file that may come from another system: valid UTF-8 is taken as UTF-8, anything else in the code
+/// page.
+std::wstring wideFromStored(std::string_view text);
 
 /// UTF-8 to wide. A byte that isn't part of a character becomes U+FFFD.
 std::wstring wideFromUtf8(std::string_view text);

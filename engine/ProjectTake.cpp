@@ -1,0 +1,84 @@
+#include "engine/GrooveSampler.h"
+
+namespace marnoth {
+namespace {
+
+std::vector<GrainRecord> grainsOf(const CGrooveTrack& track) {
+    std::vector<GrainRecord> grains;
+    grains.reserve(static_cast<std::size_t>(track.GetSize()));
+    for (std::int32_t i = 0; i < track.GetSize(); ++i) grains.push_back(track.GetAt(i).ToRecord());
+    return grains;
+}
+
+/// As many records as there are entries, in the order of the pads. Where a pad has no entry the record
+/// before it comes once more.
+std::vector<KeyMapRecord> keysOf(const CKeyMap& keyMap) {
+    std::vector<KeyMapRecord> keys;
+    KeyMapRecord last{};
+    for (std::int32_t pad = 0; pad < keyMap.GetSize(); ++pad) {
+        if (const TrackKeyInfoImp* entry = keyMap.find(pad)) {
+            last = {entry->pad,     entry->lowKey,      entry->highKey,
+                    entry->rootKey, entry->lowVelocity, entry->highVelocity};
+        }
+        keys.push_back(last);
+    }
+    return keys;
+}
+
+}  // namespace
+
+GrainRecord CGrooveEvent::ToRecord() const {
+    GrainRecord record;
+    record.binFile = binFile;
+    record.binGrain = binGrain;
+    record.startTicks = startTicks;
+    record.startSamples = startSamples;
+    record.lengthTicks = lengthTicks;
+    record.lengthSamples = lengthSamples;
+    record.tailLengthSamples = tailLengthSamples;
+    record.tempoLocked = tempoLocked;
+    record.pitchRatio = pitchRatio;
+    record.transpose = transpose;
+    record.volume = volume;
+    record.pan = pan;
+    record.tailOn = tailOn;
+    record.sampleOffset = sampleOffset;
+    record.peakOffset = peakOffset;
+    record.peakCount = peakCount;
+    return record;
+}
+
+TrackRecord CGrooveTrack::ToRecord() const {
+    TrackRecord record;
+    record.lengthSamples = lengthSamples;
+    record.lengthTicks = lengthTicks;
+    record.looping = looping;
+    record.synced = synced;
+    record.mute = mute;
+    record.solo = solo;
+    record.oneShot = oneShot;
+    record.tailOn = tailOn;
+    record.followKey = followKey;
+    record.rootNote = rootNote;
+    record.output = output;
+    record.midiChannel = midiChannel;
+    record.volume = volume;
+    record.pan = pan;
+    return record;
+}
+
+Project CGrooveSampler::takeProject() {
+    CAutoLock lock(*this);
+    Project project;
+    project.auditionEnabled = auditionEnabled;
+    project.keys = keysOf(keyMap);
+    for (const auto& file : binFiles) {
+        project.files.push_back({file->ToRecord(), file->name, file->path, file->sample, grainsOf(*file)});
+    }
+    for (std::size_t pad = 0; pad < pads.size(); ++pad) {
+        project.pads[pad] = {pads[pad]->ToRecord(), grainsOf(*pads[pad])};
+    }
+    return project;
+}
+
+}  // namespace marnoth
