@@ -24,8 +24,10 @@ if(WIN32)
 endif()
 if(MARNOTH_SANITIZE)
     add_compile_options(-fsanitize=${MARNOTH_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
-    # Instrumented code looks uninitialised to GCC where it isn't, in the standard library's headers too.
-    add_compile_options(-Wno-maybe-uninitialized)
+    if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+        # Instrumented code looks uninitialised to GCC where it isn't, in the standard library's headers too.
+        add_compile_options(-Wno-maybe-uninitialized)
+    endif()
     add_link_options(-fsanitize=${MARNOTH_SANITIZE})
 endif()
 
