@@ -1,4 +1,8 @@
+#include <algorithm>
+#include <utility>
+
 #include "engine/ControlSurface.h"
+#include "engine/FormerProject.h"
 
 namespace marnoth {
 
@@ -28,19 +32,30 @@ void CGrooveSampler::adoptSwappedPads() {
 }
 
 HRESULT CGrooveSampler::ClearProject() {
+    FormerProject former;
     CAutoLock lock(*this);
-    ResetVoices();
-    undoRing.clear();
-    auditionTrack.ClearGrains();
-    for (const auto& pad : pads) {
-        pad->ClearGrains();
-        pad->looping = pad->synced = pad->mute = pad->solo = 0;
-    }
-    anySolo = 0;
-    for (auto& file : binFiles) file.reset();
-    binFiles.RemoveAll();
-    ResetKeyMap();
+    removeProjectAndKeys(former);
     return S_OK;
+}
+
+void CGrooveSampler::removeProject(FormerProject& former) {
+    ResetVoices();
+    std::swap(undoRing, former.undoRing);
+    former.auditioned = auditionTrack.TakeGrains();
+    for (std::size_t pad = 0; pad < pads.size(); ++pad) {
+        CGrooveTrack& track = *pads[pad];
+        former.grains[pad] = track.TakeGrains();
+        track.looping = track.synced = track.mute = track.solo = 0;
+    }
+    std::move(binFiles.begin(), binFiles.end(), former.files.begin());
+    binFiles.RemoveAll();
+    keyMap.RemoveAll();
+}
+
+void CGrooveSampler::removeProjectAndKeys(FormerProject& former) {
+    removeProject(former);
+    anySolo = 0;
+    ResetKeyMap();
 }
 
 }  // namespace marnoth

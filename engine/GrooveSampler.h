@@ -17,6 +17,10 @@
 
 namespace marnoth {
 
+class RiffStream;
+struct Project;
+struct ProjectTracks;
+
 inline constexpr std::int32_t kBinFiles = 16;
 inline constexpr std::int32_t kStreamEvents = 100;     ///< grains of one pad in one block
 inline constexpr std::int32_t kScratchValues = 96000;  ///< bounds a stereo block to 48000 frames
@@ -247,6 +251,25 @@ private:
     template <class Leave>
     HRESULT transferGrain(std::int32_t pad, std::int32_t grain, std::int32_t toPad, std::int64_t time,
                           std::int32_t* newIndex, Leave leave);
+
+    /// What a project consisted of, for its owner to destroy after the lock is left.
+    struct FormerProject;
+    /// Empties everything that a project keeps but the key map, without destroying anything: whoever holds
+    /// the lock keeps no block waiting.
+    void removeProject(FormerProject& former);
+    /// The same, and back to the default key map.
+    void removeProjectAndKeys(FormerProject& former);
+
+    // ProjectLoad.
+    /// What a load leaves `anySolo` at.
+    enum class Solo { kept, recomputed };
+    /// Empties the project, and again when `load` fails or throws.
+    template <class Load>
+    HRESULT replaceProject(Load load);
+    HRESULT loadFile(const std::wstring& path);
+    /// Reads the form that is searched from the position of `stream` on and puts it in place of the project.
+    HRESULT loadForm(RiffStream& stream, Solo solo);
+    void publish(const Project& project, ProjectTracks& tracks, Solo solo);
 
     // LoopBin. Texts in the system code page.
     HRESULT LoadFile(const char* name, const char* path, std::int32_t& index, std::uint32_t& status);

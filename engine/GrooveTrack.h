@@ -96,8 +96,8 @@ public:
     /// Deletes what is marked and sorts the rest by `startTicks`.
     void PurgeAndSort();
 
-    /// Takes saved settings. A negative length counts as 0, a root note or an output that there isn't as none.
-    /// Grains, name, sample and phase stay, and the tempo follows from the lengths.
+    /// Takes saved settings. A negative length counts as 0, a root note or an output that there isn't as
+    /// none. Grains, name, sample and phase stay, and the tempo follows from the lengths.
     void FromRecord(const TrackRecord& record);
     /// What a project file keeps of the track, but for its grains, name and path.
     TrackRecord ToRecord() const;
