@@ -251,6 +251,14 @@ HRESULT HostRig::queueRawInput(std::uint32_t port, std::span<const RawMidiEvent>
     return parts_->synth->QueueRawInput(port, makeObject<RawEventList>(events).get());
 }
 
+HRESULT HostRig::save(IStream& stream) {
+    return query<IPersistStream>(*parts_->instrument, IID_IPersistStream)->Save(&stream, 1);
+}
+
+HRESULT HostRig::load(IStream& stream) {
+    return query<IPersistStream>(*parts_->instrument, IID_IPersistStream)->Load(&stream);
+}
+
 IGrooveSampler& HostRig::sampler() {
     return *parts_->sampler;
 }

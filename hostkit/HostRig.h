@@ -80,6 +80,11 @@ public:
     HRESULT queueEvents(std::uint32_t port, std::span<const SynthEvent> events);
     HRESULT queueRawInput(std::uint32_t port, std::span<const RawMidiEvent> events);
 
+    /// Saves the instrument to a stream as a host does with its own project, and loads it again: `Save`
+    /// (which clears the dirty mark) and `Load` of its `IPersistStream`.
+    HRESULT save(IStream& stream);
+    HRESULT load(IStream& stream);
+
     IGrooveSampler& sampler();
     IKvxSoftSynth2& synth();
     IKvxNotify& notify();

@@ -43,15 +43,21 @@ constexpr const char* kRenderHelp =
     "otherwise. With one, its notes play the pads and it ends at its last bar. A pad is one-shot: a note\n"
     "starts it whatever the note's length, and a second note switches a loop off. With --gate a pad\n"
     "sounds as long as its notes are held.\n"
+    "With --project the pads are those of a project, and --pad lays files on top of them. With --save what\n"
+    "was set up is kept in a project, audio and all, once the render is done; a name without .mrn gets it,\n"
+    "and a file of that name is replaced. A project holds no notes, no tempo and no key.\n"
     "The tempo is --tempo, else that of the MIDI file with all its changes, else 120.\n"
     "\n"
     "Examples:\n"
     "  marnoth render --pad 1=drums.wav --tempo 112 --out loop.wav\n"
-    "  marnoth render --pad 1=drums.wav --pad 3=bass.wav --midi song.mid --out song.wav --stems stems\n";
+    "  marnoth render --pad 1=drums.wav --pad 3=bass.wav --midi song.mid --out song.wav --stems stems\n"
+    "  marnoth render --pad 1=drums.wav --pad 2=bass.wav --out take.wav --save groove.mrn\n"
+    "  marnoth render --project groove.mrn --midi song.mid --out song.wav\n";
 
 constexpr const char* kInfoHelp =
     "Examples:\n"
     "  marnoth info drums.wav\n"
+    "  marnoth info groove.mrn\n"
     "  marnoth info drums.wav --json\n";
 
 /// What the arguments say, as text where CLI11 doesn't read it itself.
@@ -114,9 +120,9 @@ private:
         CLI::App* render = app_.add_subcommand("render", "Render loops and notes offline into a WAV file");
         RenderOptions& options = request.render;
         render->add_option("--pad", request.pads, "Load a WAV file onto a pad, 1 to 16; may be repeated")
-            ->required()
             ->allow_extra_args(false)
             ->type_name("N=FILE");
+        render->add_option("--project", options.project, "Load a project")->type_name("FILE.mrn");
         render->add_option("--midi", options.midi, "Standard MIDI file to play")->type_name("FILE");
         render->add_option("--tempo", options.tempo, "Beats per minute")
             ->check(within(kSlowestTempo, kFastestTempo))
@@ -136,12 +142,13 @@ private:
         render->add_flag("--gate", options.gate, "Pads sound while their notes are held");
         render->add_option("--out", options.out, "The file to write")->required()->type_name("FILE.wav");
         render->add_option("--stems", options.stems, "Folder for a file of each pad")->type_name("DIR");
+        render->add_option("--save", options.save, "Keep the pads in a project")->type_name("FILE.mrn");
         render->footer(kRenderHelp);
     }
 
     void addInfo(Request& request) {
-        CLI::App* info = app_.add_subcommand("info", "Tell what the instrument sees in a WAV file");
-        info->add_option("FILE", request.infoFile, "The WAV file")->required();
+        CLI::App* info = app_.add_subcommand("info", "Tell what is in a WAV file or a project");
+        info->add_option("FILE", request.infoFile, "The WAV file or project")->required();
         info->add_flag("--json", request.json, "Print JSON");
         info->footer(kInfoHelp);
     }
@@ -151,6 +158,8 @@ private:
 
 RenderOptions renderOptions(const Request& request) {
     RenderOptions options = request.render;
+    if (request.pads.empty() && options.project.empty())
+        throw WrongUse("there is nothing to play: give --pad N=FILE.wav or --project FILE.mrn");
     std::set<int> taken;
     for (const std::string& text : request.pads) {
         options.pads.push_back(readPadFile(text));

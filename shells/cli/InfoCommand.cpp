@@ -1,11 +1,9 @@
 #include "shells/cli/InfoCommand.h"
 
-#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdio>
 #include <filesystem>
-#include <nlohmann/json.hpp>
 #include <ostream>
 #include <vector>
 
@@ -14,15 +12,15 @@
 #include "sample/AcidWave.h"
 #include "shells/cli/Console.h"
 #include "shells/cli/Failure.h"
+#include "shells/cli/InfoText.h"
 #include "shells/cli/LoadFailure.h"
+#include "shells/cli/OpenProject.h"
+#include "shells/cli/ProjectInfo.h"
 
 namespace marnoth {
 
 namespace {
 
-constexpr double kTicksPerBeat16 = 62914560.0;
-constexpr std::array<const char*, 12> kKeyNames{"A",  "A#", "B", "C",  "C#", "D",
-                                                "D#", "E",  "F", "F#", "G",  "G#"};
 constexpr std::uint32_t kMostRate = 768000;
 
 /// A grain of the file, in beats and semitones.
@@ -37,35 +35,14 @@ struct Cut {
     std::string refusal;
 };
 
-std::string fixed(double value, int digits) {
-    std::array<char, 64> text{};
-    std::snprintf(text.data(), text.size(), "%.*f", digits, value);
-    return text.data();
-}
-
-std::string formatName(const WAVEFORMATEX& format) {
-    switch (format.wFormatTag) {
-        case 1:
-            return "PCM";
-        case 3:
-            return "float";
-        default:
-            return "tag " + std::to_string(format.wFormatTag);
-    }
-}
-
-std::string keyName(std::int32_t note) {
-    return note >= 0 && note < 12 ? kKeyNames[static_cast<std::size_t>(note)] : std::to_string(note);
-}
-
 std::vector<GrainInfo> grainsOf(IGrooveSampler& sampler, std::int32_t bin) {
     GrainListEntry* list = nullptr;
     std::int32_t count = 0;
     std::vector<GrainInfo> grains;
     if (SUCCEEDED(sampler.GetBinGrainList(bin, &list, &count)))
         for (std::int32_t i = 0; list && i < count; ++i)
-            grains.push_back({static_cast<double>(list[i].startTicks) / kTicksPerBeat16,
-                              static_cast<double>(list[i].endTicks - list[i].startTicks) / kTicksPerBeat16});
+            grains.push_back({static_cast<double>(list[i].startTicks) / kTicks16PerBeat,
+                              static_cast<double>(list[i].endTicks - list[i].startTicks) / kTicks16PerBeat});
     CoTaskMemFree(list);
     return grains;
 }
@@ -99,13 +76,6 @@ std::string nameOf(const WaveTag& tag) {
     std::string name(tag.label);
     if (name.ends_with(':')) name.pop_back();
     return name;
-}
-
-/// Text from a file for a terminal: what would end the line or steer the terminal becomes a blank.
-std::string inOneLine(std::string text) {
-    std::replace_if(
-        text.begin(), text.end(), [](unsigned char c) { return c < ' ' || c == 0x7F; }, ' ');
-    return text;
 }
 
 double secondsOf(const CAcidWave& wave) {
@@ -153,8 +123,6 @@ void printText(const CAcidWave& wave, const Cut& cut, const std::string& file, s
     }
 }
 
-using Json = nlohmann::ordered_json;
-
 Json loopJson(const CAcidWave& wave) {
     if (!wave.hasAcid) return nullptr;
     Json loop{{"oneShot", wave.isLoop == 0}, {"beats", wave.beats}};
@@ -180,19 +148,25 @@ void printJson(const CAcidWave& wave, const Cut& cut, const std::string& file, s
     info["grains"] = Json::array();
     for (const GrainInfo& grain : cut.grains)
         info["grains"].push_back({{"startBeats", grain.startBeats}, {"lengthBeats", grain.lengthBeats}});
-    // Tags hold whatever bytes somebody wrote; what isn't UTF-8 shows as replacement characters.
-    out << info.dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
+    out << printed(info);
 }
 
-}  // namespace
-
-void runInfo(const std::string& file, bool json, std::ostream& out) {
+void tellWave(const std::string& file, bool json, std::ostream& out) {
     CAcidWave wave;
     const std::string path = utf8FromPath(std::filesystem::absolute(pathFromUtf8(file)));
     if (FAILED(wave.Open(toInstrument(path).c_str())))
         throw FileFailure(file + ": " + whyNotOpened(file, wave.lastError));
     const Cut cut = cutFile(file, wave.format);
     (json ? printJson : printText)(wave, cut, file, out);
+}
+
+}  // namespace
+
+void runInfo(const std::string& file, bool json, std::ostream& out) {
+    if (isProject(file))
+        tellProject(file, json, out);
+    else
+        tellWave(file, json, out);
 }
 
 }  // namespace marnoth

@@ -18,11 +18,6 @@ std::string seconds(double value) {
     return printReal(value) + " seconds";
 }
 
-/// Whether the instrument, which takes names in the system code page, gets this one whole.
-bool isSayable(const std::string& name) {
-    return fromInstrument(toInstrument(name)) == name;
-}
-
 /// For a file that can be read, but broke a limit of the instrument.
 std::string brokenLimit(const CAcidWave& wave) {
     const double length =
@@ -41,6 +36,10 @@ std::string brokenLimit(const CAcidWave& wave) {
 
 }  // namespace
 
+bool isSayable(const std::string& name) {
+    return fromInstrument(toInstrument(name)) == name;
+}
+
 std::string whyNotOpened(const std::string& file, std::uint32_t riffError) {
     std::error_code ignored;
     const std::filesystem::path path = pathFromUtf8(file);
@@ -48,8 +47,7 @@ std::string whyNotOpened(const std::string& file, std::uint32_t riffError) {
     if (!std::filesystem::is_regular_file(path, ignored)) return "it isn't a file";
     switch (riffError) {
         case kRiffCannotOpen:
-            return isSayable(file) ? "it can't be opened"
-                                   : "its name holds characters that the system code page lacks: rename it";
+            return isSayable(file) ? "it can't be opened" : kNotSayable;
         case kRiffCannotRead:
             return "it is cut short";
         case kRiffInvalidFile:

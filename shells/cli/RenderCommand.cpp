@@ -2,19 +2,16 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <filesystem>
-#include <limits>
 #include <memory>
 #include <ostream>
 
 #include "hostkit/HostRig.h"
 #include "shells/cli/Console.h"
 #include "shells/cli/Failure.h"
-#include "shells/cli/LoadFailure.h"
 #include "shells/cli/MidiFile.h"
 #include "shells/cli/Progress.h"
 #include "shells/cli/RenderOutput.h"
@@ -52,18 +49,28 @@ public:
     explicit OfflineRender(const RenderOptions& options) : options_(options) {}
 
     void run(std::ostream& report) {
+        checkPlaces();
         readMusic();
         connect();
         attach();
-        for (const PadFile& pad : options_.pads) load(pad);
+        setUp();
         openOutputs();
         queue();
         const double took = render();
         for (const auto& output : outputs_) output->finish();
         tell(report, took);
+        if (!options_.save.empty()) save(report);
     }
 
 private:
+    /// What would fail at the end fails at the beginning.
+    void checkPlaces() const {
+        if (options_.save.empty()) return;
+        if (isSamePlace(pathFromUtf8(savedName(options_.save)), pathFromUtf8(options_.out)))
+            throw WrongUse("--out " + options_.out + " is the file of --save: give it another name");
+        checkSavePlace(options_.save);
+    }
+
     /// Fixes tempo, length and, with a MIDI file, the notes.
     void readMusic() {
         double ticks = kDefaultBeats * kTicksPerBeat;
@@ -80,8 +87,9 @@ private:
 
     void connect() {
         std::vector<int> pins{0};
+        // Which pads a project holds turns out later, and it is loaded at the rate of the connection.
         if (!options_.stems.empty())
-            for (const PadFile& pad : options_.pads) pins.push_back(pad.pad + 1);
+            for (int pad = 0; pad < kPads; ++pad) pins.push_back(pad + 1);
         need(rig_.setBlock(options_.block), "setting the block");
         need(rig_.connect(options_.rate, kChannels, pins), "connecting the instrument");
     }
@@ -96,20 +104,14 @@ private:
         for (std::size_t i = 1; i < tempo.size(); ++i) rig_.addTempo(tempo[i].tick, tempo[i].beatsPerMinute);
     }
 
-    void load(const PadFile& pad) {
-        const std::filesystem::path path = std::filesystem::absolute(pathFromUtf8(pad.file));
-        const std::string title = toInstrument(utf8FromPath(path.filename()));
-        std::int32_t bin = -1;
-        std::uint32_t status = 0;
-        const HRESULT result = rig_.sampler().LoadFileToPad(
-            pad.pad, title.c_str(), toInstrument(utf8FromPath(path)).c_str(), &bin, &status);
-        if (FAILED(result)) throw FileFailure(pad.file + ": " + whyNotLoaded(pad.file, result));
-        if (status == kBinFull) throw FileFailure(pad.file + ": the instrument holds no more files");
+    void setUp() {
+        if (!options_.project.empty()) pads_.loadProject(options_.project);
+        for (const PadFile& file : options_.pads) pads_.loadFile(file);
+        loaded_ = pads_.loaded();
+        if (options_.gate) pads_.gate();
         // A held pad has to sound for as long as its note does.
-        if (options_.gate || options_.midi.empty()) rig_.sampler().SetPadOneShot(pad.pad, 0);
-        if (!options_.stems.empty())
-            need(rig_.sampler().SetPadOutput(pad.pad, static_cast<std::uint32_t>(pad.pad + 1)),
-                 "routing a pad");
+        if (options_.midi.empty()) pads_.hold();
+        if (!options_.stems.empty()) pads_.routeToOwnOutputs();
     }
 
     void openOutputs() {
@@ -122,11 +124,11 @@ private:
         std::error_code error;
         std::filesystem::create_directories(folder, error);
         if (error) throw FileFailure(options_.stems + ": the folder can't be made");
-        for (const PadFile& pad : options_.pads) {
-            const std::filesystem::path path = folder / padName(pad.pad);
+        for (const int pad : loaded_) {
+            const std::filesystem::path path = folder / padName(pad);
             if (isSamePlace(path, pathFromUtf8(options_.out)))
                 throw WrongUse("--out " + options_.out + " is the file of a stem: give it another name");
-            open(pad.pad + 1, path);
+            open(pad + 1, path);
         }
     }
 
@@ -139,18 +141,15 @@ private:
 
     void queue() {
         if (options_.midi.empty())
-            for (const PadFile& pad : options_.pads) part_.notes.push_back(heldNote(pad.pad));
+            for (const int pad : loaded_) part_.notes.push_back(heldNote(pad));
         need(rig_.synth().StartPlayback(0), "starting the transport");
         need(rig_.queueEvents(0, part_.notes), "queueing the notes");
     }
 
-    SynthEvent heldNote(int pad) {
-        KeyMapRecord entry{};
-        entry.pad = pad;
-        need(rig_.sampler().GetKeyMapEntry(&entry), "reading the key map");
+    SynthEvent heldNote(int pad) const {
         SynthEvent note;
         note.type = SynthEventType::note;
-        note.note = static_cast<std::uint8_t>(entry.rootKey);
+        note.note = RenderPads::heldNote(pad);
         note.velocity = kHeldVelocity;
         note.duration = static_cast<std::uint32_t>(std::max(1.0, std::ceil(ticks_)));
         return note;
@@ -183,26 +182,26 @@ private:
         report << options_.out << text.data() << std::endl;
     }
 
+    void save(std::ostream& report) {
+        pads_.save(options_.save);
+        const std::string name = savedName(options_.save);
+        const auto bytes = static_cast<double>(std::filesystem::file_size(pathFromUtf8(name)));
+        std::array<char, 64> text{};
+        std::snprintf(text.data(), text.size(), ": the project, %.1f MB", bytes / 1e6);
+        report << name << text.data() << std::endl;
+    }
+
     const RenderOptions& options_;
     MidiPart part_;
     double ticks_ = 0;
     std::int64_t frames_ = 0;
     std::vector<std::unique_ptr<RenderOutput>> outputs_;  ///< the stems, then the mix
+    std::vector<int> loaded_;                             ///< pads that have grains
     HostRig rig_;  // destroyed before the outputs that its pins write to
+    RenderPads pads_{rig_.sampler()};
 };
 
 }  // namespace
-
-PadFile readPadFile(std::string_view text) {
-    const std::size_t equals = text.find('=');
-    int pad = 0;
-    const char* end = text.data() + std::min(equals, text.size());
-    const auto [stop, error] = std::from_chars(text.data(), end, pad);
-    const bool isNumber = error == std::errc{} && stop == end;
-    if (equals == text.npos || !isNumber || pad < 1 || pad > kPads || equals + 1 == text.size())
-        throw WrongUse("--pad \"" + std::string(text) + "\": write N=FILE.wav with a pad N from 1 to 16");
-    return {pad - 1, std::string(text.substr(equals + 1))};
-}
 
 std::uint32_t readKey(std::string_view name) {
     // Semitones above A of the letters from A on.

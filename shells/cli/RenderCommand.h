@@ -7,16 +7,13 @@
 #include <string_view>
 #include <vector>
 
-namespace marnoth {
+#include "shells/cli/RenderPads.h"
 
-/// A file for a pad.
-struct PadFile {
-    int pad = 0;  ///< 0 to 15
-    std::string file;
-};
+namespace marnoth {
 
 /// What `marnoth render` was asked for. File names are in UTF-8.
 struct RenderOptions {
+    std::string project;  ///< loaded before the pads' files; empty for none
     std::vector<PadFile> pads;
     std::string midi;             ///< empty: every loaded pad is held from beat 0 to the end
     std::optional<double> tempo;  ///< in place of the MIDI file's
@@ -28,14 +25,14 @@ struct RenderOptions {
     bool gate = false;                 ///< pads sound while their notes are held, in place of one-shot
     std::string out;
     std::string stems;  ///< folder for a file of each pad; empty for none
+    std::string save;   ///< the project is kept there after the render; empty for none
 };
 
-/// `N=FILE` with N from 1 to 16. Throws `WrongUse`.
-PadFile readPadFile(std::string_view text);
 /// The number of a key, from `A` for 0, with `#` or `b` behind the letter. Throws `WrongUse`.
 std::uint32_t readKey(std::string_view name);
 
-/// Renders offline and prints a line about it. Throws `FileFailure`, and `WrongUse` for files that clash.
+/// Renders offline and prints a line about it, and one about the project that was saved. Throws
+/// `FileFailure`, and `WrongUse` for files that clash.
 void runRender(const RenderOptions& options, std::ostream& report);
 
 }  // namespace marnoth

@@ -142,6 +142,14 @@ std::string render(ScriptSession& session, Arguments words) {
     return printResult(session.render(frames));
 }
 
+std::string saveStream(ScriptSession& session, Arguments words) {
+    return resultOf([&] { return session.saveStream(words[0]); });
+}
+
+std::string loadStream(ScriptSession& session, Arguments words) {
+    return resultOf([&] { return session.loadStream(words[0]); });
+}
+
 /// A command of the language that this program doesn't carry out.
 ScriptCommand notYet(std::string_view name, const char* what) {
     return {name, "...", [name, what](ScriptSession&, Arguments) -> std::string {
@@ -166,9 +174,9 @@ std::vector<ScriptCommand> runnerCommands() {
         {"stop", "", stop},
         {"discontinuity", "SECONDS", discontinuity},
         {"render", "FRAMES", render},
+        {"save-stream", "FILE", saveStream},
+        {"load-stream", "FILE", loadStream},
     };
-    for (const char* name : {"save-stream", "load-stream"})
-        commands.push_back(notYet(name, "the instrument's stream persistence"));
     for (const char* name :
          {"page", "press", "move", "release", "double", "right", "hold", "let", "key", "type", "focus",
           "choose", "tick", "drop", "answer", "text", "state", "view", "shot"})

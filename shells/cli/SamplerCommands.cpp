@@ -1,7 +1,6 @@
 #include <array>
 #include <cstdint>
 #include <memory>
-#include <stdexcept>
 #include <tuple>
 
 #include "shells/cli/Console.h"
@@ -78,16 +77,6 @@ struct Slot<const char*> {
     std::string print() const { return {}; }
     std::string value;
 };
-
-/// The result of a call, or that it raised the invalid-argument exception.
-template <class Call>
-std::string resultOf(Call call) {
-    try {
-        return printResult(call());
-    } catch (const std::invalid_argument&) {
-        return "exception";
-    }
-}
 
 /// A command that is an operation of the control surface and nothing else.
 template <class... T>

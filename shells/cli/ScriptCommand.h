@@ -2,10 +2,12 @@
 
 #include <functional>
 #include <span>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "shells/cli/ScriptNumbers.h"
 #include "shells/cli/ScriptSession.h"
 
 namespace marnoth {
@@ -36,6 +38,16 @@ std::vector<ScriptCommand> samplerCommands();
 
 /// The command of that name. Throws `ScriptError` when there is none.
 const ScriptCommand& findCommand(std::string_view name);
+
+/// The result of a call, or that it raised the invalid-argument exception.
+template <class Call>
+std::string resultOf(Call call) {
+    try {
+        return printResult(call());
+    } catch (const std::invalid_argument&) {
+        return "exception";
+    }
+}
 
 /// The argument's name in a command's form; "the argument" behind its end.
 std::string argumentName(std::string_view form, std::size_t index);

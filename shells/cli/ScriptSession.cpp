@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "hostkit/FileStream.h"
 #include "shells/cli/Console.h"
 #include "shells/cli/Failure.h"
 #include "shells/cli/ScriptWords.h"
@@ -77,6 +78,22 @@ HRESULT ScriptSession::render(std::int64_t frames) {
         frames -= now;
     } while (frames > 0 && SUCCEEDED(result));
     return result;
+}
+
+HRESULT ScriptSession::saveStream(std::string_view word) {
+    RefPtr<FileStream> stream;
+    if (FAILED(FileStream::open(file(word), FileMode::create, &stream)))
+        throw FileFailure(std::string(word) + ": it can't be created");
+    const HRESULT result = rig_.save(*stream);
+    if (FAILED(stream->close())) throw FileFailure(std::string(word) + ": writing failed");
+    return result;
+}
+
+HRESULT ScriptSession::loadStream(std::string_view word) {
+    RefPtr<FileStream> stream;
+    if (FAILED(FileStream::open(file(word), FileMode::read, &stream)))
+        throw ScriptError(std::string(word) + ": it can't be opened");
+    return rig_.load(*stream);
 }
 
 void ScriptSession::checkInput() const {

@@ -40,6 +40,11 @@ public:
     /// Renders in blocks into the audio files. Throws `FileFailure` when these can't be written.
     HRESULT render(std::int64_t frames);
 
+    /// Saves the instrument's state into a file. Throws `FileFailure` when that can't be written.
+    HRESULT saveStream(std::string_view word);
+    /// Loads it again. Throws `ScriptError` when the file can't be opened.
+    HRESULT loadStream(std::string_view word);
+
     /// Gives the audio files their names. Throws `FileFailure`.
     void finish() { files_.finish(); }
 
