@@ -1,3 +1,5 @@
+#include "engine/ProjectSave.h"
+
 #include <algorithm>
 #include <exception>
 #include <filesystem>
@@ -28,8 +30,9 @@ std::filesystem::path projectPath(std::string path) {
     return pathFromWide(wideFromSystem(path));
 }
 
+/// Also measures: behind this a save can fail for its medium only.
 HRESULT makeWritable(Project& project) {
-    if (const HRESULT result = fitToForm(project); FAILED(result)) return result;
+    if (FAILED(fitToForm(project))) return E_FAIL;
     return projectBytes(project) <= kLargestProject ? S_OK : E_FAIL;
 }
 
@@ -38,8 +41,10 @@ HRESULT writeAndClose(RiffStream& stream, const Project& project) {
     return stream.close() == kRiffOk ? written : E_FAIL;
 }
 
-/// In place, with what stood there kept until the new file is whole.
-HRESULT writeFile(const std::filesystem::path& path, const Project& project) {
+}  // namespace
+
+HRESULT saveProject(Project project, const std::filesystem::path& path) {
+    if (const HRESULT result = makeWritable(project); FAILED(result)) return result;
     // Two saves at a time under one name would write into one file.
     static std::mutex oneAtATime;
     const std::lock_guard alone(oneAtATime);
@@ -56,27 +61,25 @@ HRESULT writeFile(const std::filesystem::path& path, const Project& project) {
     return result;
 }
 
-}  // namespace
+HRESULT saveProject(Project project, IStream& stream) {
+    if (const HRESULT result = stream.Seek({}, STREAM_SEEK_CUR, nullptr); FAILED(result)) return result;
+    if (const HRESULT result = makeWritable(project); FAILED(result)) return result;
+    RiffStream form;
+    if (form.open(&stream) != kRiffOk) return E_FAIL;
+    return writeAndClose(form, project);
+}
+
+// The state is a matter of microseconds under the lock. The bytes go out from it with the lock free: no block
+// waits for the disk.
 
 HRESULT CGrooveSampler::SaveProject(std::uint32_t, const char* path) try {
-    if (!path) return E_POINTER;
-    // The state is a matter of microseconds; the bytes go out from it with the lock free, and no block waits
-    // for the disk.
-    Project project = takeProject();
-    if (FAILED(makeWritable(project))) return E_FAIL;
-    return writeFile(projectPath(path), project);
+    return path ? saveProject(takeProject(), projectPath(path)) : E_POINTER;
 } catch (const std::exception&) {
     return E_FAIL;
 }
 
 HRESULT CGrooveSampler::SaveState(IStream* stream) try {
-    if (!stream) return E_POINTER;
-    if (const HRESULT result = stream->Seek({}, STREAM_SEEK_CUR, nullptr); FAILED(result)) return result;
-    Project project = takeProject();
-    if (FAILED(makeWritable(project))) return E_FAIL;
-    RiffStream form;
-    if (form.open(stream) != kRiffOk) return E_FAIL;
-    return writeAndClose(form, project);
+    return stream ? saveProject(takeProject(), *stream) : E_POINTER;
 } catch (const std::exception&) {
     return E_FAIL;
 }

@@ -11,7 +11,7 @@ namespace marnoth::test {
 
 /// A stream over bytes in memory, as a host gives one. Can be made to fail from a call on. Lives where it is
 /// declared: its count is only counted.
-class MemoryStream final : public IStream {
+class MemoryStream : public IStream {
 public:
     MemoryStream() = default;
     explicit MemoryStream(std::vector<std::uint8_t> content) : bytes(std::move(content)) {}
