@@ -1,8 +1,25 @@
 #include "host/Filter.h"
 
+#include <exception>
+#include <new>
+
 #include "host/ClassIds.h"
 
 namespace marnoth {
+
+namespace {
+
+/// What the engine says of a stream; what it throws becomes a result, since foreign hosts call here.
+template <class Operation>
+HRESULT guarded(Operation operation) try {
+    return operation();
+} catch (const std::bad_alloc&) {
+    return E_OUTOFMEMORY;
+} catch (const std::exception&) {
+    return E_FAIL;
+}
+
+}  // namespace
 
 CFilter::CFilter(IUnknown* outer, HRESULT* result)
     : CGrooveSampler(this), CBaseFilter(outer, *this, CLSID_Marnoth), m_inputPin(*this) {
@@ -29,28 +46,9 @@ IUnknown* CFilter::FindInterface(REFIID iid) {
     if (iid == IID_IKvxSoftSynth || iid == IID_IKvxSoftSynth2) return static_cast<IKvxSoftSynth2*>(this);
     if (iid == IID_IKvxNotify) return static_cast<IKvxNotify*>(this);
     if (iid == IID_IKvxInputPort) return static_cast<IKvxInputPort*>(this);
+    if (iid == IID_IPersistStream) return static_cast<IPersistStream*>(this);
     if (iid == IID_ISpecifyPropertyPages) return static_cast<ISpecifyPropertyPages*>(this);
     return CBaseFilter::FindInterface(iid);
-}
-
-HRESULT CFilter::GetTypeInfoCount(UINT* count) {
-    if (!count) return E_POINTER;
-    *count = 0;
-    return S_OK;
-}
-
-HRESULT CFilter::GetTypeInfo(UINT index, LCID, ITypeInfo** out) {
-    if (!out) return E_POINTER;
-    *out = nullptr;
-    return index != 0 ? E_INVALIDARG : E_NOTIMPL;
-}
-
-HRESULT CFilter::GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) {
-    return E_NOTIMPL;
-}
-
-HRESULT CFilter::Invoke(DISPID, REFIID iid, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*, UINT*) {
-    return iid != IID_NULL ? DISP_E_UNKNOWNINTERFACE : E_NOTIMPL;
 }
 
 HRESULT CFilter::GetPages(CAUUID* pages) {
@@ -61,6 +59,14 @@ HRESULT CFilter::GetPages(CAUUID* pages) {
     pages->cElems = 1;
     *pages->pElems = CLSID_MarnothProperties;
     return S_OK;
+}
+
+HRESULT CFilter::WriteToStream(IStream* stream) {
+    return guarded([&] { return SaveState(stream); });
+}
+
+HRESULT CFilter::ReadFromStream(IStream* stream) {
+    return guarded([&] { return LoadState(stream); });
 }
 
 HRESULT CFilter::Pause() {

@@ -9,6 +9,7 @@
 #include "host/Module.h"
 #include "host/SoftSynth.h"
 #include "platform/BaseFilter.h"
+#include "platform/PersistStream.h"
 #include "platform/RefPtr.h"
 
 namespace marnoth {
@@ -19,7 +20,11 @@ namespace marnoth {
 /// One identity and one reference count for every interface. One lock, that of `CPzi`: the streaming thread
 /// holds it for a block, everybody else for one operation. Audio at the input pin is the only clock: each
 /// sample received is one block rendered and one sample delivered on every connected output pin.
-class CFilter : public CSoftSynth, public CGrooveSampler, public CBaseFilter, public ISpecifyPropertyPages {
+class CFilter : public CSoftSynth,
+                public CGrooveSampler,
+                public CBaseFilter,
+                public CPersistStream,
+                public ISpecifyPropertyPages {
 public:
     using OutputPins = std::vector<RefPtr<CFilterOutputPin>>;
 
@@ -33,7 +38,11 @@ public:
     ULONG AddRef() override { return CBaseFilter::AddRef(); }
     ULONG Release() override { return CBaseFilter::Release(); }
 
-    // IDispatch: there is no type library to serve it from.
+    // IPersist, for both bases that have it.
+    HRESULT GetClassID(CLSID* out) override { return CBaseFilter::GetClassID(out); }
+
+    // IDispatch, served from the type library of `IGrooveSampler` that is registered on this machine. Without
+    // one there is no type information (a count of 0), and the rest gives `E_NOTIMPL`.
     HRESULT GetTypeInfoCount(UINT* count) override;
     HRESULT GetTypeInfo(UINT index, LCID locale, ITypeInfo** out) override;
     HRESULT GetIDsOfNames(REFIID iid, LPOLESTR* names, UINT count, LCID locale, DISPID* ids) override;
@@ -64,7 +73,7 @@ public:
 
     // For the pins.
     CPzi& pzi() { return *this; }
-    const CFilterInputPin& inputPin() const { return m_inputPin; }
+    CFilterInputPin& inputPin() { return m_inputPin; }
     const OutputPins& outputPins() const { return m_outputPins; }
     /// Renders and delivers one block. Streaming thread. A failure to get buffers for it comes back; what the
     /// engine or a pin downstream says of the block doesn't.
@@ -86,6 +95,12 @@ protected:
     ~CFilter() override;
 
     IUnknown* FindInterface(REFIID iid) override;
+
+    // CPersistStream: the project behind the version word. The engine takes the lock, but never while bytes
+    // come or go. `E_FAIL` for a project that isn't one.
+    HRESULT WriteToStream(IStream* stream) override;
+    HRESULT ReadFromStream(IStream* stream) override;
+    int SizeMax() override { return GetPersistSize(); }
 
 private:
     /// The buffers of one block: one descriptor for each connected output pin, in order.

@@ -3,13 +3,18 @@
 #include <algorithm>
 #include <cstring>
 #include <limits>
+#include <utility>
 
 #include "host/AudioFormats.h"
 #include "host/Filter.h"
+#include "platform/SeekingPassThru.h"
 
 namespace marnoth {
 
 namespace {
+
+/// A count that no pair of calls brings to 0.
+constexpr ULONG kDying = 0x40000000;
 
 /// Sets a flag for a scope.
 class FlagScope {
@@ -108,8 +113,39 @@ ULONG CFilterOutputPin::AddRef() {
 
 ULONG CFilterOutputPin::Release() {
     const ULONG left = --references_;
-    if (left == 0) delete this;
-    return left;
+    if (left > 0) return left;
+    // A part may take and give back a reference to its whole while it goes.
+    references_ = kDying;
+    delete this;
+    return 0;
+}
+
+HRESULT CFilterOutputPin::QueryInterface(REFIID iid, void** out) {
+    if (iid != IID_IMediaPosition && iid != IID_IMediaSeeking)
+        return CBaseOutputPin::QueryInterface(iid, out);
+    if (!out) return E_POINTER;
+    *out = nullptr;
+    IUnknown* passThru = nullptr;
+    const HRESULT hr = findPassThru(&passThru);
+    return FAILED(hr) ? hr : passThru->QueryInterface(iid, out);
+}
+
+IUnknown* CFilterOutputPin::keptPassThru() const {
+    CAutoLock lock(filter_.pzi());
+    return passThru_.get();
+}
+
+HRESULT CFilterOutputPin::findPassThru(IUnknown** out) {
+    if (!keptPassThru()) {
+        // Made without the lock, since a block mustn't wait for the system to look for the class.
+        RefPtr<IUnknown> made;
+        const HRESULT hr = makeSeekingPassThru(static_cast<IPin*>(this), &filter_.inputPin(), &made);
+        if (FAILED(hr)) return hr;
+        CAutoLock lock(filter_.pzi());
+        if (!passThru_) passThru_ = std::move(made);
+    }
+    *out = keptPassThru();
+    return S_OK;
 }
 
 HRESULT CFilterOutputPin::CheckMediaType(const AM_MEDIA_TYPE* type) {

@@ -6,6 +6,7 @@
 
 #include "platform/BaseInputPin.h"
 #include "platform/BaseOutputPin.h"
+#include "platform/RefPtr.h"
 
 namespace marnoth {
 
@@ -46,6 +47,9 @@ public:
 
     std::uint32_t id() const { return id_; }
 
+    /// `IMediaSeeking` and `IMediaPosition` come from a part that is made when first asked for, and that
+    /// hands everything to the pin upstream of the input pin.
+    HRESULT QueryInterface(REFIID iid, void** out) override;
     ULONG AddRef() override;
     ULONG Release() override;
 
@@ -61,8 +65,13 @@ public:
     HRESULT DecideBufferSize(IMemAllocator* allocator, ALLOCATOR_PROPERTIES* properties) override;
 
 private:
+    IUnknown* keptPassThru() const;
+    /// Without a reference: the pin's own holds as long as the pin.
+    HRESULT findPassThru(IUnknown** out);
+
     CFilter& filter_;
     const std::uint32_t id_;
+    RefPtr<IUnknown> passThru_;  ///< its inner identity; null until asked for, then kept
     std::atomic<ULONG> references_ = 0;
     bool checkingType_ = false;
 };

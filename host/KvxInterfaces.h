@@ -125,8 +125,57 @@ struct IKvxRawEventList : IUnknown {
     virtual HRESULT GetAt(std::int32_t index, RawMidiEvent* event) = 0;
 };
 
-struct IKvxNameList;
-struct IKvxInstrument;
+inline constexpr IID IID_IKvxNameList{
+    0x1D0B7C3A, 0x2A5E, 0x4E0F, {0x9C, 0x11, 0x54, 0x70, 0xA8, 0x3D, 0xE2, 0x0A}};
+
+/// Names by number, for a host to show. Texts are in the system's code page; a buffer of `size` bytes that is
+/// too small for a name gets its beginning, always with a zero at its end. A null buffer of a size above 0 is
+/// `E_POINTER`, and so is a null pointer where a value is given out.
+struct IKvxNameList : IUnknown {
+    /// The name of the list itself. A null buffer is `E_POINTER` whatever the size.
+    virtual HRESULT GetListName(char* buffer, std::int32_t size) = 0;
+    /// Names that there may be: their ids lie below it.
+    virtual HRESULT GetMaxCount(std::uint32_t* count) = 0;
+    /// An empty text for an id without a name, `E_INVALIDARG` for one that can't have any.
+    virtual HRESULT GetNameAt(std::int32_t id, char* buffer, std::int32_t size) = 0;
+};
+
+inline constexpr IID IID_IKvxNameList2{
+    0x1D0B7C3B, 0x2A5E, 0x4E0F, {0x9C, 0x11, 0x54, 0x70, 0xA8, 0x3D, 0xE2, 0x0B}};
+
+/// The same, and a way through the names that there are. A list has one cursor: two traversals at once
+/// disturb each other.
+struct IKvxNameList2 : IKvxNameList {
+    virtual HRESULT GetCount(std::uint32_t* count) = 0;
+    /// Begins a traversal. `*position` is for `GetNext` alone.
+    virtual HRESULT GetFirst(void** position) = 0;
+    /// The next name and its id, either of which may be left out. `S_FALSE` behind the last.
+    virtual HRESULT GetNext(void** position, std::uint32_t* id, char* buffer, std::int32_t size) = 0;
+    /// `S_FALSE` for an id without a name.
+    virtual HRESULT FindName(std::int32_t id, char* buffer, std::int32_t size) = 0;
+};
+
+inline constexpr IID IID_IKvxInstrument{
+    0x1D0B7C3C, 0x2A5E, 0x4E0F, {0x9C, 0x11, 0x54, 0x70, 0xA8, 0x3D, 0xE2, 0x0C}};
+
+/// What an instrument says of its banks, patches, notes and controllers. A bank lies in -1 to 16383 and a
+/// patch in -1 to 127, where -1 stands for any; `E_INVALIDARG` otherwise. Lists come with a reference.
+struct IKvxInstrument : IUnknown {
+    /// `E_POINTER` when the name and its zero don't fit in `size` bytes.
+    virtual HRESULT GetName(char* buffer, std::int32_t size) = 0;
+    /// One block from the task allocator, which the caller frees.
+    virtual HRESULT GetBankList(std::int32_t** banks, std::uint32_t* count) = 0;
+    /// `S_FALSE` for every bank and patch that can be.
+    virtual HRESULT QueryPatchFalse(std::int32_t bank, std::int32_t patch) = 0;
+    /// `S_OK` for every bank and patch that can be.
+    virtual HRESULT QueryPatchTrue(std::int32_t bank, std::int32_t patch) = 0;
+    virtual HRESULT GetPatchList(std::int32_t bank, IKvxNameList** out) = 0;
+    /// `S_FALSE` on success. Takes any patch.
+    virtual HRESULT GetNoteList(std::int32_t bank, std::int32_t patch, IKvxNameList** out) = 0;
+    virtual HRESULT GetControllerList(IKvxNameList** out) = 0;
+    virtual HRESULT GetRpnList(IKvxNameList** out) = 0;
+    virtual HRESULT GetNrpnList(IKvxNameList** out) = 0;
+};
 
 inline constexpr IID IID_IKvxSoftSynth{
     0x1D0B7C36, 0x2A5E, 0x4E0F, {0x9C, 0x11, 0x54, 0x70, 0xA8, 0x3D, 0xE2, 0x06}};

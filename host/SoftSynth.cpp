@@ -14,12 +14,6 @@ HRESULT takeService(IUnknown* context, const IID& iid, RefPtr<Service>& service)
     return service ? S_OK : E_NOINTERFACE;
 }
 
-/// There are no names yet: a null list where one could be given.
-HRESULT noList(IKvxNameList** list) {
-    if (list) *list = nullptr;
-    return E_NOTIMPL;
-}
-
 }  // namespace
 
 CSoftSynth::~CSoftSynth() {
@@ -70,43 +64,50 @@ HRESULT CSoftSynth::GetEventTarget(IUnknown** out) {
 }
 
 HRESULT CSoftSynth::GetBankList(std::int32_t** banks, std::uint32_t* count) {
-    if (banks) *banks = nullptr;
-    if (count) *count = 0;
-    return E_NOTIMPL;
+    CAutoLock lock(*m_pzi);
+    return m_instrument->GetBankList(banks, count);
 }
 
-HRESULT CSoftSynth::QueryPatchFalse(std::uint32_t, std::uint32_t) {
-    return E_NOTIMPL;
+HRESULT CSoftSynth::QueryPatchFalse(std::uint32_t bank, std::uint32_t patch) {
+    CAutoLock lock(*m_pzi);
+    return m_instrument->QueryPatchFalse(static_cast<std::int32_t>(bank), static_cast<std::int32_t>(patch));
 }
 
-HRESULT CSoftSynth::QueryPatchTrue(std::uint32_t, std::uint32_t) {
-    return E_NOTIMPL;
+HRESULT CSoftSynth::QueryPatchTrue(std::uint32_t bank, std::uint32_t patch) {
+    CAutoLock lock(*m_pzi);
+    return m_instrument->QueryPatchTrue(static_cast<std::int32_t>(bank), static_cast<std::int32_t>(patch));
 }
 
-HRESULT CSoftSynth::GetPatchList(std::uint32_t, IKvxNameList** list) {
-    return noList(list);
+HRESULT CSoftSynth::GetPatchList(std::uint32_t bank, IKvxNameList** list) {
+    CAutoLock lock(*m_pzi);
+    return m_instrument->GetPatchList(static_cast<std::int32_t>(bank), list);
 }
 
-HRESULT CSoftSynth::GetNoteList(std::uint32_t, std::uint32_t, IKvxNameList** list) {
-    return noList(list);
+HRESULT CSoftSynth::GetNoteList(std::uint32_t bank, std::uint32_t patch, IKvxNameList** list) {
+    CAutoLock lock(*m_pzi);
+    return m_instrument->GetNoteList(static_cast<std::int32_t>(bank), static_cast<std::int32_t>(patch), list);
 }
 
 HRESULT CSoftSynth::GetControllerList(IKvxNameList** list) {
-    return noList(list);
+    CAutoLock lock(*m_pzi);
+    return m_instrument->GetControllerList(list);
 }
 
 HRESULT CSoftSynth::GetRpnList(IKvxNameList** list) {
-    return noList(list);
+    CAutoLock lock(*m_pzi);
+    return m_instrument->GetRpnList(list);
 }
 
 HRESULT CSoftSynth::GetNrpnList(IKvxNameList** list) {
-    return noList(list);
+    CAutoLock lock(*m_pzi);
+    return m_instrument->GetNrpnList(list);
 }
 
 HRESULT CSoftSynth::GetInstrument(std::uint32_t, IKvxInstrument** instrument) {
+    CAutoLock lock(*m_pzi);
     if (!instrument) return E_POINTER;
-    *instrument = nullptr;
-    return E_NOTIMPL;
+    *instrument = RefPtr<CInstrument>(m_instrument).detach();
+    return S_OK;
 }
 
 }  // namespace marnoth

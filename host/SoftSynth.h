@@ -7,6 +7,7 @@
 #include <memory_resource>
 #include <optional>
 
+#include "host/Instrument.h"
 #include "host/KvxInterfaces.h"
 #include "host/PortTransform.h"
 #include "host/Pzi.h"
@@ -116,6 +117,7 @@ private:
     RefPtr<IKvxPinHost> m_pinHost;
     bool m_attached = false;
     std::atomic<double> m_tempo = 120.0;  ///< beats per minute, where the host tells none
+    const RefPtr<CInstrument> m_instrument{new CInstrument(L"Marnoth")};
     std::unique_ptr<Events> m_events = std::make_unique<Events>();
     std::map<std::int32_t, PortTransform> m_portTransforms;
     std::int64_t m_position = 0;     ///< samples; start of the next block on the running timeline

@@ -16,8 +16,8 @@ TEST(Instrument, AnswersEveryInterfaceAsOneObject) {
     RefPtr<IUnknown> instrument;
     ASSERT_EQ(createInstrument(nullptr, IID_IUnknown, instrument.putVoid()), S_OK);
     for (const IID& iid : {IID_IGrooveSampler, IID_IDispatch, IID_IKvxSoftSynth, IID_IKvxSoftSynth2,
-                           IID_IKvxNotify, IID_IKvxInputPort, IID_ISpecifyPropertyPages, IID_IBaseFilter,
-                           IID_IMediaFilter, IID_IPersist, IID_IAMovieSetup}) {
+                           IID_IKvxNotify, IID_IKvxInputPort, IID_ISpecifyPropertyPages, IID_IPersistStream,
+                           IID_IBaseFilter, IID_IMediaFilter, IID_IPersist, IID_IAMovieSetup}) {
         const auto found = query(*instrument, iid);
         ASSERT_TRUE(found);
         EXPECT_TRUE(query(*found, IID_IUnknown) == instrument);
@@ -80,21 +80,6 @@ TEST(Instrument, HasNoVendorInfo) {
     EXPECT_EQ(host.filter->QueryVendorInfo(&text), E_NOTIMPL);
 }
 
-TEST(Dispatch, AnswersAsWithoutATypeLibrary) {
-    FilterHost host;
-    UINT count = 5;
-    EXPECT_EQ(host.filter->GetTypeInfoCount(&count), S_OK);
-    EXPECT_EQ(count, 0u);
-    ITypeInfo* info = nullptr;
-    EXPECT_EQ(host.filter->GetTypeInfo(0, 0, &info), E_NOTIMPL);
-    EXPECT_EQ(host.filter->GetTypeInfo(1, 0, &info), E_INVALIDARG);
-    DISPID id = 0;
-    EXPECT_EQ(host.filter->GetIDsOfNames(IID_NULL, nullptr, 0, 0, &id), E_NOTIMPL);
-    EXPECT_EQ(host.filter->Invoke(0, IID_NULL, 0, 0, nullptr, nullptr, nullptr, nullptr), E_NOTIMPL);
-    EXPECT_EQ(host.filter->Invoke(0, IID_IPin, 0, 0, nullptr, nullptr, nullptr, nullptr),
-              DISP_E_UNKNOWNINTERFACE);
-}
-
 TEST(CreateInstrument, GivesTheInterfaceAskedFor) {
     RefPtr<IGrooveSampler> sampler;
     ASSERT_EQ(createInstrument(nullptr, IID_IGrooveSampler, sampler.putVoid()), S_OK);
@@ -129,13 +114,6 @@ TEST(CreateInstrument, AsAPartOfAnotherGivesOnlyItsOwnIdentity) {
     EXPECT_EQ(filter->QueryInterface(IID_IBaseFilter, &found), E_NOINTERFACE);
     filter.reset();
     EXPECT_EQ(outer.references, 0u);
-}
-
-TEST(Names, AreNotOfferedYet) {
-    FilterHost host;
-    IKvxNameList* list = reinterpret_cast<IKvxNameList*>(&host);
-    EXPECT_EQ(host.filter->GetPatchList(0, &list), E_NOTIMPL);
-    EXPECT_EQ(list, nullptr);
 }
 
 }  // namespace
