@@ -64,12 +64,17 @@ test::MemoryStream saved(CGrooveSampler& engine) {
     return stream;
 }
 
-/// What was loaded is saved, loaded by another engine and saved again: the same bytes.
+test::MemoryStream loadedAndSaved(test::MemoryStream stream, const Way& way) {
+    test::EngineHost host(way.rate, way.channels);
+    require(host.engine.LoadState(&stream) == S_OK, "what was saved can be loaded");
+    return saved(host.engine);
+}
+
+/// What was loaded is saved, and goes through two more engines: the second changes nothing more. (The first
+/// rounds up the storage of waves whose rate the load has changed.)
 void requireRoundTrip(test::EngineHost& host, const Way& way) {
-    test::MemoryStream first = saved(host.engine);
-    test::EngineHost other(way.rate, way.channels);
-    require(other.engine.LoadState(&first) == S_OK, "what was saved can be loaded");
-    require(first.bytes == saved(other.engine).bytes, "what was loaded is what was saved");
+    const test::MemoryStream once = loadedAndSaved(saved(host.engine), way);
+    require(once.bytes == loadedAndSaved(once, way).bytes, "what was loaded is what was saved");
 }
 
 }  // namespace
