@@ -8,11 +8,13 @@
 #include "cli/CliRun.h"
 #include "shells/cli/WaveFrames.h"
 
-/// Runs every script of tests/scripts. Beside a script stands what must come of it: NAME.transcript, all that
+/// Runs every script of tests/scripts, in a copy of that folder: scripts may write files beside themselves.
+/// Beside a script stands what must come of it: NAME.transcript, all that
 /// it prints, or NAME.audio, or both. A line of the latter is
 ///
 ///     FILE FRAMES CHANNELS              the length and the channels of a file
 ///     FILE BEGIN END left|right VALUE   a value that all frames from BEGIN to END have
+///     FILE BEGIN END as OTHER           these frames are those from OTHER on, to the bit
 
 namespace marnoth::test {
 namespace {
@@ -37,6 +39,12 @@ std::vector<std::string> scriptNames() {
 
 fs::path beside(const std::string& name, const char* extension) {
     return scriptFolder() / (name + extension);
+}
+
+/// What scripts load.
+void copySoundsTo(const TempFolder& folder) {
+    fs::copy(scriptFolder() / "sounds", folder / "sounds");
+    fs::copy_file(scriptFolder() / "drums.wav", folder / "drums.wav");
 }
 
 /// The audio files of a run, read when they are asked for.
@@ -68,6 +76,15 @@ void expectValue(const WaveFrames& wave, std::size_t begin, std::size_t end, std
             << line << ", frame " << frame;
 }
 
+void expectRepeated(const WaveFrames& wave, std::size_t begin, std::size_t end, std::size_t other,
+                    const std::string& line) {
+    ASSERT_LT(begin, end) << line;
+    ASSERT_LE(std::max(end, other + end - begin) * wave.channels, wave.samples.size()) << line;
+    for (std::size_t i = begin * wave.channels; i < end * wave.channels; ++i)
+        ASSERT_EQ(wave.samples[i], wave.samples[i - begin * wave.channels + other * wave.channels])
+            << line << ", frame " << i / wave.channels;
+}
+
 void checkAudioLine(AudioOf& audio, const std::string& line) {
     std::istringstream words(line);
     std::string name;
@@ -77,7 +94,12 @@ void checkAudioLine(AudioOf& audio, const std::string& line) {
     const WaveFrames& wave = audio.file(name);
     std::string side;
     float value = 0;
+    std::size_t other = 0;
     if (!(words >> side)) return expectShape(wave, first, static_cast<std::uint32_t>(second), line);
+    if (side == "as") {
+        ASSERT_TRUE(words >> other) << line;
+        return expectRepeated(wave, first, second, other, line);
+    }
     ASSERT_TRUE(side == "left" || side == "right") << line;
     ASSERT_TRUE(words >> value) << line;
     expectValue(wave, first, second, side == "right" ? 1 : 0, value, line);
@@ -90,9 +112,11 @@ TEST_P(Scripts, GiveWhatStandsBesideThem) {
     const fs::path audioLines = beside(GetParam(), ".audio");
     ASSERT_TRUE(fs::exists(transcript) || fs::exists(audioLines)) << "nothing says what must come of it";
 
+    const TempFolder scripts;
+    copySoundsTo(scripts);
+    fs::copy_file(beside(GetParam(), ".mrs"), scripts / (GetParam() + ".mrs"));
     const TempFolder folder;
-    const CliRun run =
-        marnoth({"script", utf8FromPath(beside(GetParam(), ".mrs")), "--out", folder.name("")});
+    const CliRun run = marnoth({"script", scripts.name(GetParam() + ".mrs"), "--out", folder.name("")});
     EXPECT_EQ(run.status, 0) << run.err;
     if (fs::exists(transcript)) {
         EXPECT_EQ(run.out, readText(transcript));
