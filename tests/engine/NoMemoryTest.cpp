@@ -1,6 +1,7 @@
 #include <new>
 
 #include "engine/EditRig.h"
+#include "engine/SavedProject.h"
 #include "support/FailingAllocation.h"
 
 namespace marnoth::test {
@@ -68,6 +69,31 @@ TEST(NoMemory, AFileThatCantBeCopiedToAPadFails) {
     rig.load(loopFile(1, 8000));
     const FailingAllocation failing(2);
     EXPECT_EQ(rig.engine.LoadPadFromBin(0, 0), E_FAIL);
+}
+
+TEST(NoMemory, ASaveThatRunsOutAnywhereKeepsTheFormerProject) {
+    EditRig rig;
+    rig.lay(0, loopFile(1, 11025));
+    const ProjectPath path;
+    ASSERT_EQ(rig.engine.SaveProject(0, path.c_str()), S_OK);
+    const Bytes former = fileBytes(path.path());
+    std::int64_t call = 0;
+    int failures = 0;
+    for (bool done = false; !done;) {
+        HRESULT result;
+        {
+            const FailingAllocation failing(++call);
+            result = rig.engine.SaveProject(0, path.c_str());
+            done = !failing.happened();
+        }
+        ASSERT_LT(call, 10000);
+        failures += result != S_OK;
+        EXPECT_TRUE(result == S_OK || result == E_FAIL) << call;
+        EXPECT_TRUE(fileBytes(path.path()) == former || fileBytes(path.backup()) == former) << call;
+    }
+    EXPECT_GT(failures, 10);
+    EXPECT_EQ(fileBytes(path.path()), former);
+    EXPECT_FALSE(std::filesystem::exists(path.backup()));
 }
 
 }  // namespace

@@ -10,6 +10,7 @@
 #include <random>
 #include <thread>
 
+#include "engine/ProjectReader.h"
 #include "engine/ProjectSave.h"
 #include "engine/SavedProject.h"
 #include "support/MemoryStream.h"
@@ -51,9 +52,15 @@ struct NumberedSaves {
         return saveProject(project, path);
     }
 
+    /// Byte for byte, and for a reader too.
     bool isWholeSave(const std::filesystem::path& path, std::uint32_t number) {
         std::memcpy(content.data() + kOption, &number, sizeof number);
-        return fileBytes(path) == content;
+        return fileBytes(path) == content && canBeRead(path);
+    }
+    static bool canBeRead(const std::filesystem::path& path) {
+        RiffStream stream;
+        Project project;
+        return stream.open(path, FileMode::read) == kRiffOk && readProject(stream, project) == S_OK;
     }
 
     Project project;

@@ -319,6 +319,23 @@ TEST(ProjectKeys, AMapOfFewerEntriesSaysSo) {
     EXPECT_EQ(file.text(kKeys + 3 * 40, 4), "pdtr");
 }
 
+TEST(ProjectKeys, AMissingEntryIsTheOneBeforeOnceMore) {
+    Project project = projectOf({});
+    project.keys = {
+        {0, 50, 51, 52, 1, 2}, {2, 60, 61, 62, 3, 4}, {1, 70, 71, 72, 5, 6}, {9, 80, 81, 82, 7, 8}};
+    MemoryStream stream{save(project).bytes};
+    EditRig rig;
+    ASSERT_EQ(rig.engine.LoadState(&stream), S_OK);
+    const SavedBytes file = save(rig);
+    ASSERT_EQ(file.u32(44), 4u);
+    // Pads 0 to 3 are asked for, and pad 3 has none; that of pad 9 is never asked for.
+    const std::vector<std::pair<std::int32_t, std::int32_t>> padsAndKeys{{0, 50}, {1, 70}, {2, 60}, {2, 60}};
+    for (std::size_t i = 0; i < padsAndKeys.size(); ++i) {
+        EXPECT_EQ(file.i32(kKeys + i * 40), padsAndKeys[i].first);
+        EXPECT_EQ(file.i32(kKeys + i * 40 + 16), padsAndKeys[i].second);
+    }
+}
+
 TEST(ProjectText, AnOddLengthIsPaddedAndNotCounted) {
     Project project = projectOf({countingWave(4)});
     project.files[0].name = L"abc";
@@ -421,6 +438,21 @@ TEST(ProjectLimits, AGrainOfNoFileThatIsThereKeepsItsFrames) {
     ASSERT_EQ(fitToForm(project), S_OK);
     EXPECT_EQ(project.pads[0].grains[0].lengthSamples, 1000);
     EXPECT_EQ(project.pads[0].settings.lengthSamples, 500) << "by the first file";
+}
+
+TEST(ProjectLimits, WhatASaveHadToBringIntoTheFormLoads) {
+    EditRig rig(192000);
+    rig.lay(0, WaveFile().channels(3).rate(192000).frames(5000, sine));
+    rig.load(loopFile(1, 8000));
+    rig.engine.SetLoopLength(kPadLoop, 5, 100000 * kBeat);
+    const KeyMapRecord keys{0, -3, 300, 15, -1, 128};
+    rig.engine.SetKeyMapEntry(&keys);
+    MemoryStream stream{save(rig).bytes};
+    EXPECT_EQ(rig.engine.LoadState(&stream), S_OK);
+    EXPECT_EQ(rig.binFiles(), 2);
+    EXPECT_EQ(rig.count(kPadLoop, 0), 1);
+    EXPECT_EQ(rig.count(kBinLoop, 1), 4);
+    EXPECT_EQ(rig.length(kPadLoop, 5), 100000 * kBeat);
 }
 
 TEST(ProjectPathRules, AnExtensionIsAppendedUnlessThereIsOne) {

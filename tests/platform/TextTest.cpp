@@ -109,6 +109,34 @@ TEST(Text, CuttingNeverMakesTextThatReadsOtherwise) {
     }
 }
 
+TEST(Text, StoredTextReadsBackAsItWas) {
+    for (const std::wstring& text :
+         {std::wstring(L"loop"), std::wstring(), std::wstring(L"\u00DCbung"),
+          std::wstring(L"\u97F3 \U0001F941"),
+          // Taken letter by letter from Windows-1252, its bytes are the UTF-8 of another text.
+          std::wstring(L"\u00C3\u00A9"), std::wstring(L"a\0b", 3)}) {
+        EXPECT_EQ(wideFromStored(storedFromWide(text, 259)), text);
+    }
+}
+
+TEST(Text, StoredTextIsCutBehindTheLastCharacterThatFits) {
+    EXPECT_EQ(storedFromWide(L"Marnoth", 4), "Marn");
+    EXPECT_EQ(storedFromWide(L"ab\U0001F941", 5), "ab") << "no code page but UTF-8 has the drum";
+    EXPECT_EQ(storedFromWide(L"ab\U0001F941", 6), "ab" + std::string(kDrum));
+    const std::wstring text = L"\u00DC \u97F3 \U0001F941 end";
+    for (std::size_t most = 0; most < 20; ++most) {
+        const std::string stored = storedFromWide(text, most);
+        EXPECT_LE(stored.size(), most);
+        EXPECT_TRUE(text.starts_with(wideFromStored(stored))) << most;
+    }
+}
+
+TEST(Text, StoredTextThatIsUtf8IsReadAsUtf8Everywhere) {
+    EXPECT_EQ(wideFromStored("caf\xC3\xA9"), L"caf\u00E9");
+    EXPECT_EQ(wideFromStored(kDrum), L"\U0001F941");
+    EXPECT_EQ(wideFromStored("caf\xE9"), wideFromSystem("caf\xE9"));
+}
+
 #ifndef _WIN32
 
 TEST(Text, OutsideWindowsTheCodePageIsUtf8) {
