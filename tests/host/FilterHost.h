@@ -52,6 +52,8 @@ public:
     std::function<HRESULT()> onCreateVoice;
     /// Called when the engine is asked for its word on a format.
     std::function<void()> onCheckFormat;
+    /// What saves and loads the project in the engine's place.
+    std::function<HRESULT(IStream*)> onSaveState, onLoadState;
     int preparations = 0, releases = 0;  ///< of resources
     /// What a note without `flush` is told; S_OK frees its voice.
     std::function<HRESULT()> onReleaseVoice;
@@ -78,6 +80,12 @@ public:
     HRESULT CheckOutputFormat(const WAVEFORMATEX* format) override {
         if (onCheckFormat) onCheckFormat();
         return CFilter::CheckOutputFormat(format);
+    }
+    HRESULT SaveState(IStream* stream) override {
+        return onSaveState ? onSaveState(stream) : CFilter::SaveState(stream);
+    }
+    HRESULT LoadState(IStream* stream) override {
+        return onLoadState ? onLoadState(stream) : CFilter::LoadState(stream);
     }
     HRESULT PrepareResources() override {
         ++preparations;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
+#include <limits>
 #include <vector>
 
 #include "platform/Com.h"
@@ -22,6 +23,8 @@ public:
     ULONG references = 1;
     int calls = 0;         ///< of `Read`, `Write` and `Seek`
     int failFromCall = 0;  ///< the first call that fails, from 1; 0 for none
+    /// The first byte that can be neither read nor written: what comes before it is, as far as it goes.
+    std::uint64_t brokenFrom = std::numeric_limits<std::uint64_t>::max();
     bool knowsSize = true;
 
     HRESULT QueryInterface(REFIID iid, void** out) override {
@@ -37,19 +40,21 @@ public:
     HRESULT Read(void* to, ULONG count, ULONG* read) override {
         if (fails()) return E_FAIL;
         const std::uint64_t left = position < bytes.size() ? bytes.size() - position : 0;
-        const auto got = static_cast<ULONG>(std::min<std::uint64_t>(count, left));
+        const auto got = static_cast<ULONG>(std::min({std::uint64_t{count}, left, bytesToTheBreak()}));
         if (got > 0) std::memcpy(to, bytes.data() + position, got);
         position += got;
         if (read) *read = got;
+        if (position >= brokenFrom && got < count) return STG_E_READFAULT;
         return got == count ? S_OK : S_FALSE;
     }
-    HRESULT Write(const void* from, ULONG count, ULONG* written) override {
+    HRESULT Write(const void* from, ULONG wanted, ULONG* written) override {
         if (fails()) return E_FAIL;
+        const auto count = static_cast<ULONG>(std::min(std::uint64_t{wanted}, bytesToTheBreak()));
         if (position + count > bytes.size()) bytes.resize(position + count);
         if (count > 0) std::memcpy(bytes.data() + position, from, count);
         position += count;
         if (written) *written = count;
-        return S_OK;
+        return count == wanted ? S_OK : STG_E_MEDIUMFULL;
     }
     HRESULT Seek(LARGE_INTEGER move, DWORD origin, ULARGE_INTEGER* now) override {
         if (fails()) return E_FAIL;
@@ -76,6 +81,7 @@ public:
     HRESULT Clone(IStream**) override { return E_NOTIMPL; }
 
 private:
+    std::uint64_t bytesToTheBreak() const { return position < brokenFrom ? brokenFrom - position : 0; }
     bool fails() { return ++calls >= failFromCall && failFromCall > 0; }
 };
 
