@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "cli/CliRun.h"
+#include "cli/Studio.h"
 #include "shells/cli/Failure.h"
 #include "shells/cli/RenderCommand.h"
 #include "shells/cli/TempoTrack.h"
@@ -12,11 +12,6 @@
 
 namespace marnoth::test {
 namespace {
-
-/// Two beats at 120 of a level that doesn't change.
-WaveFile steady(double level) {
-    return WaveFile().floats().channels(2).frames(44100, [=](auto, int) { return level; }).acid({.beats = 2});
-}
 
 float sampleAt(const WaveFrames& wave, std::size_t frame) {
     return wave.samples.at(frame * wave.channels);
