@@ -1,3 +1,7 @@
+#include <algorithm>
+#include <memory>
+#include <vector>
+
 #include "engine/GrooveSampler.h"
 
 namespace marnoth {
@@ -10,8 +14,33 @@ std::vector<GrainRecord> grainsOf(const CGrooveTrack& track) {
     return grains;
 }
 
+using BinFiles = CPreAllocArray<std::unique_ptr<CGrooveTrack>>;
+
+bool isCutFrom(const CGrooveEvent& grain, const BinFiles& files, std::int32_t file) {
+    return file >= 0 && file < files.GetSize() && files[file]->sample == grain.sample;
+}
+
+/// The number that the file of a pad's grain has now. Undo brings back grains with the numbers that files had
+/// before one was removed; a load would take their audio from another file. A grain whose file is gone names
+/// the first that isn't there, and a load drops it.
+std::int32_t presentFile(const CGrooveEvent& grain, const BinFiles& files) {
+    if (isCutFrom(grain, files, grain.binFile)) return grain.binFile;
+    for (std::int32_t file = 0; file < files.GetSize(); ++file) {
+        if (isCutFrom(grain, files, file)) return file;
+    }
+    return std::min(files.GetSize(), kBinFiles - 1);
+}
+
+std::vector<GrainRecord> padGrainsOf(const CGrooveTrack& pad, const BinFiles& files) {
+    std::vector<GrainRecord> grains = grainsOf(pad);
+    for (std::int32_t i = 0; i < pad.GetSize(); ++i) {
+        grains[static_cast<std::size_t>(i)].binFile = presentFile(pad.GetAt(i), files);
+    }
+    return grains;
+}
+
 /// As many records as there are entries, in the order of the pads. Where a pad has no entry the record
-/// before it comes once more.
+/// before it comes once more, and zeros where none came yet.
 std::vector<KeyMapRecord> keysOf(const CKeyMap& keyMap) {
     std::vector<KeyMapRecord> keys;
     KeyMapRecord last{};
@@ -76,7 +105,7 @@ Project CGrooveSampler::takeProject() {
         project.files.push_back({file->ToRecord(), file->name, file->path, file->sample, grainsOf(*file)});
     }
     for (std::size_t pad = 0; pad < pads.size(); ++pad) {
-        project.pads[pad] = {pads[pad]->ToRecord(), grainsOf(*pads[pad])};
+        project.pads[pad] = {pads[pad]->ToRecord(), padGrainsOf(*pads[pad], binFiles)};
     }
     return project;
 }

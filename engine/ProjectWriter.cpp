@@ -129,7 +129,8 @@ public:
 
 private:
     bool writeParts(const Project& project) {
-        if (!chunk(fourCC("comn"), header(project)) || !chunk(fourCC("keym"), keyMap(project))) return false;
+        if (!writeChunk(fourCC("comn"), header(project)) || !writeChunk(fourCC("keym"), keyMap(project)))
+            return false;
         std::uint32_t index = 0;
         for (const ProjectFile& file : project.files) {
             if (!writeFile(index++, file)) return false;
@@ -142,13 +143,13 @@ private:
     }
 
     bool writeFile(std::uint32_t index, const ProjectFile& file) {
-        return chunk(fourCC("lbtr"), fileSettings(index, file)) && writeWave(*file.wave) &&
-               chunk(fourCC("lbte"), grainList(index, file.grains));
+        return writeChunk(fourCC("lbtr"), fileSettings(index, file)) && writeWave(*file.wave) &&
+               writeChunk(fourCC("lbte"), grainList(index, file.grains));
     }
 
     bool writePad(std::uint32_t index, const ProjectPad& pad) {
-        return chunk(fourCC("pdtr"), padSettings(index, pad)) &&
-               chunk(fourCC("pevt"), grainList(index, pad.grains));
+        return writeChunk(fourCC("pdtr"), padSettings(index, pad)) &&
+               writeChunk(fourCC("pevt"), grainList(index, pad.grains));
     }
 
     /// The whole block of samples, with the guard frame and whatever the allocation was rounded by.
@@ -157,14 +158,14 @@ private:
         form.fccType = fourCC("WAVE");
         form.cksize = static_cast<std::uint32_t>(waveBytes(wave) - kChunkHeaderBytes);
         return stream_.createChunk(form, RiffCreate::riff) == kRiffOk &&
-               chunk(fourCC("fmt "), waveFormat(wave.format)) &&
-               chunk(fourCC("data"), wave.samples.get(), static_cast<std::int64_t>(wave.byteSize)) &&
+               writeChunk(fourCC("fmt "), waveFormat(wave.format)) &&
+               writeChunk(fourCC("data"), wave.samples.get(), static_cast<std::int64_t>(wave.byteSize)) &&
                stream_.ascend(form) == kRiffOk;
     }
 
-    bool chunk(std::uint32_t id, const Body& body) { return chunk(id, body.data(), body.size()); }
+    bool writeChunk(std::uint32_t id, const Body& body) { return writeChunk(id, body.data(), body.size()); }
 
-    bool chunk(std::uint32_t id, const void* body, std::int64_t bytes) {
+    bool writeChunk(std::uint32_t id, const void* body, std::int64_t bytes) {
         ChunkInfo info;
         info.ckid = id;
         info.cksize = static_cast<std::uint32_t>(bytes);

@@ -294,9 +294,8 @@ public:
     explicit LockProbe(EngineHost& host) : host_(host) {}
 
     HRESULT Write(const void* from, ULONG count, ULONG* written) override {
-        auto block = std::async(std::launch::async, [this] { host_.block(64); });
-        if (block.wait_for(std::chrono::seconds(20)) == std::future_status::ready) ++blocks;
         ++writes;
+        if (!waiting_.valid()) lookOnce();
         return MemoryStream::Write(from, count, written);
     }
 
@@ -304,7 +303,17 @@ public:
     int blocks = 0;  ///< rendered while a write was under way
 
 private:
+    void lookOnce() {
+        auto block = std::async(std::launch::async, [this] { host_.block(64); });
+        if (block.wait_for(std::chrono::seconds(20)) == std::future_status::ready) {
+            ++blocks;
+        } else {
+            waiting_ = std::move(block);
+        }
+    }
+
     EngineHost& host_;
+    std::future<void> waiting_;  ///< the first block that didn't get the lock
 };
 
 TEST(ProjectConcurrency, BlocksGoOnWhileTheBytesGoOut) {

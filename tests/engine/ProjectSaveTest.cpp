@@ -455,6 +455,21 @@ TEST(ProjectLimits, WhatASaveHadToBringIntoTheFormLoads) {
     EXPECT_EQ(rig.length(kPadLoop, 5), 100000 * kBeat);
 }
 
+TEST(ProjectLimits, GrainsThatUndoBroughtBackNameTheirFileByItsPresentNumber) {
+    EditRig rig;
+    rig.lay(0, WaveFile().frames(900, sine));
+    rig.lay(1, WaveFile().frames(800, sine));
+    rig.engine.PushUndoState();
+    ASSERT_EQ(rig.engine.RemoveBinFile(0), S_OK);
+    ASSERT_EQ(rig.engine.Undo(), S_OK);
+    ASSERT_EQ(rig.source(1, 0), std::pair(1, 0)) << "the number before the removal";
+    MemoryStream stream{save(rig).bytes};
+    ASSERT_EQ(rig.engine.LoadState(&stream), S_OK);
+    EXPECT_EQ(rig.count(kPadLoop, 0), 0) << "its file is gone, and another's audio isn't its own";
+    EXPECT_EQ(rig.count(kPadLoop, 1), 1);
+    EXPECT_EQ(rig.source(1, 0), std::pair(0, 0));
+}
+
 TEST(ProjectPathRules, AnExtensionIsAppendedUnlessThereIsOne) {
     EditRig rig;
     const TempPath dir;

@@ -2,11 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <string>
 #include <system_error>
 #include <vector>
@@ -36,8 +36,13 @@ private:
 };
 
 inline Bytes fileBytes(const std::filesystem::path& path) {
+    std::error_code missing;
+    const std::uintmax_t size = std::filesystem::file_size(path, missing);
+    Bytes bytes(missing ? 0 : static_cast<std::size_t>(size));
     std::ifstream in(path, std::ios::binary);
-    return Bytes(std::istreambuf_iterator<char>(in), {});
+    in.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    bytes.resize(static_cast<std::size_t>(std::max<std::streamsize>(in.gcount(), 0)));
+    return bytes;
 }
 
 /// Fields of a saved project by their offsets, little-endian.
