@@ -1,4 +1,6 @@
+#include <cmath>
 #include <filesystem>
+#include <numbers>
 #include <stdexcept>
 #include <string>
 
@@ -318,7 +320,7 @@ TEST(ProjectLoad, SampleOfAFileAtAnotherRateIsResampled) {
         project.pads[0] = padOf(project.files[0]);
         // A tone of 441 Hz for a second, however many samples that takes.
         for (std::size_t i = 0; i <= 44100; ++i) {
-            project.files[0].data[i] = static_cast<float>(std::sin(2 * M_PI * double(i) / 100));
+            project.files[0].data[i] = static_cast<float>(std::sin(2 * std::numbers::pi * double(i) / 100));
         }
         ASSERT_EQ(rig.loadProject(project), S_OK);
         rig.engine.SetPadSynced(0, 0);
