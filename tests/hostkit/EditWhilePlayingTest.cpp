@@ -161,6 +161,7 @@ private:
     }
 
     void loadFiles() {
+        if (any(4) == 0) return reload();
         std::int32_t bin = -1;
         std::uint32_t status = 0;
         const TempPath& file = files_[static_cast<std::size_t>(any(static_cast<int>(files_.size())))];
@@ -168,6 +169,14 @@ private:
             sampler_.LoadFileToBin("file", file.c_str(), &bin, &status);
         } else {
             sampler_.LoadFileToPad(pad(), "file", file.c_str(), &bin, &status);
+        }
+    }
+
+    /// Whatever the editing made of the project, it is saved and comes back.
+    void reload() {
+        EXPECT_EQ(sampler_.SaveProject(0, project_.c_str()), S_OK);
+        if (flag()) {
+            EXPECT_EQ(sampler_.LoadProject(project_.c_str()), S_OK);
         }
     }
 
@@ -244,6 +253,7 @@ private:
 
     IGrooveSampler& sampler_;
     const std::vector<TempPath>& files_;
+    const TempPath project_{".mrn"};
     std::mt19937 random_{20};
     std::atomic<int> operations_ = 0;
     std::atomic<int> refusedGrains_ = 0;
