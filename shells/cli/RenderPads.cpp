@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <stdexcept>
 
+#include "platform/Text.h"
 #include "shells/cli/Console.h"
 #include "shells/cli/Failure.h"
 #include "shells/cli/LoadFailure.h"
@@ -20,6 +21,7 @@ constexpr int kPads = 16;
 constexpr std::int32_t kOmni = -1;
 constexpr std::int32_t kMiddleC = 60;
 constexpr std::int32_t kHighestVelocity = 127;
+constexpr std::size_t kLongestName = 259;  ///< characters of a project's name, with its folders
 
 void need(HRESULT result) {
     if (FAILED(result)) throw FileFailure("setting up a pad failed with code " + printResult(result));
@@ -39,6 +41,13 @@ std::filesystem::path folderOf(const std::string& file) {
     return std::filesystem::absolute(pathFromUtf8(file)).parent_path();
 }
 
+/// Throws for the name of a project that the instrument doesn't get whole.
+void checkName(const std::string& file) {
+    if (!isSayable(file)) throw FileFailure(file + ": " + kNotSayable);
+    if (wideFromUtf8(file).size() > kLongestName)
+        throw FileFailure(file + ": its name is longer than " + std::to_string(kLongestName) + " characters");
+}
+
 std::string whyNotSaved(const std::string& name) {
     std::error_code ignored;
     const bool hasBackup = std::filesystem::exists(pathFromUtf8(name + ".bak"), ignored);
@@ -48,10 +57,9 @@ std::string whyNotSaved(const std::string& name) {
 }  // namespace
 
 void RenderPads::loadProject(const std::string& file) {
+    checkName(file);
     const HRESULT result = resultOf([&] { return sampler_.LoadProject(toInstrument(file).c_str()); });
-    if (FAILED(result))
-        throw FileFailure(file + ": " +
-                          (isSayable(file) ? whyProjectNotRead(file, result) : std::string(kNotSayable)));
+    if (FAILED(result)) throw FileFailure(file + ": " + whyProjectNotRead(file, result));
 }
 
 void RenderPads::loadFile(const PadFile& pad) {
@@ -84,6 +92,7 @@ std::uint8_t RenderPads::heldNote(int pad) {
 }
 
 void RenderPads::hold() {
+    // Pads that aren't loaded make no sound, whatever they answer.
     for (const int pad : loaded()) {
         // A pad without an entry leaves the record as it is: one that no velocity fits.
         Own own{0, kOmni, {pad, 0, 0, 0, kHighestVelocity, 0}};
@@ -97,7 +106,6 @@ void RenderPads::hold() {
         need(sampler_.SetPadChannel(pad, kOmni));
         need(sampler_.SetKeyMapEntry(&keys));
     }
-    // What isn't loaded makes no sound, whatever it answers.
 }
 
 void RenderPads::routeToOwnOutputs() {
@@ -128,7 +136,7 @@ void RenderPads::save(const std::string& file) {
 void checkSavePlace(const std::string& file) {
     const std::string name = savedName(file);
     std::error_code ignored;
-    if (!isSayable(name)) throw FileFailure(name + ": " + kNotSayable);
+    checkName(name);
     if (!std::filesystem::is_directory(folderOf(file), ignored))
         throw FileFailure(name + ": its folder doesn't exist");
     if (std::filesystem::is_directory(pathFromUtf8(name), ignored))

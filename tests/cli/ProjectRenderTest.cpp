@@ -190,6 +190,18 @@ TEST(ProjectSave, APlaceThatCannotBeIsToldBeforeTheRender) {
     }
 }
 
+TEST(ProjectSave, ANameThatALoadWouldCutIsRefused) {
+    const Studio studio;
+    // The instrument takes 259 characters of a path.
+    const std::string deep = "folder/" + std::string(100, 'x') + "/" + std::string(150, 'y');
+    fs::create_directories((studio.folder / deep).parent_path());
+    const CliRun run = studio.render({"--pad", studio.pad(1, "a.wav"), "--beats", "1", "--out",
+                                      studio.name("out.wav"), "--save", studio.name(deep)});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_NE(run.err.find("its name is longer than 259 characters"), std::string::npos) << run.err;
+    EXPECT_EQ(studio.play(deep + ".mrn", "out.wav").status, 1);
+}
+
 TEST(ProjectSave, TheAudioGoesElsewhere) {
     const Studio studio;
     const CliRun run = studio.render({"--pad", studio.pad(1, "a.wav"), "--beats", "1", "--out",
