@@ -1,6 +1,7 @@
 #include "engine/ProjectTracks.h"
 
 #include <algorithm>
+#include <functional>
 #include <map>
 #include <new>
 #include <tuple>
@@ -15,6 +16,14 @@ namespace {
 /// Tails take twice the frames of their grains. Beyond this many times the audio only a file that was made to
 /// exhaust the memory goes: grains that share place and length share their tail.
 constexpr std::int64_t kMostTailsPerAudio = 16;
+
+/// Calls `work` for each index below `count`, on several threads where `frames` of audio are worth starting
+/// them.
+void forEach(std::size_t count, std::int64_t frames, const std::function<void(std::size_t)>& work) {
+    constexpr std::int64_t kWorthThreads = 1 << 16;
+    if (frames >= kWorthThreads) return forEachInParallel(count, work);
+    for (std::size_t i = 0; i < count; ++i) work(i);
+}
 
 /// The tails of all grains of a project, each distinct one built once.
 class TailPlan {
@@ -36,7 +45,7 @@ public:
 
     HRESULT build() {
         std::vector<HRESULT> results(distinct_.size(), S_OK);
-        forEachInParallel(distinct_.size(), [&](std::size_t i) { results[i] = buildOne(*distinct_[i]); });
+        forEach(distinct_.size(), frames_, [&](std::size_t i) { results[i] = buildOne(*distinct_[i]); });
         for (const auto& [grain, builder] : sharers_) {
             grain->tailWave = builder->tailWave;
             grain->tailLengthSamples = builder->tailLengthSamples;
@@ -113,6 +122,7 @@ public:
     }
 
 private:
+    std::int64_t countFrames() const;
     HRESULT prepareWaves();
     HRESULT prepareWave(CWaveMem& wave) const;
     void addFile(ProjectFile& file);
@@ -135,14 +145,20 @@ HRESULT TrackBuilding::prepareWave(CWaveMem& wave) const {
     return wave.BuildPeaks(0, CWaveMem::kPeakPoints);
 }
 
+std::int64_t TrackBuilding::countFrames() const {
+    std::int64_t frames = 0;
+    for (const ProjectFile& file : project_.files) frames = plus(frames, file.wave->frames);
+    return frames;
+}
+
 HRESULT TrackBuilding::prepareWaves() {
     std::array<HRESULT, 16> results{};
-    forEachInParallel(project_.files.size(),
-                      [&](std::size_t i) { results.at(i) = prepareWave(*project_.files[i].wave); });
+    forEach(project_.files.size(), countFrames(),
+            [&](std::size_t i) { results.at(i) = prepareWave(*project_.files[i].wave); });
     for (const HRESULT result : results) {
         if (FAILED(result)) return result;
     }
-    for (const ProjectFile& file : project_.files) audioFrames_ = plus(audioFrames_, file.wave->frames);
+    audioFrames_ = countFrames();
     return S_OK;
 }
 
