@@ -248,7 +248,7 @@ private:
         append(body, file.waveType);
         addChunk(body, "fmt ", formatBody(file));
         Bytes audio(file.data.size() * sizeof(float));
-        std::memcpy(audio.data(), file.data.data(), audio.size());
+        if (!audio.empty()) std::memcpy(audio.data(), file.data.data(), audio.size());
         addChunk(body, "data", audio, file.dataBytes);
         addChunk(built.bytes, "RIFF", body);
         const std::size_t end = built.bytes.size();
