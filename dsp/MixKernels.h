@@ -25,7 +25,12 @@ struct MixArgs {
 
 /// Moves `count` frames from `src` into `dest` under a gain per side, adding or replacing. On return `gainL`
 /// and `gainR` hold the gains behind the last frame; steps and curves are left as they came in. Any thread;
-/// no state, no allocation.
+/// no state of its own, no allocation.
+///
+/// Rows 4, 6, 14, 20, 22 and 30 take a fast body where source and destination both begin at a multiple of 16
+/// bytes (on 64-bit x86). It rounds the gains to the samples' type first, so that in the float family the
+/// last bit may differ from that of an unaligned run, and from then on the calling thread has 0 for results
+/// below the normal numbers.
 using MixKernel = void (*)(MixArgs*);
 
 /// The mix path of callers that don't name one: 32, the float family.

@@ -7,6 +7,7 @@
 #include <limits>
 #include <thread>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 #include "dsp/CpuFeatures.h"
@@ -291,11 +292,11 @@ Float flushed(Float value) {
 
 /// Sources and destinations around the smallest normal number.
 template <class Float>
-Run<Float> tinyRun(int row, int offset) {
+Run<Float> tinyRun(int row, int srcOffset, int destOffset) {
     constexpr Float least = std::numeric_limits<Float>::denorm_min();
     constexpr Float normal = std::numeric_limits<Float>::min();
     const Float tiny[] = {least, -least, normal / 2, -normal, normal, normal - least, Float{0}, 1};
-    Run<Float> run(Member{row}, 35, offset, offset);
+    Run<Float> run(Member{row}, 35, srcOffset, destOffset);
     for (std::size_t i = 0; i < run.source.size(); ++i) run.source[i] = tiny[i % 8];
     for (std::size_t i = 0; i < run.before.size(); ++i) run.before[i] = tiny[i / 8 % 8];
     return run;
@@ -322,7 +323,7 @@ std::vector<Float> expectedFlushed(const Run<Float>& run, Gains gains) {
 TYPED_TEST(FastMix, TheFirstFastCallOfAThreadFlushesWhatIsBelowTheNormalNumbers) {
     for (const int row : kRows) {
         onFreshThread([row] {
-            const auto run = tinyRun<TypeParam>(row, 0);
+            const auto run = tinyRun<TypeParam>(row, 0, 0);
             for (const Gains gains : {Gains{0.5, 0.25}, Gains{1, 1}, Gains{1, 0}, Gains{0, 1}}) {
                 _mm_setcsr(kUsual);
                 const auto expected = expectedFlushed(run, gains);
@@ -339,9 +340,11 @@ TYPED_TEST(FastMix, TheFirstFastCallOfAThreadFlushesWhatIsBelowTheNormalNumbers)
 TYPED_TEST(FastMix, PlainBodiesAloneKeepThem) {
     for (const int row : kRows) {
         onFreshThread([row] {
-            const auto run = tinyRun<TypeParam>(row, 1);
-            for (const Gains gains : {Gains{0.5, 0.25}, Gains{1, 1}, Gains{0.1, 0.7}}) {
-                EXPECT_TRUE(sameBits(run.mixed(gains), run.expected(gains, false))) << row;
+            for (const auto& [src, dest] : {std::pair(0, 1), std::pair(1, 0), std::pair(1, 1)}) {
+                const auto run = tinyRun<TypeParam>(row, src, dest);
+                for (const Gains gains : {Gains{0.5, 0.25}, Gains{1, 1}, Gains{0.1, 0.7}}) {
+                    EXPECT_TRUE(sameBits(run.mixed(gains), run.expected(gains, false))) << row;
+                }
             }
             EXPECT_EQ(modeOfThread(), kUsual);
             EXPECT_FALSE(flushes<TypeParam>());
@@ -352,10 +355,10 @@ TYPED_TEST(FastMix, PlainBodiesAloneKeepThem) {
 TYPED_TEST(FastMix, BehindAFastCallPlainBodiesOfTheThreadFlushToo) {
     for (const int row : kRows) {
         onFreshThread([row] {
-            const auto run = tinyRun<TypeParam>(row, 1);
+            const auto run = tinyRun<TypeParam>(row, 1, 1);
             // Gains of which none is 1: a plain body always multiplies.
             const auto expected = expectedFlushed(run, {0.5, 0.25});
-            tinyRun<TypeParam>(row, 0).mixed({0.5, 0.25});
+            tinyRun<TypeParam>(row, 0, 0).mixed({0.5, 0.25});
             EXPECT_TRUE(sameBits(run.mixed({0.5, 0.25}), expected)) << row;
         });
     }
@@ -372,7 +375,7 @@ TYPED_TEST(FastMix, OtherThreadsAreNotTouched) {
     });
     started.wait();
     onFreshThread([] {
-        tinyRun<TypeParam>(14, 0).mixed({0.5, 0.25});
+        tinyRun<TypeParam>(14, 0, 0).mixed({0.5, 0.25});
         EXPECT_TRUE(flushes<TypeParam>());
     });
     mixed.count_down();
