@@ -17,15 +17,21 @@ template <>
 const IID& iidOf<IMediaPosition>() {
     return IID_IMediaPosition;
 }
+/// The operations that `IMediaPosition` has from its base; they begin its table.
+template <>
+const IID& iidOf<IDispatch>() {
+    return IID_IMediaPosition;
+}
 
-/// Calls `ask` with what the pin connected to `inputPin` has of `Interface`.
-template <class Interface, class Ask>
-HRESULT askUpstream(IPin* inputPin, Ask ask) {
+/// Calls an operation of the pin that is connected to `inputPin`.
+template <class Interface, class... Parameters, class... Arguments>
+HRESULT askUpstream(IPin* inputPin, HRESULT (Interface::*operation)(Parameters...),
+                    Arguments&&... arguments) {
     RefPtr<IPin> upstream;
     if (!inputPin || FAILED(inputPin->ConnectedTo(upstream.put())) || !upstream) return E_NOTIMPL;
     RefPtr<Interface> found;
     if (FAILED(upstream->QueryInterface(iidOf<Interface>(), found.putVoid())) || !found) return E_NOTIMPL;
-    return ask(*found);
+    return (found.get()->*operation)(std::forward<Arguments>(arguments)...);
 }
 
 }  // namespace
@@ -45,165 +51,136 @@ IUnknown* CSeekingPassThru::FindInterface(REFIID iid) {
 }
 
 HRESULT CSeekingPassThru::GetCapabilities(DWORD* capabilities) {
-    return askUpstream<IMediaSeeking>(inputPin_,
-                                      [&](auto& upstream) { return upstream.GetCapabilities(capabilities); });
+    return askUpstream(inputPin_, &IMediaSeeking::GetCapabilities, capabilities);
 }
 
 HRESULT CSeekingPassThru::CheckCapabilities(DWORD* capabilities) {
-    return askUpstream<IMediaSeeking>(
-        inputPin_, [&](auto& upstream) { return upstream.CheckCapabilities(capabilities); });
+    return askUpstream(inputPin_, &IMediaSeeking::CheckCapabilities, capabilities);
 }
 
 HRESULT CSeekingPassThru::IsFormatSupported(const GUID* format) {
-    return askUpstream<IMediaSeeking>(inputPin_,
-                                      [&](auto& upstream) { return upstream.IsFormatSupported(format); });
+    return askUpstream(inputPin_, &IMediaSeeking::IsFormatSupported, format);
 }
 
 HRESULT CSeekingPassThru::QueryPreferredFormat(GUID* format) {
-    return askUpstream<IMediaSeeking>(inputPin_,
-                                      [&](auto& upstream) { return upstream.QueryPreferredFormat(format); });
+    return askUpstream(inputPin_, &IMediaSeeking::QueryPreferredFormat, format);
 }
 
 HRESULT CSeekingPassThru::GetTimeFormat(GUID* format) {
-    return askUpstream<IMediaSeeking>(inputPin_,
-                                      [&](auto& upstream) { return upstream.GetTimeFormat(format); });
+    return askUpstream(inputPin_, &IMediaSeeking::GetTimeFormat, format);
 }
 
 HRESULT CSeekingPassThru::IsUsingTimeFormat(const GUID* format) {
-    return askUpstream<IMediaSeeking>(inputPin_,
-                                      [&](auto& upstream) { return upstream.IsUsingTimeFormat(format); });
+    return askUpstream(inputPin_, &IMediaSeeking::IsUsingTimeFormat, format);
 }
 
 HRESULT CSeekingPassThru::SetTimeFormat(const GUID* format) {
-    return askUpstream<IMediaSeeking>(inputPin_,
-                                      [&](auto& upstream) { return upstream.SetTimeFormat(format); });
+    return askUpstream(inputPin_, &IMediaSeeking::SetTimeFormat, format);
 }
 
 HRESULT CSeekingPassThru::GetDuration(LONGLONG* duration) {
-    return askUpstream<IMediaSeeking>(inputPin_,
-                                      [&](auto& upstream) { return upstream.GetDuration(duration); });
+    return askUpstream(inputPin_, &IMediaSeeking::GetDuration, duration);
 }
 
 HRESULT CSeekingPassThru::GetStopPosition(LONGLONG* stop) {
-    return askUpstream<IMediaSeeking>(inputPin_,
-                                      [&](auto& upstream) { return upstream.GetStopPosition(stop); });
+    return askUpstream(inputPin_, &IMediaSeeking::GetStopPosition, stop);
 }
 
 HRESULT CSeekingPassThru::GetCurrentPosition(LONGLONG* current) {
-    return askUpstream<IMediaSeeking>(inputPin_,
-                                      [&](auto& upstream) { return upstream.GetCurrentPosition(current); });
+    return askUpstream(inputPin_, &IMediaSeeking::GetCurrentPosition, current);
 }
 
 HRESULT CSeekingPassThru::ConvertTimeFormat(LONGLONG* target, const GUID* targetFormat, LONGLONG source,
                                             const GUID* sourceFormat) {
-    return askUpstream<IMediaSeeking>(inputPin_, [&](auto& upstream) {
-        return upstream.ConvertTimeFormat(target, targetFormat, source, sourceFormat);
-    });
+    return askUpstream(inputPin_, &IMediaSeeking::ConvertTimeFormat, target, targetFormat, source,
+                       sourceFormat);
 }
 
 HRESULT CSeekingPassThru::SetPositions(LONGLONG* current, DWORD currentFlags, LONGLONG* stop,
                                        DWORD stopFlags) {
-    return askUpstream<IMediaSeeking>(inputPin_, [&](auto& upstream) {
-        return upstream.SetPositions(current, currentFlags, stop, stopFlags);
-    });
+    return askUpstream(inputPin_, &IMediaSeeking::SetPositions, current, currentFlags, stop, stopFlags);
 }
 
 HRESULT CSeekingPassThru::GetPositions(LONGLONG* current, LONGLONG* stop) {
-    return askUpstream<IMediaSeeking>(inputPin_,
-                                      [&](auto& upstream) { return upstream.GetPositions(current, stop); });
+    return askUpstream(inputPin_, &IMediaSeeking::GetPositions, current, stop);
 }
 
 HRESULT CSeekingPassThru::GetAvailable(LONGLONG* earliest, LONGLONG* latest) {
-    return askUpstream<IMediaSeeking>(
-        inputPin_, [&](auto& upstream) { return upstream.GetAvailable(earliest, latest); });
+    return askUpstream(inputPin_, &IMediaSeeking::GetAvailable, earliest, latest);
 }
 
 HRESULT CSeekingPassThru::SetRate(double rate) {
-    return askUpstream<IMediaSeeking>(inputPin_, [&](auto& upstream) { return upstream.SetRate(rate); });
+    return askUpstream(inputPin_, &IMediaSeeking::SetRate, rate);
 }
 
 HRESULT CSeekingPassThru::GetRate(double* rate) {
-    return askUpstream<IMediaSeeking>(inputPin_, [&](auto& upstream) { return upstream.GetRate(rate); });
+    return askUpstream(inputPin_, &IMediaSeeking::GetRate, rate);
 }
 
 HRESULT CSeekingPassThru::GetPreroll(LONGLONG* preroll) {
-    return askUpstream<IMediaSeeking>(inputPin_,
-                                      [&](auto& upstream) { return upstream.GetPreroll(preroll); });
+    return askUpstream(inputPin_, &IMediaSeeking::GetPreroll, preroll);
 }
 
 HRESULT CSeekingPassThru::GetTypeInfoCount(UINT* count) {
-    return askUpstream<IMediaPosition>(inputPin_,
-                                       [&](auto& upstream) { return upstream.GetTypeInfoCount(count); });
+    return askUpstream(inputPin_, &IMediaPosition::GetTypeInfoCount, count);
 }
 
 HRESULT CSeekingPassThru::GetTypeInfo(UINT index, LCID locale, ITypeInfo** out) {
-    return askUpstream<IMediaPosition>(
-        inputPin_, [&](auto& upstream) { return upstream.GetTypeInfo(index, locale, out); });
+    return askUpstream(inputPin_, &IMediaPosition::GetTypeInfo, index, locale, out);
 }
 
 HRESULT CSeekingPassThru::GetIDsOfNames(REFIID iid, LPOLESTR* names, UINT count, LCID locale, DISPID* ids) {
-    return askUpstream<IMediaPosition>(
-        inputPin_, [&](auto& upstream) { return upstream.GetIDsOfNames(iid, names, count, locale, ids); });
+    return askUpstream(inputPin_, &IMediaPosition::GetIDsOfNames, iid, names, count, locale, ids);
 }
 
 HRESULT CSeekingPassThru::Invoke(DISPID id, REFIID iid, LCID locale, WORD flags, DISPPARAMS* arguments,
                                  VARIANT* result, EXCEPINFO* exception, UINT* argumentError) {
-    return askUpstream<IMediaPosition>(inputPin_, [&](auto& upstream) {
-        return upstream.Invoke(id, iid, locale, flags, arguments, result, exception, argumentError);
-    });
+    return askUpstream(inputPin_, &IMediaPosition::Invoke, id, iid, locale, flags, arguments, result,
+                       exception, argumentError);
 }
 
 HRESULT CSeekingPassThru::get_Duration(double* seconds) {
-    return askUpstream<IMediaPosition>(inputPin_,
-                                       [&](auto& upstream) { return upstream.get_Duration(seconds); });
+    return askUpstream(inputPin_, &IMediaPosition::get_Duration, seconds);
 }
 
 HRESULT CSeekingPassThru::put_CurrentPosition(double seconds) {
-    return askUpstream<IMediaPosition>(inputPin_,
-                                       [&](auto& upstream) { return upstream.put_CurrentPosition(seconds); });
+    return askUpstream(inputPin_, &IMediaPosition::put_CurrentPosition, seconds);
 }
 
 HRESULT CSeekingPassThru::get_CurrentPosition(double* seconds) {
-    return askUpstream<IMediaPosition>(inputPin_,
-                                       [&](auto& upstream) { return upstream.get_CurrentPosition(seconds); });
+    return askUpstream(inputPin_, &IMediaPosition::get_CurrentPosition, seconds);
 }
 
 HRESULT CSeekingPassThru::get_StopTime(double* seconds) {
-    return askUpstream<IMediaPosition>(inputPin_,
-                                       [&](auto& upstream) { return upstream.get_StopTime(seconds); });
+    return askUpstream(inputPin_, &IMediaPosition::get_StopTime, seconds);
 }
 
 HRESULT CSeekingPassThru::put_StopTime(double seconds) {
-    return askUpstream<IMediaPosition>(inputPin_,
-                                       [&](auto& upstream) { return upstream.put_StopTime(seconds); });
+    return askUpstream(inputPin_, &IMediaPosition::put_StopTime, seconds);
 }
 
 HRESULT CSeekingPassThru::get_PrerollTime(double* seconds) {
-    return askUpstream<IMediaPosition>(inputPin_,
-                                       [&](auto& upstream) { return upstream.get_PrerollTime(seconds); });
+    return askUpstream(inputPin_, &IMediaPosition::get_PrerollTime, seconds);
 }
 
 HRESULT CSeekingPassThru::put_PrerollTime(double seconds) {
-    return askUpstream<IMediaPosition>(inputPin_,
-                                       [&](auto& upstream) { return upstream.put_PrerollTime(seconds); });
+    return askUpstream(inputPin_, &IMediaPosition::put_PrerollTime, seconds);
 }
 
 HRESULT CSeekingPassThru::put_Rate(double rate) {
-    return askUpstream<IMediaPosition>(inputPin_, [&](auto& upstream) { return upstream.put_Rate(rate); });
+    return askUpstream(inputPin_, &IMediaPosition::put_Rate, rate);
 }
 
 HRESULT CSeekingPassThru::get_Rate(double* rate) {
-    return askUpstream<IMediaPosition>(inputPin_, [&](auto& upstream) { return upstream.get_Rate(rate); });
+    return askUpstream(inputPin_, &IMediaPosition::get_Rate, rate);
 }
 
 HRESULT CSeekingPassThru::CanSeekForward(LONG* can) {
-    return askUpstream<IMediaPosition>(inputPin_,
-                                       [&](auto& upstream) { return upstream.CanSeekForward(can); });
+    return askUpstream(inputPin_, &IMediaPosition::CanSeekForward, can);
 }
 
 HRESULT CSeekingPassThru::CanSeekBackward(LONG* can) {
-    return askUpstream<IMediaPosition>(inputPin_,
-                                       [&](auto& upstream) { return upstream.CanSeekBackward(can); });
+    return askUpstream(inputPin_, &IMediaPosition::CanSeekBackward, can);
 }
 
 namespace {
