@@ -1,5 +1,5 @@
-#include <algorithm>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "engine/GrooveSampler.h"
@@ -20,21 +20,26 @@ bool isCutFrom(const CGrooveEvent& grain, const BinFiles& files, std::int32_t fi
     return file >= 0 && file < files.GetSize() && files[file]->sample == grain.sample;
 }
 
-/// The number that the file of a pad's grain has now. Undo brings back grains with the numbers that files had
-/// before one was removed; a load would take their audio from another file. A grain whose file is gone names
-/// the first that isn't there, and a load drops it.
-std::int32_t presentFile(const CGrooveEvent& grain, const BinFiles& files) {
+/// The number that the file of a pad's grain has now; none when the file is gone. Undo brings back grains
+/// with the numbers that files had before one was removed.
+std::optional<std::int32_t> presentFile(const CGrooveEvent& grain, const BinFiles& files) {
     if (isCutFrom(grain, files, grain.binFile)) return grain.binFile;
     for (std::int32_t file = 0; file < files.GetSize(); ++file) {
         if (isCutFrom(grain, files, file)) return file;
     }
-    return std::min(files.GetSize(), kBinFiles - 1);
+    return std::nullopt;
 }
 
+/// Without the grains whose file is gone: their audio goes into no project, and a load would give them that
+/// of another file.
 std::vector<GrainRecord> padGrainsOf(const CGrooveTrack& pad, const BinFiles& files) {
-    std::vector<GrainRecord> grains = grainsOf(pad);
+    std::vector<GrainRecord> grains;
+    grains.reserve(static_cast<std::size_t>(pad.GetSize()));
     for (std::int32_t i = 0; i < pad.GetSize(); ++i) {
-        grains[static_cast<std::size_t>(i)].binFile = presentFile(pad.GetAt(i), files);
+        const auto file = presentFile(pad.GetAt(i), files);
+        if (!file) continue;
+        grains.push_back(pad.GetAt(i).ToRecord());
+        grains.back().binFile = *file;
     }
     return grains;
 }

@@ -130,10 +130,6 @@ std::wstring wideFromUtf8(std::string_view text) {
     return out;
 }
 
-std::wstring wideFromSaved(std::string_view text) {
-    return isUtf8(text) ? wideFromUtf8(text) : wideFromSystem(text);
-}
-
 std::string utf8FromWide(std::wstring_view text) {
     std::string out;
     out.reserve(text.size());

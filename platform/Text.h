@@ -18,9 +18,6 @@ namespace marnoth {
 /// files from elsewhere have such names.
 std::wstring wideFromSystem(std::string_view text);
 
-/// Text of a file that may come from another system: as UTF-8 where it is UTF-8, else in the code page.
-std::wstring wideFromSaved(std::string_view text);
-
 /// Wide to code page. What the code page lacks becomes its default character, '?' as a rule.
 std::string systemFromWide(std::wstring_view text);
 

@@ -39,8 +39,8 @@ std::string keyName(std::int32_t key) {
 
 std::string noteName(std::int32_t note) {
     if (note < 0 || note > kHighestNote) return std::to_string(note);
-    // Note 0 is a C, three semitones above an A.
-    return keyName((note + 3) % kSemitones) + std::to_string(note / kSemitones - 1);
+    // Note 0 is C0, three semitones above an A.
+    return keyName((note + 3) % kSemitones) + std::to_string(note / kSemitones);
 }
 
 std::string inOneLine(std::string text) {

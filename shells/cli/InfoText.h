@@ -23,7 +23,7 @@ std::string formatName(const WAVEFORMATEX& format);
 /// Name of a key that counts from 0 for A to 11; the number for any other.
 std::string keyName(std::int32_t key);
 
-/// Name of a MIDI note, 60 being "C4"; the number for what is none.
+/// Name of a MIDI note, 60 being "C5" as on the page; the number for what is none.
 std::string noteName(std::int32_t note);
 
 /// Text from a file for a terminal: what would end the line or steer the terminal becomes a blank.

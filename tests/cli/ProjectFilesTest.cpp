@@ -96,7 +96,7 @@ TEST(ProjectInfo, TellsFilesPadsAndKeys) {
           "2.0000 beats, looping, synced, one-shot, volume 0.500, pan 0.500, output 9, channel any",
           "   5      0 grains, 0.0000 beats, one-shot, solo, volume 1.000, pan 0.500, output mix, channel "
           "3\n",
-          "keys      16\n   1      C4\n", "   5      C3 to C#4, root D3, velocities 1 to 126\n",
+          "keys      16\n   1      C5\n", "   5      C4 to C#5, root D4, velocities 1 to 126\n",
           "  16      D6\n"})
         EXPECT_NE(run.out.find(part), std::string::npos) << part << "\n" << run.out;
     EXPECT_NE(run.out.find("size      " + std::to_string(fs::file_size(studio.folder / "p.mrn")) +

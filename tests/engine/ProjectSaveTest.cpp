@@ -455,6 +455,20 @@ TEST(ProjectLimits, WhatASaveHadToBringIntoTheFormLoads) {
     EXPECT_EQ(rig.length(kPadLoop, 5), 100000 * kBeat);
 }
 
+TEST(ProjectLimits, AGrainWhoseFileIsGoneTakesNobodysPlaceInAFullBin) {
+    EditRig rig;
+    rig.lay(0, WaveFile().frames(900, sine));
+    rig.engine.PushUndoState();
+    ASSERT_EQ(rig.engine.RemoveBinFile(0), S_OK);
+    ASSERT_EQ(rig.engine.Undo(), S_OK);
+    for (std::int64_t i = 0; i < 16; ++i) rig.load(WaveFile().frames(100 + i, sine));
+    ASSERT_EQ(rig.binFiles(), 16);
+    MemoryStream stream{save(rig).bytes};
+    ASSERT_EQ(rig.engine.LoadState(&stream), S_OK);
+    EXPECT_EQ(rig.binFiles(), 16);
+    EXPECT_EQ(rig.count(kPadLoop, 0), 0);
+}
+
 TEST(ProjectLimits, GrainsThatUndoBroughtBackNameTheirFileByItsPresentNumber) {
     EditRig rig;
     rig.lay(0, WaveFile().frames(900, sine));
