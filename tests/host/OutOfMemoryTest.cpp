@@ -61,16 +61,15 @@ TEST(MemoryEnds, WhileANameListIsMade) {
     }
 }
 
+#ifndef _WIN32  // There the system makes the object, from memory of its own.
 TEST(MemoryEnds, WhileSeekingIsAskedFor) {
-#ifdef _WIN32
-    GTEST_SKIP() << "the system makes the object from memory of its own";
-#endif
     FilterHost host;
     RefPtr<IMediaSeeking> seeking;
     failEach([&] { return host.output(0).QueryInterface(IID_IMediaSeeking, seeking.putVoid()); },
              expectOutOfMemory);
     EXPECT_TRUE(seeking);
 }
+#endif
 
 /// An instrument with a short loop on pad 4.
 struct LoopHost : FilterHost {
