@@ -154,8 +154,8 @@ TEST(SeekingPassThru, AnswersNothingForWhatThePinUpstreamDoesntHave) {
 }
 
 TEST(SeekingPassThru, AsksWhoeverIsUpstreamAtThatMoment) {
-    Seekable pin;
     SeekingSourcePin other;
+    Seekable pin;
     other.answer = E_ABORT;
     pin.input.peer = RefPtr<IPin>(static_cast<IPin*>(&other));
     EXPECT_EQ(pin.seeking->SetRate(2.0), E_ABORT);
