@@ -1,13 +1,11 @@
 #include "engine/ProjectTracks.h"
 
 #include <algorithm>
-#include <functional>
-#include <map>
 #include <new>
-#include <tuple>
 #include <utility>
 
 #include "engine/ProjectScale.h"
+#include "engine/TailPlan.h"
 #include "platform/Parallel.h"
 
 namespace marnoth {
@@ -16,60 +14,8 @@ namespace {
 /// Tails take twice the frames of their grains. Beyond this many times the audio only a file that was made to
 /// exhaust the memory goes: grains that share place and length share their tail.
 constexpr std::int64_t kMostTailsPerAudio = 16;
-
-/// Calls `work` for each index below `count`, on several threads where `frames` of audio are worth starting
-/// them.
-void forEach(std::size_t count, std::int64_t frames, const std::function<void(std::size_t)>& work) {
-    constexpr std::int64_t kWorthThreads = 1 << 16;
-    if (frames >= kWorthThreads) return forEachInParallel(count, work);
-    for (std::size_t i = 0; i < count; ++i) work(i);
-}
-
-/// The tails of all grains of a project, each distinct one built once.
-class TailPlan {
-public:
-    /// Notes that `grain`, which has its sample and length, needs its tail.
-    void add(CGrooveEvent& grain) {
-        if (grain.lengthSamples < 1) return;
-        const auto [place, isNew] =
-            builders_.try_emplace({grain.sample.get(), grain.sampleOffset, grain.lengthSamples}, &grain);
-        if (isNew) {
-            distinct_.push_back(&grain);
-            frames_ = plus(frames_, times(grain.lengthSamples, 2));
-        } else {
-            sharers_.emplace_back(&grain, place->second);
-        }
-    }
-
-    std::int64_t frames() const { return frames_; }
-
-    HRESULT build() {
-        std::vector<HRESULT> results(distinct_.size(), S_OK);
-        forEach(distinct_.size(), frames_, [&](std::size_t i) { results[i] = buildOne(*distinct_[i]); });
-        for (const auto& [grain, builder] : sharers_) {
-            grain->tailWave = builder->tailWave;
-            grain->tailLengthSamples = builder->tailLengthSamples;
-        }
-        const auto failed = std::find_if(results.begin(), results.end(), [](HRESULT r) { return FAILED(r); });
-        return failed != results.end() ? *failed : S_OK;
-    }
-
-private:
-    using Place = std::tuple<const CWaveMem*, std::int64_t, std::int64_t>;
-
-    static HRESULT buildOne(CGrooveEvent& grain) {
-        try {
-            return grain.BuildTail();
-        } catch (const std::bad_alloc&) {
-            return E_OUTOFMEMORY;
-        }
-    }
-
-    std::map<Place, CGrooveEvent*> builders_;
-    std::vector<CGrooveEvent*> distinct_;
-    std::vector<std::pair<CGrooveEvent*, const CGrooveEvent*>> sharers_;  ///< and whose tail they take
-    std::int64_t frames_ = 0;
-};
+/// Frames of audio that are worth starting threads for.
+constexpr std::int64_t kWorthThreads = 1 << 16;
 
 /// Offset and count within the peak table and the one spare entry behind it.
 void holdToPeakTable(CGrooveEvent& grain) {
@@ -153,8 +99,12 @@ std::int64_t TrackBuilding::countFrames() const {
 
 HRESULT TrackBuilding::prepareWaves() {
     std::array<HRESULT, 16> results{};
-    forEach(project_.files.size(), countFrames(),
-            [&](std::size_t i) { results.at(i) = prepareWave(*project_.files[i].wave); });
+    const auto prepareAt = [&](std::size_t i) { results.at(i) = prepareWave(*project_.files[i].wave); };
+    if (countFrames() >= kWorthThreads) {
+        forEachInParallel(project_.files.size(), prepareAt);
+    } else {
+        for (std::size_t i = 0; i < project_.files.size(); ++i) prepareAt(i);
+    }
     for (const HRESULT result : results) {
         if (FAILED(result)) return result;
     }
