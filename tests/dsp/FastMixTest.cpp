@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
-#include <latch>
+#include <future>
 #include <limits>
 #include <thread>
 #include <type_traits>
@@ -365,20 +365,20 @@ TYPED_TEST(FastMix, BehindAFastCallPlainBodiesOfTheThreadFlushToo) {
 }
 
 TYPED_TEST(FastMix, OtherThreadsAreNotTouched) {
-    std::latch started(1), mixed(1);
+    std::promise<void> started, mixed;
     bool keeps = false;
     std::thread other([&] {
         _mm_setcsr(kUsual);
-        started.count_down();
-        mixed.wait();
+        started.set_value();
+        mixed.get_future().wait();
         keeps = !flushes<TypeParam>() && modeOfThread() == kUsual;
     });
-    started.wait();
+    started.get_future().wait();
     onFreshThread([] {
         tinyRun<TypeParam>(14, 0, 0).mixed({0.5, 0.25});
         EXPECT_TRUE(flushes<TypeParam>());
     });
-    mixed.count_down();
+    mixed.set_value();
     other.join();
     EXPECT_TRUE(keeps);
 }
