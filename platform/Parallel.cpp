@@ -30,7 +30,8 @@ void tryToStart(std::thread& thread, const std::function<void()>& body) {
 
 void forEachInParallel(std::size_t count, const std::function<void(std::size_t)>& work) {
     std::atomic<std::size_t> next{0};
-    const auto share = [&] {
+    // Made before the first thread runs: nothing may throw while one does.
+    const std::function<void()> share = [&] {
         for (std::size_t i = next++; i < count; i = next++) work(i);
     };
     std::array<std::thread, kMostHelpers> helpers;

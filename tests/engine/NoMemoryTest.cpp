@@ -1,6 +1,7 @@
 #include <new>
 
 #include "engine/EditRig.h"
+#include "engine/ProjectRig.h"
 #include "engine/SavedProject.h"
 #include "support/FailingAllocation.h"
 
@@ -94,6 +95,31 @@ TEST(NoMemory, ASaveThatRunsOutAnywhereKeepsTheFormerProject) {
     EXPECT_GT(failures, 10);
     EXPECT_EQ(fileBytes(path.path()), former);
     EXPECT_FALSE(std::filesystem::exists(path.backup()));
+}
+
+TEST(NoMemory, AProjectThatRunsOutAnywhereLeavesNothingAndTheDefaultKeys) {
+    ProjectRig rig(48000);
+    const TempPath path = twoFilesFourPads(2000).writeTemp();
+    std::int64_t call = 0;
+    int failures = 0;
+    for (bool done = false; !done;) {
+        HRESULT result;
+        {
+            const FailingAllocation failing(++call);
+            result = rig.engine.LoadProject(path.c_str());
+            done = !failing.happened();
+        }
+        ASSERT_LT(call, 10000);
+        if (FAILED(result)) {
+            ++failures;
+            EXPECT_EQ(result, E_OUTOFMEMORY) << call;
+            rig.expectEmpty();
+        } else {
+            EXPECT_EQ(rig.binFiles(), 2) << call;
+            EXPECT_EQ(rig.count(kPadLoop, 2), 4) << call;
+        }
+    }
+    EXPECT_GT(failures, 10);
 }
 
 }  // namespace
