@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "dsp/Tail.h"
+#include "platform/LargePages.h"
 #include "sample/PeakTable.h"
 #include "sample/Resample.h"
 
@@ -17,8 +18,10 @@ using Samples = std::unique_ptr<float[]>;
 /// Storage with unspecified contents; null when there is none, or `count` is beyond reason.
 Samples allocate(std::int64_t count) {
     constexpr std::int64_t kMost = std::numeric_limits<std::int64_t>::max() / 64;
-    return Samples(count < 0 || count > kMost ? nullptr
-                                              : new (std::nothrow) float[static_cast<std::size_t>(count)]);
+    if (count < 0 || count > kMost) return nullptr;
+    Samples samples(new (std::nothrow) float[static_cast<std::size_t>(count)]);
+    preferLargePages(samples.get(), static_cast<std::size_t>(count) * sizeof(float));
+    return samples;
 }
 
 Samples allocateSilence(std::int64_t count) {
