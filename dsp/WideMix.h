@@ -3,8 +3,9 @@
 /// Loops of constant gains in the widest registers that the processor has. Internal to MixKernels.cpp.
 namespace marnoth::mix {
 
-// The Windows compiler doesn't align its stack for wide registers.
-#if defined(__x86_64__) && !defined(_WIN32)
+// The Windows compiler doesn't align its stack for wide registers, and clang doesn't know the attributes:
+// with both the vectors that are certain do the work.
+#if defined(__x86_64__) && !defined(_WIN32) && !defined(__clang__)
 #define MARNOTH_WIDE_MIX 1
 
 /// The same loop for wider registers. Products and sums are those of the narrow one, sample by sample.

@@ -30,14 +30,14 @@ public:
 private:
     ITypeInfo* find();
 
-    const GUID library_;
-    const WORD major_;
-    const WORD minor_;
-    const IID interface_;
+    [[maybe_unused]] const GUID library_;
+    [[maybe_unused]] const WORD major_;
+    [[maybe_unused]] const WORD minor_;
+    [[maybe_unused]] const IID interface_;
     std::mutex lock_;
     /// Owns a reference that is never given back: when the module ends, the system's part that it belongs to
     /// may be gone.
-    ITypeInfo* info_ = nullptr;
+    [[maybe_unused]] ITypeInfo* info_ = nullptr;
 };
 
 }  // namespace marnoth

@@ -25,7 +25,6 @@ constexpr std::uint32_t kChannels = 2;
 constexpr int kPads = 16;
 constexpr double kTicksPerBeat = 960.0;
 constexpr double kDefaultBeats = 16.0;
-constexpr double kDefaultTempo = 120.0;
 constexpr std::uint8_t kHeldVelocity = 100;
 
 void need(HRESULT result, const char* what) {

@@ -97,7 +97,7 @@ TEST(ProjectInfo, TellsFilesPadsAndKeys) {
           "   5      0 grains, 0.0000 beats, one-shot, solo, volume 1.000, pan 0.500, output mix, channel "
           "3\n",
           "keys      16\n   1      C5\n", "   5      C4 to C#5, root D4, velocities 1 to 126\n",
-          "  16      D6\n"})
+          "  16      D7\n"})
         EXPECT_NE(run.out.find(part), std::string::npos) << part << "\n" << run.out;
     EXPECT_NE(run.out.find("size      " + std::to_string(fs::file_size(studio.folder / "p.mrn")) +
                            " bytes, 768000 of them audio"),
@@ -116,8 +116,8 @@ TEST(ProjectInfo, TellsTheSameAsJson) {
     for (const char* part :
          {"\"auditionEnabled\": false", "\"name\": \"a loop\"", "\"rate\": 48000", "\"frames\": 48000",
           "\"seconds\": 1.0", "\"beats\": 2.0", "\"tempo\": 120.0", "\"audioBytes\": 384000", "\"pan\": 0.25",
-          "\"mute\": true", "\"solo\": false", "\"channel\": null", "\"low\": \"C3\"", "\"high\": \"C#4\"",
-          "\"root\": \"D3\"", "\"highVelocity\": 126"})
+          "\"mute\": true", "\"solo\": false", "\"channel\": null", "\"low\": \"C4\"", "\"high\": \"C#5\"",
+          "\"root\": \"D4\"", "\"highVelocity\": 126"})
         EXPECT_NE(run.out.find(part), std::string::npos) << part << "\n" << run.out;
 }
 

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "engine/GrooveSampler.h"
+#include "host/Numbers.h"
 #include "host/Pzi.h"
 
 namespace marnoth::test {
@@ -42,12 +43,10 @@ public:
         return static_cast<std::int32_t>(static_cast<double>(samples) / rate * tempo / 60.0 * 960.0);
     }
     std::int64_t TicksToSamples(std::int64_t ticks16) override {
-        return static_cast<std::int64_t>(
-            static_cast<double>(ticks16) / kTicksPerBeat16 * 60.0 / tempo * rate + 0.5);
+        return truncatedToInt64(static_cast<double>(ticks16) / kTicksPerBeat16 * 60.0 / tempo * rate + 0.5);
     }
     std::int64_t SamplesToTicks(std::int64_t samples) override {
-        return static_cast<std::int64_t>(
-            tempo * (static_cast<double>(samples) / rate) / 60.0 * kTicksPerBeat16 + 0.5);
+        return truncatedToInt64(tempo * (static_cast<double>(samples) / rate) / 60.0 * kTicksPerBeat16 + 0.5);
     }
     std::uint32_t GetKeyAtTime(std::int64_t) override { return key; }
     std::int32_t IsTransportRunning() override { return running; }

@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <new>
 
-#if defined(__linux__) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+#if defined(__linux__) && !defined(MARNOTH_SANITIZED)
 #define MARNOTH_WATCH_SYSTEM 1
 #include <dlfcn.h>
 #include <pthread.h>
