@@ -13,8 +13,8 @@ namespace {
 namespace fs = std::filesystem;
 
 /// The floors from the ground up. The seam is one header that lies beneath the engine.
-const std::vector<std::string> kFloors{"platform", "dsp",  "sample",  "seam",
-                                       "engine",   "host", "hostkit", "shells"};
+const std::vector<std::string> kFloors{"platform", "dsp",  "sample",  "seam",  "engine",
+                                       "editor",   "host", "hostkit", "shells"};
 
 std::size_t heightOf(const std::string& path) {
     if (path == "host/Pzi.h" || path == "host/Pzi.cpp") return 3;
@@ -56,12 +56,13 @@ std::vector<Include> includesUnder(const std::string& folder, char open = '"', c
 }
 
 TEST(IncludeArrows, EveryFloorHasIncludesToLookAt) {
-    for (const char* folder : {"dsp", "sample", "engine", "host", "hostkit", "shells"})
+    for (const char* folder : {"dsp", "sample", "engine", "editor", "host", "hostkit", "shells"})
         EXPECT_FALSE(includesUnder(folder).empty()) << folder;
 }
 
 TEST(IncludeArrows, RunDownwardOnly) {
-    for (const std::string folder : {"platform", "dsp", "sample", "engine", "host", "hostkit", "shells"}) {
+    for (const std::string folder :
+         {"platform", "dsp", "sample", "engine", "editor", "host", "hostkit", "shells"}) {
         for (const auto& [from, to] : includesUnder(folder)) {
             ASSERT_NE(heightOf(to), kFloors.size()) << from << " includes " << to << ", which is on no floor";
             EXPECT_LE(heightOf(to), heightOf(from)) << from << " includes " << to;
@@ -70,7 +71,7 @@ TEST(IncludeArrows, RunDownwardOnly) {
 }
 
 TEST(IncludeArrows, NobodyButShellsSeesThePlatformsOwnFolders) {
-    for (const std::string folder : {"platform", "dsp", "sample", "engine", "host", "hostkit"})
+    for (const std::string folder : {"platform", "dsp", "sample", "engine", "editor", "host", "hostkit"})
         for (const auto& [from, to] : includesUnder(folder)) {
             const bool inside = from.starts_with("platform/linux/") || from.starts_with("platform/windows/");
             const bool own = to.starts_with("platform/linux/") || to.starts_with("platform/windows/");
@@ -78,8 +79,15 @@ TEST(IncludeArrows, NobodyButShellsSeesThePlatformsOwnFolders) {
         }
 }
 
+TEST(IncludeArrows, TheEditorKnowsOfTheEngineItsInterfaceAlone) {
+    for (const auto& [from, to] : includesUnder("editor"))
+        EXPECT_TRUE(to.starts_with("editor/") || to.starts_with("platform/") ||
+                    to == "engine/IGrooveSampler.h")
+            << from << " includes " << to;
+}
+
 TEST(IncludeArrows, TheCoreLeansOnTheStandardLibraryAndThePlatformAlone) {
-    for (const std::string folder : {"platform", "dsp", "sample", "engine", "host", "hostkit"})
+    for (const std::string folder : {"platform", "dsp", "sample", "engine", "editor", "host", "hostkit"})
         for (const auto& [from, to] : includesUnder(folder, '<', '>'))
             for (const char* foreign :
                  {"CLI/", "nlohmann/", "smf", "sndfile", "glib", "benchmark/", "gtest/", "gmock/"})
