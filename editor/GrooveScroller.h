@@ -43,6 +43,9 @@ private:
     bool dragging_ = false;
     Point press_;
     int pressPosition_ = 0;
+
+    int trackLength() const;
+    void placeThumb();
 };
 
 }  // namespace marnoth

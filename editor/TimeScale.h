@@ -11,7 +11,7 @@ inline constexpr std::int64_t kEditorTicksPerBeat = 62914560;              ///< 
 inline constexpr std::array<int, 8> kSnapTable{0, 1, 2, 3, 4, 8, 12, 16};  ///< divisions of a beat
 
 /// How the Pad Editor lays time and pads out: what its gestures and its paint have in common. All casts
-/// truncate.
+/// truncate. Pixels beyond `kFarPixel` stop there, and times at the ends of 64 bits.
 struct TimeScale {
     Rect view;           ///< ruler and labels included
     Rect plot;           ///< where grains lie
@@ -24,6 +24,7 @@ struct TimeScale {
     int TickToPixel(std::int64_t ticks16) const;
     /// Never negative.
     std::int64_t PixelToTick(int x) const;
+    /// The nearest division of the beat, in the middle the later one.
     std::int64_t SnapTick(std::int64_t ticks16) const;
     /// The inset of a grain in its row.
     int GrainMargin() const;
@@ -33,8 +34,22 @@ struct TimeScale {
     int rawRowOf(int y) const;
     /// Top of a row, client pixels.
     int topOf(int row) const { return rowHeight * row - vertical + plot.top; }
-    /// False outside the view and on no row. `onLabel`: on the pad's name.
+    /// Where the grains of a row lie, over the whole width of the view.
+    Rect grainBand(int row) const;
+    /// Whether an x lies between the edges of the plot.
+    bool isInPlot(int x) const { return plot.left <= x && x < plot.right; }
+    /// False outside the view and on no row: `row` is -1 then. `onLabel`: on the pad's name.
     bool HitTestRow(Point point, int* row, bool* onLabel) const;
+
+    /// Pixels that a pad needs which ends at `endTicks16`: a beat more.
+    int contentWidth(std::int64_t endTicks16) const;
+    int contentHeight() const { return 16 * rowHeight; }
+
+    // Zooming leaves `horizontal` and `vertical` alone, whatever is seen then.
+    void zoomIn();
+    void zoomOut();
+    void makeRowsHigher();
+    void makeRowsLower();
 };
 
 }  // namespace marnoth
