@@ -48,9 +48,10 @@ private:
     std::vector<Color> pixels_;
 };
 
-/// Reads an uncompressed 24-bit BMP file. Nothing for anything else, or when bytes are missing.
+/// Reads an uncompressed 24-bit BMP file, stored from the bottom up or from the top down. Nothing for
+/// anything else, or when bytes are missing: no more memory is taken than the file has bytes for.
 std::optional<Bitmap> readBmp(std::span<const std::byte> file);
-/// The bytes of a 24-bit BMP file.
+/// The bytes of a 24-bit BMP file, stored from the bottom up. A bitmap without pixels gives a file without.
 std::vector<std::byte> writeBmp(const Bitmap& bitmap);
 
 }  // namespace marnoth

@@ -46,7 +46,8 @@ public:
     virtual void Rectangle(const Rect& rect) = 0;
     /// The same with corners that are quarters of an ellipse of `cornerWidth` by `cornerHeight`.
     virtual void RoundRect(const Rect& rect, int cornerWidth, int cornerHeight) = 0;
-    /// Closed by itself; at least two points.
+    /// Closed by itself. The border goes through the pixels of all points, those at the right and at the
+    /// bottom too; where it crosses itself, what is inside an even number of times stays unfilled.
     virtual void Polygon(std::span<const Point> points) = 0;
     /// Inscribed in the rectangle.
     virtual void Ellipse(const Rect& rect) = 0;

@@ -122,12 +122,14 @@ bool isUtf8(std::string_view text) {
 std::wstring wideFromUtf8(std::string_view text) {
     std::wstring out;
     out.reserve(text.size());
-    while (!text.empty()) {
-        const Utf8Character c = readUtf8(text);
-        appendWide(out, c.bytes ? c.value : kReplacement);
-        text.remove_prefix(std::max<std::size_t>(c.bytes, 1));
-    }
+    while (!text.empty()) appendWide(out, takeUtf8(text));
     return out;
+}
+
+char32_t takeUtf8(std::string_view& text) {
+    const Utf8Character c = readUtf8(text);
+    text.remove_prefix(std::max<std::size_t>(c.bytes, 1));
+    return c.bytes ? c.value : kReplacement;
 }
 
 std::string utf8FromWide(std::wstring_view text) {

@@ -39,6 +39,10 @@ std::wstring wideFromStored(std::string_view text);
 /// UTF-8 to wide. A byte that isn't part of a character becomes U+FFFD.
 std::wstring wideFromUtf8(std::string_view text);
 
+/// Takes the first character off `text`, which is UTF-8 and not empty. A byte that isn't part of a character
+/// goes alone, as U+FFFD.
+char32_t takeUtf8(std::string_view& text);
+
 /// Wide to UTF-8. A lone surrogate and anything above U+10FFFF become U+FFFD.
 std::string utf8FromWide(std::wstring_view text);
 
