@@ -21,6 +21,7 @@ enum class ControlEventKind {
     queryKeys,  ///< which keys does the control want? `kAllKeys` for all
     focusIn,
     focusOut,
+    captureLost,  ///< the mouse was taken away: a press, a drag or a list that is open ends
 };
 
 /// One event of a control. The point counts from the control's own corner.
@@ -41,6 +42,8 @@ public:
 
     virtual PageWindow& window() = 0;
     virtual void invalidateControl(const Control& control) = 0;
+    /// What `Control::overlay` covers, or covered until now, is out of date. Page pixels.
+    virtual void invalidateOverlay(const Rect& area) = 0;
     /// All mouse events go to `control` until it lets go.
     virtual void captureMouse(Control& control) = 0;
     virtual void releaseMouse() = 0;
@@ -73,6 +76,11 @@ public:
 
     /// Draws the whole control at its place on the page.
     virtual void paint(Surface& surface) = 0;
+    /// What the control shows over its neighbours, an open list for one, in page pixels; empty as a rule.
+    /// While there is one the control has captured the mouse.
+    virtual Rect overlay() const { return {}; }
+    /// Draws what `overlay` covers, after all controls were painted.
+    virtual void paintOverlay(Surface&) {}
     /// The one entry of events. True when the control did something with it.
     virtual bool handle(const ControlEvent& event) = 0;
     /// False for static texts: their mouse events go to the page.
