@@ -1,0 +1,17 @@
+#pragma once
+
+#include <memory>
+
+#include "platform/Font.h"
+
+namespace marnoth {
+
+/// Fonts drawn by the system's graphics interface, antialiased. Only the face that was asked for will do.
+/// Advances are the face's own, rounded to whole pixels, so that texts are as wide here as elsewhere.
+/// Characters above U+FFFF give the box.
+class GdiFonts final : public FontSource {
+public:
+    std::unique_ptr<Font> open(std::string_view face, int height, std::string& error) override;
+};
+
+}  // namespace marnoth
