@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
@@ -37,6 +38,7 @@ struct Word {
 };
 
 /// The word by its description: a minus sign or none, digits, one unit that ends it, twelve units at most.
+/// A number out of range counts as the nearest in it.
 std::optional<Word> expectedWord(const std::vector<std::uint8_t>& bytes) {
     std::u16string units;
     for (std::size_t i = 0; i + 1 < bytes.size() && units.size() < 12; i += 2)
@@ -47,8 +49,9 @@ std::optional<Word> expectedWord(const std::vector<std::uint8_t>& bytes) {
     if (std::u16string(u" \t\r\n").find(units[end]) == std::u16string::npos && units[end] != 0) return {};
     std::int64_t number = 0;
     for (std::size_t i = first; i < end; ++i) number = number * 10 + (units[i] - u'0');
-    if (number > std::numeric_limits<std::int32_t>::max()) return {};
-    return Word{first ? -number : number, 2 * (end + 1)};
+    using Limits = std::numeric_limits<std::int32_t>;
+    const auto version = std::clamp<std::int64_t>(first ? -number : number, Limits::min(), Limits::max());
+    return Word{version, 2 * (end + 1)};
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "platform/PersistStream.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstdio>
@@ -39,6 +40,11 @@ bool endsNumber(std::uint16_t unit) {
     return unit == ' ' || unit == '\t' || unit == '\r' || unit == '\n' || unit == 0;
 }
 
+int nearestInt(std::int64_t number) {
+    using Limits = std::numeric_limits<int>;
+    return static_cast<int>(std::clamp<std::int64_t>(number, Limits::min(), Limits::max()));
+}
+
 /// Reads up to the end of the number and no further.
 HRESULT readVersion(IStream* stream, int* version) {
     bool negative = false;
@@ -51,10 +57,10 @@ HRESULT readVersion(IStream* stream, int* version) {
         if (i == 0 && unit == '-') {
             negative = true;
         } else if (unit >= '0' && unit <= '9') {
-            number = number * 10 + (unit - '0');
+            number = number * 10 + (unit - '0');  // at most eleven digits come before an end
             ++digits;
-        } else if (endsNumber(unit) && digits > 0 && number <= std::numeric_limits<int>::max()) {
-            *version = static_cast<int>(negative ? -number : number);
+        } else if (endsNumber(unit) && digits > 0) {
+            *version = nearestInt(negative ? -number : number);
             return S_OK;
         } else {
             return VFW_E_INVALID_FILE_FORMAT;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <limits>
 
 #include "platform/Graph.h"
 #include "platform/PersistStream.h"
@@ -102,9 +103,23 @@ TEST(PersistStream, AnyOfFiveCharactersEndsTheNumber) {
     }
 }
 
+TEST(PersistStream, ANumberBeyondTheRangeCountsAsTheNearest) {
+    const std::pair<const char*, int> words[] = {{"99999999999 ", std::numeric_limits<int>::max()},
+                                                 {"2147483647 ", std::numeric_limits<int>::max()},
+                                                 {"-2147483648 ", std::numeric_limits<int>::min()},
+                                                 {"-9999999999 ", std::numeric_limits<int>::min()}};
+    for (const auto& [word, version] : words) {
+        Keeper keeper;
+        MemoryStream stream(units(word) + "x");
+        EXPECT_EQ(keeper.Load(&stream), S_OK) << word;
+        EXPECT_EQ(keeper.LoadedVersion(), version) << word;
+        EXPECT_EQ(keeper.kept, 'x');
+    }
+}
+
 TEST(PersistStream, AnythingElseIsNoVersion) {
     for (const std::string& bad : {units("0000000000x "), units("            "), units("-           "),
-                                   units("0-000000000 "), units("000000000000"), units("99999999999 "),
+                                   units("0-000000000 "), units("000000000000 "), std::string("0\1 \0", 4),
                                    units("00000"), std::string("00000000000 "), std::string()}) {
         Keeper keeper;
         MemoryStream stream(bad + "x");
