@@ -1,5 +1,7 @@
 /// The instrument's project in a stream of its host: the version word, and what the engine writes behind it.
 
+#include <gtest/gtest.h>
+
 #include <chrono>
 #include <functional>
 #include <future>

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <chrono>
 #include <cstring>
 #include <functional>
 #include <future>
@@ -128,6 +129,20 @@ TEST(NameList, WithoutAPositionHasNothingNext) {
     EXPECT_EQ(list->GetNext(&position, nullptr, nullptr, 0), S_FALSE);
     position = &position;
     EXPECT_EQ(list->GetNext(&position, nullptr, nullptr, 0), S_FALSE) << "no traversal has begun";
+}
+
+TEST(NameList, GoesOnFromItsOwnPositionAlone) {
+    const auto list = drums();
+    void* position = nullptr;
+    ASSERT_EQ(list->GetFirst(&position), S_OK);
+    void* const token = position;
+    void* none = nullptr;
+    EXPECT_EQ(list->GetNext(&none, nullptr, nullptr, 0), S_FALSE) << "although a traversal has begun";
+    position = &position;
+    std::uint32_t id = 0;
+    EXPECT_EQ(list->GetNext(&position, &id, nullptr, 0), S_OK);
+    EXPECT_EQ(id, 36u);
+    EXPECT_EQ(position, token) << "each step gives it anew";
 }
 
 TEST(NameList, FindsANameById) {
@@ -273,6 +288,8 @@ TEST(InstrumentNames, GiveANoteListForEveryBankAndPatch) {
     EXPECT_FALSE(list == notes(*names, 0, 998));
     EXPECT_FALSE(list == notes(*names, 1, 999));
     EXPECT_TRUE(notes(*names, 3, -1) == notes(*names, 3, 65535)) << "16 bits of the patch count";
+    EXPECT_FALSE(notes(*names, 0, 0x8000) == notes(*names, 0, 0)) << "all of them";
+    EXPECT_FALSE(notes(*names, 0, 0x8000) == notes(*names, 1, 0)) << "and none reaches into the bank";
 }
 
 TEST(InstrumentNames, HaveOneListEachForControllersAndParameters) {
@@ -319,6 +336,7 @@ TEST(InstrumentNames, NeedAPlaceToGo) {
     EXPECT_EQ(names->GetPatchList(0, nullptr), E_POINTER);
     EXPECT_EQ(names->GetPatchList(16384, nullptr), E_INVALIDARG);
     EXPECT_EQ(names->GetNoteList(0, 0, nullptr), E_POINTER);
+    EXPECT_EQ(names->GetNoteList(16384, 0, nullptr), E_INVALIDARG);
     EXPECT_EQ(names->GetControllerList(nullptr), E_POINTER);
     EXPECT_EQ(names->GetRpnList(nullptr), E_POINTER);
     EXPECT_EQ(names->GetNrpnList(nullptr), E_POINTER);
@@ -365,6 +383,24 @@ TEST(InstrumentNames, ComeThroughTheOperationsThatBuildThem) {
     EXPECT_EQ(all[1](list.put()), E_FAIL);
     names->onBuild = nullptr;
     for (const auto& ask : all) EXPECT_TRUE(SUCCEEDED(ask(list.put())) && list);
+}
+
+TEST(InstrumentNames, AreBuiltUnderALockOfTheirOwn) {
+    bool gone = false;
+    const RefPtr<WatchedInstrument> names(new WatchedInstrument(gone));
+    std::vector<std::future<HRESULT>> others;
+    names->onBuild = [&] {
+        others.push_back(std::async(std::launch::async, [&] { return names->QueryPatchTrue(0, 0); }));
+        EXPECT_EQ(others.back().wait_for(std::chrono::milliseconds(20)), std::future_status::timeout);
+        return E_ABORT;
+    };
+    RefPtr<IKvxNameList> list;
+    EXPECT_EQ(names->GetPatchList(0, list.put()), E_ABORT);
+    EXPECT_EQ(names->GetNoteList(0, 0, list.put()), E_ABORT);
+    EXPECT_EQ(names->GetControllerList(list.put()), E_ABORT);
+    EXPECT_EQ(names->GetRpnList(list.put()), E_ABORT);
+    EXPECT_EQ(names->GetNrpnList(list.put()), E_ABORT);
+    for (auto& other : others) EXPECT_EQ(other.get(), S_OK);
 }
 
 TEST(InstrumentNames, EndWithTheLastReferenceWhileListsThatAreHeldStay) {
