@@ -135,27 +135,30 @@ private:
     std::unordered_map<UINT, Glyph> glyphs_;
 };
 
+/// Null when the system has no such face, or no memory device.
+std::unique_ptr<Font> openFace(const std::wstring& face, int height) {
+    constexpr int kAnySize = 16;
+    const FontHandle probe = makeFont(face, kAnySize);
+    Device device(CreateCompatibleDC(nullptr));
+    if (!device || !probe) return nullptr;
+    const HGDIOBJ before = SelectObject(device.get(), probe.get());
+    std::optional<FaceExtent> extent;
+    if (isFace(device.get(), face)) extent = extentOf(device.get(), face);
+    SelectObject(device.get(), before);
+    if (!extent) return nullptr;
+    const FaceScale scale = scaleToHeight(*extent, height);
+    return std::make_unique<GdiFont>(std::move(device), makeFont(face, scale.pixelsPerEm),
+                                     makeFont(face, extent->unitsPerEm), scale, extent->unitsPerEm);
+}
+
 }  // namespace
 
 std::unique_ptr<Font> GdiFonts::open(std::string_view face, int height, std::string& error) {
-    const std::wstring name = wideFromUtf8(face);
-    FontHandle probe = makeFont(name, 16);
-    Device device(CreateCompatibleDC(nullptr));
-    if (!device || !probe) {
-        error = "The system gives no memory device or no font.";
-        return nullptr;
-    }
-    const HGDIOBJ before = SelectObject(device.get(), probe.get());
-    const std::optional<FaceExtent> extent =
-        isFace(device.get(), name) ? extentOf(device.get(), name) : std::nullopt;
-    SelectObject(device.get(), before);
-    if (!extent) {
-        error = "The font \"" + std::string(face) + "\" isn't installed.";
-        return nullptr;
-    }
-    const FaceScale scale = scaleToHeight(*extent, height);
-    return std::make_unique<GdiFont>(std::move(device), makeFont(name, scale.pixelsPerEm),
-                                     makeFont(name, extent->unitsPerEm), scale, extent->unitsPerEm);
+    const std::wstring wanted = wideFromUtf8(face);
+    std::unique_ptr<Font> font = openFace(wanted, height);
+    if (!font && face == "Arial") font = openFace(L"Liberation Sans", height);
+    if (!font) error = "The font \"" + std::string(face) + "\" isn't installed.";
+    return font;
 }
 
 std::unique_ptr<FontSource> platformFonts() {
