@@ -195,15 +195,17 @@ void EditLine::drag(int x) {
     caret_ = gap;
 }
 
-void EditLine::reveal(int width) {
+int EditLine::scrollFor(int width) const {
+    // What is selected as a whole is read, not edited: from its beginning.
+    if (hasSelection() && selected().size() == text_.size()) return 0;
     const int inner = width - kLeftMargin - kRightMargin;
     const int caret = widthTo(caret_);
-    scroll_ = std::clamp(scroll_, caret - inner, std::max(caret, caret - inner));
-    scroll_ = std::clamp(scroll_, 0, std::max(0, widthTo(text_.size()) - inner));
+    const int inSight = std::clamp(scroll_, caret - inner, std::max(caret, caret - inner));
+    return std::clamp(inSight, 0, std::max(0, widthTo(text_.size()) - inner));
 }
 
 void EditLine::paint(Surface& surface, const Rect& room, bool focused) {
-    reveal(room.width());
+    scroll_ = focused ? scrollFor(room.width()) : 0;
     surface.SelectClipRgn(room);
     surface.SelectPen({kGround});
     surface.SelectBrush(kGround);

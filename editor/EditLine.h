@@ -62,7 +62,7 @@ private:
     bool shortcut(int key, PageWindow& window);
     void copy(PageWindow& window) const;
     void paste(std::string_view text);
-    void reveal(int width);
+    int scrollFor(int width) const;
     void paintText(Surface& surface, Point at, bool focused) const;
     void paintCaret(Surface& surface, const Rect& room) const;
 
