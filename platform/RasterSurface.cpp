@@ -37,7 +37,18 @@ void RasterSurface::SelectClipRgn(std::optional<Rect> clip) {
 }
 
 void RasterSurface::Rectangle(const Rect& rect) {
-    drawShape(rect, RoundedShape(rect, 1, 1));
+    if (pen_.dotted) return drawShape(rect, RoundedShape(rect, 1, 1));
+    if (rect.isEmpty()) return;
+    const std::int64_t left = std::int64_t{rect.left} + penWidth_;
+    const std::int64_t top = std::int64_t{rect.top} + penWidth_;
+    const std::int64_t right = std::int64_t{rect.right} - penWidth_;
+    const std::int64_t bottom = std::int64_t{rect.bottom} - penWidth_;
+    if (left >= right || top >= bottom) return fill(rect.left, rect.top, rect.right, rect.bottom, pen_.color);
+    fill(rect.left, rect.top, rect.right, top, pen_.color);
+    fill(rect.left, top, left, bottom, pen_.color);
+    if (brush_) fill(left, top, right, bottom, *brush_);
+    fill(right, top, rect.right, bottom, pen_.color);
+    fill(rect.left, bottom, rect.right, rect.bottom, pen_.color);
 }
 
 void RasterSurface::RoundRect(const Rect& rect, int cornerWidth, int cornerHeight) {
@@ -115,6 +126,14 @@ void RasterSurface::fill(std::int64_t left, std::int64_t top, std::int64_t right
 void RasterSurface::line(Point from, Point to) {
     // A wide pen is a square that goes along the pixels of the line, more of it before them than behind.
     const int before = penWidth_ / 2;
+    if (!pen_.dotted && (from.x == to.x) != (from.y == to.y)) {
+        // Along an axis all the squares are one rectangle. A line that goes back begins behind its end.
+        const std::int64_t left = to.x < from.x ? std::int64_t{to.x} + 1 : from.x;
+        const std::int64_t top = to.y < from.y ? std::int64_t{to.y} + 1 : from.y;
+        const std::int64_t right = std::max(std::int64_t{from.x} + 1, std::int64_t{to.x}) + penWidth_ - 1;
+        const std::int64_t bottom = std::max(std::int64_t{from.y} + 1, std::int64_t{to.y}) + penWidth_ - 1;
+        return fill(left - before, top - before, right - before, bottom - before, pen_.color);
+    }
     for (LinePixels at(from, to, clip_, penWidth_); !at.atEnd(); at.next()) {
         const Color color = pen_.dotted && at.step() % 2 != 0 ? groundColor_ : pen_.color;
         const std::int64_t left = at.x() - before;

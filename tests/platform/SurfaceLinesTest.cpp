@@ -131,6 +131,19 @@ TEST(SurfaceLine, APenOfTwoAddsThePixelsAboveAndToTheLeft) {
                                    "..##....."}));
 }
 
+TEST(SurfaceLine, APenOfTwoLeavesOutTheEndBackwardsToo) {
+    Canvas canvas(9, 6);
+    canvas.surface.SelectPen({test::kPenColor, 2});
+    draw(canvas, {4, 1}, {1, 1});
+    draw(canvas, {7, 4}, {7, 1});
+    EXPECT_EQ(canvas.rows(), (Rows{".####....",  //
+                                   ".####.##.",  //
+                                   "......##.",  //
+                                   "......##.",  //
+                                   "......##.",  //
+                                   "........."}));
+}
+
 TEST(SurfaceLine, PensOfZeroAndOneAreAlike) {
     Canvas zero(9, 5);
     Canvas one(9, 5);

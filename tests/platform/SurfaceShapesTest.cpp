@@ -55,6 +55,20 @@ TEST(SurfaceRectangle, APenOfTwoTakesTwoPixelsInside) {
                                    ".#######"}));
 }
 
+TEST(SurfaceRectangle, IsARoundedOneWithSquareCorners) {
+    for (int penWidth = 0; penWidth <= 5; ++penWidth)
+        for (int width = 0; width <= 8; ++width)
+            for (int height = 0; height <= 8; ++height) {
+                Canvas plain(10, 10);
+                Canvas rounded(10, 10);
+                for (Canvas* canvas : {&plain, &rounded})
+                    canvas->surface.SelectPen({test::kPenColor, penWidth});
+                plain.filled().Rectangle(Rect::at(1, 1, width, height));
+                rounded.filled().RoundRect(Rect::at(1, 1, width, height), 1, 1);
+                EXPECT_EQ(plain.rows(), rounded.rows()) << penWidth << ' ' << width << ' ' << height;
+            }
+}
+
 TEST(SurfaceRectangle, DottedAlternatesAlongEverySideInPenAndGround) {
     Canvas canvas(5, 4);
     canvas.surface.SelectPen({test::kPenColor, 0, true});
