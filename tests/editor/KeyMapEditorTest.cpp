@@ -42,6 +42,13 @@ protected:
         for (; at != surface.calls().end() && count > 0; --count) found.push_back(*at++);
         return found;
     }
+    /// The places of the keys, in the order of drawing.
+    Calls rectangles() const {
+        Calls found;
+        for (const std::string& call : surface.calls())
+            if (call.starts_with("Rectangle ")) found.push_back(call.substr(10));
+        return found;
+    }
     /// The pen and the brush of a key.
     Calls colorsOf(const std::string& key) const {
         const auto at = std::find(surface.calls().begin(), surface.calls().end(), "Rectangle " + key);
@@ -157,6 +164,11 @@ TEST_F(KeyMapEditor, AnyOtherKeyPansTheKeyboardAgainstTheMouse) {
     // From where the press was, not from the last move.
     dragTo(kD4 - 10);
     EXPECT_EQ(editor.NoteFromX(kD4 - 10), 50);
+    // The next press goes on where the keyboard stands.
+    editor.endDrag();
+    press(kD4 - 10);
+    dragTo(kD4 - 30);
+    EXPECT_EQ(editor.NoteFromX(kD4 - 30), 50);
 }
 
 TEST_F(KeyMapEditor, WithShiftPanningRests) {
@@ -195,8 +207,20 @@ TEST_F(KeyMapEditor, AfterTheReleaseNothingIsHeld) {
     expectKeys(48, 72, 60);
 }
 
+TEST_F(KeyMapEditor, APressForgetsWhatTheOneBeforeHeld) {
+    press(kC4);
+    press(50);
+    dragTo(kD4);
+    expectKeys(48, 72, 60);
+    // Of a handle its edge counts, of a key the key.
+    press(390, kOnHandles);
+    press(kC5);
+    dragTo(kD5);
+    expectKeys(48, 72, 62);
+}
+
 TEST_F(KeyMapEditor, PressesBesideTheKeysTakeNothing) {
-    for (const Point beside : {Point{50, 300}, Point{571, 300}, Point{kC4, 322}, Point{kC4, 260}}) {
+    for (const Point beside : {Point{50, 300}, Point{571, 300}, Point{390, 322}, Point{390, 260}}) {
         note = -5;
         drag = true;
         EXPECT_FALSE(press(beside.x, beside.y)) << beside.x << ',' << beside.y;
@@ -207,8 +231,9 @@ TEST_F(KeyMapEditor, PressesBesideTheKeysTakeNothing) {
 
 TEST_F(KeyMapEditor, TheLowHandleStandsAtItsKeysLeftEdge) {
     // C4 begins at 51 + 56 units = 390, D4 at 51 + 58 units = 402.
-    EXPECT_TRUE(press(390, kOnHandles));
+    EXPECT_TRUE(press(390, 261));
     EXPECT_TRUE(drag);
+    EXPECT_TRUE(press(390, 266));
     dragTo(402);
     expectKeys(50, 72, 60);
 }
@@ -264,15 +289,28 @@ TEST_F(KeyMapEditor, DrawsInItsOwnClipAndGivesTheOtherOneBack) {
     EXPECT_EQ(surface.calls().back(), "SelectClipRgn 37,248,581,327");
 }
 
+TEST_F(KeyMapEditor, DrawingBeginsAndEndsWithAKeyBesideAGap) {
+    // The first half unit is 5 with 36 pixels scrolled: E. The last one is 93, G sharp.
+    press(kD4);
+    dragTo(kD4 - 36);
+    draw();
+    EXPECT_EQ(rectangles().size(), 77u);  // notes 4 to 80
+    EXPECT_EQ(rectangles().front(), "39,267,52,322");
+    // With 12 pixels they are 1 and 89, which is a gap: C sharp and E.
+    surface.clear();
+    dragTo(kD4 - 12);
+    draw();
+    EXPECT_EQ(rectangles().size(), 76u);  // notes 1 to 76
+}
+
 TEST_F(KeyMapEditor, DrawsTheKeysThatCanBeSeen) {
     // Half units -1 to 87, notes 0 to 75: 44 white keys and then 32 black ones.
     draw();
-    std::vector<std::string> bottoms;
-    for (const std::string& call : surface.calls())
-        if (call.starts_with("Rectangle ")) bottoms.push_back(call.substr(call.size() - 4));
-    ASSERT_EQ(bottoms.size(), 76u);
-    EXPECT_EQ(std::count(bottoms.begin(), bottoms.begin() + 44, ",322"), 44);
-    EXPECT_EQ(std::count(bottoms.begin() + 44, bottoms.end(), ",300"), 32);  // 267 + 3 * 55 / 5
+    const Calls keys = rectangles();
+    ASSERT_EQ(keys.size(), 76u);
+    const auto endsAt = [](const char* bottom) { return [=](auto& key) { return key.ends_with(bottom); }; };
+    EXPECT_EQ(std::count_if(keys.begin(), keys.begin() + 44, endsAt(",322")), 44);
+    EXPECT_EQ(std::count_if(keys.begin() + 44, keys.end(), endsAt(",300")), 32);  // 267 + 3 * 55 / 5
 }
 
 TEST_F(KeyMapEditor, WhiteKeysHaveTheColoursOfTheirPlaceInTheRange) {
