@@ -14,7 +14,7 @@ namespace {
 
 constexpr Color kText = kPalette[4];
 constexpr Color kGround = kPalette[1];
-constexpr int kArrowWidth = 10;
+constexpr int kArrowWidth = 7;  ///< the longest text of the page just fits beside it
 constexpr int kBorder = 1;
 
 }  // namespace
@@ -226,7 +226,7 @@ void CFxComboBox::paint(Surface& surface) {
 }
 
 void CFxComboBox::paintArrow(Surface& surface) const {
-    const int middle = place().right - kArrowWidth / 2;
+    const int middle = place().right - kArrowWidth / 2 - 1;
     const int top = place().top + place().height() / 2 - 1;
     surface.SelectPen({kText});
     for (int row = 0; row < 3; ++row) {

@@ -541,11 +541,11 @@ TEST(Combo, ChoosingIsOpeningPickingAndClosingInOne) {
 TEST(Combo, DrawsItsTextBesideAnArrow) {
     ComboOnPage it;
     const Heard calls = drawn(it.combo);
-    EXPECT_TRUE(has(calls, "SelectClipRgn 534,22,584,34")) << "ten pixels are the arrow's";
+    EXPECT_TRUE(has(calls, "SelectClipRgn 534,22,587,34")) << "seven pixels are the arrow's";
     EXPECT_TRUE(has(calls, "TextOut 536,22 \"Mix Only\""));
     const Heard arrow(calls.end() - 6, calls.end());
-    EXPECT_EQ(arrow, (Heard{"MoveTo 587,27", "LineTo 592,27", "MoveTo 588,28", "LineTo 591,28",
-                            "MoveTo 589,29", "LineTo 590,29"}));
+    EXPECT_EQ(arrow, (Heard{"MoveTo 588,27", "LineTo 593,27", "MoveTo 589,28", "LineTo 592,28",
+                            "MoveTo 590,29", "LineTo 591,29"}));
 }
 
 TEST(StaticText, DrawsDarkTextOnBlueAndLeavesTheMouseToThePage) {
