@@ -18,7 +18,6 @@
 namespace marnoth {
 
 class RiffStream;
-struct Project;
 struct ProjectTracks;
 
 inline constexpr std::int32_t kBinFiles = 16;

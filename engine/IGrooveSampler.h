@@ -44,9 +44,9 @@ inline constexpr IID IID_IGrooveSampler{
 
 /// The control surface: the one way by which an editor, a script or a test changes the engine.
 ///
-/// Any thread but the streaming one. Every operation holds the engine's lock for its body (file loads only to
-/// publish the finished track), so a block may have to wait for it and a change takes effect at the next
-/// block. Nothing is notified: callers poll.
+/// Any thread but the streaming one. Every operation holds the engine's lock for its body, so a block may
+/// have to wait for it and a change takes effect at the next block; those that read or write files hold it
+/// only to take the state or to publish what they have finished. Nothing is notified: callers poll.
 ///
 /// Indices: `pad` 0 to 15, `bin` a position in the Loop Bin, `grain` a position in a track. A bad pad or file
 /// gives `E_INVALIDARG` (exceptions stand at the operation), a null out-pointer `E_POINTER`; a bad grain
@@ -61,7 +61,12 @@ struct IGrooveSampler : IDispatch {
     virtual HRESULT ClearProject() = 0;
     /// Lays a file's grains on a pad in place of the pad's own. `E_FAIL` when they can't be copied.
     virtual HRESULT LoadPadFromBin(std::int32_t pad, std::int32_t bin) = 0;
+    /// Writes the project, audio and all, to a file; ".mrn" is appended to any other name. What stood there
+    /// is kept as ".bak" until the new file is whole. `E_FAIL` when it can't be written or is above 4 GiB.
     virtual HRESULT SaveProject(std::uint32_t unused, const char* path) = 0;
+    /// Puts a file's project in place of this one, which is gone whatever comes of it. 1 when it has loaded
+    /// and the input had no usable format; after a failure, or when a pad's grain names a grain below 0
+    /// (`std::invalid_argument`), the project is empty.
     virtual HRESULT LoadProject(const char* path) = 0;
     /// Removes a file with all grains cut from it. A bad `bin` gives `S_FALSE`.
     virtual HRESULT RemoveBinFile(std::int32_t bin) = 0;

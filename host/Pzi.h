@@ -146,6 +146,9 @@ public:
     virtual HRESULT PrepareResources() = 0;
     virtual HRESULT FreeResources() = 0;
     virtual std::int32_t GetPersistSize() = 0;
+    /// What the instrument keeps, from the stream's position on and to it; the stream stands behind it
+    /// afterwards. Both take the lock for themselves, and not while bytes come or go. A failed load leaves
+    /// the instrument empty; it may throw `std::invalid_argument` for a state that names what can't be.
     virtual HRESULT LoadState(IStream* stream) = 0;
     virtual HRESULT SaveState(IStream* stream) = 0;
     /// Ends every voice at once, without a fade, and unsets the running position.
