@@ -27,6 +27,7 @@ public:
 
     void paint(Surface& surface) override;
     bool handle(const ControlEvent& event) override;
+    std::optional<int> shownState() const override { return value_; }
 
 protected:
     virtual void NotifyParent(int code);

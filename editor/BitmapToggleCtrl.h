@@ -22,6 +22,7 @@ public:
     void setDown(bool down);
 
     bool handle(const ControlEvent& event) override;
+    std::optional<int> shownState() const override { return isDown_ ? 1 : 0; }
 
 protected:
     void DrawItem(Surface& surface) const override;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "platform/Geometry.h"
@@ -85,6 +86,13 @@ public:
     virtual bool handle(const ControlEvent& event) = 0;
     /// False for static texts: their mouse events go to the page.
     virtual bool takesMouse() const { return true; }
+    /// Edits and combos can be typed into.
+    virtual bool takesText() const { return false; }
+
+    /// What a user reads on the control: the text of edits, combos and static texts; nothing on others.
+    virtual std::optional<std::string> shownText() const { return {}; }
+    /// 0 (up) or 1 of a toggle, 0 to 100 of a knob, a combo's selection; nothing on others.
+    virtual std::optional<int> shownState() const { return {}; }
 
 protected:
     ControlParent& parent() const { return parent_; }

@@ -21,6 +21,8 @@ public:
 
     void paint(Surface& surface) override;
     bool handle(const ControlEvent& event) override;
+    bool takesText() const override { return true; }
+    std::optional<std::string> shownText() const override { return text(); }
 
 private:
     void press(int x);

@@ -20,6 +20,7 @@ public:
     void paint(Surface& surface) override;
     bool handle(const ControlEvent&) override { return false; }
     bool takesMouse() const override { return false; }
+    std::optional<std::string> shownText() const override { return text(); }
 
 private:
     Font* font_ = nullptr;

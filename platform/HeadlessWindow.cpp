@@ -116,6 +116,8 @@ void HeadlessWindow::tick() {
 
 void HeadlessWindow::drop(Point at, std::span<const std::string> paths) {
     pointer_ = at;
+    tell([](PageEvents& page) { page.dragEnter(true); });
+    tell([at](PageEvents& page) { page.dragOver(at); });
     tell([at, paths](PageEvents& page) { page.drop(at, paths); });
 }
 

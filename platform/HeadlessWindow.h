@@ -36,6 +36,7 @@ public:
     void type(std::string_view text);
     /// One period of the timer passes; nothing when none is set.
     void tick();
+    /// Files come from outside: enter, over, drop.
     void drop(Point at, std::span<const std::string> paths);
     /// For the next question that has none yet: "yes", "no", "ok", "cancel", a menu's id or a file. A
     /// question without an answer is cancelled, and so is one that can't be answered in that way.

@@ -41,6 +41,9 @@ enum PageKey : int {
 enum class PageCursor { arrow, dragCopy, sizeHorizontal, sizeVertical, none };
 enum class PageAnswer { ok, cancel, yes, no };
 
+/// What a drop from outside does with what is dropped.
+enum class DropEffect { none = 0, copy = 1 };
+
 /// One entry of a popup menu.
 struct MenuItem {
     int id = 0;
@@ -107,8 +110,14 @@ public:
     virtual void character(char32_t character) = 0;
     /// The window as a whole lost the keyboard.
     virtual void focusLost() = 0;
-    /// Files dropped from outside, full paths.
-    virtual void drop(Point at, std::span<const std::string> paths) = 0;
+    /// Something else took the mouse: the press or drag that is under way ends without effect.
+    virtual void captureLost() = 0;
+    /// Something is dragged over the page from outside. Each answers what a drop would do.
+    virtual DropEffect dragEnter(bool hasFiles) = 0;
+    virtual DropEffect dragOver(Point at) = 0;
+    virtual void dragLeave() = 0;
+    /// Full paths in UTF-8; nothing when what was dropped isn't files.
+    virtual DropEffect drop(Point at, std::optional<std::span<const std::string>> paths) = 0;
 };
 
 }  // namespace marnoth

@@ -93,7 +93,11 @@ public:
     void keyUp(int key) override { send({ControlEventKind::keyUp, {}, key}); }
     void character(char32_t character) override { send({ControlEventKind::character, {}, 0, character}); }
     void focusLost() override { focus(nullptr); }
-    void drop(Point, std::span<const std::string>) override {}
+    void captureLost() override { captured_ = nullptr; }
+    DropEffect dragEnter(bool) override { return DropEffect::none; }
+    DropEffect dragOver(Point) override { return DropEffect::none; }
+    void dragLeave() override {}
+    DropEffect drop(Point, std::optional<std::span<const std::string>>) override { return DropEffect::none; }
 
     bool OnControlMessage(Control& control, const ControlEvent& event, int* result) override {
         const std::string who = std::to_string(control.id());

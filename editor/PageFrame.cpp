@@ -1,0 +1,234 @@
+#include "editor/PageFrame.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "platform/Surface.h"
+
+namespace marnoth {
+
+namespace {
+
+bool meetsAny(const std::vector<Rect>& areas, const Rect& area) {
+    return std::ranges::any_of(areas, [&](const Rect& other) { return meet(other, area); });
+}
+
+/// The smallest rectangle that holds both; an empty one counts for nothing.
+Rect around(const Rect& a, const Rect& b) {
+    if (a.isEmpty()) return b;
+    if (b.isEmpty()) return a;
+    return {std::min(a.left, b.left), std::min(a.top, b.top), std::max(a.right, b.right),
+            std::max(a.bottom, b.bottom)};
+}
+
+/// `at` counted from the control's corner.
+Point onControl(const Control& control, Point at) {
+    return {at.x - control.place().left, at.y - control.place().top};
+}
+
+void copyPixels(const Bitmap& from, Bitmap& to, const Rect& area) {
+    for (int y = area.top; y < area.bottom; ++y)
+        std::ranges::copy(
+            from.row(y).subspan(static_cast<std::size_t>(area.left), static_cast<std::size_t>(area.width())),
+            to.row(y).begin() + area.left);
+}
+
+}  // namespace
+
+PageFrame::PageFrame(PageWindow& window, const Bitmap& ground, SurfaceMaker makeSurface)
+    : m_window(window),
+      m_makeSurface(std::move(makeSurface)),
+      m_backBuffer(ground),
+      m_page(ground),
+      m_screen(ground) {}
+
+Control* PageFrame::controlOf(int id) const {
+    const auto found =
+        std::ranges::find_if(m_controls, [&](Control* control) { return control->id() == id; });
+    return found == m_controls.end() ? nullptr : *found;
+}
+
+void PageFrame::focusControl(Control& control) {
+    carryOut([&] { focus(&control); });
+}
+
+void PageFrame::drain() {
+    // What is posted meanwhile comes behind what was posted before.
+    while (!m_posted.empty()) {
+        const std::function<void()> next = std::move(m_posted.front());
+        m_posted.erase(m_posted.begin());
+        guarded(next);
+    }
+}
+
+Control* PageFrame::under(Point at) const {
+    const auto found = std::find_if(m_controls.rbegin(), m_controls.rend(), [&](const Control* control) {
+        return control->takesMouse() && control->place().contains(at);
+    });
+    return found == m_controls.rend() ? nullptr : *found;
+}
+
+Control* PageFrame::targetOf(Point at) const {
+    if (m_captured) return m_captured;
+    return m_pageCaptured ? nullptr : under(at);
+}
+
+void PageFrame::route(ControlEventKind kind, Point at, void (PageFrame::*toPage)(Point)) {
+    carryOut([&] {
+        if (Control* target = targetOf(at))
+            target->handle({kind, onControl(*target, at)});
+        else
+            (this->*toPage)(at);
+    });
+}
+
+void PageFrame::leftDown(Point at) {
+    route(ControlEventKind::leftDown, at, &PageFrame::pressed);
+}
+
+void PageFrame::leftUp(Point at) {
+    route(ControlEventKind::leftUp, at, &PageFrame::released);
+}
+
+void PageFrame::doubleClick(Point at) {
+    route(ControlEventKind::doubleClick, at, &PageFrame::doubleClicked);
+}
+
+void PageFrame::mouseMove(Point at) {
+    route(ControlEventKind::mouseMove, at, &PageFrame::moved);
+}
+
+void PageFrame::rightDown(Point) {}
+
+void PageFrame::contextMenu(Point at) {
+    if (m_captured) return;
+    const Control* control = under(at);
+    if (control && control->takesText()) return;
+    carryOut([&] { menuWanted(at); });
+}
+
+void PageFrame::sendKey(const ControlEvent& event) {
+    carryOut([&] {
+        if (m_focus) m_focus->handle(event);
+    });
+}
+
+void PageFrame::keyDown(int key) {
+    sendKey({ControlEventKind::keyDown, {}, key});
+}
+
+void PageFrame::keyUp(int key) {
+    sendKey({ControlEventKind::keyUp, {}, key});
+}
+
+void PageFrame::character(char32_t character) {
+    sendKey({ControlEventKind::character, {}, 0, character});
+}
+
+void PageFrame::focusLost() {
+    carryOut([&] { focus(nullptr); });
+}
+
+void PageFrame::captureLost() {
+    carryOut([&] {
+        Control* const control = std::exchange(m_captured, nullptr);
+        const bool ofPage = std::exchange(m_pageCaptured, false);
+        if (control) control->handle({ControlEventKind::captureLost, {}});
+        if (ofPage) gestureLost();
+    });
+}
+
+void PageFrame::captureMouse(Control& control) {
+    m_captured = &control;
+    m_pageCaptured = false;
+    m_window.setCapture();
+}
+
+void PageFrame::captureForPage() {
+    m_captured = nullptr;
+    m_pageCaptured = true;
+    m_window.setCapture();
+}
+
+void PageFrame::releaseMouse() {
+    m_captured = nullptr;
+    m_pageCaptured = false;
+    m_window.releaseCapture();
+}
+
+void PageFrame::focus(Control* control) {
+    if (control == m_focus) return;
+    Control* const before = std::exchange(m_focus, control);
+    if (before) before->handle({ControlEventKind::focusOut, {}});
+    m_window.takeFocus(m_focus != nullptr);
+    if (m_focus) m_focus->handle({ControlEventKind::focusIn, {}});
+}
+
+void PageFrame::postCommand(int id) {
+    post([this, id] { command(id); });
+}
+
+void PageFrame::postScroll(Control& knob, int, int) {
+    post([this, &knob] { scrolled(knob); });
+}
+
+void PageFrame::postEditReturn(int id) {
+    post([this, id] { editReturned(id); });
+}
+
+void PageFrame::invalidate(const Rect& area) {
+    const Rect inside = intersection(area, m_screen.bounds());
+    if (inside.isEmpty()) return;
+    const auto within = [](const Rect& inner, const Rect& outer) {
+        return intersection(inner, outer) == inner;
+    };
+    if (std::ranges::any_of(m_invalid, [&](const Rect& other) { return within(inside, other); })) return;
+    std::erase_if(m_invalid, [&](const Rect& other) { return within(other, inside); });
+    m_invalid.push_back(inside);
+    wakeUp();
+}
+
+bool PageFrame::RectVisible(const Rect& area) const {
+    return meetsAny(m_painting, area);
+}
+
+void PageFrame::paint() {
+    if (!canPaint() || (m_invalid.empty() && m_stale.empty())) return;
+    std::vector<Rect> stale = std::exchange(m_stale, {});
+    if (!m_invalid.empty()) {
+        paintInvalid();
+        stale.insert(stale.end(), m_painting.begin(), m_painting.end());
+    }
+    compose(stale);
+}
+
+void PageFrame::paintInvalid() {
+    m_painting = std::exchange(m_invalid, {});
+    guarded([&] { paintPage(*m_makeSurface(m_backBuffer)); });
+    // The back buffer may be unfinished outside of what was out of date.
+    for (const Rect& area : m_painting) copyPixels(m_backBuffer, m_page, area);
+}
+
+void PageFrame::compose(const std::vector<Rect>& stale) {
+    Rect changed;
+    const auto cover = [&](const Rect& area) { changed = around(changed, area); };
+    for (const Rect& area : stale) {
+        const Rect inside = intersection(area, m_screen.bounds());
+        copyPixels(m_page, m_screen, inside);
+        cover(inside);
+    }
+    const std::unique_ptr<Surface> surface = m_makeSurface(m_screen);
+    for (Control* control : m_controls) {
+        if (!meetsAny(stale, control->place())) continue;
+        control->paint(*surface);
+        cover(control->place());
+    }
+    for (Control* control : m_controls) {
+        if (!meet(control->overlay(), changed)) continue;
+        control->paintOverlay(*surface);
+        cover(control->overlay());
+    }
+    m_window.present(m_screen, intersection(changed, m_screen.bounds()));
+}
+
+}  // namespace marnoth
