@@ -9,10 +9,9 @@
 #include "editor/Control.h"
 #include "platform/Bitmap.h"
 #include "platform/PageWindow.h"
+#include "platform/Surface.h"
 
 namespace marnoth {
-
-class Surface;
 
 /// What a page stands on: passes the window's events on to the controls or to the page, knows who has the
 /// keyboard and the mouse, carries out what controls post, and keeps the picture up to date.

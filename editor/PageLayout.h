@@ -11,6 +11,7 @@ inline constexpr int kPageHeight = 553;
 
 inline constexpr Rect kPadBlock{139, 6, 496, 238};
 inline constexpr Rect kBinList{14, 69, 119, 218};
+inline constexpr int kBinRowHeight = 15;
 inline constexpr Rect kStripPanel{1, 232, 597, 339};
 inline constexpr Rect kStripPlot{37, 248, 581, 327};
 inline constexpr Rect kKeyMapTab{6, 234, 27, 286};

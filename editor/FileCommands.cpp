@@ -1,0 +1,116 @@
+/// Loading and saving: what the buttons with a file on them do.
+
+#include <cstring>
+#include <stdexcept>
+
+#include "editor/GrooveSamplerPropPage.h"
+#include "editor/PageLayout.h"
+#include "editor/PageTexts.h"
+#include "platform/Text.h"
+
+namespace marnoth {
+
+namespace {
+
+/// The engine's texts end there.
+constexpr std::size_t kMostBytes = 259;
+
+/// A path as the engine takes it. A longer one than it takes has no name at all: cut, it would be another
+/// file's.
+struct EngineFile {
+    explicit EngineFile(const std::string& path)
+        : EngineFile(wideFromUtf8(path), pathFromWide(wideFromUtf8(path)).filename()) {}
+
+    std::string title;
+    std::string path;
+    bool fits() const { return path.size() <= kMostBytes && title.size() <= kMostBytes; }
+
+private:
+    EngineFile(const std::wstring& path, const std::filesystem::path& name)
+        : title(systemFromWide(wideFromPath(name))), path(systemFromWide(path)) {}
+};
+
+}  // namespace
+
+void CGrooveSamplerPropPage::RunFileCommand(FileMode mode, bool save) {
+    const char* const filter = mode == FileMode::project ? kProjectFilter : kWaveFilter;
+    if (const auto path = window().askFile(filter, save)) {
+        clearSelections();
+        m_currentBinFile = -1;
+        if (mode == FileMode::project)
+            runProjectFile(*path, save);
+        else
+            loadChosenFile(mode, *path);
+    }
+    focus(&m_controls.toggle(kBinPlay));
+    requestRefresh();
+}
+
+CGrooveSamplerPropPage::LoadResult CGrooveSamplerPropPage::loadFile(FileMode mode, const std::string& path) {
+    LoadResult result;
+    const EngineFile file(path);
+    const char* const title = file.title.c_str();
+    if (!file.fits())
+        result.code = E_INVALIDARG;
+    else if (mode == FileMode::pad)
+        result.code = call(&IGrooveSampler::LoadFileToPad, m_currentPad, title, file.path.c_str(),
+                           &result.bin, &result.status);
+    else
+        result.code =
+            call(&IGrooveSampler::LoadFileToBin, title, file.path.c_str(), &result.bin, &result.status);
+    return result;
+}
+
+void CGrooveSamplerPropPage::loadChosenFile(FileMode mode, const std::string& path) {
+    const bool ontoPad = mode == FileMode::pad;
+    if (ontoPad) call(&IGrooveSampler::PushUndoState);
+    const LoadResult result = loadFile(mode, path);
+    if (result.isInBin()) m_currentBinFile = result.bin;
+    if (!result.isFine()) {
+        if (ontoPad) call(&IGrooveSampler::Undo);
+        reportLoad(result);
+    }
+    if (ontoPad) SyncLoopToggles(m_currentPad);
+}
+
+void CGrooveSamplerPropPage::reportLoad(const LoadResult& result) {
+    const char* const text = result.status == kBinFull              ? kBinIsFull
+                             : result.status == kLoadedFormatForced ? kNotPatched
+                                                                    : kLoadFailed;
+    window().askMessage(text, false);
+}
+
+void CGrooveSamplerPropPage::runProjectFile(const std::string& path, bool save) {
+    const EngineFile file(path);
+    HRESULT result = E_INVALIDARG;
+    try {
+        if (file.fits() && save) result = call(&IGrooveSampler::SaveProject, 0, file.path.c_str());
+        if (file.fits() && !save) result = call(&IGrooveSampler::LoadProject, file.path.c_str());
+    } catch (const std::invalid_argument&) {
+        // The project names a grain that can't be.
+    }
+    if (FAILED(result)) window().askMessage(save ? kSaveProjectFailed : kLoadProjectFailed, false);
+}
+
+void CGrooveSamplerPropPage::projectCommand(bool save) {
+    m_currentBinFile = -1;
+    SelectPad(0);
+    RunFileCommand(FileMode::project, save);
+    requestRefresh();
+    // Opening leaves its own toggle as the press left it, so that it stands down after every second use.
+    m_controls.toggle(save ? kSaveProject : kLoadToBin).setDown(false);
+}
+
+void CGrooveSamplerPropPage::clearProject() {
+    window().setTimer(0);
+    if (window().askMessage(kAskClearProject, true) == PageAnswer::yes) {
+        m_currentBinFile = -1;
+        SelectPad(0);
+        clearSelections();
+        call(&IGrooveSampler::ClearProject);
+        requestRefresh();
+    }
+    window().setTimer(kTimerPeriod);
+}
+
+}  // namespace marnoth

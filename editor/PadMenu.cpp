@@ -1,0 +1,69 @@
+/// The menu of a pad.
+
+#include <array>
+
+#include "editor/GrooveSamplerPropPage.h"
+#include "editor/PageLayout.h"
+
+namespace marnoth {
+
+void CGrooveSamplerPropPage::menuWanted(Point at) {
+    const auto hit = HitTestPad(at);
+    if (!hit) return;
+    SelectPad(hit->pad);
+    ShowPadMenu(at, hit->pad);
+}
+
+void CGrooveSamplerPropPage::ShowPadMenu(Point at, int pad) {
+    const std::array<MenuItem, 4> items{
+        {{kOpenAudioCommand, "Open Audio File"},
+         {kLoopingCommand, "Looping", isOn(&IGrooveSampler::GetPadLooping, pad)},
+         {kSyncedCommand, "Synced Playback", isOn(&IGrooveSampler::GetPadSynced, pad)},
+         {kClearPadCommand, "Clear Pad"}}};
+    if (const int chosen = window().askMenu(at, items)) postCommand(chosen);
+}
+
+void CGrooveSamplerPropPage::padMenuCommand(int id) {
+    if (id == kOpenAudioCommand)
+        RunFileCommand(FileMode::pad, false);
+    else if (id == kLoopingCommand)
+        switchLooping(m_currentPad);
+    else if (id == kSyncedCommand)
+        switchSynced(m_currentPad);
+    else
+        clearPad(m_currentPad);
+    requestRefresh();
+}
+
+void CGrooveSamplerPropPage::switchLooping(int pad) {
+    const bool on = !isOn(&IGrooveSampler::GetPadLooping, pad);
+    if (!on) call(&IGrooveSampler::SetPadSynced, pad, 0);
+    call(&IGrooveSampler::SetPadLooping, pad, on ? 1 : 0);
+    m_controls.toggle(kFirstLooping + pad).setDown(on);
+    if (!on) m_controls.toggle(kFirstSynced + pad).setDown(false);
+}
+
+void CGrooveSamplerPropPage::switchSynced(int pad) {
+    const bool on = !isOn(&IGrooveSampler::GetPadSynced, pad);
+    call(&IGrooveSampler::SetPadSynced, pad, on ? 1 : 0);
+    if (on) call(&IGrooveSampler::SetPadLooping, pad, 1);
+    m_controls.toggle(kFirstSynced + pad).setDown(on);
+    if (on) m_controls.toggle(kFirstLooping + pad).setDown(true);
+}
+
+void CGrooveSamplerPropPage::clearPad(int pad) {
+    m_selection.clear();
+    m_currentBinFile = -1;
+    const int count = grainCount(pad);
+    call(&IGrooveSampler::PushUndoState);
+    for (int grain = 0; grain < count; ++grain) call(&IGrooveSampler::DeleteGrain, pad, grain, 1);
+    call(&IGrooveSampler::SetPadSynced, pad, 0);
+    call(&IGrooveSampler::SetPadLooping, pad, 0);
+    call(&IGrooveSampler::SetPadMute, pad, 0);
+    call(&IGrooveSampler::SetPadSolo, pad, 0);
+    for (const int toggle : {kFirstSynced + pad, kFirstLooping + pad, muteId(pad), kFirstSolo + pad})
+        m_controls.toggle(toggle).setDown(false);
+    call(&IGrooveSampler::CommitGrainEdits);
+}
+
+}  // namespace marnoth
