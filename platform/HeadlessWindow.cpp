@@ -161,7 +161,8 @@ std::optional<std::string> HeadlessWindow::askFile(std::string_view filter, bool
     const std::string answer = nextAnswer();
     log((save ? "file save " : "file open ") + quoted(filter), answer);
     if (answer == kCancel) return {};
-    return utf8FromWide(wideFromPath(folder_ / pathFromWide(wideFromUtf8(answer))));
+    // In the system's own spelling: a file is known by its path.
+    return utf8FromWide(wideFromPath((folder_ / pathFromWide(wideFromUtf8(answer))).make_preferred()));
 }
 
 int HeadlessWindow::askMenu(Point, std::span<const MenuItem> items) {

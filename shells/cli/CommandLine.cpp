@@ -11,6 +11,7 @@
 #include "shells/cli/Failure.h"
 #include "shells/cli/InfoCommand.h"
 #include "shells/cli/MidiFile.h"
+#include "shells/cli/PageCommand.h"
 #include "shells/cli/RenderCommand.h"
 #include "shells/cli/ScriptNumbers.h"
 #include "shells/cli/ScriptRunner.h"
@@ -60,6 +61,14 @@ constexpr const char* kInfoHelp =
     "  marnoth info groove.mrn\n"
     "  marnoth info drums.wav --json\n";
 
+constexpr const char* kPageHelp =
+    "Without a project it is the page of an empty instrument. The strip in the middle shows the first file\n"
+    "of the Loop Bin, or with --key-map which keys and velocities play the pads.\n"
+    "\n"
+    "Examples:\n"
+    "  marnoth page groove.mrn --out page.png\n"
+    "  marnoth page groove.mrn --out pad3.png --pad 3 --key-map --scale 2\n";
+
 /// What the arguments say, as text where CLI11 doesn't read it itself.
 struct Request {
     std::string script;
@@ -69,6 +78,7 @@ struct Request {
     RenderOptions render;
     std::string infoFile;
     bool json = false;
+    PageOptions page;
 };
 
 /// Takes numbers between the two, and nothing that only looks like a number.
@@ -94,6 +104,7 @@ public:
         addScript(request);
         addRender(request);
         addInfo(request);
+        addPage(request);
     }
 
     CLI::App& app() { return app_; }
@@ -153,6 +164,21 @@ private:
         info->footer(kInfoHelp);
     }
 
+    void addPage(Request& request) {
+        CLI::App* page = app_.add_subcommand("page", "Draw the editor page into a PNG file");
+        PageOptions& options = request.page;
+        page->add_option("PROJECT.mrn", options.project, "The project that the page shows");
+        page->add_option("--out", options.out, "The file to write")->required()->type_name("FILE.png");
+        page->add_option("--pad", options.pad, "The pad that is selected, 1 by default")
+            ->check(within(1, 16))
+            ->type_name("N");
+        page->add_flag("--key-map", options.keyMap, "The strip shows the key map");
+        page->add_option("--scale", options.scale, "Size of a pixel, 1 to 3")
+            ->check(within(1, 3))
+            ->type_name("S");
+        page->footer(kPageHelp);
+    }
+
     CLI::App app_{kProgramHelp, "marnoth"};
 };
 
@@ -179,6 +205,8 @@ int carryOut(const Request& request, const Grammar& grammar, std::ostream& out, 
         status = runScript(request.script, pathFromUtf8(request.scriptOut), out, errors);
     else if (grammar.chose("render"))
         runRender(renderOptions(request), out);
+    else if (grammar.chose("page"))
+        runPage(request.page, out);
     else
         runInfo(request.infoFile, request.json, out);
     if (!out.flush()) throw FileFailure("standard output can't be written");

@@ -150,18 +150,10 @@ std::string loadStream(ScriptSession& session, Arguments words) {
     return resultOf([&] { return session.loadStream(words[0]); });
 }
 
-/// A command of the language that this program doesn't carry out.
-ScriptCommand notYet(std::string_view name, const char* what) {
-    return {name, "...", [name, what](ScriptSession&, Arguments) -> std::string {
-                throw ScriptError("\"" + std::string(name) + "\" needs " + what +
-                                  ", which this version doesn't have");
-            }};
-}
-
 }  // namespace
 
 std::vector<ScriptCommand> runnerCommands() {
-    std::vector<ScriptCommand> commands{
+    return {
         {"connect", "RATE CHANNELS PIN ...", connect},
         {"attach", "BPM [key=K] [converter=off] [rate=R]", attach},
         {"tempo", "TICK BPM", tempo},
@@ -177,11 +169,6 @@ std::vector<ScriptCommand> runnerCommands() {
         {"save-stream", "FILE", saveStream},
         {"load-stream", "FILE", loadStream},
     };
-    for (const char* name :
-         {"page", "press", "move", "release", "double", "right", "hold", "let", "key", "type", "focus",
-          "choose", "tick", "drop", "answer", "text", "state", "view", "shot"})
-        commands.push_back(notYet(name, "the editor page"));
-    return commands;
 }
 
 }  // namespace marnoth

@@ -16,7 +16,7 @@ using CommandTable = std::map<std::string_view, ScriptCommand>;
 
 CommandTable makeTable() {
     CommandTable table;
-    for (const auto& commands : {runnerCommands(), synthCommands(), samplerCommands()})
+    for (const auto& commands : {runnerCommands(), synthCommands(), samplerCommands(), pageCommands()})
         for (const ScriptCommand& command : commands) table.emplace(command.name, command);
     return table;
 }

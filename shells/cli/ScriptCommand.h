@@ -35,6 +35,8 @@ std::vector<ScriptCommand> runnerCommands();
 std::vector<ScriptCommand> synthCommands();
 /// The operations of the control surface.
 std::vector<ScriptCommand> samplerCommands();
+/// The user at the editor page.
+std::vector<ScriptCommand> pageCommands();
 
 /// The command of that name. Throws `ScriptError` when there is none.
 const ScriptCommand& findCommand(std::string_view name);

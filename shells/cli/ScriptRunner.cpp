@@ -61,13 +61,30 @@ private:
     int number_ = 0;
 };
 
+/// What the page asked stands ahead of the command that led to it, be it one that failed.
+std::string runCommand(const ScriptCommand& command, ScriptSession& session, Arguments arguments,
+                       std::ostream& transcript) {
+    const auto tellQuestions = [&] {
+        for (const std::string& line : session.takeQuestions()) transcript << line << '\n';
+        transcript << std::flush;
+    };
+    try {
+        std::string outcome = command.run(session, arguments);
+        tellQuestions();
+        return outcome;
+    } catch (...) {
+        tellQuestions();
+        throw;
+    }
+}
+
 void runLine(ScriptSession& session, std::string_view line, std::ostream& transcript) {
     const std::vector<std::string> words = splitWords(line);
     if (words.empty()) return;
     const ScriptCommand& command = findCommand(words.front());
     const Arguments arguments = Arguments(words).subspan(1);
     command.checkCount(arguments.size());
-    const std::string outcome = command.run(session, arguments);
+    const std::string outcome = runCommand(command, session, arguments, transcript);
     // One line at a time, so that the transcript of a run that is broken off is whole up to there.
     transcript << joinWords(words) << " -> " << outcome << '\n' << std::flush;
 }

@@ -23,7 +23,9 @@ std::string describe(std::uint32_t rate, std::uint32_t channels) {
 
 ScriptSession::ScriptSession(const std::filesystem::path& scriptFolder,
                              const std::filesystem::path& outputFolder)
-    : folder_(std::filesystem::current_path() / scriptFolder), files_(outputFolder) {
+    : folder_(std::filesystem::current_path() / scriptFolder),
+      outputFolder_(outputFolder),
+      files_(outputFolder) {
     for (int pin = 0; pin < kOutputPins; ++pin)
         rig_.setTaker(pin, [this, pin](std::span<const float> samples, bool) { files_.take(pin, samples); });
 }
@@ -31,6 +33,10 @@ ScriptSession::ScriptSession(const std::filesystem::path& scriptFolder,
 std::filesystem::path ScriptSession::file(std::string_view word) const {
     // Not made shorter: a file is known by its path as given.
     return (folder_ / pathFromUtf8(word)).make_preferred();
+}
+
+std::filesystem::path ScriptSession::outputFile(std::string_view word) const {
+    return outputFolder_ / pathFromUtf8(word);
 }
 
 HRESULT ScriptSession::connect(std::uint32_t rate, std::uint32_t channels, const std::vector<int>& pins) {
@@ -94,6 +100,25 @@ HRESULT ScriptSession::loadStream(std::string_view word) {
     if (FAILED(FileStream::open(file(word), FileMode::read, &stream)))
         throw ScriptError(std::string(word) + ": it can't be opened");
     return rig_.load(*stream);
+}
+
+HeadlessPage& ScriptSession::page() {
+    if (!page_) throw ScriptError("there is no page: `page open` comes first");
+    return *page_;
+}
+
+void ScriptSession::openPage() {
+    if (page_) throw ScriptError("the page is open already");
+    page_ = std::make_unique<HeadlessPage>(rig_.sampler(), folder_);
+}
+
+void ScriptSession::closePage() {
+    page();
+    page_.reset();
+}
+
+std::vector<std::string> ScriptSession::takeQuestions() {
+    return page_ ? page_->window().takeLog() : std::vector<std::string>{};
 }
 
 void ScriptSession::checkInput() const {

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -9,6 +10,7 @@
 
 #include "hostkit/HostRig.h"
 #include "shells/cli/AudioFiles.h"
+#include "shells/cli/HeadlessPage.h"
 #include "shells/cli/WaveFrames.h"
 
 namespace marnoth {
@@ -17,14 +19,16 @@ namespace marnoth {
 /// what the runner has to remember between the lines. One thread.
 class ScriptSession {
 public:
-    /// Files that the script names are relative to `scriptFolder`; audio goes to `outputFolder`, which must
-    /// exist.
+    /// Files that the script names are relative to `scriptFolder`; audio and pictures go to `outputFolder`,
+    /// which must exist.
     ScriptSession(const std::filesystem::path& scriptFolder, const std::filesystem::path& outputFolder);
 
     HostRig& rig() { return rig_; }
 
     /// A file that the script names, as a full path.
     std::filesystem::path file(std::string_view word) const;
+    /// A file that the script names to have it written among the audio.
+    std::filesystem::path outputFile(std::string_view word) const;
 
     /// Connects the input pin and `pins`, numbered as the rig does.
     HRESULT connect(std::uint32_t rate, std::uint32_t channels, const std::vector<int>& pins);
@@ -45,6 +49,15 @@ public:
     /// Loads it again. Throws `ScriptError` when the file can't be opened.
     HRESULT loadStream(std::string_view word);
 
+    /// The editor page. Throws `ScriptError` when there is none.
+    HeadlessPage& page();
+    /// Throws `ScriptError` when there is one, and `std::runtime_error` when its font can't be had.
+    void openPage();
+    /// Throws `ScriptError` when there is none.
+    void closePage();
+    /// The lines of the page's questions since the last call.
+    std::vector<std::string> takeQuestions();
+
     /// Gives the audio files their names. Throws `FileFailure`.
     void finish() { files_.finish(); }
 
@@ -59,8 +72,10 @@ private:
     void checkInput() const;
 
     std::filesystem::path folder_;
+    std::filesystem::path outputFolder_;
     AudioFiles files_;
     HostRig rig_;
+    std::unique_ptr<HeadlessPage> page_;  // destroyed before its instrument
     std::optional<std::uint32_t> rate_;
     std::uint32_t channels_ = 0;
     std::optional<InputFormat> input_;

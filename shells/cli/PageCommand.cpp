@@ -1,0 +1,67 @@
+#include "shells/cli/PageCommand.h"
+
+#include <array>
+#include <ostream>
+
+#include "editor/PageLayout.h"
+#include "hostkit/HostRig.h"
+#include "shells/cli/Console.h"
+#include "shells/cli/Failure.h"
+#include "shells/cli/HeadlessPage.h"
+#include "shells/cli/PngFile.h"
+#include "shells/cli/RenderPads.h"
+#include "shells/cli/ScriptNumbers.h"
+
+namespace marnoth {
+
+namespace {
+
+constexpr std::uint32_t kRate = 44100;
+constexpr std::uint32_t kChannels = 2;
+
+constexpr Point kFirstBinRow{kBinList.left + 6, kBinList.top + 6};
+constexpr Point kOnKeyMapTab{(kKeyMapTab.left + kKeyMapTab.right) / 2,
+                             (kKeyMapTab.top + kKeyMapTab.bottom) / 2};
+
+/// Projects are loaded at the rate of a connection.
+void connect(HostRig& rig) {
+    const std::array<int, 1> mix{0};
+    const HRESULT result = rig.connect(kRate, kChannels, mix);
+    if (FAILED(result))
+        throw FileFailure("connecting the instrument failed with code " + printResult(result));
+}
+
+void click(HeadlessPage& page, Point at) {
+    page.window().press(at);
+    page.window().release(at);
+}
+
+/// What a user does to see what was asked for.
+void arrange(HeadlessPage& page, const PageOptions& options) {
+    page.window().tick();
+    page.page().SelectPad(options.pad - 1);
+    // Where the list is empty its row is nothing to click on.
+    click(page, options.keyMap ? kOnKeyMapTab : kFirstBinRow);
+}
+
+Bitmap enlarged(const Bitmap& picture, int scale) {
+    Bitmap large(picture.width() * scale, picture.height() * scale);
+    for (int y = 0; y < large.height(); ++y)
+        for (int x = 0; x < large.width(); ++x) large.at(x, y) = picture.at(x / scale, y / scale);
+    return large;
+}
+
+}  // namespace
+
+void runPage(const PageOptions& options, std::ostream& report) {
+    HostRig rig;
+    connect(rig);
+    if (!options.project.empty()) RenderPads(rig.sampler()).loadProject(options.project);
+    HeadlessPage page(rig.sampler(), {});
+    arrange(page, options);
+    const Bitmap picture = enlarged(page.picture(), options.scale);
+    writePng(pathFromUtf8(options.out), picture);
+    report << options.out << ": " << picture.width() << " by " << picture.height() << " pixels" << std::endl;
+}
+
+}  // namespace marnoth
