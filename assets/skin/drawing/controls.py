@@ -2,7 +2,7 @@
 
 import math
 
-from svg import BLACK, BLUE, BRIGHT, DEEP_GREEN, GREEN, GROUND, LIGHT, LINE, PLATE, WARM, WHITE, Sheet, mix
+from svg import BLACK, BLUE, BRIGHT, DEEP_GREEN, GREEN, GROUND, LIGHT, LINE, PLATE, SHADE, WARM, WHITE, Sheet, mix
 
 KNOB_FRAMES, KNOB_SIZE, KNOB_TURN = 64, 17, 270
 CRISP = {"shape_rendering": "crispEdges"}
@@ -10,35 +10,42 @@ CURSOR_SIZE = 32
 
 
 def pad(number, playing):
+    """A key of rubber: it rests, or all of it is lit from behind and its light falls on what surrounds it."""
     sheet = Sheet(44, 38)
-    sheet.rect(0, 0, 44, 38, mix(GROUND, BLACK, 0.55), 5)
     if playing:
-        body = sheet.gradient(BRIGHT, GREEN, mix(GREEN, DEEP_GREEN, 0.8), radial=True)
-        edge, ink = sheet.gradient(WHITE, BRIGHT, GREEN), mix(DEEP_GREEN, BLACK, 0.65)
+        surround = sheet.gradient(mix(GREEN, DEEP_GREEN, 0.5), mix(DEEP_GREEN, BLACK, 0.25))
+        body = sheet.gradient(mix(BRIGHT, WHITE, 0.6), BRIGHT, mix(BRIGHT, GREEN, 0.7), mix(GREEN, DEEP_GREEN, 0.25),
+                              radial=True)
+        edge = sheet.gradient(mix(BRIGHT, WHITE, 0.7), mix(GREEN, BRIGHT, 0.3), GREEN)
+        ink, led = mix(DEEP_GREEN, BLACK, 0.7), WHITE
     else:
-        body = sheet.gradient(mix(LINE, WHITE, 0.06), mix(LINE, GROUND, 0.35), mix(LINE, GROUND, 0.62))
-        edge = sheet.gradient(mix(LINE, WHITE, 0.35), mix(LINE, GROUND, 0.2), mix(LINE, BLACK, 0.4))
-        ink = LIGHT
+        surround = mix(GROUND, BLACK, 0.55)
+        body = sheet.gradient(mix(LINE, GROUND, 0.12), mix(LINE, GROUND, 0.45), mix(LINE, GROUND, 0.68))
+        edge = sheet.gradient(mix(LINE, WHITE, 0.32), mix(LINE, GROUND, 0.25), mix(LINE, BLACK, 0.45))
+        ink, led = LIGHT, mix(GROUND, DEEP_GREEN, 0.3)
+    sheet.rect(0, 0, 44, 38, surround, 5)
     sheet.rect(1, 1, 42, 35, body, 4)
     sheet.frame(1, 1, 42, 35, edge, 3.5)
-    sheet.frame(3, 3, 38, 31, mix(GREEN, WHITE, 0.5) if playing else mix(LINE, WHITE, 0.12), 2.5, opacity=0.35)
-    sheet.text(6, 32, str(number), ink, 12, font_weight="bold")
+    sheet.text(6, 31, str(number), ink, 11.6, font_weight="bold")
+    if not playing:
+        sheet.rect(28, 28, 10, 4, mix(LINE, WHITE, 0.1), 1.5, opacity=0.5)
+        sheet.rect(28, 27, 10, 4, mix(GROUND, BLACK, 0.5), 1.5)
+    sheet.rect(29, 28, 8, 2, led, 1)
     return sheet
 
 
 class Face:
     """The face of a button: its sheet, and the colour that signs on it have."""
 
-    def __init__(self, width, height, down, lamp=GREEN):
-        self.sheet = sheet = Sheet(width, height)
+    def __init__(self, width, height, down, lamp=GREEN, ground=PLATE):
+        self.sheet = sheet = Sheet(width, height, ground)
         sheet.rect(0, 0, width, height, mix(GROUND, BLACK, 0.5), 2.5)
         if down:
-            body = sheet.gradient(mix(lamp, BLACK, 0.22), mix(lamp, WHITE, 0.08))
-            sheet.rect(1, 1, width - 2, height - 2, body, 1.5)
-            self.ink = mix(lamp, BLACK, 0.78)
+            sheet.rect(1, 1, width - 2, height - 2, sheet.gradient(mix(lamp, BLACK, 0.2), mix(lamp, WHITE, 0.12)), 1.5)
+            sheet.rect(2, 1, width - 4, 1, mix(lamp, BLACK, 0.45))
+            self.ink = mix(lamp, BLACK, 0.82)
         else:
-            body = sheet.gradient(mix(LINE, WHITE, 0.08), mix(LINE, GROUND, 0.4))
-            sheet.rect(1, 1, width - 2, height - 2, body, 1.5)
+            sheet.rect(1, 1, width - 2, height - 2, sheet.gradient(mix(LINE, WHITE, 0.08), mix(LINE, GROUND, 0.4)), 1.5)
             sheet.rect(2, 1, width - 4, 1, mix(LINE, WHITE, 0.32))
             self.ink = mix(LIGHT, WHITE, 0.45)
 
@@ -54,8 +61,9 @@ def letter(words, lamp):
 def synced(down):
     """A metronome."""
     face = Face(16, 15, down)
-    face.sheet.stroke("M6.5,2.5 h3 l2.5,9.5 h-8 z", face.ink, 1.1, stroke_linejoin="round")
-    face.sheet.stroke("M7.6,10 L11.6,3.4", face.ink, 1.1)
+    face.sheet.stroke("M6.4,2.5 h3.2 L12,12 H4 z", face.ink, 1, stroke_linejoin="round")
+    face.sheet.rect(4, 10, 8, 2, face.ink)
+    face.sheet.stroke("M7.6,10 L12.6,3.4", face.ink, 1.1)
     return face.sheet
 
 
@@ -137,7 +145,7 @@ def zoom(more, upright):
     """Plus or minus, at the end of the scroller whose axis it zooms."""
     def draw(down):
         width, height = (12, 10) if upright else (10, 12)
-        face = Face(width, height, down)
+        face = Face(width, height, down, ground=SHADE)
         face.sheet.rect(width / 2 - 2.5, height / 2 - 0.5, 5, 1, face.ink, **CRISP)
         if more:
             face.sheet.rect(width / 2 - 0.5, height / 2 - 2.5, 1, 5, face.ink, **CRISP)
@@ -162,13 +170,13 @@ def knob_frame(sheet, frame, body, edge):
     sheet.circle(x, 9.1, 5.7, mix(GROUND, BLACK, 0.6), opacity=0.8)
     sheet.circle(x, 8.5, 5.4, edge)
     sheet.circle(x, 8.5, 4.5, body)
-    sheet.stroke("M%s L%s" % (around(x, 1.4, angle), around(x, 5.0, angle)), BRIGHT, 1.5, stroke_linecap="round")
+    sheet.stroke("M%s L%s" % (around(x, 1.0, angle), around(x, 5.0, angle)), BRIGHT, 1.6, stroke_linecap="round")
 
 
 def knobs():
     sheet = Sheet(KNOB_FRAMES * KNOB_SIZE, KNOB_SIZE)
     edge = sheet.gradient(mix(LINE, WHITE, 0.6), mix(LINE, GROUND, 0.5))
-    body = sheet.gradient(mix(LINE, WHITE, 0.16), mix(LINE, GROUND, 0.4))
+    body = sheet.gradient(mix(LINE, GROUND, 0.1), mix(LINE, GROUND, 0.75))
     for frame in range(KNOB_FRAMES):
         knob_frame(sheet, frame, body, edge)
     return sheet
@@ -185,12 +193,12 @@ def cursor(outline, inner):
 
 def drag_copy():
     """An arrow with its tip at 0, 0, and a plus in a box."""
-    arrow = "M0,-1 L0,17 L4,13 L7,20 L10,19 L7,12 L13,12 z"
-    inner = "M1,2.5 L1,14.5 L4.3,11.3 L7.5,18.5 L8.7,18 L5.6,11 L9.6,11 z"
-    box = " M11,17 h13 v11 h-13 z"
-    sheet = cursor(arrow + box, inner + " M12,18 h11 v9 h-11 z")
-    sheet.rect(17, 19, 1, 7, BLACK)
-    sheet.rect(14, 22, 7, 1, BLACK)
+    arrow = "M0,-1 L0,17 L3.8,13.4 L7,20.4 L10.4,19 L7.4,12 L13,12 z"
+    inner = "M1,2.5 L1,14.5 L4.2,11.4 L7.3,18.8 L9.1,18.1 L6.1,11 L9.6,11 z"
+    box = " M12,19 h13 v11 h-13 z"
+    sheet = cursor(arrow + box, inner + " M13,20 h11 v9 h-11 z")
+    sheet.rect(18, 21, 1, 7, BLACK)
+    sheet.rect(15, 24, 7, 1, BLACK)
     return sheet
 
 
@@ -209,7 +217,7 @@ CURSORS = [("drag-copy", drag_copy), ("size-bar-h", lambda: size_bar(False)), ("
 
 # Numbers of the two states, up and down, and what draws them.
 BUTTON_PICTURES = [
-    (205, 206, letter("M", mix(LIGHT, WHITE, 0.3))),
+    (205, 206, letter("M", mix(LIGHT, WHITE, 0.55))),
     (281, 282, letter("S", WARM)),
     (208, 209, synced),
     (210, 211, looping),

@@ -3,37 +3,61 @@ so that no seam shows where the page lays them over it."""
 
 import places
 import raster
-from svg import BLACK, BLUE, BRIGHT, DEEP_GREEN, GREEN, GROUND, LIGHT, PLATE, WARM, WHITE, Sheet, mix
+from svg import BLACK, BLUE, BRIGHT, DEEP_GREEN, GREEN, GROUND, LIGHT, LINE, PLATE, SHADE, WARM, WHITE, Sheet, mix, paint
 
-NARROW = "Liberation Sans Narrow"
-HEADING = mix(LIGHT, WHITE, 0.6)  # titles
-TEXT = mix(LIGHT, WHITE, 0.2)  # names of controls
-SOFT = mix(BLUE, LIGHT, 0.6)  # units and what only adds to a name
+PLAIN, NARROW = "Liberation Sans", "Liberation Sans Narrow"
+TEXT_SIZE, HEADING_SIZE = 9.7, 11.6  # small letters are 5 and 6 whole pixels high, so that they stay sharp
+HEADING = mix(LIGHT, WHITE, 0.7)  # titles
+TEXT = mix(LIGHT, WHITE, 0.35)  # names of controls
+SOFT = mix(BLUE, LIGHT, 0.8)  # units and what only adds to a name
 
-def label(sheet, x, baseline, words, colour=TEXT, size=10, anchor="start", family="Liberation Sans", **more):
+
+def label(sheet, x, baseline, words, colour=TEXT, anchor="start", family=PLAIN, size=TEXT_SIZE, **more):
     """Words that stay to be read: `covered_labels` looks for them."""
     sheet.text(x, baseline, words, colour, size, anchor, family, **more)
     sheet.labels.append(sheet.parts[-1])
 
 
+def heading(sheet, x, baseline, words, size=HEADING_SIZE, **more):
+    label(sheet, x, baseline, words, HEADING, size=size, font_weight="bold", **more)
+
+
 def plate(sheet, x, y, width, height):
     sheet.rect(x - 1, y, width + 2, height + 2, BLACK, 4, opacity=0.35)
     sheet.rect(x, y, width, height, PLATE, 3)
-    sheet.frame(x, y, width, height, sheet.gradient(mix(PLATE, WHITE, 0.22), PLATE, mix(PLATE, BLACK, 0.3)), 3)
+    sheet.frame(x, y, width, height, sheet.gradient(mix(PLATE, WHITE, 0.24), PLATE, mix(PLATE, BLACK, 0.3)), 3)
+
+
+def title_band(sheet, x, y, width):
+    """The head of a plate, which catches more light than the rest."""
+    sheet.rect(x + 1, y + 1, width - 2, 15, sheet.gradient(mix(PLATE, WHITE, 0.13), mix(PLATE, WHITE, 0.03)), 2)
+    sheet.rect(x + 3, y, width - 6, 1, mix(PLATE, WHITE, 0.3))
+    groove(sheet, x + 1, y + 16, width - 2)
 
 
 def well(sheet, x, y, width, height, fill=GROUND, radius=2):
     """Sunk around a rectangle that is painted later: its edge lies outside."""
     sheet.frame(x - 2, y - 2, width + 4, height + 4,
-                sheet.gradient(mix(PLATE, BLACK, 0.12), mix(PLATE, WHITE, 0.14)), radius + 1)
-    sheet.frame(x - 1, y - 1, width + 2, height + 2, mix(GROUND, BLACK, 0.45), radius)
+                sheet.gradient(mix(PLATE, BLACK, 0.16), mix(PLATE, WHITE, 0.16)), radius + 1)
+    sheet.frame(x - 1, y - 1, width + 2, height + 2, mix(GROUND, BLACK, 0.5), radius)
     sheet.rect(x, y, width, height, fill)
+
+
+def channel(sheet, x, y, width, height):
+    """A recess that a scroller and the buttons at its end share."""
+    sheet.rect(x, y, width, height, SHADE, 2)
+    sheet.frame(x, y, width, height, sheet.gradient(mix(GROUND, BLACK, 0.55), mix(PLATE, WHITE, 0.16)), 2)
 
 
 def groove(sheet, x, y, width):
     """A line milled into a plate."""
     sheet.rect(x, y, width, 1, mix(PLATE, BLACK, 0.32))
     sheet.rect(x, y + 1, width, 1, mix(PLATE, WHITE, 0.1))
+
+
+def upright_groove(sheet, x, y, height):
+    sheet.rect(x, y, 1, height, mix(PLATE, BLACK, 0.32))
+    sheet.rect(x + 1, y, 1, height, mix(PLATE, WHITE, 0.1))
 
 
 def chassis():
@@ -44,100 +68,113 @@ def chassis():
 
 
 def wordmark(sheet):
-    for i, (height, colour) in enumerate([(5, DEEP_GREEN), (9, GREEN), (7, BRIGHT), (4, DEEP_GREEN)]):
-        sheet.rect(11 + 3 * i, 12 - height / 2 + 0.5 * (height % 2), 2, height, colour)
-    label(sheet, 26, 16, "MARNOTH", HEADING, 11, font_weight="bold", letter_spacing=1.6)
+    for i, (height, colour) in enumerate([(4, DEEP_GREEN), (8, GREEN), (6, BRIGHT), (4, DEEP_GREEN)]):
+        sheet.rect(10 + 3 * i, 11 - height / 2, 2, height, colour)
+    heading(sheet, 26, 15, "MARNOTH", letter_spacing=1.6)
 
 
 def bin_plate(sheet):
-    plate(sheet, 3, 3, 131, 228)
+    plate(sheet, 2, 2, 133, 231)
+    title_band(sheet, 2, 2, 133)
     wordmark(sheet)
-    groove(sheet, 9, 22, 119)
     groove(sheet, 9, 48, 119)
-    label(sheet, 14, 63, "Loop Bin", HEADING, 11, font_weight="bold")
+    heading(sheet, 14, 63, "Loop Bin")
     well(sheet, *places.BIN_LIST)
     for track in places.SCROLLERS[2:]:
         well(sheet, *track, fill=BLUE, radius=1)
 
 
 def pad_plate(sheet):
-    plate(sheet, 136, 3, 359, 230)
+    plate(sheet, 136, 2, 359, 231)
+    for line in (1, 2, 3):
+        groove(sheet, 139, 3 + 57 * line, 353)
+        upright_groove(sheet, 136 + 89 * line, 6, 223)
     for pad in range(16):
-        pad_cell(sheet, pad)
-
-
-def pad_cell(sheet, pad):
-    x, y = places.pad_corner(pad)
-    if pad % 4:
-        sheet.rect(x - 1, y - 36, 1, 52, mix(PLATE, BLACK, 0.3))
-        sheet.rect(x, y - 36, 1, 52, mix(PLATE, WHITE, 0.08))
-    if pad // 4:
-        sheet.rect(x + 3, y - 39, 82, 1, mix(PLATE, BLACK, 0.3))
-    label(sheet, x + 66, y - 25, "Vol", SOFT, 9)
-    label(sheet, x + 63, y - 5, "Pan", SOFT, 9, "end")
+        x, y = places.pad_corner(pad)
+        label(sheet, x + 66, y - 25, "Vol", SOFT)
+        label(sheet, x + 63.4, y - 5, "Pan", SOFT, "end")
 
 
 def settings_plate(sheet):
-    plate(sheet, 497, 3, 101, 228)
-    label(sheet, 503, 16, "Pad", HEADING, 11, font_weight="bold")
+    plate(sheet, 497, 2, 101, 231)
+    title_band(sheet, 497, 2, 101)
+    heading(sheet, 502, 15, "Pad")
     for combo, words in zip(places.COMBOS, ("Output", "Channel", "Root")):
         well(sheet, *combo)
-        label(sheet, 501, combo[1] + 10, words, size=9.5, family=NARROW)
-    groove(sheet, 502, 75, 91)
+        label(sheet, 501, combo[1] + 10, words, family=NARROW)
+    for y in (75, 115, 170):
+        groove(sheet, 501, y, 93)
     for place in places.EDITS[3:]:
         well(sheet, *place)
-    label(sheet, 502, 92, "Velocity", family=NARROW)
-    label(sheet, 550, 92, "low", SOFT, 10, "end", NARROW)
-    label(sheet, 550, 109, "high", SOFT, 10, "end", NARROW)
-    groove(sheet, 502, 115, 91)
-    label(sheet, 502, 131, "Keys", family=NARROW)
-    for baseline, words in ((131, "root"), (148, "low"), (165, "high")):
-        label(sheet, 550, baseline, words, SOFT, 10, "end", NARROW)
-    groove(sheet, 502, 171, 91)
-    label(sheet, 512, 184, "Tail", family=NARROW)
-    label(sheet, 560, 184, "One shot", family=NARROW)
-    label(sheet, 512, 198, "Key follow", family=NARROW)
-    groove(sheet, 502, 202, 91)
-    for place, words in zip(places.READ_OUTS, ("Volume", "Pan")):
-        well(sheet, *place, fill=BLUE)
-        label(sheet, place[0] + place[2] / 2, 213, words, TEXT, 10, "middle", NARROW)
+    for baseline, words in ((92, "Velocity"), (131, "Keys")):
+        label(sheet, 501, baseline, words, family=NARROW)
+    for baseline, words in ((92, "low"), (109, "high"), (131, "root"), (148, "low"), (165, "high")):
+        label(sheet, 550, baseline, words, SOFT, "end", NARROW)
+    for x, baseline, words in ((512, 184, "Tail"), (560, 184, "One shot"), (512, 198, "Key follow")):
+        label(sheet, x, baseline, words, family=NARROW)
+    display(sheet)
+
+
+def display(sheet):
+    """The two read-outs shine in one dark pane."""
+    x, y, width, height = 499, 203, 95, 28
+    sheet.rect(x, y, width, height, sheet.gradient(mix(GROUND, BLACK, 0.55), mix(GROUND, BLACK, 0.2)), 3)
+    sheet.frame(x, y, width, height, sheet.gradient(mix(GROUND, BLACK, 0.7), mix(PLATE, WHITE, 0.2)), 3)
+    for (left, top, wide, high), words in zip(places.READ_OUTS, ("Volume", "Pan")):
+        sheet.frame(left - 2, top - 2, wide + 4, high + 4, BLUE, 2, opacity=0.16)
+        sheet.frame(left - 1, top - 1, wide + 2, high + 2, BLUE, 1, opacity=0.45)
+        sheet.rect(left, top, wide, high, BLUE)
+        label(sheet, left, 213, words, BLUE)
 
 
 def grain_plate(sheet):
-    plate(sheet, 3, 344, 94, 205)
-    label(sheet, 12, 359, "Pad Editor", HEADING, 11, font_weight="bold")
-    groove(sheet, 9, 366, 82)
-    label(sheet, 15, 379, "Selected grain", SOFT, 10, family=NARROW)
+    plate(sheet, 2, 342, 94, 209)
+    title_band(sheet, 2, 342, 94)
+    heading(sheet, 12, 355, "Pad Editor")
+    label(sheet, 15, 376, "Selected grain", SOFT)
     for place, words, unit in zip(places.EDITS, ("Transpose", "Volume", "Pan"), ("st", "dB", "")):
         well(sheet, *place)
-        label(sheet, 15, place[1] - 5, words, family=NARROW)
+        label(sheet, 15, place[1] - 6, words)
         if unit:
-            label(sheet, 78, place[1] + 10, unit, SOFT, 10, family=NARROW)
-    groove(sheet, 9, 498, 82)
-    label(sheet, 21, 511, "Snap", family=NARROW)
+            label(sheet, 78, place[1] + 10, unit, SOFT)
+    groove(sheet, 9, 498, 80)
+    label(sheet, 21, 510, "Snap")
     well(sheet, *places.COMBOS[3])
 
 
 def view_plate(sheet):
-    plate(sheet, 98, 344, 500, 205)
+    plate(sheet, 98, 342, 500, 209)
+    channel(sheet, 583, 347, 13, 184)
+    channel(sheet, 99, 534, 479, 14)
     well(sheet, *places.PAD_VIEW)
-    for track in places.SCROLLERS[:2]:
-        well(sheet, *track, fill=BLUE, radius=1)
-    sheet.circle(586.5, 539.5, 3, "none", stroke="#7c90ad", stroke_width=1.4)
-    sheet.stroke("M589,542 l3.2,3.2", BLUE, 1.8)
+    sheet.rect(584, 350, 1, 178, SHADE)
+    for x, y, width, height in places.SCROLLERS[:2]:
+        sheet.rect(x, y, width, height, BLUE)
+    sheet.circle(586, 539.5, 3, mix(BLUE, BLACK, 0.6), stroke=paint(LIGHT), stroke_width=1.3)
+    sheet.stroke("M588.3,541.8 l3.4,3.4", LIGHT, 1.9, stroke_linecap="round")
 
 
-def tab(sheet, place, words, lit, icon):
-    x, y, width, height = place
-    y, height = y + 1, height - 2
-    sheet.rect(x, y, width, height, mix(PLATE, WHITE, 0.1) if lit else mix(PLATE, BLACK, 0.28), 2)
-    sheet.frame(x, y, width, height, mix(PLATE, WHITE, 0.25) if lit else mix(PLATE, BLACK, 0.45), 2)
-    ink = GREEN if lit else BLUE
+def tabs(sheet, key_map):
+    """A slot in which the key of the shown view stands up and shines."""
+    x, width = places.KEY_MAP_TAB[0], places.KEY_MAP_TAB[2]
+    top, middle, bottom = 238, places.WAVEFORM_TAB[1], 337
+    sheet.rect(x, top, width, bottom - top, SHADE, 3)
+    sheet.frame(x, top, width, bottom - top, sheet.gradient(mix(GROUND, BLACK, 0.55), mix(PLATE, WHITE, 0.16)), 3)
+    tab(sheet, x + 1, top + 1, middle, "Keys", key_map, keyboard_icon)
+    tab(sheet, x + 1, middle, bottom - 1, "Wave", not key_map, wave_icon)
+
+
+def tab(sheet, x, top, bottom, words, lit, icon):
+    width, height = places.KEY_MAP_TAB[2] - 2, bottom - top
     if lit:
-        sheet.rect(x + 1, y + 4, 2, height - 8, GREEN, 1)
-    icon(sheet, x + 5, y + 5, ink)
-    cx, cy = x + 14, y + height - 4
-    sheet.text(cx, cy, words, HEADING if lit else LIGHT, 9.5, family=NARROW, transform="rotate(-90 %g %g)" % (cx, cy))
+        sheet.rect(x, top, width, height, mix(GROUND, BLACK, 0.5), 2.5)
+        sheet.rect(x + 1, top + 1, width - 2, height - 2, sheet.gradient(mix(LINE, WHITE, 0.08), mix(LINE, GROUND, 0.4)),
+                   1.5)
+        sheet.rect(x + 2, top + 1, width - 4, 1, mix(LINE, WHITE, 0.32))
+        sheet.rect(x + 1, top + 4, 2, height - 8, GREEN, 1)
+    icon(sheet, x + 5, top + 6, BRIGHT if lit else BLUE)
+    cx, cy = x + 13, bottom - 6
+    label(sheet, cx, cy, words, HEADING if lit else BLUE, transform="rotate(-90 %g %g)" % (cx, cy))
 
 
 def keyboard_icon(sheet, x, y, ink):
@@ -153,15 +190,14 @@ def wave_icon(sheet, x, y, ink):
 
 
 def strip_plate(sheet, key_map):
-    plate(sheet, 3, 235, 595, 103)
-    tab(sheet, places.KEY_MAP_TAB, "Keys", key_map, keyboard_icon)
-    tab(sheet, places.WAVEFORM_TAB, "Wave", not key_map, wave_icon)
+    plate(sheet, 2, 235, 596, 105)
+    tabs(sheet, key_map)
     well(sheet, *places.STRIP_PLOT)
-    label(sheet, 38, 245, "Key Map" if key_map else "Waveform", HEADING, 10, font_weight="bold")
+    heading(sheet, 37, 244, "Key Map" if key_map else "Waveform", TEXT_SIZE)
     if key_map:
-        for x, colour, words in ((520, BLUE, "range"), (555, WARM, "root")):
-            sheet.rect(x, 239, 6, 6, colour)
-            label(sheet, x + 9, 245, words, TEXT, 10, family=NARROW)
+        for x, colour, words in ((514, BLUE, "range"), (553, WARM, "root")):
+            sheet.rect(x, 238, 6, 6, colour)
+            label(sheet, x + 9, 244, words)
 
 
 def whole_page(key_map=False):

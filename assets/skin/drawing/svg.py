@@ -2,6 +2,7 @@
 
 GROUND = (37, 43, 52)  # wells: what the page paints itself is filled with it
 PLATE = (58, 66, 80)  # plates: the one flat colour around every control
+SHADE = (28, 32, 39)  # the bottom of a recess that parts share
 BLUE = (124, 144, 173)
 LIGHT = (160, 172, 191)
 LINE = (91, 99, 120)
