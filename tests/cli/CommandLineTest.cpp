@@ -55,7 +55,7 @@ TEST(CommandLine, AFileThatFailsGetsItsReasonAndStatusOne) {
 }
 
 TEST(CommandLine, HelpComesWithExamples) {
-    for (const char* command : {"script", "render", "info"}) {
+    for (const char* command : {"script", "render", "info", "page"}) {
         const CliRun run = marnoth({command, "--help"});
         EXPECT_EQ(run.status, 0);
         EXPECT_NE(run.out.find("Examples:\n  marnoth " + std::string(command)), std::string::npos) << run.out;

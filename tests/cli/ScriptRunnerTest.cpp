@@ -86,10 +86,6 @@ TEST(ScriptRunner, RefusesArgumentsThatMakeNoSense) {
     }
 }
 
-TEST(ScriptRunner, SaysWhatItDoesNotHaveYet) {
-    EXPECT_NE(errorOf("page open").find("editor page"), std::string::npos);
-}
-
 TEST(ScriptRunner, SurvivesHostileText) {
     EXPECT_EQ(errorOf(std::string("Undo\0", 5)), "1: the line holds a zero byte\n");
     EXPECT_NE(errorOf("LoadFileToBin \"a"), "");

@@ -1,0 +1,188 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "cli/PngPicture.h"
+#include "cli/Studio.h"
+#include "editor/PageLayout.h"
+#include "shells/cli/Failure.h"
+#include "shells/cli/PngFile.h"
+
+namespace marnoth::test {
+namespace {
+
+/// A project of two loops, and pictures of it.
+class Pictures {
+public:
+    Pictures() { studio.save("two.mrn"); }
+
+    CliRun draw(const std::string& out, std::vector<std::string> more = {}) const {
+        std::vector<std::string> words{"page", studio.name("two.mrn"), "--out", studio.name(out)};
+        words.insert(words.end(), more.begin(), more.end());
+        return marnoth(words);
+    }
+    std::optional<PngHeader> header(const std::string& name) const { return pngHeader(studio.folder / name); }
+
+    Studio studio;
+};
+
+TEST(PagePicture, AFileHasTheSizeAndTheFormatOfThePicture) {
+    const TempFolder folder;
+    writePng(folder / "a.png", Bitmap(31, 7, {1, 2, 3}));
+    const auto header = pngHeader(folder / "a.png");
+    ASSERT_TRUE(header);
+    EXPECT_EQ(header->width, 31u);
+    EXPECT_EQ(header->height, 7u);
+    EXPECT_EQ(header->bitDepth, 8);
+    EXPECT_EQ(header->colorType, 2);
+}
+
+TEST(PagePicture, AFileHoldsNoTimeAndEndsAsItMust) {
+    const TempFolder folder;
+    writePng(folder / "a.png", Bitmap(3, 2));
+    const std::vector<std::string> chunks = pngChunks(folder / "a.png");
+    ASSERT_FALSE(chunks.empty());
+    EXPECT_EQ(chunks.front(), "IHDR");
+    EXPECT_EQ(chunks.back(), "IEND");
+    EXPECT_EQ(std::count(chunks.begin(), chunks.end(), "tIME"), 0);
+    EXPECT_GE(std::count(chunks.begin(), chunks.end(), "IDAT"), 1);
+}
+
+TEST(PagePicture, APictureTakesThePlaceOfAnOlderOne) {
+    const TempFolder folder;
+    writePng(folder / "a.png", Bitmap(3, 2));
+    writePng(folder / "a.png", Bitmap(4, 5));
+    EXPECT_EQ(pngHeader(folder / "a.png")->width, 4u);
+}
+
+TEST(PagePicture, AFileThatCannotBeWrittenLeavesNothing) {
+    const TempFolder folder;
+    std::filesystem::create_directories(folder / "a.png" / "in the way");
+    EXPECT_THROW(writePng(folder / "a.png", Bitmap(3, 2)), FileFailure);
+    EXPECT_FALSE(std::filesystem::exists(folder / "a.png.part"));
+    EXPECT_THROW(writePng(folder / "missing" / "b.png", Bitmap(3, 2)), FileFailure);
+}
+
+TEST(PagePicture, ScaleMultipliesTheSize) {
+    const Pictures pictures;
+    for (const unsigned scale : {1u, 2u, 3u}) {
+        EXPECT_EQ(pictures.draw("a.png", {"--scale", std::to_string(scale)}).status, 0);
+        EXPECT_EQ(pictures.header("a.png")->width, scale * 600);
+        EXPECT_EQ(pictures.header("a.png")->height, scale * 553);
+    }
+}
+
+TEST(PagePicture, SaysWhatItDrew) {
+    const Pictures pictures;
+    EXPECT_EQ(pictures.draw("a.png").out, pictures.studio.name("a.png") + ": 600 by 553 pixels\n");
+}
+
+TEST(PagePicture, NeedsNoProject) {
+    const TempFolder folder;
+    EXPECT_EQ(marnoth({"page", "--out", folder.name("a.png")}).status, 0);
+    EXPECT_TRUE(pngHeader(folder / "a.png"));
+}
+
+TEST(PagePicture, AProjectThatCannotBeReadGetsTheReasonThatARenderGives) {
+    const Studio studio;
+    writeText(studio.folder / "text.mrn", "no project at all");
+    for (const char* project : {"none.mrn", "text.mrn", "a.wav"}) {
+        const CliRun run = marnoth({"page", studio.name(project), "--out", studio.name("a.png")});
+        EXPECT_EQ(run.status, 1);
+        EXPECT_EQ(run.err, studio.play(project, "a.out.wav").err);
+        EXPECT_FALSE(studio.has("a.png"));
+    }
+}
+
+TEST(PagePicture, APictureThatCannotBeWrittenIsAFailure) {
+    const Pictures pictures;
+    EXPECT_EQ(pictures.draw("missing/a.png").status, 1);
+}
+
+TEST(PagePicture, RefusesWhatMakesNoSense) {
+    const Pictures pictures;
+    for (const std::vector<std::string>& words : std::vector<std::vector<std::string>>{{"--pad", "0"},
+                                                                                       {"--pad", "17"},
+                                                                                       {"--pad", "1.5"},
+                                                                                       {"--scale", "0"},
+                                                                                       {"--scale", "4"},
+                                                                                       {"--scale", "two"},
+                                                                                       {"more.mrn"}})
+        EXPECT_EQ(pictures.draw("a.png", words).status, 2) << words.back();
+    EXPECT_EQ(marnoth({"page"}).status, 2);
+}
+
+#ifndef _WIN32
+
+/// Where two pictures of the page differ.
+class Difference {
+public:
+    Difference(const Bitmap& a, const Bitmap& b) : a_(a), b_(b) {}
+
+    int count(const Rect& area) const {
+        int different = 0;
+        for (int y = area.top; y < area.bottom; ++y)
+            for (int x = area.left; x < area.right; ++x) different += a_.at(x, y) != b_.at(x, y);
+        return different;
+    }
+    int all() const { return count(a_.bounds()); }
+
+private:
+    const Bitmap& a_;
+    const Bitmap& b_;
+};
+
+Bitmap pictureOf(const Pictures& pictures, std::vector<std::string> words) {
+    EXPECT_EQ(pictures.draw("a.png", std::move(words)).status, 0);
+    Bitmap picture = readPng(pictures.studio.folder / "a.png");
+    return picture.width() < kPageWidth ? Bitmap(kPageWidth, kPageHeight) : picture;
+}
+
+TEST(PagePicture, ComesBackAsItWas) {
+    Bitmap picture(40, 30);
+    for (int y = 0; y < 30; ++y)
+        for (int x = 0; x < 40; ++x)
+            picture.at(x, y) = {static_cast<std::uint8_t>(6 * x), static_cast<std::uint8_t>(8 * y),
+                                static_cast<std::uint8_t>(x * y)};
+    const TempFolder folder;
+    writePng(folder / "a.png", picture);
+    EXPECT_TRUE(readPng(folder / "a.png") == picture);
+}
+
+TEST(PagePicture, ScalesByWholePixels) {
+    const Pictures pictures;
+    const Bitmap small = pictureOf(pictures, {});
+    const Bitmap large = pictureOf(pictures, {"--scale", "3"});
+    ASSERT_EQ(large.width(), 3 * small.width());
+    int different = 0;
+    for (int y = 0; y < large.height(); ++y)
+        for (int x = 0; x < large.width(); ++x) different += large.at(x, y) != small.at(x / 3, y / 3);
+    EXPECT_EQ(different, 0);
+}
+
+TEST(PagePicture, TheKeyMapTakesThePlaceOfTheWaveform) {
+    const Pictures pictures;
+    const Bitmap wave = pictureOf(pictures, {});
+    const Bitmap keys = pictureOf(pictures, {"--key-map"});
+    const Difference difference(wave, keys);
+    EXPECT_GT(difference.count(kKeyMapRect), 1000);
+    // The list shows which file the waveform is of; nothing else differs.
+    EXPECT_EQ(difference.all(), difference.count(kStripPanel) + difference.count(kBinList));
+    EXPECT_GT(difference.count(kBinList), 0);
+}
+
+TEST(PagePicture, APadIsSelectedWithItsRow) {
+    const Pictures pictures;
+    const Bitmap first = pictureOf(pictures, {});
+    const Bitmap third = pictureOf(pictures, {"--pad", "3"});
+    EXPECT_TRUE(pictureOf(pictures, {"--pad", "1"}) == first);
+    const Difference difference(first, third);
+    EXPECT_GT(difference.count(kPadBlock), 0);
+    EXPECT_GT(difference.count(kPadView), 0);
+    EXPECT_EQ(difference.count(kBinList), 0);
+}
+
+#endif
+
+}  // namespace
+}  // namespace marnoth::test
