@@ -135,6 +135,7 @@ void HeadlessWindow::present(const Bitmap& screen, const Rect& changed) {
 }
 
 std::string HeadlessWindow::nextAnswer() {
+    if (watcher_) watcher_();
     if (answers_.empty()) return std::string(kCancel);
     std::string answer = std::move(answers_.front());
     answers_.pop_front();

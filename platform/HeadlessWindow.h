@@ -2,7 +2,9 @@
 
 #include <deque>
 #include <filesystem>
+#include <functional>
 #include <set>
+#include <utility>
 
 #include "platform/Bitmap.h"
 #include "platform/PageWindow.h"
@@ -41,6 +43,9 @@ public:
     /// For the next question that has none yet: "yes", "no", "ok", "cancel", a menu's id or a file. A
     /// question without an answer is cancelled, and so is one that can't be answered in that way.
     void answer(std::string word) { answers_.push_back(std::move(word)); }
+    /// Called at each question before it is answered, so that the user can look around; `settle` shows the
+    /// page as it stands behind the question. Nothing else that a user does may come from there.
+    void setWatcher(std::function<void()> watcher) { watcher_ = std::move(watcher); }
     /// Where answers that are relative files count from; the working directory at first.
     void setFolder(std::filesystem::path folder) { folder_ = std::move(folder); }
     /// Lets the page paint what is out of date.
@@ -88,6 +93,7 @@ private:
     Point pointer_;
     std::string clipboard_;
     std::deque<std::string> answers_;
+    std::function<void()> watcher_;
     std::filesystem::path folder_;
     std::vector<std::string> log_;
     Bitmap screen_;

@@ -88,8 +88,8 @@ public:
     virtual void showHelp() = 0;
 };
 
-/// What a window tells its page. Client pixels; on the window's thread. Events that happen while a question
-/// (`ask...`) is open don't come.
+/// What a window tells its page. Client pixels; on the window's thread. While a question (`ask...`) is open,
+/// events don't come; `paint` alone may, so that the page behind the question is shown as it stands.
 class PageEvents {
 public:
     virtual ~PageEvents() = default;
