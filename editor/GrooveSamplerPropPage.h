@@ -71,7 +71,10 @@ public:
     DropEffect dragOver(Point) override { return DropEffect::copy; }
     void dragLeave() override {}
     DropEffect drop(Point at, std::optional<std::span<const std::string>> paths) override;
-    void editLeft(int id) override { applyEdit(id); }
+    /// A grain that is gone takes no value, and the keyboard goes on to where it was going.
+    void editLeft(int id) override {
+        guarded([&] { applyEdit(id); });
+    }
     void comboLeft(int id) override { applyCombo(id); }
     void comboClosed(int id) override { applyCombo(id); }
     bool OnControlMessage(Control& control, const ControlEvent& event, int* result) override;

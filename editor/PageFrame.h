@@ -83,6 +83,14 @@ protected:
     bool isShiftHeld() { return m_window.isKeyDown(kKeyShift); }
     bool isControlHeld() { return m_window.isKeyDown(kKeyControl); }
 
+    template <class Event>
+    void guarded(Event event) {
+        try {
+            event();
+        } catch (const std::invalid_argument&) {
+            // What the user pointed at isn't there any more: the gesture ends.
+        }
+    }
     /// Carries out an event, and then what controls have posted in it.
     template <class Event>
     void carryOut(Event event) {
@@ -107,14 +115,6 @@ protected:
     virtual void editReturned(int id) = 0;
 
 private:
-    template <class Event>
-    void guarded(Event event) {
-        try {
-            event();
-        } catch (const std::invalid_argument&) {
-            // What the user pointed at isn't there any more: the gesture ends.
-        }
-    }
     void post(std::function<void()> what) { m_posted.push_back(std::move(what)); }
     void drain();
     void wakeUp() { m_window.requestPaint(); }

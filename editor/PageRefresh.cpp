@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <stdexcept>
 
 #include "editor/GrooveSamplerPropPage.h"
 #include "editor/PageLayout.h"
@@ -113,9 +114,13 @@ void CGrooveSamplerPropPage::RefreshGrainReadouts() {
     float pan = 0.5f;
     if (!m_selection.isEmpty()) {
         const auto [pad, grain] = m_selection.first();
-        transpose = get(&IGrooveSampler::GetGrainTranspose, transpose, pad, grain);
-        volume = get(&IGrooveSampler::GetGrainVolume, volume, pad, grain);
-        pan = get(&IGrooveSampler::GetGrainPan, pan, pad, grain);
+        try {
+            transpose = get(&IGrooveSampler::GetGrainTranspose, transpose, pad, grain);
+            volume = get(&IGrooveSampler::GetGrainVolume, volume, pad, grain);
+            pan = get(&IGrooveSampler::GetGrainPan, pan, pad, grain);
+        } catch (const std::invalid_argument&) {
+            // Its pad was changed behind the page and the grain is gone: the rest must be shown all the same.
+        }
     }
     SetGrainTransposeText(transpose, false);
     SetGrainVolumeText(volume, false);
