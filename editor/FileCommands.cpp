@@ -34,7 +34,9 @@ private:
 
 void CGrooveSamplerPropPage::RunFileCommand(FileMode mode, bool save) {
     const char* const filter = mode == FileMode::project ? kProjectFilter : kWaveFilter;
-    if (const auto path = window().askFile(filter, save)) {
+    // The dialog takes the keyboard: what stands in an edit or a combo counts before what the file brings.
+    focus(&m_controls.toggle(kBinPlay));
+    if (const auto path = asking().askFile(filter, save)) {
         clearSelections();
         m_currentBinFile = -1;
         if (mode == FileMode::project)
@@ -42,7 +44,6 @@ void CGrooveSamplerPropPage::RunFileCommand(FileMode mode, bool save) {
         else
             loadChosenFile(mode, *path);
     }
-    focus(&m_controls.toggle(kBinPlay));
     requestRefresh();
 }
 
@@ -77,7 +78,7 @@ void CGrooveSamplerPropPage::reportLoad(const LoadResult& result) {
     const char* const text = result.status == kBinFull              ? kBinIsFull
                              : result.status == kLoadedFormatForced ? kNotPatched
                                                                     : kLoadFailed;
-    window().askMessage(text, false);
+    asking().askMessage(text, false);
 }
 
 void CGrooveSamplerPropPage::runProjectFile(const std::string& path, bool save) {
@@ -89,7 +90,7 @@ void CGrooveSamplerPropPage::runProjectFile(const std::string& path, bool save) 
     } catch (const std::invalid_argument&) {
         // The project names a grain that can't be.
     }
-    if (FAILED(result)) window().askMessage(save ? kSaveProjectFailed : kLoadProjectFailed, false);
+    if (FAILED(result)) asking().askMessage(save ? kSaveProjectFailed : kLoadProjectFailed, false);
 }
 
 void CGrooveSamplerPropPage::projectCommand(bool save) {
@@ -103,7 +104,7 @@ void CGrooveSamplerPropPage::projectCommand(bool save) {
 
 void CGrooveSamplerPropPage::clearProject() {
     window().setTimer(0);
-    if (window().askMessage(kAskClearProject, true) == PageAnswer::yes) {
+    if (asking().askMessage(kAskClearProject, true) == PageAnswer::yes) {
         m_currentBinFile = -1;
         SelectPad(0);
         clearSelections();

@@ -20,7 +20,7 @@ void CGrooveSamplerPropPage::ShowPadMenu(Point at, int pad) {
          {kLoopingCommand, "Looping", isOn(&IGrooveSampler::GetPadLooping, pad)},
          {kSyncedCommand, "Synced Playback", isOn(&IGrooveSampler::GetPadSynced, pad)},
          {kClearPadCommand, "Clear Pad"}}};
-    if (const int chosen = window().askMenu(at, items)) postCommand(chosen);
+    if (const int chosen = asking().askMenu(at, items)) postCommand(chosen);
 }
 
 void CGrooveSamplerPropPage::padMenuCommand(int id) {

@@ -130,12 +130,22 @@ void PageFrame::focusLost() {
 }
 
 void PageFrame::captureLost() {
-    carryOut([&] {
-        Control* const control = std::exchange(m_captured, nullptr);
-        const bool ofPage = std::exchange(m_pageCaptured, false);
-        if (control) control->handle({ControlEventKind::captureLost, {}});
-        if (ofPage) gestureLost();
-    });
+    carryOut([&] { loseMouse(); });
+}
+
+void PageFrame::loseMouse() {
+    Control* const control = std::exchange(m_captured, nullptr);
+    const bool ofPage = std::exchange(m_pageCaptured, false);
+    if (control) control->handle({ControlEventKind::captureLost, {}});
+    if (ofPage) gestureLost();
+}
+
+PageWindow& PageFrame::asking() {
+    if (m_captured || m_pageCaptured) {
+        loseMouse();
+        m_window.releaseCapture();
+    }
+    return m_window;
 }
 
 void PageFrame::captureMouse(Control& control) {

@@ -80,6 +80,9 @@ protected:
     bool RectVisible(const Rect& area) const;
     /// All mouse events go to the page, also from over controls.
     void captureForPage();
+    /// The window, for a question to the user. Whoever has the mouse loses it: the button may be let go over
+    /// the question, and then nobody here hears of it.
+    PageWindow& asking();
     bool isShiftHeld() { return m_window.isKeyDown(kKeyShift); }
     bool isControlHeld() { return m_window.isKeyDown(kKeyControl); }
 
@@ -121,6 +124,7 @@ private:
     Control* under(Point at) const;
     /// Null for the page.
     Control* targetOf(Point at) const;
+    void loseMouse();
     void route(ControlEventKind kind, Point at, void (PageFrame::*toPage)(Point));
     void sendKey(const ControlEvent& event);
 
