@@ -106,11 +106,12 @@ bool CGrooveSamplerPropPage::pressGrain(Point at) {
     if (!hit) return false;
     const auto& [pad, grain, corner] = *hit;
     SelectPad(pad);
-    m_grainDrag = {true, at, at, {at.x - corner.x, at.y - corner.y}, pad, grain};
     if (!isShiftHeld() && !m_selection.contains(pad, grain)) m_selection.clear();
     m_selection.add(pad, grain);
     RefreshGrainReadouts();
     makeSourceCurrent(pad, grain);
+    // Only now: a grain that went since it was painted has ended the press before.
+    m_grainDrag = {true, at, at, {at.x - corner.x, at.y - corner.y}, pad, grain};
     call(&IGrooveSampler::AuditionPad, pad, grain);
     invalidateGrainPlaces();
     return true;

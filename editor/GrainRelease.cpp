@@ -22,7 +22,7 @@ void CGrooveSamplerPropPage::released(Point at) {
     releaseMouse();
     m_hoverPad = -1;
     if (!std::exchange(m_mouseDown, false)) return;
-    finishGesture(at);
+    guarded([&] { finishGesture(at); });
     dragScrollers(at);
     for (const auto& [scroller, served] : scrollers()) scroller->endDrag();
     focus(&m_controls.toggle(kBinPlay));

@@ -45,6 +45,7 @@ CGrooveSamplerPropPage::CGrooveSamplerPropPage(PageWindow& window, FontSource& f
 CGrooveSamplerPropPage::~CGrooveSamplerPropPage() {
     if (!m_isOpen) return;
     if (m_mouseDown) window().confinePointer({});
+    window().setCursor(PageCursor::arrow);
     releaseMouse();
     window().setTimer(0);
 }

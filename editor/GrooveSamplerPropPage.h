@@ -199,7 +199,6 @@ private:
     void applyVelocity(int id);
     void applyGrainEdit(int id);
     void applyCombo(int id);
-    void grainKnob(int id, int position);
 
     // Commands of the buttons and toggles.
     void padToggleCommand(int id);

@@ -44,6 +44,8 @@ void CGrooveSamplerPropPage::releaseBinFile(Point at) {
         call(&IGrooveSampler::Undo);
         return;
     }
+    // Its grains are others now.
+    clearSelections();
     SelectPad(pad);
     requestRefresh();
 }
@@ -56,10 +58,10 @@ void CGrooveSamplerPropPage::loadToBinCommand() {
 
 void CGrooveSamplerPropPage::deleteBinFile() {
     if (m_currentBinFile < 0) {
-        window().askMessage(kSelectFileFirst, false);
+        asking().askMessage(kSelectFileFirst, false);
         return m_controls.toggle(kDeleteFromBin).setDown(false);
     }
-    if (window().askMessage(kAskDeleteFile, true) == PageAnswer::yes) {
+    if (asking().askMessage(kAskDeleteFile, true) == PageAnswer::yes) {
         clearSelections();
         call(&IGrooveSampler::RemoveBinFile, m_currentBinFile);
         --m_currentBinFile;
