@@ -44,8 +44,6 @@ void CGrooveSamplerPropPage::releaseBinFile(Point at) {
         call(&IGrooveSampler::Undo);
         return;
     }
-    // Its grains are others now.
-    clearSelections();
     SelectPad(pad);
     requestRefresh();
 }
