@@ -90,7 +90,8 @@ void CGrooveSamplerPropPage::runProjectFile(const std::string& path, bool save) 
     } catch (const std::invalid_argument&) {
         // The project names a grain that can't be.
     }
-    if (FAILED(result)) asking().askMessage(save ? kSaveProjectFailed : kLoadProjectFailed, false);
+    // A project that loads and has to set the format gives 1: its user is told as well.
+    if (result != S_OK) asking().askMessage(save ? kSaveProjectFailed : kLoadProjectFailed, false);
 }
 
 void CGrooveSamplerPropPage::projectCommand(bool save) {
