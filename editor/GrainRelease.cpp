@@ -69,7 +69,8 @@ void CGrooveSamplerPropPage::releaseGrains(Point at) {
     SelectPad(row);
     const std::int64_t delta = snappedTick(at.x, drag.grab.x) - plotted(drag.pad, drag.grain).start;
     call(&IGrooveSampler::PushUndoState);
-    moveSelection(row - drag.pad, delta);
+    // A file laid on a pad leaves grains selected that are gone: those before them have moved all the same.
+    guarded([&] { moveSelection(row - drag.pad, delta); });
     m_selection.clear();
     call(&IGrooveSampler::CommitGrainEdits);
     SyncLoopToggles(row);
