@@ -25,6 +25,8 @@ void CGrooveSamplerPropPage::released(Point at) {
     guarded([&] { finishGesture(at); });
     dragScrollers(at);
     for (const auto& [scroller, served] : scrollers()) scroller->endDrag();
+    // The next move may be over a control, which leaves the cursor as it is.
+    window().setCursor(PageCursor::arrow);
     focus(&m_controls.toggle(kBinPlay));
 }
 
