@@ -65,6 +65,11 @@ bool isNamed(FcPattern* match, const std::string& family) {
     return false;
 }
 
+/// Of several versions of a face the nearest to this one is taken: 1.07.4 of Liberation Sans, which
+/// fonts-liberation brings. A machine may have another from fonts-liberation2, whose outlines differ a
+/// little.
+constexpr int kFaceVersion = 70123;
+
 /// Where the regular face of `family` lies. No aliases: a face of another name is no answer.
 std::optional<FaceFile> findFace(const std::string& family) {
     const Config config(FcInitLoadConfigAndFonts());
@@ -74,6 +79,7 @@ std::optional<FaceFile> findFace(const std::string& family) {
     FcPatternAddInteger(wanted.get(), FC_WEIGHT, FC_WEIGHT_REGULAR);
     FcPatternAddInteger(wanted.get(), FC_SLANT, FC_SLANT_ROMAN);
     FcPatternAddBool(wanted.get(), FC_SCALABLE, FcTrue);
+    FcPatternAddInteger(wanted.get(), FC_FONTVERSION, kFaceVersion);
     FcDefaultSubstitute(wanted.get());
     FcResult result = FcResultNoMatch;
     const Pattern match(FcFontMatch(config.get(), wanted.get(), &result));
