@@ -35,8 +35,9 @@ public:
     std::unique_ptr<CGrooveSamplerPropPage> page;
 
     /// Makes the page, binds it, shows it and forgets the calls of that.
-    void open() {
-        page = std::make_unique<CGrooveSamplerPropPage>(window, fonts);
+    void open() { open(fonts); }
+    void open(FontSource& source) {
+        page = std::make_unique<CGrooveSamplerPropPage>(window, source);
         IUnknown* const object = &engine;
         page->bind({&object, 1});
         window.setPage(page.get());

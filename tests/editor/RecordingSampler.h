@@ -3,6 +3,7 @@
 #include <array>
 #include <cstdint>
 #include <cstring>
+#include <functional>
 #include <map>
 #include <sstream>
 #include <stdexcept>
@@ -47,11 +48,21 @@ struct ModelFile {
     std::vector<ModelGrain> grains;
 };
 
+/// A call as it is written down: its name and its arguments, numbers with up to nine digits.
+template <class... Arguments>
+std::string callText(const std::string& name, const Arguments&... arguments) {
+    std::ostringstream text;
+    text.precision(9);
+    text << name;
+    ((text << ' ' << arguments), ...);
+    return text.str();
+}
+
 /// An engine that plays nothing: writes down every call in its order as a line of text, such as "SetPadMute 3
 /// 1", "MoveGrain 0 2 4 -1 1" or "LoadFileToBin beat.wav /loops/beat.wav" (arguments in, none out; a key map
 /// record as its six values), and answers from a model that tests set up. Setters of values write the model;
 /// whatever changes grains or files is only written down, but for loading and removing files. Outlives
-/// whoever holds it: references aren't counted.
+/// whoever holds it: references are counted and end nothing.
 class RecordingSampler final : public IGrooveSampler {
 public:
     std::array<ModelPad, 16> pads;
@@ -61,6 +72,9 @@ public:
     std::uint32_t loadStatus = 0;            ///< of the next file loads
     std::map<std::string, HRESULT> results;  ///< of operations that shall not give `S_OK`, by name
     std::vector<std::string> throwing;       ///< operations that raise the invalid-argument exception
+    /// Hears each call after it was written down and before it is carried out.
+    std::function<void(const std::string&)> onCall = [](const std::string&) {};
+    ULONG references = 0;
 
     /// All calls since the last take.
     std::vector<std::string> take() { return std::exchange(calls_, {}); }
@@ -76,10 +90,11 @@ public:
         *object = nullptr;
         if (iid != IID_IGrooveSampler && iid != IID_IUnknown) return E_NOINTERFACE;
         *object = static_cast<IGrooveSampler*>(this);
+        AddRef();
         return S_OK;
     }
-    ULONG AddRef() override { return 1; }
-    ULONG Release() override { return 1; }
+    ULONG AddRef() override { return ++references; }
+    ULONG Release() override { return --references; }
     HRESULT GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
     HRESULT GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
     HRESULT GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override { return E_NOTIMPL; }
@@ -328,11 +343,9 @@ public:
 private:
     template <class... Arguments>
     HRESULT log(const std::string& name, const Arguments&... arguments) {
-        std::ostringstream line;
-        line.precision(9);
-        line << name;
-        ((line << ' ' << arguments), ...);
-        calls_.push_back(line.str());
+        const std::string call = callText(name, arguments...);
+        calls_.push_back(call);
+        onCall(call);
         for (const std::string& operation : throwing)
             if (operation == name) throw std::invalid_argument(name);
         const auto result = results.find(name);
