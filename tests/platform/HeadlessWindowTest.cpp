@@ -28,9 +28,20 @@ public:
         heard.push_back("U+" + std::to_string(static_cast<unsigned>(character)));
     }
     void focusLost() override {}
-    void drop(Point at, std::span<const std::string> paths) override {
+    void captureLost() override {}
+    DropEffect dragEnter(bool hasFiles) override {
+        heard.push_back(hasFiles ? "enter with files" : "enter");
+        return DropEffect::copy;
+    }
+    DropEffect dragOver(Point at) override {
+        point("over", at);
+        return DropEffect::copy;
+    }
+    void dragLeave() override { heard.push_back("leave"); }
+    DropEffect drop(Point at, std::optional<std::span<const std::string>> paths) override {
         point("drop", at);
-        heard.insert(heard.end(), paths.begin(), paths.end());
+        if (paths) heard.insert(heard.end(), paths->begin(), paths->end());
+        return DropEffect::copy;
     }
 
 private:
@@ -129,6 +140,23 @@ TEST(HeadlessWindow, AnswersAreGivenInTheirOrder) {
                      "? menu 32770:Open Audio File 32771:Looping:checked -> 32771"}));
 }
 
+TEST(HeadlessWindow, TheWatcherLooksAroundBeforeEachAnswer) {
+    HeadlessWindow window;
+    ListeningPage page(window);
+    int logged = -1;
+    window.setWatcher([&] {
+        logged = static_cast<int>(window.takeLog().size());
+        window.settle();
+    });
+    window.requestPaint();
+    window.answer("yes");
+    EXPECT_EQ(window.askMessage("Sure?", true), PageAnswer::yes);
+    EXPECT_EQ(logged, 0);
+    EXPECT_EQ(page.heard, Lines{"paint"});
+    window.askFile("Wave Files (*.wav)|*.wav||", false);
+    EXPECT_EQ(logged, 1);
+}
+
 TEST(HeadlessWindow, AMenuGivesNothingThatIsNotInIt) {
     HeadlessWindow window;
     const std::vector<MenuItem> items{{1, "One", false}};
@@ -182,7 +210,8 @@ TEST(HeadlessWindow, FilesAreDroppedWhereThePointerIs) {
     ListeningPage page(window);
     const Lines files{"a.wav", "b.wav"};
     window.drop({5, 6}, files);
-    EXPECT_EQ(page.heard, (Lines{"drop 5,6", "a.wav", "b.wav"}));
+    EXPECT_EQ(page.heard, (Lines{"enter with files", "over 5,6", "drop 5,6", "a.wav", "b.wav"}));
+    EXPECT_EQ(window.pointer(), (Point{5, 6}));
 }
 
 }  // namespace
