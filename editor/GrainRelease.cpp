@@ -20,6 +20,7 @@ constexpr std::int64_t kSameTime = -1;
 void CGrooveSamplerPropPage::released(Point at) {
     window().confinePointer({});
     releaseMouse();
+    if (m_hoverPad >= 0 && m_hoverPad != m_currentPad) invalidateView();
     m_hoverPad = -1;
     if (!std::exchange(m_mouseDown, false)) return;
     guarded([&] { finishGesture(at); });
@@ -64,7 +65,7 @@ const EventPlotInfo& CGrooveSamplerPropPage::plotted(int pad, int grain) const {
 
 void CGrooveSamplerPropPage::releaseGrains(Point at) {
     const GrainDrag drag = std::exchange(m_grainDrag, {});
-    invalidateView();
+    invalidateDrag();
     int row = -1;
     bool onLabel = false;
     if (!scale().HitTestRow(at, &row, &onLabel) || drag.isNearPress(at)) return;
@@ -98,7 +99,7 @@ void CGrooveSamplerPropPage::releaseLength(Point at) {
     const LengthDrag drag = std::exchange(m_lengthDrag, {});
     call(&IGrooveSampler::PushUndoState);
     call(&IGrooveSampler::SetLoopLength, kPadLoop, drag.pad, snappedTick(at.x, drag.grabX));
-    invalidateView();
+    invalidateDrag();
 }
 
 void CGrooveSamplerPropPage::releasePress(Point at) {
