@@ -84,7 +84,10 @@ void CGrooveSamplerPropPage::pressByPlace(Point at) {
 bool CGrooveSamplerPropPage::pressPadBlock(Point at) {
     const auto hit = HitTestPad(at);
     if (!hit) return false;
-    if (hit->onImage) call(&IGrooveSampler::AuditionPad, hit->pad, -1);
+    if (hit->onImage) {
+        m_heldPad = hit->pad;
+        call(&IGrooveSampler::AuditionPad, hit->pad, -1);
+    }
     if (hit->pad != m_currentPad) SelectPad(hit->pad);
     return true;
 }

@@ -22,6 +22,7 @@ void CGrooveSamplerPropPage::released(Point at) {
     releaseMouse();
     if (m_hoverPad >= 0 && m_hoverPad != m_currentPad) invalidateView();
     m_hoverPad = -1;
+    m_heldPad = -1;
     if (!std::exchange(m_mouseDown, false)) return;
     guarded([&] { finishGesture(at); });
     dragScrollers(at);
@@ -42,6 +43,8 @@ void CGrooveSamplerPropPage::finishGesture(Point at) {
 
 void CGrooveSamplerPropPage::gestureLost() {
     window().confinePointer({});
+    // Its release won't come: a loop would play on.
+    if (m_heldPad >= 0) call(&IGrooveSampler::StopPad, std::exchange(m_heldPad, -1));
     m_hoverPad = -1;
     m_mouseDown = false;
     m_grainDrag.active = false;

@@ -44,8 +44,7 @@ CGrooveSamplerPropPage::CGrooveSamplerPropPage(PageWindow& window, FontSource& f
 
 CGrooveSamplerPropPage::~CGrooveSamplerPropPage() {
     if (!m_isOpen) return;
-    if (m_mouseDown) window().confinePointer({});
-    window().setCursor(PageCursor::arrow);
+    gestureLost();
     releaseMouse();
     window().setTimer(0);
 }

@@ -299,6 +299,7 @@ private:
     CKeyMapEditor m_keyMapEditor;
 
     bool m_mouseDown = false;
+    int m_heldPad = -1;  ///< the pad whose image is held down; -1 for none
     bool m_draggingBinFile = false;
     bool m_draggingBinGrain = false;
     bool m_draggingKeyMap = false;

@@ -89,7 +89,8 @@ public:
 };
 
 /// What a window tells its page. Client pixels; on the window's thread. While a question (`ask...`) is open,
-/// events don't come; `paint` alone may, so that the page behind the question is shown as it stands.
+/// events don't come; `paint` alone may, so that the page behind the question is shown as it stands. A page
+/// isn't destroyed before its question has returned.
 class PageEvents {
 public:
     virtual ~PageEvents() = default;

@@ -460,6 +460,27 @@ TEST_F(GrainGestures, WhatTakesTheMouseAwayEndsADragWithoutEffect) {
     EXPECT_EQ(selection(), (Selected{{0, 1}}));
 }
 
+TEST_F(GrainGestures, APadThatIsHeldStopsWhenTheMouseIsTakenAway) {
+    open();
+    rig.press(PageRig::onPadImage(5));
+    rig.changes();
+    rig.page->captureLost();
+    EXPECT_EQ(rig.changes(), Calls{"StopPad 5"});
+    rig.page->captureLost();
+    EXPECT_EQ(rig.changes(), Calls{});
+}
+
+TEST_F(GrainGestures, APageThatClosesWhileAPadIsHeldStopsIt) {
+    open();
+    rig.press(PageRig::onPadImage(5));
+    rig.changes();
+    rig.window.setPage(nullptr);
+    rig.page.reset();
+    EXPECT_EQ(rig.changes(), Calls{"StopPad 5"});
+    EXPECT_FALSE(rig.window.hasCapture());
+    EXPECT_EQ(rig.window.timerPeriod(), 0);
+}
+
 TEST_F(GrainGestures, AGrainThatIsGoneByTheReleaseEndsTheGesture) {
     open();
     rig.press(PageRig::onBeat(0, 3));
