@@ -3,7 +3,7 @@
 #include "engine/VoiceRig.h"
 #include "platform/Graph.h"
 
-namespace marnoth::test {
+namespace marnoth::test::block_frame_test {
 namespace {
 
 /// A stereo block whose pins hold what the test put there.
@@ -327,4 +327,4 @@ TEST(Position, FarOutPositionsDoNoHarm) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::block_frame_test

@@ -4,7 +4,7 @@
 
 #include "engine/VoiceRig.h"
 
-namespace marnoth::test {
+namespace marnoth::test::block_size_test {
 namespace {
 
 constexpr std::int64_t kFrames = 3 * 4096 + 700;
@@ -92,4 +92,4 @@ TEST(BlockSize, PressedPadAndAuditionAreTheSame) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::block_size_test

@@ -3,7 +3,7 @@
 #include "engine/EditRig.h"
 #include "support/AllocationMeter.h"
 
-namespace marnoth::test {
+namespace marnoth::test::damaged_load_test {
 namespace {
 
 constexpr std::size_t kMostForARefusal = 1 << 20;
@@ -83,4 +83,4 @@ TEST(DamagedLoad, SegmentThatRunsPastTheEndByLessThanAFrameAtTheNewRateFits) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::damaged_load_test

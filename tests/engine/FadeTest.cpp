@@ -2,7 +2,7 @@
 
 #include "engine/VoiceRig.h"
 
-namespace marnoth::test {
+namespace marnoth::test::fade_test {
 namespace {
 
 constexpr double kFadeIn = 44;    // 1 ms at 44100 Hz
@@ -158,4 +158,4 @@ TEST(Fade, BlockLargerThanOneOf48000FramesIsRenderedWhole) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::fade_test

@@ -3,7 +3,7 @@
 
 #include "engine/EditRig.h"
 
-namespace marnoth::test {
+namespace marnoth::test::grain_edits_test {
 namespace {
 
 using Sampler = IGrooveSampler;
@@ -320,4 +320,4 @@ TEST_F(GrainEditsTest, ListsOfABadIndexAreEmptyAndAnAnswerOfNo) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::grain_edits_test

@@ -5,7 +5,7 @@
 #include "engine/VoiceRig.h"
 #include "sample/AcidWave.h"
 
-namespace marnoth::test {
+namespace marnoth::test::grain_tail_test {
 namespace {
 
 /// A file of four grains of a quarter beat each, as a Loop Bin entry.
@@ -116,4 +116,4 @@ TEST(PadWithTails, LoopThatBeginsAgainCutsTheRing) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::grain_tail_test

@@ -1,7 +1,7 @@
 #include "engine/EditRig.h"
 #include "engine/GrooveEvent.h"
 
-namespace marnoth::test {
+namespace marnoth::test::groove_event_test {
 namespace {
 
 TEST(Grain, HoldsItsPlaceInTicksAndInSamples) {
@@ -136,4 +136,4 @@ TEST(Grain, WithoutASampleRendersNothing) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::groove_event_test

@@ -4,7 +4,7 @@
 #include "engine/GrooveTrack.h"
 #include "sample/AcidWave.h"
 
-namespace marnoth::test {
+namespace marnoth::test::groove_track_test {
 namespace {
 
 struct GrooveTrackTest : testing::Test {
@@ -282,4 +282,4 @@ TEST_F(GrooveTrackTest, HostileLengthsStayInRange) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::groove_track_test

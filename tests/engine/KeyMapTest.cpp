@@ -3,7 +3,7 @@
 #include "engine/KeyMap.h"
 #include "engine/VoiceRig.h"
 
-namespace marnoth::test {
+namespace marnoth::test::key_map_test {
 namespace {
 
 /// A map over two pads, of which only the first four fields matter to a test.
@@ -169,4 +169,4 @@ TEST(KeyMap, ResetMakesPadsOneShotOmniOnTheMixWithoutRoot) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::key_map_test

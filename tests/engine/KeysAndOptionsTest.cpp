@@ -1,6 +1,6 @@
 #include "engine/EditRig.h"
 
-namespace marnoth::test {
+namespace marnoth::test::keys_and_options_test {
 namespace {
 
 std::vector<std::int32_t> valuesOf(const KeyMapRecord& entry) {
@@ -58,4 +58,4 @@ TEST(Options, TheAuditionOptionIsKept) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::keys_and_options_test

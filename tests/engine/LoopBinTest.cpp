@@ -1,6 +1,6 @@
 #include "engine/EditRig.h"
 
-namespace marnoth::test {
+namespace marnoth::test::loop_bin_test {
 namespace {
 
 using Sampler = IGrooveSampler;
@@ -375,4 +375,4 @@ TEST_F(RemoveBinFileTest, EndsEveryVoice) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::loop_bin_test

@@ -5,7 +5,7 @@
 #include "engine/SavedProject.h"
 #include "support/FailingAllocation.h"
 
-namespace marnoth::test {
+namespace marnoth::test::no_memory_test {
 namespace {
 
 TEST(NoMemory, ALoadThatRunsOutAnywhereLeavesTheBinUnchanged) {
@@ -123,4 +123,4 @@ TEST(NoMemory, AProjectThatRunsOutAnywhereLeavesNothingAndTheDefaultKeys) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::no_memory_test

@@ -2,7 +2,7 @@
 
 #include "engine/VoiceRig.h"
 
-namespace marnoth::test {
+namespace marnoth::test::note_stage_test {
 namespace {
 
 constexpr std::int32_t kBlock = 1024;
@@ -350,4 +350,4 @@ TEST(OneNote, MaySoundBeforeTimeZero) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::note_stage_test

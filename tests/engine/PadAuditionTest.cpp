@@ -2,7 +2,7 @@
 
 #include "engine/VoiceRig.h"
 
-namespace marnoth::test {
+namespace marnoth::test::pad_audition_test {
 namespace {
 
 constexpr std::int32_t kBlock = 1024;
@@ -254,4 +254,4 @@ TEST(ResetVoices, PressBehindItStartsALoopThatPlayed) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::pad_audition_test

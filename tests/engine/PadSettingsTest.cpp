@@ -2,7 +2,7 @@
 
 #include "engine/EditRig.h"
 
-namespace marnoth::test {
+namespace marnoth::test::pad_settings_test {
 namespace {
 
 using Sampler = IGrooveSampler;
@@ -256,4 +256,4 @@ TEST(LoopLength, HostileLengthsPlayWithoutHarm) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::pad_settings_test

@@ -2,7 +2,7 @@
 
 #include "engine/VoiceRig.h"
 
-namespace marnoth::test {
+namespace marnoth::test::phase_test {
 namespace {
 
 /// Two synced loops of a beat, 24000 frames at 48000 Hz and 120 beats per minute; the second lies on channel
@@ -212,4 +212,4 @@ TEST(Phase, StartFollowsATempoChange) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::phase_test

@@ -6,7 +6,7 @@
 #include "host/Pzi.h"
 #include "support/FakeGraph.h"
 
-namespace marnoth::test {
+namespace marnoth::test::pin_buffer_test {
 namespace {
 
 /// A media sample of 32-bit values.
@@ -86,4 +86,4 @@ TEST(PinBuffer, WithoutMemoryThereIsNothingToWriteTo) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::pin_buffer_test

@@ -1,6 +1,6 @@
 #include "engine/EditRig.h"
 
-namespace marnoth::test {
+namespace marnoth::test::play_requests_test {
 namespace {
 
 using Sampler = IGrooveSampler;
@@ -151,4 +151,4 @@ TEST_F(PlayRequestsTest, BadIndicesAreRefused) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::play_requests_test

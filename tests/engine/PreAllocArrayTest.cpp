@@ -5,7 +5,7 @@
 
 #include "engine/PreAllocArray.h"
 
-namespace marnoth::test {
+namespace marnoth::test::pre_alloc_array_test {
 namespace {
 
 std::vector<int> items(const CPreAllocArray<int>& array) {
@@ -69,4 +69,4 @@ TEST(PreAllocArray, TakesItemsThatCanOnlyBeMoved) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::pre_alloc_array_test

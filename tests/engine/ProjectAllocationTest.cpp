@@ -3,7 +3,7 @@
 #include "engine/ProjectRig.h"
 #include "support/AllocationMeter.h"
 
-namespace marnoth::test {
+namespace marnoth::test::project_allocation_test {
 namespace {
 
 constexpr std::size_t kMostForARefusal = 1 << 20;
@@ -77,4 +77,4 @@ TEST(ProjectAllocation, ALoadTakesWhatTheFileJustifies) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::project_allocation_test

@@ -2,7 +2,7 @@
 
 #include "engine/ProjectRig.h"
 
-namespace marnoth::test {
+namespace marnoth::test::project_damage_test {
 namespace {
 
 /// Reads every byte that a list of grains promises.
@@ -145,4 +145,4 @@ TEST(ProjectDamage, UndamagedProjectIsPlayed) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::project_damage_test

@@ -15,7 +15,7 @@
 #include "engine/SavedProject.h"
 #include "support/MemoryStream.h"
 
-namespace marnoth::test {
+namespace marnoth::test::project_kill_test {
 namespace {
 
 /// What the killed process leaves behind: how many saves were whole.
@@ -113,4 +113,4 @@ TEST(ProjectKill, TheFormerProjectOrTheNewOneIsThereWheneverASaveIsKilled) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::project_kill_test

@@ -6,7 +6,7 @@
 
 #include "engine/ProjectRig.h"
 
-namespace marnoth::test {
+namespace marnoth::test::project_load_test {
 namespace {
 
 /// An engine with something of everything that a load clears.
@@ -442,4 +442,4 @@ TEST(ProjectLoad, TenTripsBetweenTwoRatesLoseNothing) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::project_load_test

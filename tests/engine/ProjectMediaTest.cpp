@@ -13,7 +13,7 @@
 #include "support/FileSizeLimit.h"
 #endif
 
-namespace marnoth::test {
+namespace marnoth::test::project_media_test {
 namespace {
 
 namespace fs = std::filesystem;
@@ -389,4 +389,4 @@ TEST(ProjectConcurrency, TwoSavesUnderOneNameComeOneAfterTheOther) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::project_media_test

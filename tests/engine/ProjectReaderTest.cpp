@@ -3,7 +3,7 @@
 
 #include "engine/ProjectRig.h"
 
-namespace marnoth::test {
+namespace marnoth::test::project_reader_test {
 namespace {
 
 constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
@@ -395,4 +395,4 @@ TEST(ProjectReader, FailsWithItsStreamAtEveryCall) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::project_reader_test

@@ -10,7 +10,7 @@
 #include "platform/Text.h"
 #include "support/MemoryStream.h"
 
-namespace marnoth::test {
+namespace marnoth::test::project_save_test {
 namespace {
 
 using Sampler = IGrooveSampler;
@@ -546,4 +546,4 @@ TEST(ProjectStream, TheFormStartsAtThePositionAndTheStreamStandsBehindIt) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::project_save_test

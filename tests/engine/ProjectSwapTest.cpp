@@ -4,7 +4,7 @@
 
 #include "engine/ProjectRig.h"
 
-namespace marnoth::test {
+namespace marnoth::test::project_swap_test {
 namespace {
 
 /// A project of `files` files and as many grains on each pad, which all sound the constant `level`.
@@ -70,4 +70,4 @@ TEST(ProjectSwap, NoBlockSeesAProjectThatIsReadInPart) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::project_swap_test

@@ -3,7 +3,7 @@
 
 #include "engine/ProjectRig.h"
 
-namespace marnoth::test {
+namespace marnoth::test::project_tracks_test {
 namespace {
 
 constexpr std::int64_t kMost = std::numeric_limits<std::int64_t>::max();
@@ -372,4 +372,4 @@ TEST(ProjectTracks, FileWithoutFramesIsAFile) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::project_tracks_test

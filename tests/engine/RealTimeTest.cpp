@@ -9,7 +9,7 @@
 #include "engine/VoiceRig.h"
 #include "support/RealTimeGuard.h"
 
-namespace marnoth::test {
+namespace marnoth::test::real_time_test {
 namespace {
 
 constexpr std::int32_t kBlock = 512;
@@ -142,4 +142,4 @@ TEST(RealTime, BusyBlocksTakeNoMemoryAndWaitForNothing) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::real_time_test

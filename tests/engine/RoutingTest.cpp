@@ -3,7 +3,7 @@
 #include "dsp/Stretch.h"
 #include "engine/VoiceRig.h"
 
-namespace marnoth::test {
+namespace marnoth::test::routing_test {
 namespace {
 
 constexpr std::int32_t kBlock = 512;
@@ -218,4 +218,4 @@ TEST(Transposition, OffsetsThatCancelPlayUntransposed) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::routing_test

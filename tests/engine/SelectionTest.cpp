@@ -3,7 +3,7 @@
 #include "dsp/Stretch.h"
 #include "engine/VoiceRig.h"
 
-namespace marnoth::test {
+namespace marnoth::test::selection_test {
 namespace {
 
 constexpr std::int64_t kBeat = kTicksPerBeat16;
@@ -312,4 +312,4 @@ TEST(UnsyncedPad, PlaysAtItsOwnSpeedAtAnyTempo) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::selection_test

@@ -1,6 +1,6 @@
 #include "engine/EditRig.h"
 
-namespace marnoth::test {
+namespace marnoth::test::undo_test {
 namespace {
 
 using Sampler = IGrooveSampler;
@@ -169,4 +169,4 @@ TEST(ClearProject, EndsEveryVoice) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::undo_test

@@ -2,7 +2,7 @@
 
 #include "engine/VoiceRig.h"
 
-namespace marnoth::test {
+namespace marnoth::test::voice_life_test {
 namespace {
 
 QueuedEvent noteAt(std::int32_t ticks, std::uint32_t duration) {
@@ -123,4 +123,4 @@ TEST(NoteVoice, GateForgetsAReleasedVoice) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::voice_life_test

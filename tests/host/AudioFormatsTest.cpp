@@ -2,7 +2,7 @@
 #include "host/FilterHost.h"
 #include "host/SynthUnderTest.h"
 
-namespace marnoth::test {
+namespace marnoth::test::audio_formats_test {
 namespace {
 
 HRESULT check(const CMediaType& type) {
@@ -136,4 +136,4 @@ TEST(FormatOfADirection, HasTheFrameSizeOfItsChannelsWhateverTheRecordSays) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::audio_formats_test

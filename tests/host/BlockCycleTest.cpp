@@ -2,7 +2,7 @@
 #include "support/AllocationMeter.h"
 #include "support/EventLists.h"
 
-namespace marnoth::test {
+namespace marnoth::test::block_cycle_test {
 namespace {
 
 using Block = FilterUnderTest::Block;
@@ -452,4 +452,4 @@ TEST(Teardown, FreesTheVoicesOfNotesThatStillPlay) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::block_cycle_test

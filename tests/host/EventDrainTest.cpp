@@ -1,6 +1,6 @@
 #include "host/SynthUnderTest.h"
 
-namespace marnoth::test {
+namespace marnoth::test::event_drain_test {
 namespace {
 
 std::vector<int> keys(const NoteQueue& notes) {
@@ -305,4 +305,4 @@ TEST(Retire, NoVoiceOutlivesTheSynth) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::event_drain_test

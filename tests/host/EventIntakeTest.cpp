@@ -1,6 +1,6 @@
 #include "host/SynthUnderTest.h"
 
-namespace marnoth::test {
+namespace marnoth::test::event_intake_test {
 namespace {
 
 /// What one live message becomes, in an instrument that keeps everything.
@@ -226,4 +226,4 @@ TEST(LiveMidi, ThePitchWheelIsOneNumberOverTwoBytesUnmasked) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::event_intake_test

@@ -1,7 +1,7 @@
 #include "host/SynthUnderTest.h"
 #include "support/AllocationMeter.h"
 
-namespace marnoth::test {
+namespace marnoth::test::event_storage_test {
 namespace {
 
 /// As many notes as are held at a time come and go, over and over.
@@ -45,4 +45,4 @@ TEST(EventStorage, OfAnEventThatHasPlayedServesTheNext) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::event_storage_test

@@ -1,6 +1,6 @@
 #include "host/FilterHost.h"
 
-namespace marnoth::test {
+namespace marnoth::test::filter_connection_test {
 namespace {
 
 TEST(InputPin, TakesFloatAndMakesItTheFormatOfTheInstrument) {
@@ -199,4 +199,4 @@ TEST(Flush, GoesToEveryConnectedOutputAndStopsAtTheFirstFailure) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::filter_connection_test

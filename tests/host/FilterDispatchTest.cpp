@@ -4,7 +4,7 @@
 #include "host/FilterHost.h"
 #include "support/TypeLibrary.h"
 
-namespace marnoth::test {
+namespace marnoth::test::filter_dispatch_test {
 namespace {
 
 void expectNoLibrary(IDispatch& instrument) {
@@ -76,4 +76,4 @@ TEST(Dispatch, AnswersAsWithoutATypeLibrary) {
 #endif
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::filter_dispatch_test

@@ -3,7 +3,7 @@
 #include "host/FilterHost.h"
 #include "host/Module.h"
 
-namespace marnoth::test {
+namespace marnoth::test::filter_identity_test {
 namespace {
 
 RefPtr<IUnknown> query(IUnknown& object, REFIID iid) {
@@ -117,4 +117,4 @@ TEST(CreateInstrument, AsAPartOfAnotherGivesOnlyItsOwnIdentity) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::filter_identity_test

@@ -15,7 +15,7 @@
 #include "support/TempPath.h"
 #include "support/WaveFile.h"
 
-namespace marnoth::test {
+namespace marnoth::test::filter_persist_test {
 namespace {
 
 constexpr std::size_t kWordBytes = 24;
@@ -340,4 +340,4 @@ TEST(StreamedProject, MeetingABrokenByteIsRefusedInBothDirections) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::filter_persist_test

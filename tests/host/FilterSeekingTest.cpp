@@ -5,7 +5,7 @@
 #include "host/Module.h"
 #include "support/SeekingSource.h"
 
-namespace marnoth::test {
+namespace marnoth::test::filter_seeking_test {
 namespace {
 
 /// Where the system's objects are made in.
@@ -165,4 +165,4 @@ TEST(OutputPinSeeking, IsNothingThatTheInputPinHas) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::filter_seeking_test

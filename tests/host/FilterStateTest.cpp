@@ -1,7 +1,7 @@
 #include "host/FilterHost.h"
 #include "support/WaveFile.h"
 
-namespace marnoth::test {
+namespace marnoth::test::filter_state_test {
 namespace {
 
 using Block = FilterUnderTest::Block;
@@ -102,4 +102,4 @@ TEST(FilterState, AStopGivesSyncedPadsTheirZeroBack) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::filter_state_test

@@ -14,7 +14,7 @@
 #include "host/StringMap.h"
 #include "host/SynthUnderTest.h"
 
-namespace marnoth::test {
+namespace marnoth::test::name_lists_test {
 namespace {
 
 constexpr IID kForeign{0x0F1E2D3C, 0x1111, 0x2222, {1, 2, 3, 4, 5, 6, 7, 8}};
@@ -528,4 +528,4 @@ TEST(NameSlots, OfAnInstrumentAreWhereHostsCallThem) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::name_lists_test

@@ -11,7 +11,7 @@
 #include "support/MemoryStream.h"
 #include "support/WaveFile.h"
 
-namespace marnoth::test {
+namespace marnoth::test::out_of_memory_test {
 namespace {
 
 constexpr int kMostAllocations = 100000;
@@ -125,4 +125,4 @@ TEST(MemoryEnds, WhileTheProjectIsLoaded) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::out_of_memory_test

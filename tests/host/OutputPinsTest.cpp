@@ -2,7 +2,7 @@
 
 #include "host/FilterHost.h"
 
-namespace marnoth::test {
+namespace marnoth::test::output_pins_test {
 namespace {
 
 using Calls = std::vector<std::pair<std::uint32_t, std::int32_t>>;
@@ -235,4 +235,4 @@ TEST(RemoveAllOutputPins, EndsAtAConnectedPinWithTheCountUnchanged) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::output_pins_test

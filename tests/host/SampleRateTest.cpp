@@ -2,7 +2,7 @@
 #include "support/EventLists.h"
 #include "support/WaveFile.h"
 
-namespace marnoth::test {
+namespace marnoth::test::sample_rate_test {
 namespace {
 
 /// Half a second of stereo with a tempo, one grain to the beat.
@@ -52,4 +52,4 @@ TEST(SampleRate, OfNothingOrBeyondReasonDoesNoHarm) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::sample_rate_test

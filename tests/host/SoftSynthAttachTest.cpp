@@ -2,7 +2,7 @@
 
 #include "host/SynthUnderTest.h"
 
-namespace marnoth::test {
+namespace marnoth::test::soft_synth_attach_test {
 namespace {
 
 TEST(AttachHost, TakesTheServicesAndTheCallersReferenceToTheContext) {
@@ -129,4 +129,4 @@ TEST(TheLock, IsWaitedForByTheTransport) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::soft_synth_attach_test

@@ -3,7 +3,7 @@
 
 #include "host/SynthUnderTest.h"
 
-namespace marnoth::test {
+namespace marnoth::test::time_conversion_test {
 namespace {
 
 constexpr std::int64_t kBeat16 = 62914560;  // 16.16 ticks
@@ -205,4 +205,4 @@ TEST(Tempo, Is120UntilSet) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::time_conversion_test

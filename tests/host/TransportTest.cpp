@@ -1,6 +1,6 @@
 #include "host/SynthUnderTest.h"
 
-namespace marnoth::test {
+namespace marnoth::test::transport_test {
 namespace {
 
 TEST(StartPlayback, EndsAllVoicesAndEmptiesMapAndQueue) {
@@ -156,4 +156,4 @@ TEST(Transport, SurvivesHostTimesBeyondAllRange) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::transport_test
