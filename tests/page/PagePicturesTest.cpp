@@ -183,6 +183,8 @@ TEST_F(PagePictures, Hover) {
 
 TEST_F(PagePictures, DragWithGhosts) {
     openGroove();
+    click(onImage(3));
+    click(kOnTail);
     click(onRow(2, 1));
     window.hold(kKeyShift);
     click(onRow(2, 2));
@@ -193,8 +195,8 @@ TEST_F(PagePictures, DragWithGhosts) {
     expectColor(onRow(2, 1), 1);
     expectColor(onRow(9, 4.25), 7);
     expectColor(onRow(9, 5.25), 7);
-    expectColor(onRow(10, 6.25), 7);
-    expectColor({132, 452}, 4);  // the row under the pointer is lit, above its name
+    expectColor(onRow(10, 6.25), 5);  // a tail's
+    expectColor({132, 452}, 4);       // the row under the pointer is lit, above its name
 }
 
 TEST_F(PagePictures, Tails) {
