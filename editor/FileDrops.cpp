@@ -30,7 +30,8 @@ DropEffect CGrooveSamplerPropPage::drop(Point at, std::optional<std::span<const 
     carryOut([&] {
         // Nothing is painted behind the messages of a drop.
         const Held unpainted(m_paintBlock);
-        if (kBinList.contains(at))
+        int row = -1;
+        if (HitTestBinRow(at, &row))
             dropIntoBin(*paths);
         else if (const auto pad = padOfDrop(at))
             dropOntoPad(*pad, *paths);
