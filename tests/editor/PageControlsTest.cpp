@@ -59,24 +59,17 @@ std::vector<Expected> expectedControls() {
     return all;
 }
 
+template <class Class>
+bool isA(const Control& control) {
+    return dynamic_cast<const Class*>(&control) != nullptr;
+}
+
 bool isOfKind(const Control& control, Kind kind) {
-    switch (kind) {
-        case Kind::toggle:
-            return dynamic_cast<const Toggle*>(&control);
-        case Kind::button:
-            return dynamic_cast<const Button*>(&control);
-        case Kind::zoom:
-            return dynamic_cast<const Zoom*>(&control);
-        case Kind::knob:
-            return dynamic_cast<const Knob*>(&control);
-        case Kind::edit:
-            return dynamic_cast<const Edit*>(&control);
-        case Kind::combo:
-            return dynamic_cast<const Combo*>(&control);
-        case Kind::readOut:
-            return dynamic_cast<const StaticText*>(&control);
-    }
-    return false;
+    // In the order of `Kind`.
+    const std::array is{isA<Toggle>(control),    isA<Button>(control), isA<Zoom>(control),
+                        isA<Knob>(control),      isA<Edit>(control),   isA<Combo>(control),
+                        isA<StaticText>(control)};
+    return is[static_cast<std::size_t>(kind)];
 }
 
 bool isOfBitmaps(Kind kind) {
@@ -344,6 +337,14 @@ TEST_F(PageKeyMap, AnyOtherKeyPansTheKeyboard) {
         << "it followed inversely";
     EXPECT_EQ(dragged(between, between + 300), Calls{"SetKeyMapEntry 0 48 72 62 0 127"});
     EXPECT_EQ(dragged(kD5, kC5), Calls{"SetKeyMapEntry 0 48 72 60 0 127"}) << "and stopped at its begin";
+}
+
+TEST_F(PageKeyMap, WithShiftPanningRests) {
+    openStrip();
+    rig.window.hold(kKeyShift);
+    EXPECT_EQ(dragged(440, 380), Calls{"SetKeyMapEntry 0 48 72 60 0 127"});
+    rig.window.let(kKeyShift);
+    EXPECT_EQ(dragged(kC5, kD5), Calls{"SetKeyMapEntry 0 48 72 62 0 127"}) << "the keys are where they were";
 }
 
 TEST_F(PageKeyMap, PanningStopsWhereTheKeyboardEnds) {

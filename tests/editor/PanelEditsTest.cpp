@@ -119,6 +119,25 @@ TEST_F(GrainPanel, ATransposeKnobRestsOnTheNearestSemitone) {
     EXPECT_EQ(rig.state(1167), 50);
 }
 
+TEST_F(GrainPanel, EachEditIsAppliedByReturnAndAgainWhenItIsLeft) {
+    openWithSelected(1);
+    const std::vector<std::pair<int, std::string>> expected{{1134, "SetGrainTranspose 2 1 0"},
+                                                            {1135, "SetGrainVolume 2 1 1"},
+                                                            {1136, "SetGrainPan 2 1 0.5"},
+                                                            {1138, "SetKeyMapEntry 2 60 60 60 0 127"},
+                                                            {1139, "SetKeyMapEntry 2 60 60 60 0 127"},
+                                                            {1140, "SetKeyMapEntry 2 60 60 60 0 127"},
+                                                            {1141, "SetKeyMapEntry 2 60 60 60 0 127"},
+                                                            {1142, "SetKeyMapEntry 2 60 60 60 0 127"}};
+    for (const auto& [id, call] : expected) {
+        rig.page->focusControl(rig.control(id));
+        EXPECT_EQ(rig.changes(), Calls{}) << id;
+        rig.window.key(kKeyReturn);
+        EXPECT_EQ(rig.changes(), Calls{call}) << id;
+        EXPECT_EQ(left(), Calls{call}) << id;
+    }
+}
+
 TEST_F(GrainPanel, WithTwoGrainsTheEditsShowNothingOfThemAndTypingChangesNothing) {
     grain(1).transpose = 12;
     openWithSelected(2);
