@@ -6,7 +6,7 @@
 #include "platform/Text.h"
 #include "support/WaveFile.h"
 
-namespace marnoth::test {
+namespace marnoth::test::command_line_test {
 namespace {
 
 using Words = std::vector<std::string>;
@@ -133,4 +133,4 @@ TEST(Info, ASingleGrainFileHasOneGrain) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::command_line_test

@@ -6,7 +6,7 @@
 #include "shells/cli/WaveFrames.h"
 #include "support/WaveFile.h"
 
-namespace marnoth::test {
+namespace marnoth::test::midi_file_test {
 namespace {
 
 // Events are packed records: `+` takes a field's value, since no reference may be bound to the field itself.
@@ -247,4 +247,4 @@ TEST(MidiFile, WithGatesANoteLastsAsLongAsItIsHeld) {
 #endif
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::midi_file_test

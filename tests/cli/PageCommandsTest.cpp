@@ -5,7 +5,7 @@
 #include "cli/PngPicture.h"
 #include "cli/Studio.h"
 
-namespace marnoth::test {
+namespace marnoth::test::page_commands_test {
 namespace {
 
 /// Lines that open a page go ahead of `script`; gives what it prints behind theirs.
@@ -244,4 +244,4 @@ TEST(PageCommands, SurviveGesturesFarOutside) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::page_commands_test

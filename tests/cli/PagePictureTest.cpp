@@ -8,7 +8,7 @@
 #include "shells/cli/Failure.h"
 #include "shells/cli/PngFile.h"
 
-namespace marnoth::test {
+namespace marnoth::test::page_picture_test {
 namespace {
 
 /// A project of two loops, and pictures of it.
@@ -185,4 +185,4 @@ TEST(PagePicture, APadIsSelectedWithItsRow) {
 #endif
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::page_picture_test

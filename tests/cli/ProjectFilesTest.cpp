@@ -6,7 +6,7 @@
 
 #include "cli/Studio.h"
 
-namespace marnoth::test {
+namespace marnoth::test::project_files_test {
 namespace {
 
 namespace fs = std::filesystem;
@@ -292,4 +292,4 @@ TEST(ProjectScript, AStreamFileThatCannotBeWrittenIsAFailure) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::project_files_test

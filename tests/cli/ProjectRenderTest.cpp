@@ -5,7 +5,7 @@
 #include "cli/Studio.h"
 #include "shells/cli/MidiFile.h"
 
-namespace marnoth::test {
+namespace marnoth::test::project_render_test {
 namespace {
 
 namespace fs = std::filesystem;
@@ -211,4 +211,4 @@ TEST(ProjectSave, TheAudioGoesElsewhere) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::project_render_test

@@ -10,7 +10,7 @@
 #include "shells/cli/WaveFrames.h"
 #include "support/WaveFile.h"
 
-namespace marnoth::test {
+namespace marnoth::test::render_test {
 namespace {
 
 float sampleAt(const WaveFrames& wave, std::size_t frame) {
@@ -177,4 +177,4 @@ TEST(Render, LeavesNothingBehindAFailure) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::render_test

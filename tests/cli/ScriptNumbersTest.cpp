@@ -4,7 +4,7 @@
 
 #include "shells/cli/ScriptNumbers.h"
 
-namespace marnoth {
+namespace marnoth::test::script_numbers_test {
 namespace {
 
 TEST(ScriptNumbers, ReadDecimalAndHexadecimalIntegers) {
@@ -64,4 +64,4 @@ TEST(ScriptNumbers, PrintResultsWithEightDigits) {
 }
 
 }  // namespace
-}  // namespace marnoth
+}  // namespace marnoth::test::script_numbers_test

@@ -4,7 +4,7 @@
 #include "shells/cli/WaveFrames.h"
 #include "support/WaveFile.h"
 
-namespace marnoth::test {
+namespace marnoth::test::script_runner_test {
 namespace {
 
 /// The reason that a run ended with, without the file's name; its status must be 2.
@@ -194,4 +194,4 @@ TEST(ScriptRunner, LoadsWithoutAFormatByTakingItsOwn) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::script_runner_test

@@ -2,7 +2,7 @@
 
 #include "shells/cli/ScriptWords.h"
 
-namespace marnoth {
+namespace marnoth::test::script_words_test {
 namespace {
 
 using Words = std::vector<std::string>;
@@ -43,4 +43,4 @@ TEST(ScriptWords, StandALineOfAMegabyte) {
 }
 
 }  // namespace
-}  // namespace marnoth
+}  // namespace marnoth::test::script_words_test

@@ -16,7 +16,7 @@
 ///     FILE BEGIN END left|right VALUE   a value that all frames from BEGIN to END have
 ///     FILE BEGIN END as OTHER           these frames are those from OTHER on, to the bit
 
-namespace marnoth::test {
+namespace marnoth::test::scripts_test {
 namespace {
 
 namespace fs = std::filesystem;
@@ -134,4 +134,4 @@ INSTANTIATE_TEST_SUITE_P(Session, Scripts, testing::ValuesIn(scriptNames()), [](
 });
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::scripts_test

@@ -6,7 +6,7 @@
 #include "shells/cli/WaveWriter.h"
 #include "support/WaveFile.h"
 
-namespace marnoth::test {
+namespace marnoth::test::wave_writer_test {
 namespace {
 
 TEST(WaveWriter, WritesAFloatFileByteForByte) {
@@ -81,4 +81,4 @@ TEST(WaveFrames, RefusesOtherFormats) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::wave_writer_test

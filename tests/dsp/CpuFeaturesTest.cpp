@@ -6,7 +6,7 @@
 
 #include "dsp/CpuFeatures.h"
 
-namespace marnoth {
+namespace marnoth::test::cpu_features_test {
 namespace {
 
 #if defined(__x86_64__)
@@ -46,4 +46,4 @@ TEST(CpuFeatures, AnEmptyRecordKnowsNothingButQuery4) {
 }
 
 }  // namespace
-}  // namespace marnoth
+}  // namespace marnoth::test::cpu_features_test

@@ -15,7 +15,7 @@
 #include "dsp/MixKernels.h"
 
 /// The twelve kernels that have a second body for aligned runs, bit for bit.
-namespace marnoth {
+namespace marnoth::test::fast_mix_test {
 namespace {
 
 constexpr int kRows[] = {4, 6, 14, 20, 22, 30};
@@ -461,4 +461,4 @@ TYPED_TEST(FastMix, NarrowVectorsGiveTheSameBits) {
 #endif
 
 }  // namespace
-}  // namespace marnoth
+}  // namespace marnoth::test::fast_mix_test

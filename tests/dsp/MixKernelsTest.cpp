@@ -7,7 +7,7 @@
 #include "dsp/CpuFeatures.h"
 #include "dsp/MixKernels.h"
 
-namespace marnoth {
+namespace marnoth::test::mix_kernels_test {
 namespace {
 
 /// What a row of a table promises, as a musician's table would list it.
@@ -347,4 +347,4 @@ TEST(MixKernels, ARunMayGoOnInAFurtherCall) {
 }
 
 }  // namespace
-}  // namespace marnoth
+}  // namespace marnoth::test::mix_kernels_test

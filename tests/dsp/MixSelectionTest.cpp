@@ -4,7 +4,7 @@
 
 #include "dsp/MixKernels.h"
 
-namespace marnoth {
+namespace marnoth::test::mix_selection_test {
 namespace {
 
 TEST(MixSelection, StereoFloatAddRampedIsRow15) {
@@ -79,4 +79,4 @@ TEST(MixSelection, OnlyTheTwoSharedRowsShareAKernel) {
 }
 
 }  // namespace
-}  // namespace marnoth
+}  // namespace marnoth::test::mix_selection_test

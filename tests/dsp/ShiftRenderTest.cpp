@@ -6,7 +6,7 @@
 #include "dsp/Stretch.h"
 #include "dsp/Waves.h"
 
-namespace marnoth {
+namespace marnoth::test::shift_render_test {
 namespace {
 
 using test::frameNumber;
@@ -337,4 +337,4 @@ TEST(Shift, AWaveThatCannotBeReadIsLeftAlone) {
 }
 
 }  // namespace
-}  // namespace marnoth
+}  // namespace marnoth::test::shift_render_test

@@ -2,7 +2,7 @@
 
 #include "dsp/StretchPlan.h"
 
-namespace marnoth {
+namespace marnoth::test::stretch_plan_test {
 namespace {
 
 TEST(StretchPlan, TwiceTheLengthOfASecondTakesThreePasses) {
@@ -99,4 +99,4 @@ TEST(StretchPlan, TheLongestLengthsStayInRange) {
 }
 
 }  // namespace
-}  // namespace marnoth
+}  // namespace marnoth::test::stretch_plan_test

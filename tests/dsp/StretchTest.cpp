@@ -5,7 +5,7 @@
 #include "dsp/Stretch.h"
 #include "dsp/Waves.h"
 
-namespace marnoth {
+namespace marnoth::test::stretch_test {
 namespace {
 
 using test::frameNumber;
@@ -331,4 +331,4 @@ TEST(GrainGain, IsRoundedTwice) {
 }
 
 }  // namespace
-}  // namespace marnoth
+}  // namespace marnoth::test::stretch_test

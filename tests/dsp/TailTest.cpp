@@ -5,7 +5,7 @@
 #include "dsp/Tail.h"
 #include "dsp/Waves.h"
 
-namespace marnoth {
+namespace marnoth::test::tail_test {
 namespace {
 
 using test::noise;
@@ -156,4 +156,4 @@ TEST(Tail, ARateWithoutRoomForFadesIsPlayedWithoutThem) {
 }
 
 }  // namespace
-}  // namespace marnoth
+}  // namespace marnoth::test::tail_test

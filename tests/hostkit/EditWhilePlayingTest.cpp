@@ -11,7 +11,7 @@
 
 #include "hostkit/PlayingRig.h"
 
-namespace marnoth::test {
+namespace marnoth::test::edit_while_playing_test {
 namespace {
 
 constexpr std::chrono::seconds kDuration{3};
@@ -359,4 +359,4 @@ TEST(EditWhilePlaying, BlocksRunOnWhateverTheEditorDoes) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::edit_while_playing_test

@@ -8,7 +8,7 @@
 #include "hostkit/FileStream.h"
 #include "support/TempPath.h"
 
-namespace marnoth::test {
+namespace marnoth::test::file_stream_test {
 namespace {
 
 RefPtr<FileStream> opened(const TempPath& path, FileMode mode) {
@@ -126,4 +126,4 @@ TEST(FileStream, IsOneObjectUnderBothNamesOfAStream) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::file_stream_test

@@ -11,7 +11,7 @@
 #include "hostkit/StreamSource.h"
 #include "platform/MediaType.h"
 
-namespace marnoth::test {
+namespace marnoth::test::filter_graph_test {
 namespace {
 
 constexpr DWORD kRate = 44100;
@@ -165,4 +165,4 @@ TEST_P(SystemGraphIn, TakesTheInstrumentOutWithItsConnections) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::filter_graph_test

@@ -6,7 +6,7 @@
 #include "hostkit/PlayingRig.h"
 #include "platform/Graph.h"
 
-namespace marnoth::test {
+namespace marnoth::test::host_rig_test {
 namespace {
 
 constexpr std::array<int, 1> kMix{0};
@@ -156,4 +156,4 @@ TEST(HostRig, InputGoesOnWhereTheLastRenderEnded) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::host_rig_test

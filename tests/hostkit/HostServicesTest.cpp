@@ -6,7 +6,7 @@
 #include "hostkit/HostContext.h"
 #include "hostkit/MakeObject.h"
 
-namespace marnoth {
+namespace marnoth::test::host_services_test {
 namespace {
 
 TEST(EventList, GivesItsEventsInOrder) {
@@ -68,4 +68,4 @@ TEST(HostContext, AnswersForTheServicesThatItHas) {
 }
 
 }  // namespace
-}  // namespace marnoth
+}  // namespace marnoth::test::host_services_test

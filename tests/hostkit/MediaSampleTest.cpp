@@ -7,7 +7,7 @@
 #include "hostkit/MediaSample.h"
 #include "hostkit/SampleAllocator.h"
 
-namespace marnoth {
+namespace marnoth::test::media_sample_test {
 namespace {
 
 constexpr LONG kBytes = 64;
@@ -126,4 +126,4 @@ TEST(SampleAllocator, DoesNotGrowWithASampleOutAndStaysUsable) {
 }
 
 }  // namespace
-}  // namespace marnoth
+}  // namespace marnoth::test::media_sample_test

@@ -8,7 +8,7 @@
 #include "hostkit/StreamSink.h"
 #include "hostkit/StreamSource.h"
 
-namespace marnoth {
+namespace marnoth::test::stream_test {
 namespace {
 
 /// A source and a sink in a graph, nothing between them.
@@ -227,4 +227,4 @@ TEST(Graph, LetsARemovedFilterGoUnconnected) {
 }
 
 }  // namespace
-}  // namespace marnoth
+}  // namespace marnoth::test::stream_test

@@ -5,7 +5,7 @@
 #include "hostkit/MakeObject.h"
 #include "hostkit/TempoMap.h"
 
-namespace marnoth {
+namespace marnoth::test::tempo_map_test {
 namespace {
 
 /// 120 beats per minute, 60 from tick 960 on, 240 from tick 1920 on: 0.5 s, 1 s and 0.25 s a beat.
@@ -113,4 +113,4 @@ TEST(TempoMap, AnswersForItselfAlone) {
 }
 
 }  // namespace
-}  // namespace marnoth
+}  // namespace marnoth::test::tempo_map_test

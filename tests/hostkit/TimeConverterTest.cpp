@@ -5,7 +5,7 @@
 #include "hostkit/MakeObject.h"
 #include "hostkit/TimeConverter.h"
 
-namespace marnoth {
+namespace marnoth::test::time_converter_test {
 namespace {
 
 struct Clock {
@@ -131,4 +131,4 @@ TEST(TimeConverter, RefusesWhatItDoesNotKnow) {
 }
 
 }  // namespace
-}  // namespace marnoth
+}  // namespace marnoth::test::time_converter_test

@@ -5,7 +5,7 @@
 
 #include "hostkit/PlayingRig.h"
 
-namespace marnoth::test {
+namespace marnoth::test::whole_path_test {
 namespace {
 
 /// What a pad of constant `value` puts out, `frame` frames into its voice.
@@ -217,4 +217,4 @@ TEST(WholePath, StoppingThePlaybackEndsTheSoundAtOnce) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::whole_path_test

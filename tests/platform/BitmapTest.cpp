@@ -3,7 +3,7 @@
 #include "platform/Bitmap.h"
 #include "support/Canvas.h"
 
-namespace marnoth {
+namespace marnoth::test::bitmap_test {
 namespace {
 
 using Bytes = std::vector<std::byte>;
@@ -110,4 +110,4 @@ TEST(BitmapFile, OneChangedByteNeverHurts) {
 }
 
 }  // namespace
-}  // namespace marnoth
+}  // namespace marnoth::test::bitmap_test

@@ -2,7 +2,7 @@
 
 #include "platform/TestFilter.h"
 
-namespace marnoth {
+namespace marnoth::test::enumerator_test {
 namespace {
 
 using test::TestFilter;
@@ -158,4 +158,4 @@ TEST(EnumMediaTypes, APinWithoutProposalsGivesNone) {
 }
 
 }  // namespace
-}  // namespace marnoth
+}  // namespace marnoth::test::enumerator_test

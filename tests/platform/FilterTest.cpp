@@ -2,7 +2,7 @@
 
 #include "platform/ConnectedFilters.h"
 
-namespace marnoth {
+namespace marnoth::test::filter_test {
 namespace {
 
 using test::floatType;
@@ -291,4 +291,4 @@ TEST(Delivery, MayWaitOnlyIfSomethingDownstreamMay) {
 }
 
 }  // namespace
-}  // namespace marnoth
+}  // namespace marnoth::test::filter_test

@@ -11,7 +11,7 @@
 #include "support/Canvas.h"
 #include "support/TempPath.h"
 
-namespace marnoth {
+namespace marnoth::test::fonts_test {
 namespace {
 
 /// The page's face at both of its heights, where the system has it. The fonts outlive their source.
@@ -147,4 +147,4 @@ TEST(FaceScale, OfHeightsThatMakeNoSenseIsStillASize) {
 }
 
 }  // namespace
-}  // namespace marnoth
+}  // namespace marnoth::test::fonts_test

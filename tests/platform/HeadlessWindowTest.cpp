@@ -3,7 +3,7 @@
 #include "platform/HeadlessWindow.h"
 #include "platform/Text.h"
 
-namespace marnoth {
+namespace marnoth::test::headless_window_test {
 namespace {
 
 using Lines = std::vector<std::string>;
@@ -215,4 +215,4 @@ TEST(HeadlessWindow, FilesAreDroppedWhereThePointerIs) {
 }
 
 }  // namespace
-}  // namespace marnoth
+}  // namespace marnoth::test::headless_window_test

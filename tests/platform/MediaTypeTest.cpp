@@ -6,7 +6,7 @@
 #include "platform/MediaType.h"
 #include "platform/TestFilter.h"
 
-namespace marnoth {
+namespace marnoth::test::media_type_test {
 namespace {
 
 using test::floatFormat;
@@ -120,4 +120,4 @@ TEST(MediaType, AnOpenFieldMatchesAnythingAndAGivenOneOnlyItself) {
 }
 
 }  // namespace
-}  // namespace marnoth
+}  // namespace marnoth::test::media_type_test

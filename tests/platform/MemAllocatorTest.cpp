@@ -8,7 +8,7 @@
 #include "platform/TestFilter.h"
 #include "support/AllocationMeter.h"
 
-namespace marnoth {
+namespace marnoth::test::mem_allocator_test {
 namespace {
 
 using Sample = RefPtr<IMediaSample>;
@@ -442,4 +442,4 @@ TEST_F(MediaSample, AnswersToItsInterface) {
 }
 
 }  // namespace
-}  // namespace marnoth
+}  // namespace marnoth::test::mem_allocator_test

@@ -9,7 +9,7 @@
 
 #include "platform/Parallel.h"
 
-namespace marnoth {
+namespace marnoth::test::parallel_test {
 namespace {
 
 TEST(Parallel, CallsEachIndexOnce) {
@@ -40,4 +40,4 @@ TEST(Parallel, EverythingIsDoneAndSeenAfterwards) {
 }
 
 }  // namespace
-}  // namespace marnoth
+}  // namespace marnoth::test::parallel_test

@@ -7,7 +7,7 @@
 #include "platform/Graph.h"
 #include "platform/PersistStream.h"
 
-namespace marnoth {
+namespace marnoth::test::persist_stream_test {
 namespace {
 
 /// A stream over bytes in memory, on the test's stack.
@@ -160,4 +160,4 @@ TEST(PersistStream, FailuresToWriteReachTheCaller) {
 }
 
 }  // namespace
-}  // namespace marnoth
+}  // namespace marnoth::test::persist_stream_test

@@ -2,7 +2,7 @@
 
 #include "platform/ConnectedFilters.h"
 
-namespace marnoth {
+namespace marnoth::test::pin_connection_test {
 namespace {
 
 using test::floatType;
@@ -281,4 +281,4 @@ TEST(Pin, KeepsTheSegmentItWasTold) {
 }
 
 }  // namespace
-}  // namespace marnoth
+}  // namespace marnoth::test::pin_connection_test

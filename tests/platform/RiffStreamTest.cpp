@@ -7,7 +7,7 @@
 #include "support/TempPath.h"
 #include "support/WaveFile.h"
 
-namespace marnoth::test {
+namespace marnoth::test::riff_stream_test {
 namespace {
 
 void appendChunk(Bytes& to, const std::string& id, const Bytes& body) {
@@ -425,4 +425,4 @@ TEST(RiffStreamOnStream, EveryFailureOfTheStreamIsReported) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::riff_stream_test

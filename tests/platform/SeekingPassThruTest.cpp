@@ -7,7 +7,7 @@
 #include "platform/SeekingPassThru.h"
 #include "support/SeekingSource.h"
 
-namespace marnoth::test {
+namespace marnoth::test::seeking_pass_thru_test {
 namespace {
 
 constexpr HRESULT kAnswer = 0x00040777;  ///< a success that nobody else gives
@@ -206,4 +206,4 @@ TEST(SeekingPassThru, IsSetUpOnceForAPinThatSendsOn) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::seeking_pass_thru_test

@@ -5,7 +5,7 @@
 
 #include "support/Canvas.h"
 
-namespace marnoth {
+namespace marnoth::test::surface_lines_test {
 namespace {
 
 using test::Canvas;
@@ -243,4 +243,4 @@ TEST(SurfaceHostility, ABitmapWithoutPixelsTakesEverything) {
 }
 
 }  // namespace
-}  // namespace marnoth
+}  // namespace marnoth::test::surface_lines_test

@@ -4,7 +4,7 @@
 
 #include "support/Canvas.h"
 
-namespace marnoth {
+namespace marnoth::test::surface_shapes_test {
 namespace {
 
 using test::Canvas;
@@ -275,4 +275,4 @@ TEST(SurfaceBitBlt, MovesABitmapWithinItself) {
 }
 
 }  // namespace
-}  // namespace marnoth
+}  // namespace marnoth::test::surface_shapes_test

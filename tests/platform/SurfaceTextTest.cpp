@@ -5,7 +5,7 @@
 #include "platform/RecordingSurface.h"
 #include "support/Canvas.h"
 
-namespace marnoth {
+namespace marnoth::test::surface_text_test {
 namespace {
 
 using test::Canvas;
@@ -140,4 +140,4 @@ TEST(RecordingSurface, DrawsOnTheSurfaceBeneath) {
 }
 
 }  // namespace
-}  // namespace marnoth
+}  // namespace marnoth::test::surface_text_test

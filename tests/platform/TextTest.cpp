@@ -5,7 +5,7 @@
 #include "platform/Text.h"
 #include "support/TempPath.h"
 
-namespace marnoth {
+namespace marnoth::test::text_test {
 namespace {
 
 constexpr std::string_view kDrum = "\xF0\x9F\xA5\x81";  // U+1F941, four bytes of UTF-8
@@ -187,4 +187,4 @@ TEST(Text, AFileIsOpenedByItsWideName) {
 }
 
 }  // namespace
-}  // namespace marnoth
+}  // namespace marnoth::test::text_test

@@ -3,7 +3,7 @@
 #include "platform/RefPtr.h"
 #include "platform/Unknown.h"
 
-namespace marnoth {
+namespace marnoth::test::unknown_test {
 namespace {
 
 constexpr IID kIdGreeter{0x3C5E1F70, 0x08BB, 0x4A6D, {0xA2, 0x17, 0x5D, 0x90, 0xCE, 0x33, 0x48, 0x01}};
@@ -133,4 +133,4 @@ TEST(Unknown, APartsInnerIdentityIsItsOwn) {
 }
 
 }  // namespace
-}  // namespace marnoth
+}  // namespace marnoth::test::unknown_test

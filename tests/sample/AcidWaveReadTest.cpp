@@ -4,7 +4,7 @@
 
 #include "sample/OpenedWave.h"
 
-namespace marnoth::test {
+namespace marnoth::test::acid_wave_read_test {
 namespace {
 
 /// 0, 1, 2 and so on, one byte a value.
@@ -93,4 +93,4 @@ TEST(AcidWaveRead, SeekingFarBehindTheEndGivesNothing) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::acid_wave_read_test

@@ -2,7 +2,7 @@
 
 #include "sample/OpenedWave.h"
 
-namespace marnoth::test {
+namespace marnoth::test::acid_wave_refusal_test {
 namespace {
 
 WaveFile plain(std::int64_t frames = 1000) {
@@ -92,4 +92,4 @@ TEST(AcidWaveRefusal, NotOfMarkersThatRunPastTheirChunk) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::acid_wave_refusal_test

@@ -3,7 +3,7 @@
 #include "sample/AcidWave.h"
 #include "sample/OpenedWave.h"
 
-namespace marnoth::test {
+namespace marnoth::test::acid_wave_test {
 namespace {
 
 using Numbers = std::vector<std::uint32_t>;
@@ -298,4 +298,4 @@ TEST(AcidWave, PathOutsideAsciiIsOpened) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::acid_wave_test

@@ -6,7 +6,7 @@
 #include "sample/ReadWave.h"
 #include "support/AllocationMeter.h"
 
-namespace marnoth::test {
+namespace marnoth::test::damage_test {
 namespace {
 
 /// Of the processor, so that a busy machine or disk doesn't count.
@@ -176,4 +176,4 @@ TEST(DamagedWave, ChunksThatContainThemselvesComeToAnEnd) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::damage_test

@@ -6,7 +6,7 @@
 #include "sample/ReadWave.h"
 #include "support/AllocationMeter.h"
 
-namespace marnoth::test {
+namespace marnoth::test::read_wave_test {
 namespace {
 
 struct ReadFile {
@@ -182,4 +182,4 @@ TEST(ReadWave, WithoutMemoryForThePeaksTheLoadFails) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::read_wave_test

@@ -5,7 +5,7 @@
 
 #include "sample/SampleConvert.h"
 
-namespace marnoth::test {
+namespace marnoth::test::sample_convert_test {
 namespace {
 
 std::vector<std::byte> packed(const std::vector<std::int32_t>& values, int width) {
@@ -69,4 +69,4 @@ TEST(SampleConvert, NothingIsTouchedForNoValues) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::sample_convert_test

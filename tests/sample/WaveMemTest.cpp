@@ -5,7 +5,7 @@
 #include "sample/WaveMem.h"
 #include "support/AllocationMeter.h"
 
-namespace marnoth::test {
+namespace marnoth::test::wave_mem_test {
 namespace {
 
 WAVEFORMATEX floatFormat(int channels, std::uint32_t rate = 44100) {
@@ -355,4 +355,4 @@ TEST(WaveMemTail, NeedsFramesAndSamplesAndMemory) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::wave_mem_test
