@@ -48,8 +48,8 @@ protected:
     /// Selects the pad's second grain, which makes its file current.
     void selectGrain() {
         rig.click(PageRig::onBeat(0, 1));
-        ASSERT_EQ(rig.page->selection().size(), 1u);
-        ASSERT_EQ(rig.page->binSelection().size(), 1u);
+        ASSERT_EQ(rig.page->selection().size(), 1);
+        ASSERT_EQ(rig.page->binSelection().size(), 1);
         ASSERT_EQ(rig.page->currentBinFile(), 0);
         rig.calls();
     }
@@ -162,7 +162,7 @@ TEST_F(FileCommands, ACancelledFileLeavesEverythingAndIsStillFollowedByARefresh)
         click(id, {"cancel"});
         EXPECT_EQ(rig.window.takeLog(), Calls{kAskWave + "cancel"});
         EXPECT_EQ(rig.changes(), kRequests);
-        EXPECT_EQ(rig.page->selection().size(), 1u);
+        EXPECT_EQ(rig.page->selection().size(), 1);
         EXPECT_EQ(rig.page->currentBinFile(), 0);
         EXPECT_EQ(rig.state(id), 0);
         EXPECT_TRUE(keyboardIsAtPlay());
@@ -234,7 +234,7 @@ TEST_F(FileCommands, ACancelledProjectStillEndsAtPadOneWithoutAFile) {
         EXPECT_EQ(rig.changes(), kRequests);
         EXPECT_EQ(rig.page->currentPad(), 0);
         EXPECT_EQ(rig.page->currentBinFile(), -1);
-        EXPECT_EQ(rig.page->selection().size(), 1u);
+        EXPECT_EQ(rig.page->selection().size(), 1);
         EXPECT_TRUE(keyboardIsAtPlay());
     }
 }
@@ -267,7 +267,7 @@ TEST_F(FileCommands, ANoLeavesTheProjectAndTheTimerGoesOn) {
     EXPECT_EQ(rig.window.takeLog(), Calls{kAskClear + "no"});
     EXPECT_EQ(rig.changes(), Calls{});
     EXPECT_EQ(rig.page->currentBinFile(), 0);
-    EXPECT_EQ(rig.page->selection().size(), 1u);
+    EXPECT_EQ(rig.page->selection().size(), 1);
     EXPECT_EQ(rig.window.timerPeriod(), 200);
 }
 

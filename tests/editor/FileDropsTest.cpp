@@ -59,8 +59,8 @@ protected:
     }
     void selectGrain() {
         rig.click(PageRig::onBeat(0, 1));
-        ASSERT_EQ(rig.page->selection().size(), 1u);
-        ASSERT_EQ(rig.page->binSelection().size(), 1u);
+        ASSERT_EQ(rig.page->selection().size(), 1);
+        ASSERT_EQ(rig.page->binSelection().size(), 1);
     }
     bool nothingIsSelected() const {
         return rig.page->selection().isEmpty() && rig.page->binSelection().isEmpty();
@@ -144,7 +144,7 @@ TEST_F(FileDrops, BesideAllTargetsNothingIsLoadedAndTheEffectIsACopyAllTheSame) 
     for (const Point at : {kNowhere, Point{300, 280}, Point{300, 351}}) {
         drop(at);
         EXPECT_EQ(rig.changes(), Calls{"SetRefreshRequest 1"});
-        EXPECT_EQ(rig.page->selection().size(), 1u);
+        EXPECT_EQ(rig.page->selection().size(), 1);
     }
     const std::vector<std::string> paths{"/in/a.wav"};
     EXPECT_EQ(rig.page->drop(kNowhere, paths), DropEffect::copy);
@@ -201,6 +201,19 @@ TEST_F(FileDrops, AFileThatIsLoadedAllTheSameIsCurrentWhenItsMessageComes) {
     EXPECT_EQ(current, 1);
 }
 
+TEST_F(FileDrops, APathThatTheEngineCannotTakeWholeIsNotLoadedAtAll) {
+    open();
+    const std::string folder = "/" + std::string(200, 'd') + "/";
+    const std::string longest = std::string(259 - folder.size(), 'n');
+    drop(kOnList, {folder + longest});
+    EXPECT_EQ(rig.changes(),
+              (Calls{"LoadFileToBin " + longest + " " + folder + longest, "SetRefreshRequest 1"}));
+    rig.window.answer("ok");
+    drop(kOnList, {folder + longest + "n"});
+    EXPECT_EQ(rig.changes(), Calls{"SetRefreshRequest 1"});
+    EXPECT_EQ(rig.window.takeLog(), Calls{kWrong});
+}
+
 TEST_F(FileDrops, NothingIsPaintedWhileFilesLoadAndTheNextPaintsRepairThePage) {
     open();
     rig.engine.pads[9].mute = true;
@@ -236,7 +249,7 @@ TEST_F(FileDrops, WhatIsNotFilesHasNoEffectOnEnteringACopyOnMovesAndNoneWhenDrop
     EXPECT_EQ(rig.page->dragOver(kNowhere), DropEffect::copy);
     EXPECT_EQ(rig.page->drop(kOnList, {}), DropEffect::none);
     EXPECT_EQ(rig.calls(), Calls{});
-    EXPECT_EQ(rig.page->selection().size(), 1u);
+    EXPECT_EQ(rig.page->selection().size(), 1);
     // Painting goes on.
     rig.engine.pads[9].playing = true;
     const Bitmap before = rig.window.screen();

@@ -60,7 +60,7 @@ protected:
     /// Selects a grain of the first pad and with it its source.
     void selectGrain() {
         rig.click(PageRig::onBeat(0, 1));
-        ASSERT_EQ(rig.page->selection().size(), 1u);
+        ASSERT_EQ(rig.page->selection().size(), 1);
         rig.calls();
     }
     bool nothingIsSelected() const {
@@ -124,11 +124,11 @@ TEST_F(LoopBin, EachPaintAsksForTheCountAndTheNames) {
 TEST_F(LoopBin, ARowThatIsPressedBecomesCurrentAndEndsTheStripsSelection) {
     open();
     selectGrain();
-    ASSERT_EQ(rig.page->binSelection().size(), 1u);
+    ASSERT_EQ(rig.page->binSelection().size(), 1);
     rig.press({14, 69 + 2 * 15});
     EXPECT_EQ(rig.page->currentBinFile(), 2);
     EXPECT_TRUE(rig.page->binSelection().isEmpty());
-    EXPECT_EQ(rig.page->selection().size(), 1u);
+    EXPECT_EQ(rig.page->selection().size(), 1);
     rig.release({14, 69 + 2 * 15});
     rig.press({118, 69 + 2 * 15 - 1});
     EXPECT_EQ(rig.page->currentBinFile(), 1);
@@ -155,12 +155,20 @@ TEST_F(LoopBin, APressBelowTheLastRowTakesNothing) {
 TEST_F(LoopBin, TheScrolledListIsPressedWhereItIsDrawn) {
     rig.engine.files.clear();
     for (int file = 0; file < 40; ++file) rig.addFile("loop.wav", 1);
-    open();
+    BarFonts fonts;
+    rig.open(fonts);
     // 600 pixels of rows in a track of 149: 20 pixels of the thumb are 80 of the list.
     rig.drag({128, 75}, {128, 95});
     EXPECT_EQ(rig.page->binPosition(), (Point{0, 80}));
     rig.press({40, 69});
     EXPECT_EQ(rig.page->currentBinFile(), 5);  // 80 / 15
+    // Its text is from 64 to 76, that of the next from 79 on; the list begins at 69.
+    EXPECT_EQ(shown(18, 68), skinBitmap(201).at(18, 68));
+    EXPECT_EQ(shown(18, 69), Color{});
+    EXPECT_EQ(shown(18, 75), Color{});
+    EXPECT_EQ(shown(18, 76), kGround);
+    EXPECT_EQ(shown(18, 78), kGround);
+    EXPECT_EQ(shown(18, 79), kText);
     rig.release(kNowhere);
     rig.press({40, 79});
     EXPECT_EQ(rig.page->currentBinFile(), 6);  // 90 / 15
@@ -307,7 +315,7 @@ TEST_F(LoopBin, ANoKeepsTheFileAndItsSelections) {
     EXPECT_EQ(rig.window.takeLog(), Calls{kAskDelete + "no"});
     EXPECT_EQ(rig.changes(), Calls{"SetRefreshRequest 1"});
     EXPECT_EQ(rig.page->currentBinFile(), 1);
-    EXPECT_EQ(rig.page->selection().size(), 1u);
+    EXPECT_EQ(rig.page->selection().size(), 1);
     EXPECT_EQ(rig.state(kDeleteFromBin), 0);
 }
 

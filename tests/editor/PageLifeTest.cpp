@@ -163,7 +163,7 @@ TEST_F(PageLife, BindingAnewTakesTheFirstEngineAndForgetsSelectionsAndFile) {
     rig.fillPad(2, 2);
     rig.open();
     rig.click(PageRig::onBeat(2, 1));
-    ASSERT_EQ(rig.page->selection().size(), 1u);
+    ASSERT_EQ(rig.page->selection().size(), 1);
     ASSERT_EQ(rig.page->currentBinFile(), 0);
     rig.calls();
     Stranger stranger;
