@@ -8,7 +8,7 @@
 #include "editor/ZoomButton.h"
 #include "platform/RecordingSurface.h"
 
-namespace marnoth {
+namespace marnoth::test::buttons_and_knobs_test {
 namespace {
 
 using test::Heard;
@@ -376,4 +376,4 @@ TEST(Knob, DefaultsToFullUntilItIsToldOtherwise) {
 }
 
 }  // namespace
-}  // namespace marnoth
+}  // namespace marnoth::test::buttons_and_knobs_test

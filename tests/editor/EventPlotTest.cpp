@@ -6,7 +6,7 @@
 #include "editor/EventPlot.h"
 #include "editor/EventSelection.h"
 
-namespace marnoth {
+namespace marnoth::test::event_plot_test {
 namespace {
 
 constexpr std::int64_t kLast = std::numeric_limits<std::int64_t>::max();
@@ -110,4 +110,4 @@ TEST(EventSelection, SettingLeavesOnePairAndClearingNone) {
 }
 
 }  // namespace
-}  // namespace marnoth
+}  // namespace marnoth::test::event_plot_test

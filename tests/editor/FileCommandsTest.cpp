@@ -3,7 +3,7 @@
 #include "editor/PageRig.h"
 
 /// The commands that ask for a file: audio files into the Loop Bin and onto pads, and projects.
-namespace marnoth::test {
+namespace marnoth::test::file_commands_test {
 namespace {
 
 const std::string kAskWave = "? file open \"Wave Files (*.wav)|*.wav||\" -> ";
@@ -278,4 +278,4 @@ TEST_F(FileCommands, NamesReachTheEngineWithTheirBlanksAndTheirEnding) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::file_commands_test

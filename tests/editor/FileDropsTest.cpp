@@ -4,7 +4,7 @@
 #include "editor/Palette.h"
 
 /// Files that are dropped onto the page from outside.
-namespace marnoth::test {
+namespace marnoth::test::file_drops_test {
 namespace {
 
 constexpr Point kNowhere{20, 548};  ///< ground without a control on it
@@ -266,4 +266,4 @@ TEST_F(FileDrops, FilesHaveTheEffectOfACopyOnEnteringAndLeavingDoesNothing) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::file_drops_test

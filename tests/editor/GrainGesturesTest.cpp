@@ -5,7 +5,7 @@
 
 /// Grains under the mouse: presses, drags and drops. While nothing is zoomed a beat is 54 pixels wide and
 /// snaps to twelfths.
-namespace marnoth::test {
+namespace marnoth::test::grain_gestures_test {
 namespace {
 
 constexpr std::int64_t kBeat = PageRig::kBeat;
@@ -496,4 +496,4 @@ TEST_F(GrainGestures, AGrainThatIsGoneByTheReleaseEndsTheGesture) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::grain_gestures_test

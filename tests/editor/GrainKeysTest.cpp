@@ -4,7 +4,7 @@
 
 /// Keys on grains, and what of the Pad Editor is in view. While nothing is zoomed a beat is 54 pixels wide,
 /// and the plot shows 446 pixels.
-namespace marnoth::test {
+namespace marnoth::test::grain_keys_test {
 namespace {
 
 constexpr std::int64_t kBeat = PageRig::kBeat;
@@ -328,4 +328,4 @@ TEST_F(GrainKeys, HighRowsAreScrolledVertically) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::grain_keys_test

@@ -5,7 +5,7 @@
 #include "editor/GrooveScroller.h"
 #include "platform/RecordingSurface.h"
 
-namespace marnoth {
+namespace marnoth::test::groove_scroller_test {
 namespace {
 
 constexpr int kMost = std::numeric_limits<int>::max();
@@ -159,4 +159,4 @@ TEST(GrooveScroller, IsATrackWithARoundThumb) {
 }
 
 }  // namespace
-}  // namespace marnoth
+}  // namespace marnoth::test::groove_scroller_test

@@ -8,7 +8,7 @@
 #include "editor/PlainFont.h"
 #include "platform/RecordingSurface.h"
 
-namespace marnoth {
+namespace marnoth::test::key_map_editor_test {
 namespace {
 
 using Calls = std::vector<std::string>;
@@ -377,4 +377,4 @@ TEST_F(KeyMapEditor, KeysThatAreNotDrawnHaveNoHandle) {
 }
 
 }  // namespace
-}  // namespace marnoth
+}  // namespace marnoth::test::key_map_editor_test

@@ -7,7 +7,7 @@
 #include "editor/Skin.h"
 
 /// The list of audio files with its buttons, and files that are dragged out of it.
-namespace marnoth::test {
+namespace marnoth::test::loop_bin_test {
 namespace {
 
 constexpr Point kNowhere{20, 548};  ///< ground without a control on it
@@ -328,4 +328,4 @@ TEST_F(LoopBin, DeletingWithoutAFileAsksForOne) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::loop_bin_test

@@ -3,7 +3,7 @@
 #include "editor/Skin.h"
 
 /// Pads, their buttons, knobs and menu, and the toggles of the panel beside them.
-namespace marnoth::test {
+namespace marnoth::test::pad_strips_test {
 namespace {
 
 /// The sixteen lines of a call for all pads.
@@ -352,4 +352,4 @@ TEST_F(PadStrips, APlayingPadGlowsAtTheNextTickAndTheCurrentOneHasARing) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::pad_strips_test

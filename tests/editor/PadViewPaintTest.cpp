@@ -10,7 +10,7 @@
 #include "engine/IGrooveSampler.h"
 #include "platform/RecordingSurface.h"
 
-namespace marnoth {
+namespace marnoth::test::pad_view_paint_test {
 namespace {
 
 using test::kBeat;
@@ -192,4 +192,4 @@ TEST_F(PadViewPaint, SelectedAndHoveredGrainsHaveTheirOwnColours) {
 }
 
 }  // namespace
-}  // namespace marnoth
+}  // namespace marnoth::test::pad_view_paint_test

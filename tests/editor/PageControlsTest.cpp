@@ -6,7 +6,7 @@
 
 /// The controls on the page: where they are, how the mouse and the keyboard come to them, and the key map in
 /// the strip.
-namespace marnoth::test {
+namespace marnoth::test::page_controls_test {
 namespace {
 
 using Toggle = CPlugInFilterControl<CBitmapToggleCtrl>;
@@ -392,4 +392,4 @@ TEST_F(PageKeyMap, AfterTheReleaseNothingIsHeld) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::page_controls_test

@@ -8,7 +8,7 @@
 
 /// The page from its opening to its end: what it reads and when, and its picture where nothing but the skin
 /// is.
-namespace marnoth::test {
+namespace marnoth::test::page_life_test {
 namespace {
 
 constexpr Point kNowhere{20, 548};  ///< ground without a control on it
@@ -314,4 +314,4 @@ TEST_F(PageLife, ARingLiesAroundTheCurrentPad) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::page_life_test

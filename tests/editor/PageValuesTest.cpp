@@ -3,7 +3,7 @@
 #include "editor/PageRig.h"
 
 /// What the page shows of the engine, and what its combos tell it.
-namespace marnoth::test {
+namespace marnoth::test::page_values_test {
 namespace {
 
 constexpr Point kNowhere{20, 548};  ///< ground without a control on it
@@ -148,4 +148,4 @@ TEST_F(PageValues, AComboWhoseTextIsNoItemKeepsTheEnginesValue) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::page_values_test

@@ -1,7 +1,7 @@
 #include "editor/PanelRig.h"
 
 /// The texts of the panels: the selected grain's, and the current pad's keys and velocities.
-namespace marnoth::test {
+namespace marnoth::test::panel_edits_test {
 namespace {
 
 class GrainPanel : public PanelRig {
@@ -286,4 +286,4 @@ TEST_F(PadPanel, WhatIsTypedGoesToTheCurrentPad) {
 }
 
 }  // namespace
-}  // namespace marnoth::test
+}  // namespace marnoth::test::panel_edits_test

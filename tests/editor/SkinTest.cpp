@@ -8,7 +8,7 @@
 #include "editor/Skin.h"
 #include "editor/SkinFiles.h"
 
-namespace marnoth {
+namespace marnoth::test::skin_test {
 namespace {
 
 struct PictureSize {
@@ -134,4 +134,4 @@ TEST(SkinCursor, TheSystemsOwnHaveNoPicture) {
 }
 
 }  // namespace
-}  // namespace marnoth
+}  // namespace marnoth::test::skin_test

@@ -9,7 +9,7 @@
 #include "editor/StaticText.h"
 #include "platform/RecordingSurface.h"
 
-namespace marnoth {
+namespace marnoth::test::text_controls_test {
 namespace {
 
 using test::FixedFont;
@@ -565,4 +565,4 @@ TEST(StaticText, DrawsDarkTextOnBlueAndLeavesTheMouseToThePage) {
 }
 
 }  // namespace
-}  // namespace marnoth
+}  // namespace marnoth::test::text_controls_test

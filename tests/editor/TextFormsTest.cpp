@@ -7,7 +7,7 @@
 
 #include "editor/TextForms.h"
 
-namespace marnoth {
+namespace marnoth::test::text_forms_test {
 namespace {
 
 TEST(TextForms, VolumeReadsInDecibels) {
@@ -203,4 +203,4 @@ TEST(TextForms, TheSystemsLanguageDoesNotMatter) {
 }
 
 }  // namespace
-}  // namespace marnoth
+}  // namespace marnoth::test::text_forms_test

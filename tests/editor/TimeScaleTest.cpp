@@ -6,7 +6,7 @@
 #include "editor/TimeScale.h"
 #include "editor/Truncate.h"
 
-namespace marnoth {
+namespace marnoth::test::time_scale_test {
 namespace {
 
 using test::kBeat;
@@ -224,4 +224,4 @@ TEST(TimeScale, ZoomingHoldsThePixelsScrolled) {
 }
 
 }  // namespace
-}  // namespace marnoth
+}  // namespace marnoth::test::time_scale_test

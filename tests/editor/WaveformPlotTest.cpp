@@ -10,7 +10,7 @@
 #include "engine/IGrooveSampler.h"
 #include "platform/RecordingSurface.h"
 
-namespace marnoth {
+namespace marnoth::test::waveform_plot_test {
 namespace {
 
 using Calls = std::vector<std::string>;
@@ -146,4 +146,4 @@ TEST_F(WaveformPlot, ThePathStandsOverTheWaves) {
 }
 
 }  // namespace
-}  // namespace marnoth
+}  // namespace marnoth::test::waveform_plot_test
