@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "editor/LoadMessages.h"
 #include "editor/PageRig.h"
 
 /// The commands that ask for a file: audio files into the Loop Bin and onto pads, and projects.
@@ -9,16 +10,6 @@ namespace {
 const std::string kAskWave = "? file open \"Wave Files (*.wav)|*.wav||\" -> ";
 const std::string kAskProject = "? file open \"Mrn Files (*.mrn)|*.mrn||\" -> ";
 const std::string kAskSave = "? file save \"Mrn Files (*.mrn)|*.mrn||\" -> ";
-const std::string kFull =
-    "? message \"The Loop Bin is full.  If possible, delete one or more entries before loading additional "
-    "files.\" -> ok";
-const std::string kWrong =
-    "? message \"There was an error loading the file.  The file may be too large or have an invalid "
-    "format.\" -> ok";
-const std::string kPatch =
-    "? message \"Important!:  Be sure to patch Marnoth into one or more TRELL audio tracks and start the "
-    "audio "
-    "engine.\" -> ok";
 const std::string kAskClear =
     "? message \"Are you sure you want to clear the contents of this project?\" -> ";
 

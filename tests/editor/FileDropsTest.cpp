@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "editor/LoadMessages.h"
 #include "editor/PageRig.h"
 #include "editor/Palette.h"
 
@@ -9,17 +10,6 @@ namespace {
 
 constexpr Point kNowhere{20, 548};  ///< ground without a control on it
 const Point kOnList{14, 69};
-
-const std::string kFull =
-    "? message \"The Loop Bin is full.  If possible, delete one or more entries before loading additional "
-    "files.\" -> ok";
-const std::string kWrong =
-    "? message \"There was an error loading the file.  The file may be too large or have an invalid "
-    "format.\" -> ok";
-const std::string kPatch =
-    "? message \"Important!:  Be sure to patch Marnoth into one or more TRELL audio tracks and start the "
-    "audio "
-    "engine.\" -> ok";
 
 /// How the load of a file ends.
 struct Ending {
