@@ -1,6 +1,6 @@
 #pragma once
 
-#include <memory>
+#include <cstdint>
 #include <span>
 
 #include "engine/IGrooveSampler.h"

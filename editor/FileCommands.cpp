@@ -1,6 +1,6 @@
 /// Loading and saving: what the buttons with a file on them do.
 
-#include <cstring>
+#include <filesystem>
 #include <stdexcept>
 
 #include "editor/GrooveSamplerPropPage.h"

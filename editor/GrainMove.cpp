@@ -1,6 +1,6 @@
 /// Moves of the mouse: drags go on, and the grain under the pointer lights up.
 
-#include <cstdlib>
+#include <array>
 
 #include "editor/GrooveSamplerPropPage.h"
 #include "editor/PageLayout.h"

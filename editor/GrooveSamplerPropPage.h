@@ -7,7 +7,6 @@
 #include <optional>
 #include <span>
 #include <string>
-#include <string_view>
 
 #include "editor/BoundEngine.h"
 #include "editor/EventPlot.h"

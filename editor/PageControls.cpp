@@ -1,6 +1,7 @@
 #include "editor/PageControls.h"
 
 #include <string>
+#include <utility>
 
 #include "editor/Skin.h"
 

@@ -3,7 +3,6 @@
 #include <functional>
 #include <memory>
 #include <stdexcept>
-#include <string_view>
 #include <vector>
 
 #include "editor/Control.h"

@@ -1,7 +1,6 @@
 /// What the page draws by itself but for the Pad Editor view.
 
-#include <optional>
-#include <utility>
+#include <string_view>
 
 #include "editor/GrooveSamplerPropPage.h"
 #include "editor/PageLayout.h"

@@ -1,6 +1,5 @@
 /// What the page shows of the engine's state, and when it reads it again.
 
-#include <algorithm>
 #include <array>
 #include <stdexcept>
 
