@@ -41,7 +41,7 @@ void CGrooveSamplerPropPage::finishGesture(Point at) {
     releasePress(at);
 }
 
-void CGrooveSamplerPropPage::gestureLost() {
+void CGrooveSamplerPropPage::dropGesture() {
     window().confinePointer({});
     // Its release won't come: a loop would play on.
     if (m_heldPad >= 0) call(&IGrooveSampler::StopPad, std::exchange(m_heldPad, -1));
@@ -55,6 +55,10 @@ void CGrooveSamplerPropPage::gestureLost() {
     if (std::exchange(m_draggingBinGrain, false)) endReplacing();
     for (const auto& [scroller, served] : scrollers()) scroller->endDrag();
     window().setCursor(PageCursor::arrow);
+}
+
+void CGrooveSamplerPropPage::gestureLost() {
+    dropGesture();
     invalidateGrainPlaces();
 }
 

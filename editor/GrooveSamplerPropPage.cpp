@@ -44,7 +44,7 @@ CGrooveSamplerPropPage::CGrooveSamplerPropPage(PageWindow& window, FontSource& f
 
 CGrooveSamplerPropPage::~CGrooveSamplerPropPage() {
     if (!m_isOpen) return;
-    gestureLost();
+    guarded([&] { dropGesture(); });
     releaseMouse();
     window().setTimer(0);
 }

@@ -170,15 +170,12 @@ private:
     void RefreshGrainReadouts();
     void refreshPad(int pad);
     void SyncLoopToggles(int pad);
-    /// A pad that is synced is always looping.
     void showLoopToggles(int pad, bool looping, bool synced);
 
     // Pads and strips. `notify`: the engine is told, else only the page shows the value.
     std::optional<PadHit> HitTestPad(Point at) const;
     void ShowPadMenu(Point at, int pad);
     void padMenuCommand(int id);
-    void switchLooping(int pad);
-    void switchSynced(int pad);
     void clearPad(int pad);
     void SetPadVolumeText(int pad, float value, bool notify);
     void SetPadPanText(int pad, float value, bool notify);
@@ -201,8 +198,9 @@ private:
 
     // Commands of the buttons and toggles.
     void padToggleCommand(int id);
-    void syncedCommand(int clicked);
-    void loopingCommand(int clicked);
+    // On the engine and on the toggles. A pad that is synced is always looping.
+    void switchSynced(int pad, bool on);
+    void switchLooping(int pad, bool on);
     void padPanelCommand(int id);
     /// All pads with shift held, else only `pad`.
     std::span<const int> padsMeant(const int& pad);
@@ -258,6 +256,8 @@ private:
     std::array<ServingScroller, 4> scrollers();
     void invalidateDrag();
     void finishGesture(Point at);
+    /// Whatever is held is let go, without effect.
+    void dropGesture();
     void releaseGrains(Point at);
     void moveSelection(int padsDown, std::int64_t delta);
     void releaseLength(Point at);

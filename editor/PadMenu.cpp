@@ -27,28 +27,12 @@ void CGrooveSamplerPropPage::padMenuCommand(int id) {
     if (id == kOpenAudioCommand)
         RunFileCommand(FileMode::pad, false);
     else if (id == kLoopingCommand)
-        switchLooping(m_currentPad);
+        switchLooping(m_currentPad, !isOn(&IGrooveSampler::GetPadLooping, m_currentPad));
     else if (id == kSyncedCommand)
-        switchSynced(m_currentPad);
+        switchSynced(m_currentPad, !isOn(&IGrooveSampler::GetPadSynced, m_currentPad));
     else
         clearPad(m_currentPad);
     requestRefresh();
-}
-
-void CGrooveSamplerPropPage::switchLooping(int pad) {
-    const bool on = !isOn(&IGrooveSampler::GetPadLooping, pad);
-    if (!on) call(&IGrooveSampler::SetPadSynced, pad, 0);
-    call(&IGrooveSampler::SetPadLooping, pad, on ? 1 : 0);
-    m_controls.toggle(kFirstLooping + pad).setDown(on);
-    if (!on) m_controls.toggle(kFirstSynced + pad).setDown(false);
-}
-
-void CGrooveSamplerPropPage::switchSynced(int pad) {
-    const bool on = !isOn(&IGrooveSampler::GetPadSynced, pad);
-    call(&IGrooveSampler::SetPadSynced, pad, on ? 1 : 0);
-    if (on) call(&IGrooveSampler::SetPadLooping, pad, 1);
-    m_controls.toggle(kFirstSynced + pad).setDown(on);
-    if (on) m_controls.toggle(kFirstLooping + pad).setDown(true);
 }
 
 void CGrooveSamplerPropPage::clearPad(int pad) {

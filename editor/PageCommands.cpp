@@ -84,10 +84,12 @@ void CGrooveSamplerPropPage::padToggleCommand(int id) {
         call(&IGrooveSampler::SetPadSolo, *soloed, isDown());
     } else if (const auto synced = padInRow(id, kFirstSynced)) {
         SelectPad(*synced);
-        syncedCommand(*synced);
+        const bool on = isDown() != 0;
+        for (const int pad : padsMeant(*synced)) switchSynced(pad, on);
     } else if (const auto looping = padInRow(id, kFirstLooping)) {
         SelectPad(*looping);
-        loopingCommand(*looping);
+        const bool on = isDown() != 0;
+        for (const int pad : padsMeant(*looping)) switchLooping(pad, on);
     } else if (const auto opened = padInRow(id, kFirstOpen)) {
         SelectPad(*opened);
         RunFileCommand(FileMode::pad, false);
@@ -101,25 +103,19 @@ std::span<const int> CGrooveSamplerPropPage::padsMeant(const int& pad) {
     return {&pad, 1};
 }
 
-void CGrooveSamplerPropPage::syncedCommand(int clicked) {
-    const bool on = m_controls.toggle(kFirstSynced + clicked).isDown();
-    for (const int pad : padsMeant(clicked)) {
-        call(&IGrooveSampler::SetPadSynced, pad, on ? 1 : 0);
-        m_controls.toggle(kFirstSynced + pad).setDown(on);
-        if (!on) continue;
-        call(&IGrooveSampler::SetPadLooping, pad, 1);
-        m_controls.toggle(kFirstLooping + pad).setDown(true);
-    }
+void CGrooveSamplerPropPage::switchSynced(int pad, bool on) {
+    call(&IGrooveSampler::SetPadSynced, pad, on ? 1 : 0);
+    m_controls.toggle(kFirstSynced + pad).setDown(on);
+    if (!on) return;
+    call(&IGrooveSampler::SetPadLooping, pad, 1);
+    m_controls.toggle(kFirstLooping + pad).setDown(true);
 }
 
-void CGrooveSamplerPropPage::loopingCommand(int clicked) {
-    const bool on = m_controls.toggle(kFirstLooping + clicked).isDown();
-    for (const int pad : padsMeant(clicked)) {
-        if (!on) call(&IGrooveSampler::SetPadSynced, pad, 0);
-        call(&IGrooveSampler::SetPadLooping, pad, on ? 1 : 0);
-        m_controls.toggle(kFirstLooping + pad).setDown(on);
-        if (!on) m_controls.toggle(kFirstSynced + pad).setDown(false);
-    }
+void CGrooveSamplerPropPage::switchLooping(int pad, bool on) {
+    if (!on) call(&IGrooveSampler::SetPadSynced, pad, 0);
+    call(&IGrooveSampler::SetPadLooping, pad, on ? 1 : 0);
+    m_controls.toggle(kFirstLooping + pad).setDown(on);
+    if (!on) m_controls.toggle(kFirstSynced + pad).setDown(false);
 }
 
 void CGrooveSamplerPropPage::padPanelCommand(int id) {

@@ -34,16 +34,8 @@ protected:
     }
 
     void open() { rig.open(); }
-    /// A press and a release with nothing in between, whose calls are forgotten.
-    void select(int pad, int beat) {
-        rig.click(PageRig::onBeat(pad, beat));
-        rig.calls();
-    }
-    void alsoSelect(int pad, int beat) {
-        rig.window.hold(kKeyShift);
-        select(pad, beat);
-        rig.window.let(kKeyShift);
-    }
+    void select(int pad, int beat) { rig.select(pad, beat); }
+    void alsoSelect(int pad, int beat) { rig.alsoSelect(pad, beat); }
     Selected selection() const { return listed(rig.page->selection()); }
     Selected binSelection() const { return listed(rig.page->binSelection()); }
     Color pixel(Point at) const { return rig.page->screen().at(at.x, at.y); }

@@ -15,15 +15,8 @@ protected:
         rig.addFile("beat.wav", 20);
         rig.open();
     }
-    void select(int pad, int beat) {
-        rig.click(PageRig::onBeat(pad, beat));
-        rig.calls();
-    }
-    void alsoSelect(int pad, int beat) {
-        rig.window.hold(kKeyShift);
-        select(pad, beat);
-        rig.window.let(kKeyShift);
-    }
+    void select(int pad, int beat) { rig.select(pad, beat); }
+    void alsoSelect(int pad, int beat) { rig.alsoSelect(pad, beat); }
     /// With the keyboard where the last release left it.
     void press(int key) { rig.window.key(key); }
     void pressWith(int held, int key) {

@@ -83,6 +83,17 @@ public:
         release(to);
     }
 
+    /// A click on a grain, whose calls are forgotten.
+    void select(int pad, int beat) {
+        click(onBeat(pad, beat));
+        calls();
+    }
+    void alsoSelect(int pad, int beat) {
+        window.hold(kKeyShift);
+        select(pad, beat);
+        window.let(kKeyShift);
+    }
+
     Control& control(int id) { return *page->controlOf(id); }
     /// The middle of a control.
     Point on(int id) {
