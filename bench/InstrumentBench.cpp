@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "bench/Bounds.h"
+#include "host/CreateInstance.h"
 #include "hostkit/HostRig.h"
 #include "support/WaveFile.h"
 
@@ -116,7 +117,7 @@ private:
     }
 
     Scene scene;
-    HostRig rig;
+    HostRig rig{createInstrument};
     std::vector<test::TempPath> files;
     std::vector<SynthEvent> notes;
 };

@@ -9,6 +9,7 @@
 #include <string>
 
 #include "bench/Bounds.h"
+#include "host/CreateInstance.h"
 #include "hostkit/HostRig.h"
 #include "support/WaveFile.h"
 
@@ -61,7 +62,7 @@ public:
     void remove() { rig.sampler().RemoveBinFile(bin); }
 
 private:
-    HostRig rig;
+    HostRig rig{createInstrument};
     std::int32_t bin = -1;
 };
 

@@ -10,10 +10,13 @@
 #include "editor/GrooveSamplerPropPage.h"
 #include "editor/PageLayout.h"
 #include "editor/PageRig.h"
+#include "host/CreateInstance.h"
 #include "hostkit/HostRig.h"
-#include "platform/HeadlessWindow.h"
-#include "platform/PlatformFonts.h"
-#include "platform/RasterSurface.h"
+#include "platform/drawing/HeadlessWindow.h"
+#include "platform/drawing/PlatformFonts.h"
+#include "platform/drawing/RasterSurface.h"
+#include "seam/Limits.h"
+#include "seam/MusicalTime.h"
 #include "support/WaveFile.h"
 
 /// The editor page on an instrument whose sixteen pads have 256 grains each, beside a copy of its pixels: a
@@ -22,9 +25,8 @@
 namespace marnoth::bench {
 namespace {
 
-constexpr int kPads = 16;
 constexpr int kGrainsOfPad = 256;
-constexpr std::int64_t kQuarterBeat = 62914560 / 4;
+constexpr std::int64_t kQuarterBeat = kTicks16PerBeat / 4;
 constexpr int kCalls = 5;
 
 void check(HRESULT result, const char* what) {
@@ -150,7 +152,7 @@ private:
 };
 
 void measure(benchmark::State& state, void (*prepare)(Desk&), void (*work)(Desk&)) {
-    HostRig rig;
+    HostRig rig{createInstrument};
     check(rig.connect(44100, 2, std::array{0}), "connect");
     fillPads(rig.sampler());
     Desk desk(rig.sampler());

@@ -1,7 +1,7 @@
 #include "editor/BitmapButton.h"
 
-#include "platform/PageWindow.h"
-#include "platform/Surface.h"
+#include "platform/drawing/PageWindow.h"
+#include "platform/drawing/Surface.h"
 
 namespace marnoth {
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "editor/Control.h"
-#include "platform/Bitmap.h"
+#include "platform/drawing/Bitmap.h"
 
 namespace marnoth {
 

@@ -1,6 +1,6 @@
 #include "editor/BitmapKnobCtrl.h"
 
-#include "platform/Surface.h"
+#include "platform/drawing/Surface.h"
 
 namespace marnoth {
 

@@ -3,8 +3,8 @@
 #include <optional>
 
 #include "editor/Control.h"
-#include "platform/Bitmap.h"
-#include "platform/PageWindow.h"
+#include "platform/drawing/Bitmap.h"
+#include "platform/drawing/PageWindow.h"
 
 namespace marnoth {
 

@@ -3,8 +3,8 @@
 #include <cstdint>
 #include <span>
 
-#include "engine/IGrooveSampler.h"
-#include "platform/RefPtr.h"
+#include "platform/com/RefPtr.h"
+#include "seam/IGrooveSampler.h"
 
 namespace marnoth {
 

@@ -3,7 +3,7 @@
 #include <optional>
 #include <string>
 
-#include "platform/Geometry.h"
+#include "platform/drawing/Geometry.h"
 
 namespace marnoth {
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "editor/Palette.h"
-#include "platform/Surface.h"
+#include "platform/drawing/Surface.h"
 
 namespace marnoth {
 

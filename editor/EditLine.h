@@ -4,9 +4,9 @@
 #include <string>
 #include <string_view>
 
-#include "platform/Font.h"
-#include "platform/Geometry.h"
-#include "platform/PageWindow.h"
+#include "platform/drawing/Font.h"
+#include "platform/drawing/Geometry.h"
+#include "platform/drawing/PageWindow.h"
 
 namespace marnoth {
 

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "platform/Geometry.h"
+#include "platform/drawing/Geometry.h"
 
 namespace marnoth {
 

@@ -6,7 +6,7 @@
 #include "editor/GrooveSamplerPropPage.h"
 #include "editor/PageLayout.h"
 #include "editor/PageTexts.h"
-#include "platform/Text.h"
+#include "platform/text/Text.h"
 
 namespace marnoth {
 

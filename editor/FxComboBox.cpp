@@ -5,8 +5,8 @@
 
 #include "editor/PageLayout.h"
 #include "editor/Palette.h"
-#include "platform/PageWindow.h"
-#include "platform/Surface.h"
+#include "platform/drawing/PageWindow.h"
+#include "platform/drawing/Surface.h"
 
 namespace marnoth {
 

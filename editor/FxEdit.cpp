@@ -1,6 +1,6 @@
 #include "editor/FxEdit.h"
 
-#include "platform/PageWindow.h"
+#include "platform/drawing/PageWindow.h"
 
 namespace marnoth {
 

@@ -64,7 +64,7 @@ void CGrooveSamplerPropPage::scrollToGrain(int key, const EventSelectionInfo& gr
     const GrainList grains = padGrains(grain.track);
     const auto index = static_cast<std::size_t>(grain.grain);
     if (index >= grains.entries().size()) throw std::invalid_argument("no such grain");
-    const double beats = static_cast<double>(grains.entries()[index].startTicks) / kEditorTicksPerBeat;
+    const double beats = static_cast<double>(grains.entries()[index].startTicks) / kTicks16PerBeat;
     const int x = truncateToPixel(beats * m_timeScale.pixelsPerBeat + 0.5) - 12;
     const int position = m_padHorizontal.position();
     const bool isLeft = rect.right < kPadPlot.left + 2;

@@ -5,7 +5,7 @@
 
 #include "editor/EventPlot.h"
 #include "editor/Palette.h"
-#include "platform/Surface.h"
+#include "platform/drawing/Surface.h"
 
 namespace marnoth {
 namespace {

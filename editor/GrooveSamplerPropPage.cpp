@@ -6,7 +6,7 @@
 #include "editor/PageLayout.h"
 #include "editor/PageTexts.h"
 #include "editor/Skin.h"
-#include "platform/RasterSurface.h"
+#include "platform/drawing/RasterSurface.h"
 
 namespace marnoth {
 

@@ -17,7 +17,7 @@
 #include "editor/PageFrame.h"
 #include "editor/PageGestures.h"
 #include "editor/TimeScale.h"
-#include "platform/Font.h"
+#include "platform/drawing/Font.h"
 
 namespace marnoth {
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "platform/Surface.h"
+#include "platform/drawing/Surface.h"
 
 namespace marnoth {
 namespace {

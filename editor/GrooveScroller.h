@@ -1,7 +1,7 @@
 #pragma once
 
 #include "editor/Palette.h"
-#include "platform/Geometry.h"
+#include "platform/drawing/Geometry.h"
 
 namespace marnoth {
 

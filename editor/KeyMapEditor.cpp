@@ -6,7 +6,7 @@
 #include <string>
 
 #include "editor/Truncate.h"
-#include "platform/Surface.h"
+#include "platform/drawing/Surface.h"
 
 namespace marnoth {
 namespace {

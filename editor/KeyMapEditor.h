@@ -3,8 +3,8 @@
 #include <cstdint>
 #include <optional>
 
-#include "engine/IGrooveSampler.h"
-#include "platform/Geometry.h"
+#include "platform/drawing/Geometry.h"
+#include "seam/IGrooveSampler.h"
 
 namespace marnoth {
 

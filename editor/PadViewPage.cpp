@@ -6,7 +6,7 @@
 #include "editor/GrooveSamplerPropPage.h"
 #include "editor/PadViewPaint.h"
 #include "editor/PageLayout.h"
-#include "platform/Surface.h"
+#include "platform/drawing/Surface.h"
 
 namespace marnoth {
 

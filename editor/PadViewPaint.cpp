@@ -5,8 +5,8 @@
 #include <string>
 
 #include "editor/Palette.h"
-#include "engine/IGrooveSampler.h"
-#include "platform/Surface.h"
+#include "platform/drawing/Surface.h"
+#include "seam/IGrooveSampler.h"
 
 namespace marnoth {
 namespace {
@@ -47,7 +47,7 @@ void drawRuler(Surface& surface, const TimeScale& scale, int total, Font& small)
     const std::int64_t first =
         std::max<std::int64_t>(0, static_cast<std::int64_t>(scale.horizontal / scale.pixelsPerBeat) - 1);
     for (std::int64_t beat = first; beat <= last; ++beat) {
-        const int x = scale.TickToPixel(beat * kEditorTicksPerBeat);
+        const int x = scale.TickToPixel(beat * kTicks16PerBeat);
         if (x >= scale.plot.right) break;
         if (!scale.isInPlot(x)) continue;
         drawLine(surface, {x, scale.plot.top}, {x, scale.plot.top + scale.contentHeight() + 1});

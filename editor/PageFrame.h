@@ -6,9 +6,9 @@
 #include <vector>
 
 #include "editor/Control.h"
-#include "platform/Bitmap.h"
-#include "platform/PageWindow.h"
-#include "platform/Surface.h"
+#include "platform/drawing/Bitmap.h"
+#include "platform/drawing/PageWindow.h"
+#include "platform/drawing/Surface.h"
 
 namespace marnoth {
 

@@ -2,7 +2,7 @@
 
 #include <cstdlib>
 
-#include "platform/Geometry.h"
+#include "platform/drawing/Geometry.h"
 
 namespace marnoth {
 

@@ -7,7 +7,7 @@
 #include "editor/Palette.h"
 #include "editor/Skin.h"
 #include "editor/WaveformPlot.h"
-#include "platform/Surface.h"
+#include "platform/drawing/Surface.h"
 
 namespace marnoth {
 

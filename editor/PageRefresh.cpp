@@ -5,7 +5,7 @@
 
 #include "editor/GrooveSamplerPropPage.h"
 #include "editor/PageLayout.h"
-#include "platform/Text.h"
+#include "platform/text/Text.h"
 
 namespace marnoth {
 

@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "platform/Bitmap.h"
+#include "platform/drawing/Bitmap.h"
 
 namespace marnoth {
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/Bitmap.h"
-#include "platform/PageWindow.h"
+#include "platform/drawing/Bitmap.h"
+#include "platform/drawing/PageWindow.h"
 
 namespace marnoth {
 

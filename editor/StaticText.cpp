@@ -1,7 +1,7 @@
 #include "editor/StaticText.h"
 
 #include "editor/Palette.h"
-#include "platform/Surface.h"
+#include "platform/drawing/Surface.h"
 
 namespace marnoth {
 

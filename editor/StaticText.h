@@ -4,7 +4,7 @@
 #include <string_view>
 
 #include "editor/Control.h"
-#include "platform/Font.h"
+#include "platform/drawing/Font.h"
 
 namespace marnoth {
 

@@ -8,20 +8,19 @@
 namespace marnoth {
 namespace {
 
-constexpr double kTicksPerBeat = kEditorTicksPerBeat;
 /// Whole beats that 64 bits of ticks hold, with room for a part of one more.
-constexpr std::int64_t kLastBeat = std::numeric_limits<std::int64_t>::max() / kEditorTicksPerBeat - 1;
+constexpr std::int64_t kLastBeat = std::numeric_limits<std::int64_t>::max() / kTicks16PerBeat - 1;
 
 }  // namespace
 
 int TimeScale::TickToPixel(std::int64_t ticks16) const {
-    const double pixels = static_cast<double>(ticks16) / kTicksPerBeat * pixelsPerBeat + 0.5;
+    const double pixels = static_cast<double>(ticks16) / kTicks16PerBeat * pixelsPerBeat + 0.5;
     return heldToFarPixel(std::int64_t{plot.left} - horizontal + truncateToPixel(pixels));
 }
 
 std::int64_t TimeScale::PixelToTick(int x) const {
     const auto pixels = static_cast<double>(std::int64_t{horizontal} - plot.left + x);
-    return static_cast<std::int64_t>(std::max(0.0, pixels / pixelsPerBeat * kTicksPerBeat + 0.5));
+    return static_cast<std::int64_t>(std::max(0.0, pixels / pixelsPerBeat * kTicks16PerBeat + 0.5));
 }
 
 std::int64_t TimeScale::SnapTick(std::int64_t ticks16) const {
@@ -30,11 +29,11 @@ std::int64_t TimeScale::SnapTick(std::int64_t ticks16) const {
     if (perBeat == 0) return ticks16;
 
     const auto divisions = static_cast<std::int64_t>(
-        static_cast<double>(perBeat) * static_cast<double>(ticks16) / kTicksPerBeat + 0.5);
+        static_cast<double>(perBeat) * static_cast<double>(ticks16) / kTicks16PerBeat + 0.5);
     // Divisions times ticks of a beat, divided by divisions of a beat: whole beats go apart, since the
     // product needs more than 64 bits at the ends.
     const std::int64_t beats = std::clamp(divisions / perBeat, -kLastBeat, kLastBeat);
-    return beats * kEditorTicksPerBeat + divisions % perBeat * kEditorTicksPerBeat / perBeat;
+    return beats * kTicks16PerBeat + divisions % perBeat * kTicks16PerBeat / perBeat;
 }
 
 int TimeScale::GrainMargin() const {
@@ -62,7 +61,7 @@ bool TimeScale::HitTestRow(Point point, int* row, bool* onLabel) const {
 }
 
 int TimeScale::contentWidth(std::int64_t endTicks16) const {
-    return truncateToPixel((static_cast<double>(endTicks16) / kTicksPerBeat + 1.0) * pixelsPerBeat + 0.5);
+    return truncateToPixel((static_cast<double>(endTicks16) / kTicks16PerBeat + 1.0) * pixelsPerBeat + 0.5);
 }
 
 void TimeScale::zoomIn() {

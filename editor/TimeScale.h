@@ -3,11 +3,11 @@
 #include <array>
 #include <cstdint>
 
-#include "platform/Geometry.h"
+#include "platform/drawing/Geometry.h"
+#include "seam/MusicalTime.h"
 
 namespace marnoth {
 
-inline constexpr std::int64_t kEditorTicksPerBeat = 62914560;              ///< 16.16 ticks
 inline constexpr std::array<int, 8> kSnapTable{0, 1, 2, 3, 4, 8, 12, 16};  ///< divisions of a beat
 
 /// How the Pad Editor lays time and pads out: what its gestures and its paint have in common. All casts

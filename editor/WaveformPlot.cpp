@@ -5,8 +5,8 @@
 #include "editor/EventSelection.h"
 #include "editor/Palette.h"
 #include "editor/Truncate.h"
-#include "engine/IGrooveSampler.h"
-#include "platform/Surface.h"
+#include "platform/drawing/Surface.h"
+#include "seam/IGrooveSampler.h"
 
 namespace marnoth {
 namespace {

@@ -2,8 +2,9 @@
 #include <string>
 
 #include "engine/GrooveSampler.h"
-#include "engine/TimeMath.h"
-#include "platform/Graph.h"
+#include "platform/graph/Graph.h"
+#include "platform/system/Overflow.h"
+#include "seam/Limits.h"
 
 namespace marnoth {
 namespace {
@@ -13,7 +14,6 @@ constexpr std::uint32_t kFadeOutMilliseconds = 20;
 /// The white keys from middle C, one for each pad.
 constexpr std::array<std::int32_t, kPads> kPadKeys{60, 62, 64, 65, 67, 69, 71, 72,
                                                    74, 76, 77, 79, 81, 83, 84, 86};
-constexpr std::int32_t kHighestVelocity = 127;
 
 HRESULT acceptFloat(const WAVEFORMATEX* format) {
     return format->wFormatTag == WAVE_FORMAT_IEEE_FLOAT ? S_OK : VFW_E_TYPE_NOT_ACCEPTED;

@@ -6,21 +6,21 @@
 #include <memory>
 #include <string>
 
-#include "engine/GrooveTrack.h"
-#include "engine/IGrooveSampler.h"
-#include "engine/KeyMap.h"
-#include "engine/PreAllocArray.h"
-#include "engine/Project.h"
-#include "engine/UndoRing.h"
-#include "engine/Voice.h"
-#include "host/Pzi.h"
+#include "engine/model/GrooveTrack.h"
+#include "engine/model/KeyMap.h"
+#include "engine/model/UndoRing.h"
+#include "engine/render/PreAllocArray.h"
+#include "engine/render/Voice.h"
+#include "project/Project.h"
+#include "seam/IGrooveSampler.h"
+#include "seam/Limits.h"
+#include "seam/Pzi.h"
 
 namespace marnoth {
 
 class RiffStream;
 struct ProjectTracks;
 
-inline constexpr std::int32_t kBinFiles = 16;
 inline constexpr std::int32_t kStreamEvents = 100;     ///< grains of one pad in one block
 inline constexpr std::int32_t kScratchValues = 96000;  ///< bounds a stereo block to 48000 frames
 inline constexpr std::uint32_t kNoPin = 0xFFFFFFFF;

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "engine/IGrooveSampler.h"
 #include "fuzz/Check.h"
+#include "seam/IGrooveSampler.h"
 #include "support/EngineHost.h"
 
 namespace marnoth::fuzz {

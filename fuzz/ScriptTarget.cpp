@@ -11,10 +11,10 @@
 
 #include "fuzz/Check.h"
 #include "fuzz/SeedFiles.h"
-#include "shells/cli/Failure.h"
-#include "shells/cli/ScriptNumbers.h"
-#include "shells/cli/ScriptRunner.h"
-#include "shells/cli/ScriptWords.h"
+#include "shellkit/files/Failure.h"
+#include "shellkit/script/ScriptNumbers.h"
+#include "shellkit/script/ScriptRunner.h"
+#include "shellkit/script/ScriptWords.h"
 #include "support/TempPath.h"
 
 namespace marnoth::fuzz {

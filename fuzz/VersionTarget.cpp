@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "fuzz/Check.h"
-#include "platform/Graph.h"
-#include "platform/PersistStream.h"
+#include "platform/com/PersistStream.h"
+#include "platform/graph/Graph.h"
 #include "support/MemoryStream.h"
 
 namespace marnoth::fuzz {

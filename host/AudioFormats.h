@@ -1,7 +1,7 @@
 #pragma once
 
-#include "host/Pzi.h"
-#include "platform/Graph.h"
+#include "platform/graph/Graph.h"
+#include "seam/Pzi.h"
 
 namespace marnoth {
 

@@ -2,7 +2,7 @@
 #include <utility>
 
 #include "host/Filter.h"
-#include "host/Numbers.h"
+#include "platform/system/Overflow.h"
 
 namespace marnoth {
 

@@ -1,8 +1,8 @@
 #include <bitset>
 #include <new>
 
-#include "host/Numbers.h"
 #include "host/SoftSynth.h"
+#include "platform/system/Overflow.h"
 
 namespace marnoth {
 

@@ -1,7 +1,7 @@
 #include <new>
 
-#include "host/Numbers.h"
 #include "host/SoftSynth.h"
+#include "platform/system/Overflow.h"
 
 namespace marnoth {
 

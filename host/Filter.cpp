@@ -3,7 +3,7 @@
 #include <exception>
 #include <new>
 
-#include "host/ClassIds.h"
+#include "seam/ClassIds.h"
 
 namespace marnoth {
 

@@ -8,9 +8,9 @@
 #include "host/FilterPins.h"
 #include "host/Module.h"
 #include "host/SoftSynth.h"
-#include "platform/BaseFilter.h"
-#include "platform/PersistStream.h"
-#include "platform/RefPtr.h"
+#include "platform/com/PersistStream.h"
+#include "platform/com/RefPtr.h"
+#include "platform/graph/BaseFilter.h"
 
 namespace marnoth {
 

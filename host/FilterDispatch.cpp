@@ -1,6 +1,6 @@
-#include "host/ClassIds.h"
 #include "host/Filter.h"
-#include "platform/TypeInformation.h"
+#include "platform/com/TypeInformation.h"
+#include "seam/ClassIds.h"
 
 namespace marnoth {
 

@@ -7,7 +7,7 @@
 
 #include "host/AudioFormats.h"
 #include "host/Filter.h"
-#include "platform/SeekingPassThru.h"
+#include "platform/graph/SeekingPassThru.h"
 
 namespace marnoth {
 

@@ -4,9 +4,9 @@
 #include <cstdint>
 #include <string_view>
 
-#include "platform/BaseInputPin.h"
-#include "platform/BaseOutputPin.h"
-#include "platform/RefPtr.h"
+#include "platform/com/RefPtr.h"
+#include "platform/graph/BaseInputPin.h"
+#include "platform/graph/BaseOutputPin.h"
 
 namespace marnoth {
 

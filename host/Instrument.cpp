@@ -3,7 +3,7 @@
 #include <new>
 #include <utility>
 
-#include "platform/Text.h"
+#include "platform/text/Text.h"
 
 namespace marnoth {
 

@@ -5,10 +5,10 @@
 #include <string>
 #include <string_view>
 
-#include "host/KvxInterfaces.h"
 #include "host/StringMap.h"
-#include "platform/CritSec.h"
-#include "platform/RefPtr.h"
+#include "platform/com/RefPtr.h"
+#include "platform/system/CritSec.h"
+#include "seam/KvxInterfaces.h"
 
 namespace marnoth {
 

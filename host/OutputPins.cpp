@@ -4,7 +4,7 @@
 #include <string>
 
 #include "host/Filter.h"
-#include "platform/Text.h"
+#include "platform/text/Text.h"
 
 namespace marnoth {
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "host/KvxInterfaces.h"
+#include "seam/KvxInterfaces.h"
 
 namespace marnoth {
 

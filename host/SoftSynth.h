@@ -8,10 +8,10 @@
 #include <optional>
 
 #include "host/Instrument.h"
-#include "host/KvxInterfaces.h"
 #include "host/PortTransform.h"
-#include "host/Pzi.h"
-#include "platform/RefPtr.h"
+#include "platform/com/RefPtr.h"
+#include "seam/KvxInterfaces.h"
+#include "seam/Pzi.h"
 
 namespace marnoth {
 

@@ -1,5 +1,5 @@
-#include "host/Numbers.h"
 #include "host/SoftSynth.h"
+#include "platform/system/Overflow.h"
 
 namespace marnoth {
 

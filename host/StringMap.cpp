@@ -4,8 +4,8 @@
 #include <new>
 #include <utility>
 
-#include "platform/Text.h"
-#include "platform/Unknown.h"
+#include "platform/com/Unknown.h"
+#include "platform/text/Text.h"
 
 namespace marnoth {
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "host/KvxInterfaces.h"
+#include "seam/KvxInterfaces.h"
 
 namespace marnoth {
 

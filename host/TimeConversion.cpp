@@ -1,12 +1,11 @@
-#include "host/Numbers.h"
 #include "host/SoftSynth.h"
+#include "platform/system/Overflow.h"
+#include "seam/MusicalTime.h"
 
 namespace marnoth {
 
 namespace {
 
-constexpr double kTicksPerBeat = 960.0;
-constexpr double kTicks16PerBeat = 62914560.0;
 constexpr double kSecondsPerMinute = 60.0;
 constexpr std::int32_t kDefaultSampleRate = 44100;
 constexpr std::int64_t kNoSampleRate = 0x7FFFFFFF;
@@ -15,7 +14,7 @@ constexpr std::int64_t kMillisecondsPerSecond = 1000;
 // The order of the operations below is part of the contract: another order rounds otherwise.
 
 std::int64_t ticks16ToSamples(std::int64_t ticks16, double tempo, double rate) {
-    const double beats = static_cast<double>(ticks16) * (1 / kTicks16PerBeat);
+    const double beats = static_cast<double>(ticks16) * (1.0 / kTicks16PerBeat);
     return truncatedToInt64(rate * (beats / tempo * kSecondsPerMinute) + 0.5);
 }
 
@@ -78,7 +77,7 @@ std::int64_t CSoftSynth::WholeTicksToSamples(std::int32_t ticks) {
         return std::int64_t{inputRate()} * milliseconds / kMillisecondsPerSecond;
     }
     const double rate = inputRate();
-    return truncatedToInt64(rate * (ticks * (1 / kTicksPerBeat) / m_tempo * kSecondsPerMinute));
+    return truncatedToInt64(rate * (ticks * (1.0 / kTicksPerBeat) / m_tempo * kSecondsPerMinute));
 }
 
 std::int32_t CSoftSynth::SamplesToWholeTicks(std::int64_t samples) {

@@ -3,8 +3,8 @@
 #include <span>
 #include <vector>
 
-#include "host/KvxInterfaces.h"
-#include "platform/Unknown.h"
+#include "platform/com/Unknown.h"
+#include "seam/KvxInterfaces.h"
 
 namespace marnoth {
 

@@ -3,9 +3,9 @@
 #include <filesystem>
 #include <memory>
 
-#include "platform/ByteStream.h"
-#include "platform/RefPtr.h"
-#include "platform/Unknown.h"
+#include "platform/bytes/ByteStream.h"
+#include "platform/com/RefPtr.h"
+#include "platform/com/Unknown.h"
 
 #ifndef _WIN32
 inline constexpr HRESULT STG_E_FILENOTFOUND = static_cast<HRESULT>(0x80030002);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/CritSec.h"
+#include "platform/system/CritSec.h"
 
 namespace marnoth {
 

@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "platform/Com.h"
+#include "platform/com/Com.h"
 
 namespace marnoth {
 

@@ -4,7 +4,7 @@
 #include "hostkit/PinService.h"
 #include "hostkit/TempoMap.h"
 #include "hostkit/TimeConverter.h"
-#include "platform/RefPtr.h"
+#include "platform/com/RefPtr.h"
 
 namespace marnoth {
 

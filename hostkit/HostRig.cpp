@@ -7,23 +7,22 @@
 #include <string>
 #include <utility>
 
-#include "host/CreateInstance.h"
 #include "hostkit/EventList.h"
 #include "hostkit/FloatFormat.h"
-#include "hostkit/Graph.h"
 #include "hostkit/HostContext.h"
+#include "hostkit/HostGraph.h"
 #include "hostkit/InputFeed.h"
 #include "hostkit/MakeObject.h"
 #include "hostkit/StreamSink.h"
 #include "hostkit/StreamSource.h"
-#include "platform/MediaType.h"
-#include "platform/RefPtr.h"
+#include "platform/com/RefPtr.h"
+#include "platform/graph/MediaType.h"
+#include "seam/Limits.h"
 
 namespace marnoth {
 
 namespace {
 
-constexpr int kOutputPins = 17;
 constexpr std::int32_t kDefaultBlock = 512;
 constexpr double kReferenceUnitsPerSecond = 10'000'000.0;  // of 100 ns
 
@@ -36,9 +35,9 @@ RefPtr<Interface> query(IUnknown& object, REFIID iid) {
     return found;
 }
 
-RefPtr<IUnknown> makeInstrument() {
+RefPtr<IUnknown> makeInstrument(InstrumentMaker make) {
     RefPtr<IUnknown> instrument;
-    if (FAILED(createInstrument(nullptr, IID_IUnknown, instrument.putVoid()))) {
+    if (FAILED(make(nullptr, IID_IUnknown, instrument.putVoid()))) {
         throw std::runtime_error("the instrument can't be made");
     }
     return instrument;
@@ -65,7 +64,7 @@ bool areUsable(const AttachOptions& options) {
 }  // namespace
 
 struct HostRig::Parts {
-    Parts();
+    explicit Parts(InstrumentMaker make);
     ~Parts();
     Parts(const Parts&) = delete;
     Parts& operator=(const Parts&) = delete;
@@ -75,14 +74,14 @@ struct HostRig::Parts {
     HRESULT growBuffers(std::int32_t frames);
     HRESULT sendBlock(std::int32_t frames);
 
-    RefPtr<IUnknown> instrument = makeInstrument();
+    RefPtr<IUnknown> instrument;
     RefPtr<IBaseFilter> filter = query<IBaseFilter>(*instrument, IID_IBaseFilter);
     RefPtr<IGrooveSampler> sampler = query<IGrooveSampler>(*instrument, IID_IGrooveSampler);
     RefPtr<IKvxSoftSynth2> synth = query<IKvxSoftSynth2>(*instrument, IID_IKvxSoftSynth2);
     RefPtr<IKvxNotify> notify = query<IKvxNotify>(*instrument, IID_IKvxNotify);
     RefPtr<StreamSource> source = makeObject<StreamSource>();
     std::array<RefPtr<StreamSink>, kOutputPins> sinks;
-    RefPtr<Graph> graph = makeObject<Graph>();  ///< goes first: it takes the connections apart
+    RefPtr<HostGraph> graph = makeObject<HostGraph>();  ///< goes first: it takes the connections apart
 
     RefPtr<TempoMap> tempoMap;  ///< null while no host is attached
     std::uint32_t rate = 44100;
@@ -92,7 +91,7 @@ struct HostRig::Parts {
     std::optional<REFERENCE_TIME> discontinuity;
 };
 
-HostRig::Parts::Parts() {
+HostRig::Parts::Parts(InstrumentMaker make) : instrument(makeInstrument(make)) {
     graph->AddFilter(source.get(), L"Source");
     graph->AddFilter(filter.get(), L"Instrument");
     for (int pin = 0; pin < kOutputPins; ++pin) {
@@ -144,7 +143,7 @@ HRESULT HostRig::Parts::sendBlock(std::int32_t frames) {
     return source->pin().send(next);
 }
 
-HostRig::HostRig() : parts_(std::make_unique<Parts>()) {}
+HostRig::HostRig(InstrumentMaker make) : parts_(std::make_unique<Parts>(make)) {}
 
 HostRig::~HostRig() = default;
 

@@ -7,8 +7,9 @@
 #include <span>
 #include <vector>
 
-#include "engine/IGrooveSampler.h"
-#include "host/KvxInterfaces.h"
+#include "seam/IGrooveSampler.h"
+#include "seam/InstrumentMaker.h"
+#include "seam/KvxInterfaces.h"
 
 namespace marnoth {
 
@@ -34,8 +35,8 @@ using AudioTaker = std::function<void(std::span<const float> samples, bool silen
 /// Output pins are numbered as the instrument orders them: 0 the mix, 1 to 16 the channels.
 class HostRig {
 public:
-    /// Makes the instrument. `std::runtime_error` when that fails.
-    HostRig();
+    /// Has the instrument made by `make`. `std::runtime_error` when that fails.
+    explicit HostRig(InstrumentMaker make);
     ~HostRig();
     HostRig(const HostRig&) = delete;
     HostRig& operator=(const HostRig&) = delete;

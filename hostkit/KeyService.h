@@ -1,7 +1,7 @@
 #pragma once
 
-#include "host/KvxInterfaces.h"
-#include "platform/Unknown.h"
+#include "platform/com/Unknown.h"
+#include "seam/KvxInterfaces.h"
 
 namespace marnoth {
 

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "platform/RefPtr.h"
+#include "platform/com/RefPtr.h"
 
 namespace marnoth {
 

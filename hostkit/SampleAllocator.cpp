@@ -28,7 +28,7 @@ HRESULT SampleAllocator::GetBuffer(IMediaSample** out, REFERENCE_TIME* start, RE
                                    DWORD flags) {
     const HRESULT hr = CMemAllocator::GetBuffer(out, start, end, flags | AM_GBF_NOWAIT);
     // This allocator makes no other samples.
-    if (SUCCEEDED(hr)) static_cast<MediaSample*>(*out)->prepare();
+    if (SUCCEEDED(hr)) static_cast<HostSample*>(*out)->prepare();
     return hr;
 }
 
@@ -45,7 +45,7 @@ HRESULT SampleAllocator::Decommit() {
 
 std::unique_ptr<CMediaSample> SampleAllocator::MakeSample(BYTE* memory, LONG bytes) {
     return std::unique_ptr<CMediaSample>(new (std::nothrow)
-                                             MediaSample(*this, memory, bytes, silenceOffered_));
+                                             HostSample(*this, memory, bytes, silenceOffered_));
 }
 
 }  // namespace marnoth

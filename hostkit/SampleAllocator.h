@@ -1,7 +1,7 @@
 #pragma once
 
-#include "hostkit/MediaSample.h"
-#include "platform/MemAllocator.h"
+#include "hostkit/HostSample.h"
+#include "platform/graph/MemAllocator.h"
 
 namespace marnoth {
 

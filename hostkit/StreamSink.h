@@ -7,9 +7,9 @@
 
 #include "hostkit/FilterLock.h"
 #include "hostkit/SampleAllocator.h"
-#include "platform/BaseFilter.h"
-#include "platform/BaseInputPin.h"
-#include "platform/RefPtr.h"
+#include "platform/com/RefPtr.h"
+#include "platform/graph/BaseFilter.h"
+#include "platform/graph/BaseInputPin.h"
 
 namespace marnoth {
 

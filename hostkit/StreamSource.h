@@ -6,9 +6,9 @@
 
 #include "hostkit/FilterLock.h"
 #include "hostkit/SampleAllocator.h"
-#include "platform/BaseFilter.h"
-#include "platform/BaseOutputPin.h"
-#include "platform/RefPtr.h"
+#include "platform/com/RefPtr.h"
+#include "platform/graph/BaseFilter.h"
+#include "platform/graph/BaseOutputPin.h"
 
 namespace marnoth {
 

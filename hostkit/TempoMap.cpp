@@ -4,11 +4,12 @@
 #include <cmath>
 #include <limits>
 
+#include "seam/MusicalTime.h"
+
 namespace marnoth {
 
 namespace {
 
-constexpr double kTicksPerBeat = 960.0;
 constexpr double kSecondsPerMinute = 60.0;
 constexpr double kMillisecondsPerSecond = 1000.0;
 

@@ -2,8 +2,8 @@
 
 #include <vector>
 
-#include "host/KvxInterfaces.h"
-#include "platform/Unknown.h"
+#include "platform/com/Unknown.h"
+#include "seam/KvxInterfaces.h"
 
 namespace marnoth {
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "hostkit/TempoMap.h"
-#include "platform/RefPtr.h"
+#include "platform/com/RefPtr.h"
 
 namespace marnoth {
 

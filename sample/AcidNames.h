@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string_view>
 
-#include "platform/RiffStream.h"
+#include "platform/bytes/RiffStream.h"
 
 namespace marnoth {
 

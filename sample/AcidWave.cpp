@@ -5,7 +5,7 @@
 #include <cstring>
 #include <limits>
 
-#include "platform/Text.h"
+#include "platform/text/Text.h"
 
 namespace marnoth {
 namespace {

@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/Com.h"
-#include "platform/RiffStream.h"
+#include "platform/bytes/RiffStream.h"
+#include "platform/com/Com.h"
 #include "sample/AcidNames.h"
 
 namespace marnoth {

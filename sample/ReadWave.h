@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/RefPtr.h"
+#include "platform/com/RefPtr.h"
 #include "sample/AcidWave.h"
 #include "sample/WaveMem.h"
 

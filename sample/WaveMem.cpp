@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "dsp/Tail.h"
-#include "platform/LargePages.h"
+#include "platform/system/LargePages.h"
 #include "sample/PeakTable.h"
 #include "sample/Resample.h"
 

@@ -5,8 +5,8 @@
 #include <memory>
 
 #include "dsp/SourceWave.h"
-#include "platform/Com.h"
-#include "platform/RefPtr.h"
+#include "platform/com/Com.h"
+#include "platform/com/RefPtr.h"
 
 namespace marnoth {
 

@@ -6,7 +6,7 @@
 #include <cstring>
 #include <stdexcept>
 
-#include "platform/RiffStream.h"
+#include "platform/bytes/RiffStream.h"
 
 namespace marnoth::tools {
 

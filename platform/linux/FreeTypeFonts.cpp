@@ -12,8 +12,8 @@
 #include <unordered_map>
 #include <utility>
 
-#include "platform/FaceScale.h"
-#include "platform/PlatformFonts.h"
+#include "platform/drawing/FaceScale.h"
+#include "platform/drawing/PlatformFonts.h"
 
 namespace marnoth {
 

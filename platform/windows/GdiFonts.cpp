@@ -8,9 +8,9 @@
 #include <unordered_map>
 #include <utility>
 
-#include "platform/FaceScale.h"
-#include "platform/PlatformFonts.h"
-#include "platform/Text.h"
+#include "platform/drawing/FaceScale.h"
+#include "platform/drawing/PlatformFonts.h"
+#include "platform/text/Text.h"
 
 namespace marnoth {
 

@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "platform/Font.h"
+#include "platform/drawing/Font.h"
 
 namespace marnoth {
 

@@ -7,14 +7,14 @@
 #include <ostream>
 #include <set>
 
-#include "shells/cli/Console.h"
-#include "shells/cli/Failure.h"
+#include "shellkit/files/Failure.h"
+#include "shellkit/midi/MidiFile.h"
+#include "shellkit/script/ScriptNumbers.h"
+#include "shellkit/script/ScriptRunner.h"
+#include "shellkit/text/InstrumentText.h"
 #include "shells/cli/InfoCommand.h"
-#include "shells/cli/MidiFile.h"
 #include "shells/cli/PageCommand.h"
 #include "shells/cli/RenderCommand.h"
-#include "shells/cli/ScriptNumbers.h"
-#include "shells/cli/ScriptRunner.h"
 
 namespace marnoth {
 

@@ -1,6 +1,6 @@
 #include "shells/cli/Console.h"
 
-#include "platform/Text.h"
+#include "platform/text/Text.h"
 
 #ifdef _WIN32
 #include <windows.h>
@@ -38,18 +38,6 @@ bool errorIsTerminal() {
     return _isatty(_fileno(stderr)) != 0;
 }
 
-std::filesystem::path pathFromUtf8(std::string_view text) {
-    return pathFromWide(wideFromUtf8(text));
-}
-
-std::string utf8FromPath(const std::filesystem::path& path) {
-    return utf8FromWide(wideFromPath(path));
-}
-
-std::string toInstrument(std::string_view utf8) {
-    return systemFromWide(wideFromUtf8(utf8));
-}
-
 #else
 
 std::vector<std::string> consoleArguments(int argc, char** argv) {
@@ -62,24 +50,6 @@ bool errorIsTerminal() {
     return isatty(STDERR_FILENO) != 0;
 }
 
-// Names of files are bytes here: one that isn't UTF-8 must reach the system as it is.
-
-std::filesystem::path pathFromUtf8(std::string_view text) {
-    return std::string(text);
-}
-
-std::string utf8FromPath(const std::filesystem::path& path) {
-    return path.native();
-}
-
-std::string toInstrument(std::string_view utf8) {
-    return std::string(utf8);
-}
-
 #endif
-
-std::string fromInstrument(std::string_view systemText) {
-    return utf8FromWide(wideFromSystem(systemText));
-}
 
 }  // namespace marnoth

@@ -7,14 +7,15 @@
 #include <ostream>
 #include <vector>
 
+#include "host/CreateInstance.h"
 #include "hostkit/HostRig.h"
 #include "sample/AcidNames.h"
 #include "sample/AcidWave.h"
-#include "shells/cli/Console.h"
-#include "shells/cli/Failure.h"
+#include "shellkit/files/Failure.h"
+#include "shellkit/files/LoadFailure.h"
+#include "shellkit/files/OpenProject.h"
+#include "shellkit/text/InstrumentText.h"
 #include "shells/cli/InfoText.h"
-#include "shells/cli/LoadFailure.h"
-#include "shells/cli/OpenProject.h"
 #include "shells/cli/ProjectInfo.h"
 
 namespace marnoth {
@@ -50,7 +51,7 @@ std::vector<GrainInfo> grainsOf(IGrooveSampler& sampler, std::int32_t bin) {
 /// Loads the file into an instrument at the file's own rate, so that nothing is resampled.
 Cut cutFile(const std::string& file, const WAVEFORMATEX& format) {
     const bool usual = format.nSamplesPerSec >= 1 && format.nSamplesPerSec <= kMostRate;
-    HostRig rig;
+    HostRig rig{createInstrument};
     const std::array<int, 1> mix{0};
     rig.connect(usual ? format.nSamplesPerSec : 44100, 2, mix);
     const std::filesystem::path path = std::filesystem::absolute(pathFromUtf8(file));

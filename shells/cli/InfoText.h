@@ -4,15 +4,14 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
-#include "platform/Com.h"
+#include "platform/com/Com.h"
+#include "seam/MusicalTime.h"
 
 namespace marnoth {
 
 /// What the tellers of `marnoth info` have in common.
 
 using Json = nlohmann::ordered_json;
-
-inline constexpr double kTicks16PerBeat = 62914560.0;
 
 /// A number with this many digits behind the point.
 std::string fixed(double value, int digits);

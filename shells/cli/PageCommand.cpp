@@ -4,13 +4,14 @@
 #include <ostream>
 
 #include "editor/PageLayout.h"
+#include "host/CreateInstance.h"
 #include "hostkit/HostRig.h"
-#include "shells/cli/Console.h"
-#include "shells/cli/Failure.h"
-#include "shells/cli/HeadlessPage.h"
-#include "shells/cli/PngFile.h"
+#include "shellkit/files/Failure.h"
+#include "shellkit/media/PngFile.h"
+#include "shellkit/page/HeadlessPage.h"
+#include "shellkit/script/ScriptNumbers.h"
+#include "shellkit/text/InstrumentText.h"
 #include "shells/cli/RenderPads.h"
-#include "shells/cli/ScriptNumbers.h"
 
 namespace marnoth {
 
@@ -54,7 +55,7 @@ Bitmap enlarged(const Bitmap& picture, int scale) {
 }  // namespace
 
 void runPage(const PageOptions& options, std::ostream& report) {
-    HostRig rig;
+    HostRig rig{createInstrument};
     connect(rig);
     if (!options.project.empty()) RenderPads(rig.sampler()).loadProject(options.project);
     HeadlessPage page(rig.sampler(), {});

@@ -6,13 +6,14 @@
 #include <ostream>
 #include <vector>
 
-#include "engine/ProjectReader.h"
-#include "platform/Text.h"
-#include "shells/cli/Console.h"
-#include "shells/cli/Failure.h"
+#include "platform/text/Text.h"
+#include "project/ProjectReader.h"
+#include "seam/Limits.h"
+#include "shellkit/files/Failure.h"
+#include "shellkit/files/OpenProject.h"
+#include "shellkit/files/ProjectFailure.h"
+#include "shellkit/text/InstrumentText.h"
 #include "shells/cli/InfoText.h"
-#include "shells/cli/OpenProject.h"
-#include "shells/cli/ProjectFailure.h"
 
 namespace marnoth {
 

@@ -9,21 +9,22 @@
 #include <memory>
 #include <ostream>
 
+#include "host/CreateInstance.h"
 #include "hostkit/HostRig.h"
-#include "shells/cli/Console.h"
-#include "shells/cli/Failure.h"
-#include "shells/cli/MidiFile.h"
+#include "seam/Limits.h"
+#include "seam/MusicalTime.h"
+#include "shellkit/files/Failure.h"
+#include "shellkit/midi/MidiFile.h"
+#include "shellkit/script/ScriptNumbers.h"
+#include "shellkit/text/InstrumentText.h"
 #include "shells/cli/Progress.h"
 #include "shells/cli/RenderOutput.h"
-#include "shells/cli/ScriptNumbers.h"
 
 namespace marnoth {
 
 namespace {
 
 constexpr std::uint32_t kChannels = 2;
-constexpr int kPads = 16;
-constexpr double kTicksPerBeat = 960.0;
 constexpr double kDefaultBeats = 16.0;
 constexpr std::uint8_t kHeldVelocity = 100;
 
@@ -196,7 +197,7 @@ private:
     std::int64_t frames_ = 0;
     std::vector<std::unique_ptr<RenderOutput>> outputs_;  ///< the stems, then the mix
     std::vector<int> loaded_;                             ///< pads that have grains
-    HostRig rig_;  // destroyed before the outputs that its pins write to
+    HostRig rig_{createInstrument};  // destroyed before the outputs that its pins write to
     RenderPads pads_{rig_.sampler()};
 };
 

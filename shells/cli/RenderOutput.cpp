@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "shells/cli/Failure.h"
+#include "shellkit/files/Failure.h"
 
 namespace marnoth {
 

@@ -5,7 +5,7 @@
 #include <span>
 #include <string>
 
-#include "shells/cli/WaveWriter.h"
+#include "shellkit/media/WaveWriter.h"
 
 namespace marnoth {
 

@@ -5,22 +5,22 @@
 #include <filesystem>
 #include <stdexcept>
 
-#include "platform/Text.h"
-#include "shells/cli/Console.h"
-#include "shells/cli/Failure.h"
-#include "shells/cli/LoadFailure.h"
-#include "shells/cli/OpenProject.h"
-#include "shells/cli/ProjectFailure.h"
-#include "shells/cli/ScriptNumbers.h"
+#include "platform/text/Text.h"
+#include "project/ProjectName.h"
+#include "seam/Limits.h"
+#include "shellkit/files/Failure.h"
+#include "shellkit/files/LoadFailure.h"
+#include "shellkit/files/OpenProject.h"
+#include "shellkit/files/ProjectFailure.h"
+#include "shellkit/script/ScriptNumbers.h"
+#include "shellkit/text/InstrumentText.h"
 
 namespace marnoth {
 
 namespace {
 
-constexpr int kPads = 16;
 constexpr std::int32_t kOmni = -1;
 constexpr std::int32_t kMiddleC = 60;
-constexpr std::int32_t kHighestVelocity = 127;
 constexpr std::size_t kLongestName = 259;  ///< characters of a project's name, with its folders
 
 void need(HRESULT result) {
@@ -144,7 +144,7 @@ void checkSavePlace(const std::string& file) {
 }
 
 std::string savedName(const std::string& file) {
-    return hasProjectName(file) ? file : file + ".mrn";
+    return withProjectExtension(file);
 }
 
 PadFile readPadFile(std::string_view text) {

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "engine/IGrooveSampler.h"
+#include "seam/IGrooveSampler.h"
 
 namespace marnoth {
 

@@ -8,8 +8,8 @@
 #include <system_error>
 #include <vector>
 
+#include "shellkit/text/InstrumentText.h"
 #include "shells/cli/CommandLine.h"
-#include "shells/cli/Console.h"
 #include "support/TempPath.h"
 
 namespace marnoth::test {

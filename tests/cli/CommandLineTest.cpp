@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "cli/CliRun.h"
-#include "platform/Text.h"
+#include "platform/text/Text.h"
 #include "support/WaveFile.h"
 
 namespace marnoth::test::command_line_test {

@@ -1,9 +1,9 @@
 #include <gtest/gtest.h>
 
 #include "cli/CliRun.h"
-#include "shells/cli/Failure.h"
-#include "shells/cli/MidiFile.h"
-#include "shells/cli/WaveFrames.h"
+#include "shellkit/files/Failure.h"
+#include "shellkit/media/WaveFrames.h"
+#include "shellkit/midi/MidiFile.h"
 #include "support/WaveFile.h"
 
 namespace marnoth::test::midi_file_test {

@@ -5,8 +5,8 @@
 #include "cli/PngPicture.h"
 #include "cli/Studio.h"
 #include "editor/PageLayout.h"
-#include "shells/cli/Failure.h"
-#include "shells/cli/PngFile.h"
+#include "shellkit/files/Failure.h"
+#include "shellkit/media/PngFile.h"
 
 namespace marnoth::test::page_picture_test {
 namespace {

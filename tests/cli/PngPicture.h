@@ -10,7 +10,7 @@
 #include <string>
 
 #include "cli/CliRun.h"
-#include "platform/Bitmap.h"
+#include "platform/drawing/Bitmap.h"
 
 namespace marnoth::test {
 

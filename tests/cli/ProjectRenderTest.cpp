@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "cli/Studio.h"
-#include "shells/cli/MidiFile.h"
+#include "shellkit/midi/MidiFile.h"
 
 namespace marnoth::test::project_render_test {
 namespace {

@@ -4,10 +4,10 @@
 #include <cmath>
 
 #include "cli/Studio.h"
-#include "shells/cli/Failure.h"
+#include "shellkit/files/Failure.h"
+#include "shellkit/media/WaveFrames.h"
+#include "shellkit/midi/TempoTrack.h"
 #include "shells/cli/RenderCommand.h"
-#include "shells/cli/TempoTrack.h"
-#include "shells/cli/WaveFrames.h"
 #include "support/WaveFile.h"
 
 namespace marnoth::test::render_test {

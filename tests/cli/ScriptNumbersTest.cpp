@@ -2,7 +2,7 @@
 
 #include <limits>
 
-#include "shells/cli/ScriptNumbers.h"
+#include "shellkit/script/ScriptNumbers.h"
 
 namespace marnoth::test::script_numbers_test {
 namespace {

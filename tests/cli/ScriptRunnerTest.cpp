@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "cli/CliRun.h"
-#include "shells/cli/WaveFrames.h"
+#include "shellkit/media/WaveFrames.h"
 #include "support/WaveFile.h"
 
 namespace marnoth::test::script_runner_test {

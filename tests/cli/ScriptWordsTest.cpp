@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "shells/cli/ScriptWords.h"
+#include "shellkit/script/ScriptWords.h"
 
 namespace marnoth::test::script_words_test {
 namespace {

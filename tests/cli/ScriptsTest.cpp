@@ -6,7 +6,7 @@
 #include <map>
 
 #include "cli/CliRun.h"
-#include "shells/cli/WaveFrames.h"
+#include "shellkit/media/WaveFrames.h"
 
 /// Runs every script of tests/scripts, in a copy of that folder: scripts may write files beside themselves.
 /// Beside a script stands what must come of it: NAME.transcript, all that

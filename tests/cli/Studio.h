@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "cli/CliRun.h"
-#include "shells/cli/WaveFrames.h"
+#include "shellkit/media/WaveFrames.h"
 #include "support/WaveFile.h"
 
 namespace marnoth::test {

@@ -1,9 +1,9 @@
 #include <gtest/gtest.h>
 
 #include "cli/CliRun.h"
-#include "shells/cli/Failure.h"
-#include "shells/cli/WaveFrames.h"
-#include "shells/cli/WaveWriter.h"
+#include "shellkit/files/Failure.h"
+#include "shellkit/media/WaveFrames.h"
+#include "shellkit/media/WaveWriter.h"
 #include "support/WaveFile.h"
 
 namespace marnoth::test::wave_writer_test {

@@ -6,7 +6,7 @@
 #include "editor/BitmapKnobCtrl.h"
 #include "editor/BitmapToggleCtrl.h"
 #include "editor/ZoomButton.h"
-#include "platform/RecordingSurface.h"
+#include "platform/drawing/RecordingSurface.h"
 
 namespace marnoth::test::buttons_and_knobs_test {
 namespace {

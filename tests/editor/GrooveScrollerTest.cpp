@@ -3,7 +3,7 @@
 #include <limits>
 
 #include "editor/GrooveScroller.h"
-#include "platform/RecordingSurface.h"
+#include "platform/drawing/RecordingSurface.h"
 
 namespace marnoth::test::groove_scroller_test {
 namespace {

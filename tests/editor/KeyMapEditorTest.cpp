@@ -6,7 +6,7 @@
 #include "editor/KeyMapEditor.h"
 #include "editor/PageLayout.h"
 #include "editor/PlainFont.h"
-#include "platform/RecordingSurface.h"
+#include "platform/drawing/RecordingSurface.h"
 
 namespace marnoth::test::key_map_editor_test {
 namespace {

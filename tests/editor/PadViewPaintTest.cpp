@@ -7,8 +7,8 @@
 #include "editor/PadViewPaint.h"
 #include "editor/PlainFont.h"
 #include "editor/Truncate.h"
-#include "engine/IGrooveSampler.h"
-#include "platform/RecordingSurface.h"
+#include "platform/drawing/RecordingSurface.h"
+#include "seam/IGrooveSampler.h"
 
 namespace marnoth::test::pad_view_paint_test {
 namespace {

@@ -9,7 +9,7 @@
 #include "editor/PageLayout.h"
 #include "editor/RecordingSampler.h"
 #include "editor/TestPage.h"
-#include "platform/HeadlessWindow.h"
+#include "platform/drawing/HeadlessWindow.h"
 
 namespace marnoth::test {
 

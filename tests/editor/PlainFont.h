@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/Font.h"
+#include "platform/drawing/Font.h"
 
 namespace marnoth::test {
 

@@ -12,7 +12,7 @@
 #include <utility>
 #include <vector>
 
-#include "engine/IGrooveSampler.h"
+#include "seam/IGrooveSampler.h"
 
 namespace marnoth::test {
 

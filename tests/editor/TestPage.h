@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "editor/PlugInFilterControl.h"
-#include "platform/Font.h"
-#include "platform/HeadlessWindow.h"
+#include "platform/drawing/Font.h"
+#include "platform/drawing/HeadlessWindow.h"
 
 namespace marnoth::test {
 

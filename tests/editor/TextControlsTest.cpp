@@ -7,7 +7,7 @@
 #include "editor/FxComboBox.h"
 #include "editor/FxEdit.h"
 #include "editor/StaticText.h"
-#include "platform/RecordingSurface.h"
+#include "platform/drawing/RecordingSurface.h"
 
 namespace marnoth::test::text_controls_test {
 namespace {

@@ -7,8 +7,8 @@
 #include "editor/PageLayout.h"
 #include "editor/PlainFont.h"
 #include "editor/WaveformPlot.h"
-#include "engine/IGrooveSampler.h"
-#include "platform/RecordingSurface.h"
+#include "platform/drawing/RecordingSurface.h"
+#include "seam/IGrooveSampler.h"
 
 namespace marnoth::test::waveform_plot_test {
 namespace {

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "engine/VoiceRig.h"
-#include "platform/Graph.h"
+#include "platform/graph/Graph.h"
 
 namespace marnoth::test::block_frame_test {
 namespace {

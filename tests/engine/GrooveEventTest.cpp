@@ -1,5 +1,5 @@
 #include "engine/EditRig.h"
-#include "engine/GrooveEvent.h"
+#include "engine/model/GrooveEvent.h"
 
 namespace marnoth::test::groove_event_test {
 namespace {

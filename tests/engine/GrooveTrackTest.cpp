@@ -1,7 +1,7 @@
 #include <stdexcept>
 
 #include "engine/EditRig.h"
-#include "engine/GrooveTrack.h"
+#include "engine/model/GrooveTrack.h"
 #include "sample/AcidWave.h"
 
 namespace marnoth::test::groove_track_test {

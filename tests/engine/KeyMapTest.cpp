@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "engine/KeyMap.h"
 #include "engine/VoiceRig.h"
+#include "engine/model/KeyMap.h"
 
 namespace marnoth::test::key_map_test {
 namespace {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <vector>
 
-#include "host/Pzi.h"
+#include "seam/Pzi.h"
 #include "support/FakeGraph.h"
 
 namespace marnoth::test::pin_buffer_test {

@@ -3,7 +3,7 @@
 #include <memory>
 #include <vector>
 
-#include "engine/PreAllocArray.h"
+#include "engine/render/PreAllocArray.h"
 
 namespace marnoth::test::pre_alloc_array_test {
 namespace {

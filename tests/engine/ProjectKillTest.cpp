@@ -10,9 +10,9 @@
 #include <random>
 #include <thread>
 
-#include "engine/ProjectReader.h"
-#include "engine/ProjectSave.h"
 #include "engine/SavedProject.h"
+#include "project/ProjectReader.h"
+#include "project/ProjectSave.h"
 #include "support/MemoryStream.h"
 
 namespace marnoth::test::project_kill_test {

@@ -5,9 +5,9 @@
 #include <future>
 #include <thread>
 
-#include "engine/ProjectSave.h"
-#include "engine/ProjectWriter.h"
 #include "engine/SavedProject.h"
+#include "project/ProjectSave.h"
+#include "project/ProjectWriter.h"
 #include "support/MemoryStream.h"
 #ifndef _WIN32
 #include "support/FileSizeLimit.h"

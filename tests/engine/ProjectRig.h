@@ -8,10 +8,10 @@
 #include <vector>
 
 #include "engine/EditRig.h"
-#include "engine/Project.h"
-#include "engine/ProjectReader.h"
-#include "engine/ProjectTracks.h"
-#include "platform/RiffStream.h"
+#include "engine/persist/ProjectTracks.h"
+#include "platform/bytes/RiffStream.h"
+#include "project/Project.h"
+#include "project/ProjectReader.h"
 #include "support/MemoryStream.h"
 #include "support/ProjectBytes.h"
 

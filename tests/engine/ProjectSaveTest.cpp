@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <cmath>
 
-#include "engine/ProjectForm.h"
-#include "engine/ProjectSave.h"
-#include "engine/ProjectWriter.h"
 #include "engine/SavedProject.h"
-#include "platform/Text.h"
+#include "platform/text/Text.h"
+#include "project/ProjectForm.h"
+#include "project/ProjectSave.h"
+#include "project/ProjectWriter.h"
 #include "support/MemoryStream.h"
 
 namespace marnoth::test::project_save_test {

@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "engine/EditRig.h"
-#include "engine/Project.h"
+#include "project/Project.h"
 
 namespace marnoth::test {
 

@@ -6,7 +6,7 @@
 namespace marnoth::test::selection_test {
 namespace {
 
-constexpr std::int64_t kBeat = kTicksPerBeat16;
+constexpr std::int64_t kBeat = kTicks16PerBeat;
 
 TEST(Loop, RepeatsWithoutAGapWhateverTheBlocks) {
     for (const std::int32_t frames : {1, 64, 441, 999, 1000}) {

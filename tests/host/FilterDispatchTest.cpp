@@ -1,7 +1,7 @@
 /// Scripts reach the instrument by name where a type library of its interface is registered.
 
-#include "host/ClassIds.h"
 #include "host/FilterHost.h"
+#include "seam/ClassIds.h"
 #include "support/TypeLibrary.h"
 
 namespace marnoth::test::filter_dispatch_test {

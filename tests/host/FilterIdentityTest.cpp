@@ -1,7 +1,7 @@
-#include "host/ClassIds.h"
 #include "host/CreateInstance.h"
 #include "host/FilterHost.h"
 #include "host/Module.h"
+#include "seam/ClassIds.h"
 
 namespace marnoth::test::filter_identity_test {
 namespace {

@@ -9,8 +9,8 @@
 #include <stdexcept>
 #include <string>
 
-#include "host/ClassIds.h"
 #include "host/FilterHost.h"
+#include "seam/ClassIds.h"
 #include "support/MemoryStream.h"
 #include "support/TempPath.h"
 #include "support/WaveFile.h"

@@ -5,7 +5,7 @@
 #include <map>
 #include <vector>
 
-#include "engine/Voice.h"
+#include "engine/render/Voice.h"
 #include "host/SoftSynth.h"
 #include "support/EventLists.h"
 #include "support/HostServices.h"

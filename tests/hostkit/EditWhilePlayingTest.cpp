@@ -9,6 +9,7 @@
 #include <thread>
 #include <vector>
 
+#include "host/CreateInstance.h"
 #include "hostkit/PlayingRig.h"
 
 namespace marnoth::test::edit_while_playing_test {
@@ -318,7 +319,7 @@ std::vector<TempPath> loops() {
 }
 
 TEST(EditWhilePlaying, BlocksRunOnWhateverTheEditorDoes) {
-    HostRig rig;
+    HostRig rig{createInstrument};
     std::int64_t frames = 0;
     std::int64_t soundingSamples = 0;
     bool allFinite = true;

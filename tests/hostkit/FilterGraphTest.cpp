@@ -9,7 +9,7 @@
 #include "hostkit/MakeObject.h"
 #include "hostkit/StreamSink.h"
 #include "hostkit/StreamSource.h"
-#include "platform/MediaType.h"
+#include "platform/graph/MediaType.h"
 
 namespace marnoth::test::filter_graph_test {
 namespace {

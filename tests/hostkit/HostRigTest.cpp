@@ -2,9 +2,10 @@
 
 #include <limits>
 
+#include "host/CreateInstance.h"
 #include "hostkit/HostRig.h"
 #include "hostkit/PlayingRig.h"
-#include "platform/Graph.h"
+#include "platform/graph/Graph.h"
 
 namespace marnoth::test::host_rig_test {
 namespace {
@@ -12,20 +13,20 @@ namespace {
 constexpr std::array<int, 1> kMix{0};
 
 TEST(HostRig, RenderingBeforeAConnectionIsRefused) {
-    HostRig rig;
+    HostRig rig{createInstrument};
     EXPECT_EQ(rig.render(512), VFW_E_NOT_CONNECTED);
     EXPECT_EQ(rig.connect(44100, 2, kMix), S_OK);
     EXPECT_EQ(rig.render(512), S_OK);
 }
 
 TEST(HostRig, TheInputAloneCanBeConnected) {
-    HostRig rig;
+    HostRig rig{createInstrument};
     EXPECT_EQ(rig.connect(44100, 2, {}), S_OK);
     EXPECT_EQ(rig.render(1000), S_OK);
 }
 
 TEST(HostRig, GivesTheFirstFailingConnection) {
-    HostRig rig;
+    HostRig rig{createInstrument};
     const std::array<int, 3> twice{0, 0, 1};
     EXPECT_EQ(rig.connect(44100, 2, twice), VFW_E_ALREADY_CONNECTED);
     const std::array<int, 1> none{17};
@@ -36,7 +37,7 @@ TEST(HostRig, GivesTheFirstFailingConnection) {
 }
 
 TEST(HostRig, TheConnectionsBehindAFailingOneAreMade) {
-    HostRig rig;
+    HostRig rig{createInstrument};
     int blocks = 0;
     rig.setTaker(1, [&](std::span<const float>, bool) { ++blocks; });
     const std::array<int, 3> twice{0, 0, 1};
@@ -46,7 +47,7 @@ TEST(HostRig, TheConnectionsBehindAFailingOneAreMade) {
 }
 
 TEST(HostRig, ConnectsAnewWithAnotherFormat) {
-    HostRig rig;
+    HostRig rig{createInstrument};
     std::size_t samples = 0;
     rig.setTaker(0, [&](std::span<const float> block, bool) { samples += block.size(); });
     ASSERT_EQ(rig.connect(44100, 2, kMix), S_OK);
@@ -60,7 +61,7 @@ TEST(HostRig, ConnectsAnewWithAnotherFormat) {
 }
 
 TEST(HostRig, SendsBlocksTheLastOneShorter) {
-    HostRig rig;
+    HostRig rig{createInstrument};
     std::vector<std::size_t> lengths;
     rig.setTaker(0, [&](std::span<const float> block, bool) { lengths.push_back(block.size() / 2); });
     ASSERT_EQ(rig.connect(44100, 2, kMix), S_OK);
@@ -73,7 +74,7 @@ TEST(HostRig, SendsBlocksTheLastOneShorter) {
 }
 
 TEST(HostRig, BlocksCanGrowBeforeAndAfterConnectingAndWhileRunning) {
-    HostRig rig;
+    HostRig rig{createInstrument};
     std::vector<std::size_t> lengths;
     rig.setTaker(0, [&](std::span<const float> block, bool) { lengths.push_back(block.size() / 2); });
     EXPECT_EQ(rig.setBlock(1000), S_OK);
@@ -92,7 +93,7 @@ TEST(HostRig, BlocksCanGrowBeforeAndAfterConnectingAndWhileRunning) {
 }
 
 TEST(HostRig, GoesFromStateToState) {
-    HostRig rig;
+    HostRig rig{createInstrument};
     ASSERT_EQ(rig.connect(44100, 2, kMix), S_OK);
     EXPECT_EQ(rig.pause(), S_OK);
     EXPECT_EQ(rig.run(), S_OK);
@@ -104,7 +105,7 @@ TEST(HostRig, GoesFromStateToState) {
 }
 
 TEST(HostRig, AttachesOnceAtATime) {
-    HostRig rig;
+    HostRig rig{createInstrument};
     EXPECT_FALSE(rig.addTempo(960, 60.0));
     EXPECT_EQ(rig.queueEvents(0, {}), E_UNEXPECTED);
     EXPECT_EQ(rig.attach({}), S_OK);
@@ -119,7 +120,7 @@ TEST(HostRig, AttachesOnceAtATime) {
 }
 
 TEST(HostRig, RefusesServicesThatCannotBe) {
-    HostRig rig;
+    HostRig rig{createInstrument};
     EXPECT_EQ(rig.attach({.tempo = 0.0, .key = {}}), E_INVALIDARG);
     EXPECT_EQ(rig.attach({.key = 12}), E_INVALIDARG);
     EXPECT_EQ(rig.attach({.key = {}, .converterRate = 0.0}), E_INVALIDARG);

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "host/CreateInstance.h"
 #include "hostkit/HostRig.h"
 #include "support/WaveFile.h"
 
@@ -72,7 +73,7 @@ struct PlayingRig {
         return out;
     }
 
-    HostRig rig;
+    HostRig rig{createInstrument};
     std::array<std::vector<float>, 17> audio;
     std::array<int, 17> blocks{};
     std::array<int, 17> silentBlocks{};

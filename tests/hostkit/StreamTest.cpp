@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "hostkit/FloatFormat.h"
-#include "hostkit/Graph.h"
+#include "hostkit/HostGraph.h"
 #include "hostkit/MakeObject.h"
 #include "hostkit/StreamSink.h"
 #include "hostkit/StreamSource.h"
@@ -31,7 +31,7 @@ struct Line {
     std::vector<bool> silentBlocks;
     RefPtr<StreamSource> source = makeObject<StreamSource>();
     RefPtr<StreamSink> sink = makeObject<StreamSink>();
-    RefPtr<Graph> graph = makeObject<Graph>();
+    RefPtr<HostGraph> graph = makeObject<HostGraph>();
 };
 
 TEST(Stream, AudioArrivesAsItWasSent) {
@@ -153,14 +153,14 @@ TEST(StreamSink, IsARenderer) {
     EXPECT_EQ(flags->GetMiscFlags(), 1u);
 }
 
-TEST(Graph, RefusesASecondConnectionOfAPin) {
+TEST(HostGraph, RefusesASecondConnectionOfAPin) {
     Line line;
     ASSERT_EQ(line.connect(48000, 2), S_OK);
     RefPtr<StreamSink> other = makeObject<StreamSink>();
     EXPECT_EQ(line.graph->Connect(&line.source->pin(), &other->pin()), VFW_E_ALREADY_CONNECTED);
 }
 
-TEST(Graph, ReconnectsEitherEndAnew) {
+TEST(HostGraph, ReconnectsEitherEndAnew) {
     Line line;
     ASSERT_EQ(line.connect(48000, 2), S_OK);
     line.source->pin().setFormat(floatFormat(44100, 1));
@@ -171,7 +171,7 @@ TEST(Graph, ReconnectsEitherEndAnew) {
     EXPECT_EQ(line.sink->pin().CurrentMediaType().WaveFormat()->nSamplesPerSec, 96000u);
 }
 
-TEST(Graph, ReconnectsNothingThatIsNotConnectedOrRuns) {
+TEST(HostGraph, ReconnectsNothingThatIsNotConnectedOrRuns) {
     Line line;
     EXPECT_EQ(line.graph->Reconnect(&line.source->pin()), VFW_E_NOT_CONNECTED);
     EXPECT_EQ(line.graph->Reconnect(nullptr), E_POINTER);
@@ -181,7 +181,7 @@ TEST(Graph, ReconnectsNothingThatIsNotConnectedOrRuns) {
     EXPECT_TRUE(line.source->pin().IsConnected());
 }
 
-TEST(Graph, TakesAllFiltersFromStateToState) {
+TEST(HostGraph, TakesAllFiltersFromStateToState) {
     Line line;
     ASSERT_EQ(line.connect(48000, 2), S_OK);
     const auto states = [&] {
@@ -197,7 +197,7 @@ TEST(Graph, TakesAllFiltersFromStateToState) {
     EXPECT_EQ(states(), all(State_Stopped));
 }
 
-TEST(Graph, StopsEverythingAgainWhenOneCannotStart) {
+TEST(HostGraph, StopsEverythingAgainWhenOneCannotStart) {
     Line line;
     ASSERT_EQ(line.connect(48000, 2), S_OK);
     // A sample of no bytes can't be allocated.
@@ -209,7 +209,7 @@ TEST(Graph, StopsEverythingAgainWhenOneCannotStart) {
     EXPECT_EQ(line.sink->State(), State_Stopped);
 }
 
-TEST(Graph, FindsItsFiltersByName) {
+TEST(HostGraph, FindsItsFiltersByName) {
     Line line;
     RefPtr<IBaseFilter> found;
     EXPECT_EQ(line.graph->FindFilterByName(L"Sink", found.put()), S_OK);
@@ -217,7 +217,7 @@ TEST(Graph, FindsItsFiltersByName) {
     EXPECT_EQ(line.graph->FindFilterByName(L"Drain", found.put()), VFW_E_NOT_FOUND);
 }
 
-TEST(Graph, LetsARemovedFilterGoUnconnected) {
+TEST(HostGraph, LetsARemovedFilterGoUnconnected) {
     Line line;
     ASSERT_EQ(line.connect(48000, 2), S_OK);
     EXPECT_EQ(line.graph->RemoveFilter(line.sink.get()), S_OK);

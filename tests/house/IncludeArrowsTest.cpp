@@ -12,14 +12,26 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// The floors from the ground up. The seam is one header that lies beneath the engine.
-const std::vector<std::string> kFloors{"platform", "dsp",  "sample",  "seam",  "engine",
-                                       "editor",   "host", "hostkit", "shells"};
+/// The floors from the ground up. Those on one line don't know each other.
+const std::vector<std::vector<std::string>> kFloors{{"platform"}, {"seam"},   {"dsp"},  {"sample"},
+                                                    {"project"},  {"engine"}, {"host"}, {"editor", "hostkit"},
+                                                    {"shellkit"}, {"shells"}};
+
+std::vector<std::string> folders() {
+    std::vector<std::string> all;
+    for (const auto& floor : kFloors) all.insert(all.end(), floor.begin(), floor.end());
+    return all;
+}
+
+std::string folderOf(const std::string& path) {
+    return path.substr(0, path.find('/'));
+}
 
 std::size_t heightOf(const std::string& path) {
-    if (path == "host/Pzi.h" || path == "host/Pzi.cpp") return 3;
-    const std::string folder = path.substr(0, path.find('/'));
-    return static_cast<std::size_t>(std::find(kFloors.begin(), kFloors.end(), folder) - kFloors.begin());
+    const auto holds = [&](const auto& floor) {
+        return std::find(floor.begin(), floor.end(), folderOf(path)) != floor.end();
+    };
+    return static_cast<std::size_t>(std::find_if(kFloors.begin(), kFloors.end(), holds) - kFloors.begin());
 }
 
 struct Include {
@@ -56,38 +68,45 @@ std::vector<Include> includesUnder(const std::string& folder, char open = '"', c
 }
 
 TEST(IncludeArrows, EveryFloorHasIncludesToLookAt) {
-    for (const char* folder : {"dsp", "sample", "engine", "editor", "host", "hostkit", "shells"})
-        EXPECT_FALSE(includesUnder(folder).empty()) << folder;
+    for (const std::string& folder : folders())
+        if (folder != "platform") {
+            EXPECT_FALSE(includesUnder(folder).empty()) << folder;
+        }
 }
 
 TEST(IncludeArrows, RunDownwardOnly) {
-    for (const std::string folder :
-         {"platform", "dsp", "sample", "engine", "editor", "host", "hostkit", "shells"}) {
+    for (const std::string& folder : folders()) {
         for (const auto& [from, to] : includesUnder(folder)) {
             ASSERT_NE(heightOf(to), kFloors.size()) << from << " includes " << to << ", which is on no floor";
-            EXPECT_LE(heightOf(to), heightOf(from)) << from << " includes " << to;
+            const bool own = folderOf(to) == folder;
+            EXPECT_TRUE(own || heightOf(to) < heightOf(from)) << from << " includes " << to;
         }
     }
 }
 
 TEST(IncludeArrows, NobodyButShellsSeesThePlatformsOwnFolders) {
-    for (const std::string folder : {"platform", "dsp", "sample", "engine", "editor", "host", "hostkit"})
+    for (const std::string& folder : folders()) {
+        if (folder == "shells") continue;
         for (const auto& [from, to] : includesUnder(folder)) {
             const bool inside = from.starts_with("platform/linux/") || from.starts_with("platform/windows/");
             const bool own = to.starts_with("platform/linux/") || to.starts_with("platform/windows/");
             EXPECT_TRUE(inside || !own) << from << " includes " << to;
         }
+    }
 }
 
-TEST(IncludeArrows, TheEditorKnowsOfTheEngineItsInterfaceAlone) {
-    for (const auto& [from, to] : includesUnder("editor"))
-        EXPECT_TRUE(to.starts_with("editor/") || to.starts_with("platform/") ||
-                    to == "engine/IGrooveSampler.h")
-            << from << " includes " << to;
+TEST(IncludeArrows, PageAndHostKitKnowOfTheInstrumentTheSeamAlone) {
+    for (const std::string folder : {"editor", "hostkit"})
+        for (const auto& [from, to] : includesUnder(folder)) {
+            const std::string target = folderOf(to);
+            EXPECT_TRUE(target == folder || target == "platform" || target == "seam")
+                << from << " includes " << to;
+        }
 }
 
 TEST(IncludeArrows, TheCoreLeansOnTheStandardLibraryAndThePlatformAlone) {
-    for (const std::string folder : {"platform", "dsp", "sample", "engine", "editor", "host", "hostkit"})
+    for (const std::string folder :
+         {"platform", "seam", "dsp", "sample", "project", "engine", "host", "editor", "hostkit"})
         for (const auto& [from, to] : includesUnder(folder, '<', '>'))
             for (const char* foreign :
                  {"CLI/", "nlohmann/", "smf", "sndfile", "glib", "benchmark/", "gtest/", "gmock/"})

@@ -7,8 +7,8 @@
 #include <initializer_list>
 #include <string>
 
-#include "engine/IGrooveSampler.h"
-#include "engine/MusicalTime.h"
+#include "seam/IGrooveSampler.h"
+#include "seam/MusicalTime.h"
 
 namespace marnoth::test {
 
@@ -43,7 +43,7 @@ private:
     enum File { kDrums, kPulse, kSteps, kStepsC, kMarkers, kPing, kOneShot, kPair, kLongLoop };
 
     static std::int64_t ticks(double beats) {
-        return static_cast<std::int64_t>(beats * static_cast<double>(kTicksPerBeat16));
+        return static_cast<std::int64_t>(beats * static_cast<double>(kTicks16PerBeat));
     }
     void load(const std::string& file) {
         const std::string title = file.substr(file.find('/') + 1) + ".wav";

@@ -8,11 +8,12 @@
 #include "editor/PageLayout.h"
 #include "editor/Palette.h"
 #include "editor/Skin.h"
+#include "host/CreateInstance.h"
 #include "hostkit/HostRig.h"
 #include "page/Groove.h"
 #include "page/StoredPicture.h"
-#include "platform/HeadlessWindow.h"
-#include "platform/PlatformFonts.h"
+#include "platform/drawing/HeadlessWindow.h"
+#include "platform/drawing/PlatformFonts.h"
 
 namespace marnoth::test {
 namespace {
@@ -108,7 +109,7 @@ protected:
     }
 
     SoundFolder sounds;
-    HostRig rig;
+    HostRig rig{createInstrument};
     HeadlessWindow window;
     std::unique_ptr<FontSource> fonts;
     std::unique_ptr<CGrooveSamplerPropPage> page;

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "platform/Bitmap.h"
+#include "platform/drawing/Bitmap.h"
 
 namespace marnoth::test {
 

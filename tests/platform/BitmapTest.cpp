@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "platform/Bitmap.h"
+#include "platform/drawing/Bitmap.h"
 #include "support/Canvas.h"
 
 namespace marnoth::test::bitmap_test {

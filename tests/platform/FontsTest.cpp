@@ -6,8 +6,8 @@
 #include <fstream>
 #endif
 
-#include "platform/FaceScale.h"
-#include "platform/PlatformFonts.h"
+#include "platform/drawing/FaceScale.h"
+#include "platform/drawing/PlatformFonts.h"
 #include "support/Canvas.h"
 #include "support/TempPath.h"
 

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "platform/HeadlessWindow.h"
-#include "platform/Text.h"
+#include "platform/drawing/HeadlessWindow.h"
+#include "platform/text/Text.h"
 
 namespace marnoth::test::headless_window_test {
 namespace {

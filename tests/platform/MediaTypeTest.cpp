@@ -3,8 +3,8 @@
 #include <array>
 #include <cstring>
 
-#include "platform/MediaType.h"
 #include "platform/TestFilter.h"
+#include "platform/graph/MediaType.h"
 
 namespace marnoth::test::media_type_test {
 namespace {

@@ -3,9 +3,9 @@
 #include <cstring>
 #include <thread>
 
-#include "platform/MemAllocator.h"
-#include "platform/RefPtr.h"
 #include "platform/TestFilter.h"
+#include "platform/com/RefPtr.h"
+#include "platform/graph/MemAllocator.h"
 #include "support/AllocationMeter.h"
 
 namespace marnoth::test::mem_allocator_test {

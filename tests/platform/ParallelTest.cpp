@@ -7,7 +7,7 @@
 #include <thread>
 #include <vector>
 
-#include "platform/Parallel.h"
+#include "platform/system/Parallel.h"
 
 namespace marnoth::test::parallel_test {
 namespace {

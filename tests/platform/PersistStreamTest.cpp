@@ -4,8 +4,8 @@
 #include <cstring>
 #include <limits>
 
-#include "platform/Graph.h"
-#include "platform/PersistStream.h"
+#include "platform/com/PersistStream.h"
+#include "platform/graph/Graph.h"
 
 namespace marnoth::test::persist_stream_test {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <numeric>
 
-#include "platform/RiffStream.h"
+#include "platform/bytes/RiffStream.h"
 #include "support/MemoryStream.h"
 #include "support/TempPath.h"
 #include "support/WaveFile.h"

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/SeekingPassThru.h"
+#include "platform/graph/SeekingPassThru.h"
 #include "support/SeekingSource.h"
 
 namespace marnoth::test::seeking_pass_thru_test {

@@ -2,7 +2,7 @@
 
 #include <limits>
 
-#include "platform/RecordingSurface.h"
+#include "platform/drawing/RecordingSurface.h"
 #include "support/Canvas.h"
 
 namespace marnoth::test::surface_text_test {

@@ -6,10 +6,10 @@
 #include <string>
 #include <vector>
 
-#include "platform/BaseFilter.h"
-#include "platform/BaseInputPin.h"
-#include "platform/BaseOutputPin.h"
-#include "platform/MemAllocator.h"
+#include "platform/graph/BaseFilter.h"
+#include "platform/graph/BaseInputPin.h"
+#include "platform/graph/BaseOutputPin.h"
+#include "platform/graph/MemAllocator.h"
 
 /// A filter with one pin in each direction, whose decisions the test sets, and which keeps a log of what it
 /// was told.

@@ -2,7 +2,7 @@
 
 #include <fstream>
 
-#include "platform/Text.h"
+#include "platform/text/Text.h"
 #include "support/TempPath.h"
 
 namespace marnoth::test::text_test {

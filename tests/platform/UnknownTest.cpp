@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "platform/RefPtr.h"
-#include "platform/Unknown.h"
+#include "platform/com/RefPtr.h"
+#include "platform/com/Unknown.h"
 
 namespace marnoth::test::unknown_test {
 namespace {

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/RasterSurface.h"
+#include "platform/drawing/RasterSurface.h"
 
 namespace marnoth::test {
 

@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "engine/GrooveSampler.h"
-#include "host/Numbers.h"
-#include "host/Pzi.h"
+#include "platform/system/Overflow.h"
+#include "seam/Pzi.h"
 
 namespace marnoth::test {
 
@@ -43,10 +43,10 @@ public:
         return static_cast<std::int32_t>(static_cast<double>(samples) / rate * tempo / 60.0 * 960.0);
     }
     std::int64_t TicksToSamples(std::int64_t ticks16) override {
-        return truncatedToInt64(static_cast<double>(ticks16) / kTicksPerBeat16 * 60.0 / tempo * rate + 0.5);
+        return truncatedToInt64(static_cast<double>(ticks16) / kTicks16PerBeat * 60.0 / tempo * rate + 0.5);
     }
     std::int64_t SamplesToTicks(std::int64_t samples) override {
-        return truncatedToInt64(tempo * (static_cast<double>(samples) / rate) / 60.0 * kTicksPerBeat16 + 0.5);
+        return truncatedToInt64(tempo * (static_cast<double>(samples) / rate) / 60.0 * kTicks16PerBeat + 0.5);
     }
     std::uint32_t GetKeyAtTime(std::int64_t) override { return key; }
     std::int32_t IsTransportRunning() override { return running; }

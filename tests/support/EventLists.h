@@ -4,7 +4,7 @@
 #include <initializer_list>
 #include <vector>
 
-#include "host/KvxInterfaces.h"
+#include "seam/KvxInterfaces.h"
 #include "support/TestObject.h"
 
 namespace marnoth::test {

@@ -6,10 +6,10 @@
 #include <optional>
 #include <vector>
 
-#include "host/Pzi.h"
-#include "platform/Graph.h"
-#include "platform/MediaType.h"
-#include "platform/RefPtr.h"
+#include "platform/com/RefPtr.h"
+#include "platform/graph/Graph.h"
+#include "platform/graph/MediaType.h"
+#include "seam/Pzi.h"
 #include "support/FakePin.h"
 #include "support/TestObject.h"
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "platform/Graph.h"
-#include "platform/MediaType.h"
-#include "platform/RefPtr.h"
+#include "platform/com/RefPtr.h"
+#include "platform/graph/Graph.h"
+#include "platform/graph/MediaType.h"
 #include "support/TestObject.h"
 
 namespace marnoth::test {

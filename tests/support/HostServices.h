@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include "host/KvxInterfaces.h"
+#include "seam/KvxInterfaces.h"
 #include "support/TestObject.h"
 
 namespace marnoth::test {

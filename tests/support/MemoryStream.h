@@ -6,7 +6,7 @@
 #include <limits>
 #include <vector>
 
-#include "platform/Com.h"
+#include "platform/com/Com.h"
 
 namespace marnoth::test {
 

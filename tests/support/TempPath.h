@@ -6,7 +6,7 @@
 #include <string>
 #include <system_error>
 
-#include "platform/Text.h"
+#include "platform/text/Text.h"
 
 namespace marnoth::test {
 

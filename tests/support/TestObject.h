@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/Com.h"
+#include "platform/com/Com.h"
 
 namespace marnoth::test {
 

@@ -11,7 +11,7 @@
 #include <initializer_list>
 #include <string>
 
-#include "platform/RefPtr.h"
+#include "platform/com/RefPtr.h"
 #include "support/TempPath.h"
 
 namespace marnoth::test {

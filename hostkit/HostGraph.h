@@ -1,0 +1,85 @@
+#pragma once
+
+#include <map>
+#include <vector>
+
+#include "platform/com/RefPtr.h"
+#include "platform/com/Unknown.h"
+#include "platform/graph/Graph.h"
+#include "platform/system/CritSec.h"
+
+namespace marnoth {
+
+/// A small audio graph: holds filters, connects their pins, takes them from state to state, and hears their
+/// events. It has no clock, finds no filters of its own to put between two pins, and answers `E_NOTIMPL` to
+/// what would need either.
+///
+/// One thread at a time, except for `Notify`. Filters keep no reference to their graph; it takes everything
+/// apart when it goes.
+class HostGraph : public Implements<CUnknown, IFilterGraph2, IMediaEventSink> {
+public:
+    HostGraph() : Implements(nullptr) {}
+    ~HostGraph() override;
+
+    /// Takes every filter to the state, those downstream first, so that nobody sends to one who isn't ready.
+    /// A failure on the way up from stopped stops everything again, and is the result.
+    HRESULT pause();
+    HRESULT run();
+    /// Stops every filter whatever the others say; the first failure is the result.
+    HRESULT stop();
+    FILTER_STATE state() const { return state_; }
+
+    /// Takes all connections of all filters apart. The graph must be stopped.
+    HRESULT disconnectAll();
+    /// How often filters have told the graph this event.
+    int eventCount(LONG code);
+
+    // IFilterGraph
+    HRESULT AddFilter(IBaseFilter* filter, LPCWSTR name) override;
+    /// Takes its connections apart first. `VFW_E_NOT_IN_GRAPH` for a filter that isn't here.
+    HRESULT RemoveFilter(IBaseFilter* filter) override;
+    HRESULT EnumFilters(IEnumFilters**) override { return E_NOTIMPL; }
+    HRESULT FindFilterByName(LPCWSTR name, IBaseFilter** out) override;
+    /// A null type leaves the choice to the pins.
+    HRESULT ConnectDirect(IPin* output, IPin* input, const AM_MEDIA_TYPE* type) override;
+    HRESULT Reconnect(IPin* pin) override;
+    /// This end alone.
+    HRESULT Disconnect(IPin* pin) override;
+    HRESULT SetDefaultSyncSource() override { return E_NOTIMPL; }
+
+    // IGraphBuilder
+    HRESULT Connect(IPin* output, IPin* input) override;
+    HRESULT Render(IPin*) override { return E_NOTIMPL; }
+    HRESULT RenderFile(LPCWSTR, LPCWSTR) override { return E_NOTIMPL; }
+    HRESULT AddSourceFilter(LPCWSTR, LPCWSTR, IBaseFilter**) override { return E_NOTIMPL; }
+    HRESULT SetLogFile(DWORD_PTR) override { return E_NOTIMPL; }
+    HRESULT Abort() override { return E_NOTIMPL; }
+    HRESULT ShouldOperationContinue() override { return S_OK; }
+
+    // IFilterGraph2
+    HRESULT AddSourceFilterForMoniker(IMoniker*, IBindCtx*, LPCWSTR, IBaseFilter**) override {
+        return E_NOTIMPL;
+    }
+    /// Takes the pin's connection apart and makes it anew at once. `VFW_E_NOT_CONNECTED` without one.
+    HRESULT ReconnectEx(IPin* pin, const AM_MEDIA_TYPE* type) override;
+    HRESULT RenderEx(IPin*, DWORD, DWORD*) override { return E_NOTIMPL; }
+
+    // IMediaEventSink, on any thread.
+    HRESULT Notify(LONG code, LONG_PTR first, LONG_PTR second) override;
+
+protected:
+    IUnknown* FindInterface(REFIID iid) override;
+
+private:
+    std::vector<IBaseFilter*> downstreamFirst() const;
+
+    std::vector<RefPtr<IBaseFilter>> filters_;
+    FILTER_STATE state_ = State_Stopped;
+    CCritSec eventLock_;
+    std::map<LONG, int> events_;
+};
+
+/// The pins of a filter, in its order.
+std::vector<RefPtr<IPin>> pinsOf(IBaseFilter& filter);
+
+}  // namespace marnoth

@@ -1,0 +1,189 @@
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <new>
+#include <system_error>
+#include <vector>
+
+#include "platform/bytes/ByteStream.h"
+
+namespace marnoth {
+namespace {
+
+constexpr std::int64_t kBufferBytes = 0x10000;
+/// What a read takes after a jump. Walking along the chunks of a file looks at few bytes of each, so a whole
+/// buffer would mostly be read in vain.
+constexpr std::int64_t kBytesAfterJump = 0x1000;
+
+struct FileCloser {
+    void operator()(std::FILE* file) const { std::fclose(file); }
+};
+using FileHandle = std::unique_ptr<std::FILE, FileCloser>;
+
+std::FILE* openFile(const std::filesystem::path& path, FileMode mode) {
+#ifdef _WIN32
+    return _wfopen(path.c_str(), mode == FileMode::read ? L"rb" : L"wb+");
+#else
+    return std::fopen(path.c_str(), mode == FileMode::read ? "rb" : "wb+");
+#endif
+}
+
+bool seekFile(std::FILE* file, std::int64_t offset, int origin) {
+#ifdef _WIN32
+    return _fseeki64(file, offset, origin) == 0;
+#else
+    static_assert(sizeof(off_t) == 8, "files may be larger than 2 GiB");
+    return fseeko(file, offset, origin) == 0;
+#endif
+}
+
+std::int64_t tellFile(std::FILE* file) {
+#ifdef _WIN32
+    return _ftelli64(file);
+#else
+    return ftello(file);
+#endif
+}
+
+/// One buffer that holds either bytes read ahead or bytes not yet written.
+class FileBytes final : public ByteStream {
+public:
+    explicit FileBytes(FileHandle file) : file_(std::move(file)), buffer_(kBufferBytes) {}
+    ~FileBytes() override { flush(); }
+
+    std::int64_t read(void* buffer, std::int64_t bytes) override;
+    bool write(const void* buffer, std::int64_t bytes) override;
+    bool seek(std::int64_t offset) override;
+    std::int64_t position() const override { return position_; }
+    std::optional<std::int64_t> size() override;
+    bool close() override;
+
+private:
+    std::int64_t bufferEnd() const { return start_ + held_; }
+    std::int64_t takeBuffered(std::byte* to, std::int64_t bytes);
+    std::int64_t readRaw(std::byte* to, std::int64_t bytes);
+    bool fill();
+    bool writeRaw(const std::byte* from, std::int64_t bytes, std::int64_t offset);
+    bool flush();
+    void dropBuffer();
+
+    FileHandle file_;
+    std::vector<std::byte> buffer_;
+    std::int64_t position_ = 0;
+    std::int64_t start_ = 0;  ///< offset in the file of the buffer's first byte
+    std::int64_t held_ = 0;   ///< bytes in the buffer
+    bool unwritten_ = false;  ///< the buffer holds bytes that the file doesn't have yet
+};
+
+std::int64_t FileBytes::takeBuffered(std::byte* to, std::int64_t bytes) {
+    if (position_ < start_ || position_ >= bufferEnd()) return 0;
+    const std::int64_t taken = std::min(bytes, bufferEnd() - position_);
+    std::memcpy(to, buffer_.data() + (position_ - start_), static_cast<std::size_t>(taken));
+    position_ += taken;
+    return taken;
+}
+
+std::int64_t FileBytes::readRaw(std::byte* to, std::int64_t bytes) {
+    if (!seekFile(file_.get(), position_, SEEK_SET)) return -1;
+    const std::size_t got = std::fread(to, 1, static_cast<std::size_t>(bytes), file_.get());
+    return got == 0 && std::ferror(file_.get()) ? -1 : static_cast<std::int64_t>(got);
+}
+
+bool FileBytes::fill() {
+    const bool jumped = position_ != bufferEnd();
+    dropBuffer();
+    const std::int64_t got = readRaw(buffer_.data(), jumped ? kBytesAfterJump : kBufferBytes);
+    held_ = std::max<std::int64_t>(got, 0);
+    return got >= 0;
+}
+
+std::int64_t FileBytes::read(void* buffer, std::int64_t bytes) {
+    if (!file_ || !flush()) return -1;
+    auto* to = static_cast<std::byte*>(buffer);
+    std::int64_t done = takeBuffered(to, bytes);
+    while (done < bytes) {
+        std::int64_t got = 0;
+        if (bytes - done >= kBufferBytes) {
+            got = readRaw(to + done, bytes - done);
+            position_ += std::max<std::int64_t>(got, 0);
+        } else {
+            got = fill() ? takeBuffered(to + done, bytes - done) : -1;
+        }
+        if (got < 0) return -1;
+        if (got == 0) break;
+        done += got;
+    }
+    return done;
+}
+
+bool FileBytes::writeRaw(const std::byte* from, std::int64_t bytes, std::int64_t offset) {
+    const auto count = static_cast<std::size_t>(bytes);
+    return seekFile(file_.get(), offset, SEEK_SET) && std::fwrite(from, 1, count, file_.get()) == count;
+}
+
+bool FileBytes::flush() {
+    if (!unwritten_) return true;
+    const std::int64_t start = start_;
+    const std::int64_t bytes = held_;
+    dropBuffer();
+    return writeRaw(buffer_.data(), bytes, start);
+}
+
+void FileBytes::dropBuffer() {
+    start_ = position_;
+    held_ = 0;
+    unwritten_ = false;
+}
+
+bool FileBytes::write(const void* buffer, std::int64_t bytes) {
+    if (!file_) return false;
+    const auto* from = static_cast<const std::byte*>(buffer);
+    const bool continues = unwritten_ && position_ == bufferEnd();
+    if (!continues || held_ + bytes > kBufferBytes) {
+        if (!flush()) return false;
+        dropBuffer();
+    }
+    if (bytes > kBufferBytes) {
+        const std::int64_t offset = position_;
+        position_ += bytes;
+        dropBuffer();
+        return writeRaw(from, bytes, offset);
+    }
+    std::memcpy(buffer_.data() + held_, from, static_cast<std::size_t>(bytes));
+    held_ += bytes;
+    position_ += bytes;
+    unwritten_ = true;
+    return true;
+}
+
+bool FileBytes::seek(std::int64_t offset) {
+    if (!file_ || offset < 0) return false;
+    position_ = offset;
+    return true;
+}
+
+std::optional<std::int64_t> FileBytes::size() {
+    if (!file_ || !flush() || !seekFile(file_.get(), 0, SEEK_END)) return std::nullopt;
+    const std::int64_t end = tellFile(file_.get());
+    return end >= 0 ? std::optional(end) : std::nullopt;
+}
+
+bool FileBytes::close() {
+    if (!file_) return true;
+    const bool flushed = flush();
+    return std::fclose(file_.release()) == 0 && flushed;
+}
+
+}  // namespace
+
+std::unique_ptr<ByteStream> openFileBytes(const std::filesystem::path& path, FileMode mode) {
+    std::error_code error;
+    // A directory opens on some systems, and a pipe may keep its reader waiting for ever.
+    if (mode == FileMode::read && !std::filesystem::is_regular_file(path, error)) return nullptr;
+    FileHandle file(openFile(path, mode));
+    if (!file) return nullptr;
+    std::setvbuf(file.get(), nullptr, _IONBF, 0);
+    return std::make_unique<FileBytes>(std::move(file));
+}
+
+}  // namespace marnoth

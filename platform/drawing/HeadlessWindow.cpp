@@ -1,0 +1,180 @@
+#include "platform/drawing/HeadlessWindow.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <utility>
+
+#include "platform/text/Text.h"
+
+namespace marnoth {
+
+namespace {
+
+constexpr std::string_view kCancel = "cancel";
+
+/// In double quotes, with quotes and backslashes escaped.
+std::string quoted(std::string_view text) {
+    std::string result = "\"";
+    for (const char c : text) {
+        if (c == '"' || c == '\\') result += '\\';
+        result += c;
+    }
+    return result + '"';
+}
+
+/// A word of a transcript: in quotes where it holds a blank.
+std::string asWord(std::string_view text) {
+    return text.find_first_of(" \t") == text.npos ? std::string(text) : quoted(text);
+}
+
+std::optional<int> numberIn(std::string_view word) {
+    int number = 0;
+    const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), number);
+    if (error != std::errc() || end != word.data() + word.size()) return {};
+    return number;
+}
+
+}  // namespace
+
+int keyOfCharacter(char32_t character) {
+    if (character >= 'a' && character <= 'z') return static_cast<int>(character - 'a') + 'A';
+    if (character >= 'A' && character <= 'Z') return static_cast<int>(character);
+    if (character >= '0' && character <= '9') return static_cast<int>(character);
+    if (character == ' ') return kKeySpace;
+    struct Sign {
+        std::u32string_view characters;
+        int key;
+    };
+    static constexpr std::array<Sign, 21> kSigns{{
+        {U"!", '1'},  {U"@", '2'},  {U"#", '3'},  {U"$", '4'},  {U"%", '5'},   {U"^", '6'},  {U"&", '7'},
+        {U"*", '8'},  {U"(", '9'},  {U")", '0'},  {U";:", 186}, {U"=+", 187},  {U",<", 188}, {U"-_", 189},
+        {U".>", 190}, {U"/?", 191}, {U"`~", 192}, {U"[{", 219}, {U"\\|", 220}, {U"]}", 221}, {U"'\"", 222},
+    }};
+    for (const Sign& sign : kSigns)
+        if (sign.characters.find(character) != sign.characters.npos) return sign.key;
+    return 0;
+}
+
+template <class Event>
+void HeadlessWindow::tell(Event event) {
+    if (page_) event(*page_);
+    settle();
+}
+
+void HeadlessWindow::settle() {
+    if (page_ && std::exchange(paintRequested_, false)) page_->paint();
+}
+
+void HeadlessWindow::press(Point at) {
+    pointer_ = at;
+    tell([at](PageEvents& page) { page.leftDown(at); });
+}
+
+void HeadlessWindow::move(Point to) {
+    pointer_ = to;
+    tell([to](PageEvents& page) { page.mouseMove(to); });
+}
+
+void HeadlessWindow::release(Point at) {
+    pointer_ = at;
+    tell([at](PageEvents& page) { page.leftUp(at); });
+}
+
+void HeadlessWindow::doubleClick(Point at) {
+    press(at);
+    release(at);
+    pointer_ = at;
+    tell([at](PageEvents& page) { page.doubleClick(at); });
+    release(at);
+}
+
+void HeadlessWindow::rightClick(Point at) {
+    pointer_ = at;
+    tell([at](PageEvents& page) { page.rightDown(at); });
+    tell([at](PageEvents& page) { page.contextMenu(at); });
+}
+
+void HeadlessWindow::key(int key) {
+    tell([key](PageEvents& page) { page.keyDown(key); });
+    tell([key](PageEvents& page) { page.keyUp(key); });
+}
+
+void HeadlessWindow::type(std::string_view text) {
+    while (!text.empty()) {
+        const char32_t character = takeUtf8(text);
+        const int key = keyOfCharacter(character);
+        tell([key](PageEvents& page) { page.keyDown(key); });
+        tell([character](PageEvents& page) { page.character(character); });
+        tell([key](PageEvents& page) { page.keyUp(key); });
+    }
+}
+
+void HeadlessWindow::tick() {
+    if (timerPeriod_ > 0) tell([](PageEvents& page) { page.timer(); });
+}
+
+void HeadlessWindow::drop(Point at, std::span<const std::string> paths) {
+    pointer_ = at;
+    tell([](PageEvents& page) { page.dragEnter(true); });
+    tell([at](PageEvents& page) { page.dragOver(at); });
+    tell([at, paths](PageEvents& page) { page.drop(at, paths); });
+}
+
+void HeadlessWindow::present(const Bitmap& screen, const Rect& changed) {
+    if (screen_.width() != screen.width() || screen_.height() != screen.height()) {
+        screen_ = screen;
+        return;
+    }
+    // Only what the page says it changed: a page that says too little shows here.
+    const Rect area = intersection(changed, screen.bounds());
+    for (int y = area.top; y < area.bottom; ++y)
+        std::ranges::copy(screen.row(y).subspan(static_cast<std::size_t>(area.left),
+                                                static_cast<std::size_t>(area.width())),
+                          screen_.row(y).begin() + area.left);
+}
+
+std::string HeadlessWindow::nextAnswer() {
+    if (watcher_) watcher_();
+    if (answers_.empty()) return std::string(kCancel);
+    std::string answer = std::move(answers_.front());
+    answers_.pop_front();
+    return answer;
+}
+
+void HeadlessWindow::log(std::string_view question, std::string_view answer) {
+    log_.push_back("? " + std::string(question) + " -> " + asWord(answer));
+}
+
+std::vector<std::string> HeadlessWindow::takeLog() {
+    return std::exchange(log_, {});
+}
+
+PageAnswer HeadlessWindow::askMessage(std::string_view text, bool) {
+    const std::string answer = nextAnswer();
+    log("message " + quoted(text), answer);
+    if (answer == "yes") return PageAnswer::yes;
+    if (answer == "no") return PageAnswer::no;
+    return answer == "ok" ? PageAnswer::ok : PageAnswer::cancel;
+}
+
+std::optional<std::string> HeadlessWindow::askFile(std::string_view filter, bool save) {
+    const std::string answer = nextAnswer();
+    log((save ? "file save " : "file open ") + quoted(filter), answer);
+    if (answer == kCancel) return {};
+    // In the system's own spelling: a file is known by its path.
+    return utf8FromWide(wideFromPath((folder_ / pathFromWide(wideFromUtf8(answer))).make_preferred()));
+}
+
+int HeadlessWindow::askMenu(Point, std::span<const MenuItem> items) {
+    const std::string answer = nextAnswer();
+    std::string question = "menu";
+    for (const MenuItem& item : items)
+        question += ' ' + std::to_string(item.id) + ':' + item.text + (item.checked ? ":checked" : "");
+    log(question, answer);
+    const std::optional<int> id = numberIn(answer);
+    const bool there = std::ranges::any_of(items, [&](const MenuItem& item) { return id == item.id; });
+    return there ? *id : 0;
+}
+
+}  // namespace marnoth

@@ -1,0 +1,53 @@
+#include "project/ProjectSave.h"
+
+#include <filesystem>
+#include <mutex>
+
+#include "platform/bytes/RiffStream.h"
+#include "project/ProjectBackup.h"
+#include "project/ProjectForm.h"
+#include "project/ProjectWriter.h"
+
+namespace marnoth {
+namespace {
+
+/// Also measures: behind this a save can fail for its medium only.
+HRESULT makeWritable(Project& project) {
+    if (FAILED(fitToForm(project))) return E_FAIL;
+    return projectBytes(project) <= kLargestProject ? S_OK : E_FAIL;
+}
+
+HRESULT writeAndClose(RiffStream& stream, const Project& project) {
+    const HRESULT written = writeProject(stream, project);
+    return stream.close() == kRiffOk ? written : E_FAIL;
+}
+
+}  // namespace
+
+HRESULT saveProject(Project project, const std::filesystem::path& path) {
+    if (const HRESULT result = makeWritable(project); FAILED(result)) return result;
+    // Two saves at a time under one name would write into one file.
+    static std::mutex oneAtATime;
+    const std::lock_guard alone(oneAtATime);
+    ProjectBackup backup(path);
+    if (!backup.setAside()) return E_FAIL;
+    RiffStream stream;
+    if (stream.open(backup.target(), FileMode::create) != kRiffOk) {
+        backup.putBack();
+        return E_FAIL;
+    }
+    backup.passPermissions();
+    const HRESULT result = writeAndClose(stream, project);
+    if (SUCCEEDED(result)) backup.drop();
+    return result;
+}
+
+HRESULT saveProject(Project project, IStream& stream) {
+    if (const HRESULT result = stream.Seek({}, STREAM_SEEK_CUR, nullptr); FAILED(result)) return result;
+    if (const HRESULT result = makeWritable(project); FAILED(result)) return result;
+    RiffStream form;
+    if (form.open(&stream) != kRiffOk) return E_FAIL;
+    return writeAndClose(form, project);
+}
+
+}  // namespace marnoth

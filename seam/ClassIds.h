@@ -1,0 +1,17 @@
+#pragma once
+
+#include "platform/com/Com.h"
+
+namespace marnoth {
+
+/// The instrument as a node of the audio graph.
+inline constexpr CLSID CLSID_Marnoth{
+    0x8D2F6C4E, 0x71B3, 0x4A59, {0x9E, 0x06, 0xC5, 0x1A, 0x3F, 0xB8, 0x27, 0xD0}};
+/// The page of the editor.
+inline constexpr CLSID CLSID_MarnothProperties{
+    0x8D2F6C4F, 0x71B3, 0x4A59, {0x9E, 0x06, 0xC5, 0x1A, 0x3F, 0xB8, 0x27, 0xD0}};
+/// The type library of `IGrooveSampler`, version 1.0, where one is registered; the instrument brings none.
+inline constexpr GUID LIBID_Marnoth{
+    0x8D2F6C50, 0x71B3, 0x4A59, {0x9E, 0x06, 0xC5, 0x1A, 0x3F, 0xB8, 0x27, 0xD0}};
+
+}  // namespace marnoth

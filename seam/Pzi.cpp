@@ -1,0 +1,33 @@
+#include "seam/Pzi.h"
+
+#include <cstring>
+
+#include "platform/com/RefPtr.h"
+#include "platform/graph/Graph.h"
+
+namespace marnoth {
+namespace {
+
+bool clearsItself(IMediaSample& sample) {
+    RefPtr<IKvxSampleSilence> silence;
+    return SUCCEEDED(sample.QueryInterface(IID_IKvxSampleSilence, silence.putVoid()));
+}
+
+}  // namespace
+
+float* GetBufferData(PinBuffer& buffer) {
+    if (buffer.data) {
+        buffer.silent = 0;
+        return buffer.data;
+    }
+    BYTE* memory = nullptr;
+    if (!buffer.sample || FAILED(buffer.sample->GetPointer(&memory)) || !memory) return nullptr;
+    // The clearing counts one value to the frame, whatever the channels.
+    if (buffer.silent && buffer.frames > 0 && !clearsItself(*buffer.sample)) {
+        std::memset(memory, 0, static_cast<std::size_t>(buffer.frames) * sizeof(float));
+    }
+    buffer.silent = 0;
+    return reinterpret_cast<float*>(memory);
+}
+
+}  // namespace marnoth

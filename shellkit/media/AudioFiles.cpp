@@ -1,0 +1,70 @@
+#include "shellkit/media/AudioFiles.h"
+
+#include <utility>
+
+#include "shellkit/files/Failure.h"
+
+namespace marnoth {
+
+namespace {
+
+std::string fileName(int pin, int number) {
+    std::string text = "mix";
+    if (pin > 0) text = (pin < 10 ? "chan0" : "chan") + std::to_string(pin);
+    if (number > 1) text += "-" + std::to_string(number);
+    return text + ".wav";
+}
+
+}  // namespace
+
+void AudioFiles::connected(std::uint32_t rate, std::uint32_t channels, std::vector<int> pins) {
+    rate_ = rate;
+    channels_ = channels;
+    connected_ = std::move(pins);
+}
+
+void AudioFiles::begin() {
+    for (const int pin : connected_) writerOf(pin);
+    check();
+}
+
+void AudioFiles::take(int pin, std::span<const float> samples) noexcept {
+    if (failure_) return;
+    try {
+        writerOf(pin).write(samples);
+    } catch (const std::exception& error) {
+        failure_ = error.what();
+    }
+}
+
+void AudioFiles::check() const {
+    if (failure_) throw FileFailure(*failure_);
+}
+
+void AudioFiles::finish() {
+    for (Pin& pin : pins_) close(pin);
+    check();
+}
+
+WaveWriter& AudioFiles::writerOf(int number) {
+    Pin& pin = pins_[static_cast<std::size_t>(number)];
+    if (pin.writer && (pin.writer->rate() != rate_ || pin.writer->channels() != channels_)) close(pin);
+    if (!pin.writer) {
+        pin.writer =
+            std::make_unique<WaveWriter>(folder_ / fileName(number, pin.files + 1), rate_, channels_);
+        ++pin.files;
+    }
+    return *pin.writer;
+}
+
+void AudioFiles::close(Pin& pin) noexcept {
+    if (!pin.writer) return;
+    try {
+        pin.writer->finish();
+    } catch (const std::exception& error) {
+        if (!failure_) failure_ = error.what();
+    }
+    pin.writer.reset();
+}
+
+}  // namespace marnoth

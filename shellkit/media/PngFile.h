@@ -1,0 +1,19 @@
+#pragma once
+
+#include <cstddef>
+#include <filesystem>
+#include <vector>
+
+#include "platform/drawing/Bitmap.h"
+
+namespace marnoth {
+
+/// Writes a picture, which has pixels, as a PNG file: 8 bits each of red, green and blue, and nothing that
+/// differs from run to run. It grows under a temporary name beside its final one, and nothing is left behind
+/// when that fails. Throws `FileFailure`.
+void writePng(const std::filesystem::path& path, const Bitmap& picture);
+
+/// The bytes of such a file; comes from what the system has for it. Nothing when that fails.
+std::vector<std::byte> encodePng(const Bitmap& picture);
+
+}  // namespace marnoth

@@ -1,0 +1,14 @@
+#include "shellkit/files/Failure.h"
+#include "shellkit/midi/MidiFile.h"
+
+namespace marnoth {
+
+bool canReadMidi() {
+    return false;
+}
+
+MidiPart readMidi(const std::string& file) {
+    throw FileFailure(file + ": this build doesn't read MIDI files");
+}
+
+}  // namespace marnoth

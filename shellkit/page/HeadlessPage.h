@@ -1,0 +1,34 @@
+#pragma once
+
+#include <filesystem>
+#include <memory>
+
+#include "editor/GrooveSamplerPropPage.h"
+#include "platform/drawing/Font.h"
+#include "platform/drawing/HeadlessWindow.h"
+#include "platform/drawing/PlatformFonts.h"
+
+namespace marnoth {
+
+/// The editor page of an instrument in a window without a screen, open as a host would show it. One thread.
+class HeadlessPage {
+public:
+    /// `instrument` outlives it. File answers that are relative count from `folder`. Throws
+    /// `std::runtime_error`, with a sentence for the user, when the page's font can't be had.
+    HeadlessPage(IUnknown& instrument, const std::filesystem::path& folder);
+    HeadlessPage(const HeadlessPage&) = delete;
+    HeadlessPage& operator=(const HeadlessPage&) = delete;
+
+    /// Whatever a user does goes through it, and the page's questions come back from it.
+    HeadlessWindow& window() { return window_; }
+    CGrooveSamplerPropPage& page() { return page_; }
+    /// What a user sees; nothing in it is out of date.
+    const Bitmap& picture();
+
+private:
+    std::unique_ptr<FontSource> fonts_ = platformFonts();
+    HeadlessWindow window_;
+    CGrooveSamplerPropPage page_{window_, *fonts_};  // destroyed before its window
+};
+
+}  // namespace marnoth
