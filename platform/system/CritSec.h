@@ -1,22 +1,37 @@
 #pragma once
 
-#include <mutex>
+#ifdef _WIN32
+#include <windows.h>
+#else
+#include <pthread.h>
+#endif
 
 namespace marnoth {
 
 /// The recursive lock of an object. The instrument has exactly one, that of `CPzi`: the streaming thread
 /// holds it for a block, everyone else for one operation.
+///
+/// Whoever holds it runs at the priority of the most urgent thread that waits for it, so that the page,
+/// pushed aside by other programs in the middle of an operation, doesn't keep audio waiting. Windows has no
+/// such thing: a thread that finds it taken spins for a moment before it sleeps.
 class CCritSec {
 public:
-    CCritSec() = default;
+    /// Where the system knows no inheritance of priority, the lock is a plain one. Throws `std::system_error`
+    /// when there is no memory for a lock.
+    CCritSec();
+    ~CCritSec();
     CCritSec(const CCritSec&) = delete;
     CCritSec& operator=(const CCritSec&) = delete;
 
-    void Lock() { mutex_.lock(); }
-    void Unlock() { mutex_.unlock(); }
+    void Lock();
+    void Unlock();
 
 private:
-    std::recursive_mutex mutex_;
+#ifdef _WIN32
+    CRITICAL_SECTION section_;
+#else
+    pthread_mutex_t mutex_;
+#endif
 };
 
 /// Holds a `CCritSec` for a scope, on every way out of it.

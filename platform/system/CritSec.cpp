@@ -1,0 +1,70 @@
+#include "platform/system/CritSec.h"
+
+#include <system_error>
+
+namespace marnoth {
+
+#ifdef _WIN32
+
+namespace {
+
+/// About the time that an operation of moments takes: longer waits are slept through.
+constexpr DWORD kSpins = 4000;
+
+}  // namespace
+
+CCritSec::CCritSec() {
+    InitializeCriticalSectionAndSpinCount(&section_, kSpins);
+}
+
+CCritSec::~CCritSec() {
+    DeleteCriticalSection(&section_);
+}
+
+void CCritSec::Lock() {
+    EnterCriticalSection(&section_);
+}
+
+void CCritSec::Unlock() {
+    LeaveCriticalSection(&section_);
+}
+
+#else
+
+namespace {
+
+int makeRecursive(pthread_mutex_t& mutex, int protocol) {
+    pthread_mutexattr_t attributes;
+    if (const int error = pthread_mutexattr_init(&attributes)) return error;
+    pthread_mutexattr_settype(&attributes, PTHREAD_MUTEX_RECURSIVE);
+    int error = pthread_mutexattr_setprotocol(&attributes, protocol);
+    if (!error) error = pthread_mutex_init(&mutex, &attributes);
+    pthread_mutexattr_destroy(&attributes);
+    return error;
+}
+
+void throwIf(int error) {
+    if (error) throw std::system_error(error, std::generic_category());
+}
+
+}  // namespace
+
+CCritSec::CCritSec() {
+    if (makeRecursive(mutex_, PTHREAD_PRIO_INHERIT) != 0) throwIf(makeRecursive(mutex_, PTHREAD_PRIO_NONE));
+}
+
+CCritSec::~CCritSec() {
+    pthread_mutex_destroy(&mutex_);
+}
+
+void CCritSec::Lock() {
+    throwIf(pthread_mutex_lock(&mutex_));
+}
+
+void CCritSec::Unlock() {
+    pthread_mutex_unlock(&mutex_);
+}
+
+#endif
+
+}  // namespace marnoth
