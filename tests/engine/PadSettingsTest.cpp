@@ -236,22 +236,109 @@ TEST(LoopLength, ANegativeLengthChangesNothing) {
     EXPECT_EQ(rig.length(kPadLoop, 0), kBeat);
 }
 
-TEST(LoopLength, HostileLengthsPlayWithoutHarm) {
-    for (const std::int64_t ticks : {std::int64_t{0}, std::int64_t{1}, INT64_MAX, INT64_MAX / 2}) {
-        for (const std::uint32_t synced : {0u, 1u}) {
-            EditRig rig;
-            rig.lay(0, loopFile(1));
-            rig.engine.SetPadSynced(0, synced);
-            EXPECT_EQ(rig.engine.SetLoopLength(kPadLoop, 0, ticks), S_OK);
-            EXPECT_EQ(rig.engine.SetLoopLength(kBinLoop, 0, ticks), S_OK);
-            rig.engine.AuditionPad(0, -1);
-            rig.engine.AuditionBinFile(0, -1);
-            for (const float value : rig.render(2000)) ASSERT_TRUE(std::isfinite(value));
-            rig.engine.LoadPadFromBin(0, 0);
-            rig.engine.AddGrain(0, 0, 0, INT64_MAX);
-            rig.engine.AuditionPad(0, -1);
-            for (const float value : rig.render(2000)) ASSERT_TRUE(std::isfinite(value));
+/// Two seconds of a loop in the Loop Bin and on pad 0, played while one of them has a length that no music
+/// has.
+struct HostileLength : EditRig {
+    static constexpr std::int32_t kBlock = 512;
+    static constexpr std::int64_t kFrames = 16 * kBlock;
+
+    struct Played {
+        std::uint32_t synced;
+        std::uint32_t kind;
+    };
+    static constexpr Played kAll[]{{0, kPadLoop}, {1, kPadLoop}, {1, kBinLoop}};
+
+    HostileLength(Played played, std::int64_t ticks) : kind(played.kind) {
+        lay(0, loopFile(4));
+        engine.SetPadSynced(0, played.synced);
+        EXPECT_EQ(engine.SetLoopLength(kind, 0, ticks), S_OK);
+    }
+    /// What the mix gives from the moment when the pad or the file is pressed.
+    std::vector<float> play() {
+        EXPECT_EQ(kind == kPadLoop ? engine.AuditionPad(0, -1) : engine.AuditionBinFile(0, -1), S_OK);
+        std::vector<float> audio;
+        for (std::int64_t i = 0; i < kFrames; i += kBlock) append(audio);
+        return audio;
+    }
+
+    std::uint32_t kind;
+
+private:
+    /// A block into memory that ends where something else begins, at both ends.
+    void append(std::vector<float>& audio) {
+        constexpr std::size_t kMargin = 2 * kFrames, kValues = 2 * kBlock;
+        std::vector<float> memory(kMargin + kValues + kMargin, 77.0f);
+        const auto begin = memory.begin() + kMargin, end = begin + kValues;
+        std::fill(begin, end, 0.0f);
+        PinBuffer input{kBlock, 0, nullptr, nullptr, 1};
+        PinBuffer mix{kBlock, context.pinIds[0], nullptr, &*begin, 1};
+        const CAutoLock lock(engine);
+        EXPECT_EQ(engine.ProcessBlock(position, &input, &mix, 1, 0, &notes), S_OK);
+        position += kBlock;
+        EXPECT_EQ(std::count(memory.begin(), begin, 77.0f), kMargin) << "in front of block " << position;
+        EXPECT_EQ(std::count(end, memory.end(), 77.0f), kMargin) << "behind block " << position;
+        audio.insert(audio.end(), begin, end);
+    }
+};
+
+/// The left channel of frame i of such a file, under the fade of a voice's first 44 frames.
+double faded(std::int64_t frame) {
+    return sine(frame, 0) * std::min(static_cast<double>(frame) / 44.0, 1.0);
+}
+
+/// Compares the left channel of frames `first` to `last`, and reports the first that is off.
+void expectTheFile(const std::vector<float>& audio, std::int64_t first, std::int64_t last) {
+    for (std::int64_t i = first; i < last; ++i) {
+        // The file has 16 bits.
+        ASSERT_NEAR(audio.at(static_cast<std::size_t>(2 * i)), faded(i), 1e-4) << "frame " << i;
+    }
+}
+
+TEST(LoopLength, OfNothingIsSilent) {
+    for (const auto played : HostileLength::kAll) {
+        for (const float value : HostileLength(played, 0).play()) ASSERT_EQ(value, 0.0f);
+    }
+}
+
+TEST(LoopLength, BeyondAnyMusicLetsTheLoopSoundInItsPlace) {
+    for (const auto played : HostileLength::kAll) {
+        for (const std::int64_t ticks : {kOpenEnded, INT64_MAX / 2}) {
+            expectTheFile(HostileLength(played, ticks).play(), 0, HostileLength::kFrames);
         }
+    }
+}
+
+/// Each block is silent or the file's.
+void expectSilenceOrTheFile(const std::vector<float>& audio) {
+    for (std::int64_t first = 0; first < HostileLength::kFrames; first += HostileLength::kBlock) {
+        const auto begin = audio.begin() + 2 * first;
+        const auto end = begin + 2 * HostileLength::kBlock;
+        const bool silent = std::all_of(begin, end, [](float value) { return value == 0.0f; });
+        if (!silent) expectTheFile(audio, first, first + HostileLength::kBlock);
+    }
+}
+
+TEST(LoopLength, ThatNothingCanBeAddedToPutsNoGrainInAnotherPlace) {
+    for (const auto played : HostileLength::kAll) {
+        expectSilenceOrTheFile(HostileLength(played, INT64_MAX).play());
+    }
+}
+
+TEST(LoopLength, OfAMomentIsPlayedOnceABlock) {
+    for (const auto played : HostileLength::kAll) {
+        const std::vector<float> audio = HostileLength(played, 1).play();
+        // A file's frames go by its audio, so that a pad that isn't synced has none of them in a moment.
+        if (played.synced) expectTheFile(audio, 0, HostileLength::kBlock - 1);
+        for (const float value : audio) ASSERT_LE(std::abs(value), 0.51f);
+    }
+}
+
+TEST(LoopLength, GrownByAGrainAtTheEndOfTimePutsNoGrainInAnotherPlace) {
+    for (const auto played : HostileLength::kAll) {
+        HostileLength rig(played, 4 * kBeat);
+        EXPECT_EQ(rig.engine.AddGrain(0, 0, 0, INT64_MAX), S_OK);
+        EXPECT_GT(rig.length(kPadLoop, 0), INT64_MAX - kBeat);
+        expectSilenceOrTheFile(rig.play());
     }
 }
 

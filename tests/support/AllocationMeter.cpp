@@ -117,6 +117,10 @@ std::size_t AllocationMeter::peakBytes() const {
     return static_cast<std::size_t>(peak - heldAtStart);
 }
 
+std::ptrdiff_t AllocationMeter::heldBytes() const {
+    return held - heldAtStart;
+}
+
 std::size_t AllocationMeter::frees() const {
     return blocksGiven - blocksGivenAtStart;
 }

@@ -16,6 +16,8 @@ public:
 
     /// The most bytes that were held at a time, of those taken since the beginning.
     std::size_t peakBytes() const;
+    /// The bytes that are held now beyond those held at the beginning.
+    std::ptrdiff_t heldBytes() const;
     /// Blocks given back since the beginning, also those taken before.
     std::size_t frees() const;
     /// Lets every allocation of `bytes` or more fail from now on.
