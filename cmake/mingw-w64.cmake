@@ -2,8 +2,11 @@
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR x86_64)
 set(MINGW x86_64-w64-mingw32)
-set(CMAKE_C_COMPILER ${MINGW}-gcc-posix)
-set(CMAKE_CXX_COMPILER ${MINGW}-g++-posix)
+# Where there are two kinds of threads, those of the standard library's own make.
+find_program(MARNOTH_MINGW_C NAMES ${MINGW}-gcc-posix ${MINGW}-gcc REQUIRED)
+find_program(MARNOTH_MINGW_CXX NAMES ${MINGW}-g++-posix ${MINGW}-g++ REQUIRED)
+set(CMAKE_C_COMPILER ${MARNOTH_MINGW_C})
+set(CMAKE_CXX_COMPILER ${MARNOTH_MINGW_CXX})
 set(CMAKE_RC_COMPILER ${MINGW}-windres)
 set(CMAKE_RC_FLAGS_INIT "-c 65001")
 set(CMAKE_FIND_ROOT_PATH /usr/${MINGW})

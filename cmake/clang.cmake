@@ -1,0 +1,47 @@
+# Builds with the newest clang that brings its sanitizers and its fuzzer, under whatever name the system has it. A compiler
+# that is named on the command line (CMAKE_CXX_COMPILER) stays.
+set(MARNOTH_OLDEST_CLANG 14)
+
+# Is `compiler` new enough, and are its run-time libraries there?
+function(marnoth_try_clang compiler result)
+    set(${result} FALSE PARENT_SCOPE)
+    execute_process(COMMAND ${compiler} -dumpversion OUTPUT_VARIABLE version ERROR_QUIET OUTPUT_STRIP_TRAILING_WHITESPACE)
+    if(version VERSION_LESS MARNOTH_OLDEST_CLANG)
+        return()
+    endif()
+    foreach(library fuzzer asan)
+        set(found FALSE)
+        # The name has the processor's in it where all targets share a folder.
+        foreach(name libclang_rt.${library}.a libclang_rt.${library}-${CMAKE_HOST_SYSTEM_PROCESSOR}.a)
+            execute_process(COMMAND ${compiler} --print-file-name=${name}
+                OUTPUT_VARIABLE path ERROR_QUIET OUTPUT_STRIP_TRAILING_WHITESPACE)
+            if(IS_ABSOLUTE "${path}" AND EXISTS "${path}")
+                set(found TRUE)
+            endif()
+        endforeach()
+        if(NOT found)
+            return()
+        endif()
+    endforeach()
+    set(${result} TRUE PARENT_SCOPE)
+endfunction()
+
+if(NOT CMAKE_CXX_COMPILER)
+    foreach(suffix -21 -20 -19 -18 -17 -16 -15 -14 "")
+        find_program(MARNOTH_CLANG${suffix} clang${suffix})
+        find_program(MARNOTH_CLANGXX${suffix} clang++${suffix})
+        mark_as_advanced(MARNOTH_CLANG${suffix} MARNOTH_CLANGXX${suffix})
+        if(MARNOTH_CLANG${suffix} AND MARNOTH_CLANGXX${suffix})
+            marnoth_try_clang(${MARNOTH_CLANGXX${suffix}} suits)
+            if(suits)
+                set(CMAKE_C_COMPILER ${MARNOTH_CLANG${suffix}})
+                set(CMAKE_CXX_COMPILER ${MARNOTH_CLANGXX${suffix}})
+                break()
+            endif()
+        endif()
+    endforeach()
+    if(NOT CMAKE_CXX_COMPILER)
+        message(FATAL_ERROR
+            "There is no clang of version ${MARNOTH_OLDEST_CLANG} or later with its sanitizers and its fuzzer")
+    endif()
+endif()
