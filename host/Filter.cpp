@@ -39,6 +39,7 @@ CFilter::~CFilter() {
     m_moduleLock.reset();
     // The engine goes before the soft synth, and the voices in the queue are the engine's to free.
     DropAllEvents();
+    setPzi(nullptr);
 }
 
 IUnknown* CFilter::FindInterface(REFIID iid) {

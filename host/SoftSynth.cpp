@@ -17,7 +17,7 @@ HRESULT takeService(IUnknown* context, const IID& iid, RefPtr<Service>& service)
 }  // namespace
 
 CSoftSynth::~CSoftSynth() {
-    DropAllEvents();
+    if (m_pzi) DropAllEvents();
     releaseServices();
 }
 

@@ -76,7 +76,8 @@ public:
     HRESULT RetireEvents(std::int64_t position, std::int32_t flush);
 
 protected:
-    /// For an object whose `CPzi` isn't there yet: `setPzi` comes before anything else.
+    /// For an object whose `CPzi` isn't there yet: `setPzi` comes before anything else, and null once it is
+    /// about to go.
     CSoftSynth() = default;
     ~CSoftSynth();
     void setPzi(CPzi* pzi) { m_pzi = pzi; }
