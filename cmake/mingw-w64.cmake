@@ -9,6 +9,10 @@ set(CMAKE_C_COMPILER ${MARNOTH_MINGW_C})
 set(CMAKE_CXX_COMPILER ${MARNOTH_MINGW_CXX})
 set(CMAKE_RC_COMPILER ${MINGW}-windres)
 set(CMAKE_RC_FLAGS_INIT "-c 65001")
+# The stack is aligned to 16 bytes, and not every version of the compiler knows that where it keeps wider registers
+# there. Written as moves that take any address all its moves are right, and no slower.
+set(CMAKE_C_FLAGS_INIT -Wa,-muse-unaligned-vector-move)
+set(CMAKE_CXX_FLAGS_INIT -Wa,-muse-unaligned-vector-move)
 set(CMAKE_FIND_ROOT_PATH /usr/${MINGW})
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)

@@ -1,12 +1,16 @@
 #pragma once
 
+#include "dsp/WideRegisters.h"
+
 /// Loops of constant gains in the widest registers that the processor has. Internal to MixKernels.cpp.
 namespace marnoth::mix {
 
-// The Windows compiler doesn't align its stack for wide registers, and clang doesn't know the attributes:
-// with both the vectors that are certain do the work.
-#if defined(__x86_64__) && !defined(_WIN32) && !defined(__clang__)
-#define MARNOTH_WIDE_MIX 1
+#if defined(__x86_64__)
+#ifdef __clang__
+#define MARNOTH_TARGET_512 "avx512f,avx512vl,avx512dq"
+#else
+#define MARNOTH_TARGET_512 "avx512f,avx512vl,avx512dq,prefer-vector-width=512"
+#endif
 
 /// The same loop for wider registers. Products and sums are those of the narrow one, sample by sample.
 template <auto loop, class... Words>
@@ -14,22 +18,22 @@ template <auto loop, class... Words>
     loop(words...);
 }
 template <auto loop, class... Words>
-[[gnu::target("avx512f,avx512vl,avx512dq,prefer-vector-width=512")]] void with512(const Words&... words) {
+[[gnu::target(MARNOTH_TARGET_512)]] void with512(const Words&... words) {
     loop(words...);
 }
+#undef MARNOTH_TARGET_512
 #endif
 
 /// Runs `loop`, an always-inlined function, as compiled for wide registers. False, with nothing done, where
 /// there are none.
 template <auto loop, class... Words>
 bool ranWide([[maybe_unused]] const Words&... words) {
-#ifdef MARNOTH_WIDE_MIX
-    if (__builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512vl") &&
-        __builtin_cpu_supports("avx512dq")) {
+#if defined(__x86_64__)
+    if (has512()) {
         with512<loop>(words...);
         return true;
     }
-    if (__builtin_cpu_supports("avx2")) {
+    if (has256()) {
         with256<loop>(words...);
         return true;
     }
