@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 
+#include "engine/control/LastFault.h"
 #include "engine/model/GrooveTrack.h"
 #include "engine/model/KeyMap.h"
 #include "engine/model/UndoRing.h"
@@ -13,6 +14,7 @@
 #include "engine/render/Voice.h"
 #include "project/Project.h"
 #include "seam/IGrooveSampler.h"
+#include "seam/IMarnothFaults.h"
 #include "seam/Limits.h"
 #include "seam/Pzi.h"
 
@@ -32,7 +34,7 @@ inline constexpr std::int32_t kNoKey = -1;  ///< 0xFFFFFFFF: no project key, no 
 /// constructor, which outlives it. The streaming thread enters once per block through `ProcessBlock`, with
 /// the lock held by the caller; all other threads enter through `IGrooveSampler` and the rest of `CPzi`,
 /// which take the lock themselves. `IUnknown` and `IDispatch` are left to the object that carries the engine.
-class CGrooveSampler : public IGrooveSampler, public virtual CPzi {
+class CGrooveSampler : public IGrooveSampler, public IMarnothFaults, public virtual CPzi {
 public:
     explicit CGrooveSampler(CPziSynthContext* synthContext);
     CGrooveSampler(const CGrooveSampler&) = delete;
@@ -141,6 +143,9 @@ public:
     HRESULT SetPadChannel(std::int32_t pad, std::int32_t channel) override;
     HRESULT GetPadOneShot(std::int32_t pad, std::uint32_t* value) override;
     HRESULT SetPadOneShot(std::int32_t pad, std::uint32_t value) override;
+
+    // IMarnothFaults.
+    HRESULT GetLoadFault(LoadFault* fault) override;
 
 protected:
     virtual ~CGrooveSampler();
@@ -265,13 +270,16 @@ private:
     /// Empties the project, and again when `load` fails or throws.
     template <class Load>
     HRESULT replaceProject(Load load);
-    HRESULT loadFile(const std::wstring& path);
+    /// Both tell in `fault` why nothing has come in.
+    HRESULT loadFile(const char* path, LoadFault& fault);
     /// Reads the form that is searched from the position of `stream` on and puts it in place of the project.
-    HRESULT loadForm(RiffStream& stream, Solo solo);
+    HRESULT loadForm(RiffStream& stream, Solo solo, LoadFault& fault);
     void publish(const Project& project, ProjectTracks& tracks, Solo solo);
 
     // LoopBin. Texts in the system code page.
-    HRESULT LoadFile(const char* name, const char* path, std::int32_t& index, std::uint32_t& status);
+    /// `fault` tells why the file isn't loaded.
+    HRESULT LoadFile(const char* name, const char* path, std::int32_t& index, std::uint32_t& status,
+                     LoadFault& fault);
     std::int32_t findBinFile(const std::wstring& path) const;
     /// The file's grains and loop in place of those of the pad.
     HRESULT layOnPad(CGrooveTrack& pad, const CGrooveTrack& file);
@@ -308,6 +316,7 @@ private:
     std::uint32_t stopAll = 0;
     std::int64_t fadeInFrames = 0;   ///< 1 ms
     std::int64_t fadeOutFrames = 0;  ///< 20 ms
+    LastFault lastFault;
 };
 
 }  // namespace marnoth

@@ -20,6 +20,10 @@ constexpr std::int64_t kStretchHeaderBytes = 28;
 constexpr std::int64_t kMarkerBytes = 32;
 constexpr std::int64_t kMarkersAtOnce = 2048;
 
+// What the file's own fields can say at most.
+constexpr std::int64_t kMostBlockBytes = 0xFFFF;
+constexpr std::int64_t kMostFrames = 0xFFFFFFFF;
+
 /// A number at `offset` of a record, little-endian as the file has it.
 template <class T>
 T field(const std::byte* record, int offset) {
@@ -60,12 +64,28 @@ void CAcidWave::forget() {
     segments.clear();
     tags.fill({});
     lastError = kRiffOk;
+    fault = {};
     unread_ = 0;
 }
 
-bool CAcidWave::fail(std::uint32_t error) {
+bool CAcidWave::fail(std::uint32_t error, const LoadFault& why) {
     lastError = error;
+    fault = why;
     return false;
+}
+
+bool CAcidWave::lacks(const char (&id)[5]) {
+    return fail(kRiffChunkNotFound, {.kind = FaultKind::chunkMissing, .place = {fourCC(id)}});
+}
+
+bool CAcidWave::endsEarly(const ChunkInfo& chunk, std::int64_t missing) {
+    missing = std::max<std::int64_t>(missing, 0);
+    return fail(kRiffCannotRead, {.kind = FaultKind::cutShort, .place = {chunk.ckid}, .value = missing});
+}
+
+bool CAcidWave::leave(ChunkInfo& chunk) {
+    return file_.ascend(chunk) == kRiffOk ||
+           fail(kRiffCannotSeek, {.kind = FaultKind::cannotRead, .place = {chunk.ckid}});
 }
 
 HRESULT CAcidWave::failWith(std::uint32_t error) {
@@ -79,39 +99,45 @@ bool CAcidWave::find(const char (&id)[5], ChunkInfo& chunk) {
 }
 
 bool CAcidWave::openForm(const char* path) {
-    pathName = wideFromSystem(path).substr(0, kMaxPathCharacters);
-    if (file_.open(pathFromWide(pathName), FileMode::read)) return fail(kRiffCannotOpen);
+    const std::wstring whole = wideFromSystem(path);
+    pathName = whole.substr(0, kMaxPathCharacters);
+    if (file_.open(pathFromWide(pathName), FileMode::read)) {
+        return fail(kRiffCannotOpen, whyNotOpened(whole, kMaxPathCharacters));
+    }
     fileBytes = file_.remaining().value_or(0);
     riff_ = {};
     const bool isWave =
         file_.descend(riff_) == kRiffOk && riff_.ckid == kRiffId && riff_.fccType == fourCC("WAVE");
-    return isWave || fail(kRiffInvalidFile);
+    return isWave || fail(kRiffInvalidFile, {.kind = FaultKind::notAWave});
 }
 
 bool CAcidWave::readFormat() {
     ChunkInfo chunk;
-    if (!find("fmt ", chunk)) return fail(kRiffChunkNotFound);
+    if (!find("fmt ", chunk)) return lacks("fmt ");
     hasFormat = 1;
     format = {};
-    if (!file_.readExactly(&format, kFormatBytes)) return fail(kRiffCannotRead);
+    if (!file_.readExactly(&format, kFormatBytes)) return endsEarly(chunk, chunk.end() - fileBytes);
     std::uint16_t extraBytes;
     if (format.wFormatTag != WAVE_FORMAT_PCM && !file_.readExactly(&extraBytes, sizeof extraBytes)) {
-        return fail(kRiffCannotRead);
+        return endsEarly(chunk, chunk.end() - fileBytes);
     }
-    if (format.nBlockAlign == 0) return fail(kRiffInvalidFile);
-    return file_.ascend(chunk) == kRiffOk || fail(kRiffCannotSeek);
+    if (format.nBlockAlign == 0)
+        return fail(kRiffInvalidFile,
+                    badValue(FaultQuantity::blockBytes, 0, 1, kMostBlockBytes, {chunk.ckid}));
+    return leave(chunk);
 }
 
 bool CAcidWave::measureData() {
-    if (!find("data", data_)) return fail(kRiffChunkNotFound);
-    if (data_.cksize == 0) return fail(kRiffInvalidFile);
+    if (!find("data", data_)) return lacks("data");
+    if (data_.cksize == 0)
+        return fail(kRiffInvalidFile, badValue(FaultQuantity::frames, 0, 1, kMostFrames, {data_.ckid}));
     dataBytes = data_.cksize;
     durationSeconds = format.nAvgBytesPerSec == 0
                           ? std::numeric_limits<float>::infinity()
                           : static_cast<float>(data_.cksize) / static_cast<float>(format.nAvgBytesPerSec);
     durationMs = millisecondsBeyond(durationSeconds);
     frameCount = data_.cksize / format.nBlockAlign;
-    return file_.ascend(data_) == kRiffOk || fail(kRiffCannotSeek);
+    return leave(data_);
 }
 
 bool CAcidWave::readTags() {
@@ -134,7 +160,7 @@ bool CAcidWave::readTag(WaveTag& tag, const ChunkInfo& list) {
     if (const std::string_view label = labelOf(chunk.ckid); !label.empty()) {
         tag = {chunk, std::string(label), std::move(text)};
     }
-    return file_.ascend(chunk) == kRiffOk || fail(kRiffCannotSeek);
+    return leave(chunk);
 }
 
 /// The text of a tag up to its terminator, as much of it as the file holds.
@@ -150,21 +176,22 @@ std::string CAcidWave::readText(const ChunkInfo& chunk) {
 
 bool CAcidWave::readLoop() {
     // From the end of the audio again: tags and loop data come in either order.
-    if (file_.ascend(data_)) return fail(kRiffCannotSeek);
+    if (!leave(data_)) return false;
     if (!find("acid", acid_)) return true;
     if (!readAcid()) return false;
     segments.push_back({0, frameCount, 0});
-    if (file_.ascend(acid_)) return fail(kRiffCannotSeek);
-    if (!readStretch()) return false;
+    if (!leave(acid_) || !readStretch()) return false;
     if (segments.size() == 1) divideEvenly();
     return true;
 }
 
 bool CAcidWave::readAcid() {
     std::array<std::byte, kAcidBytes> record{};
-    if (file_.remaining().value_or(0) < acid_.cksize) return fail(kRiffCannotRead);
+    const std::int64_t present = file_.remaining().value_or(0);
     const std::int64_t known = std::min<std::int64_t>(acid_.cksize, kAcidBytes);
-    if (!file_.readExactly(record.data(), known)) return fail(kRiffCannotRead);
+    if (present < acid_.cksize || !file_.readExactly(record.data(), known)) {
+        return endsEarly(acid_, acid_.cksize - present);
+    }
 
     const auto flags = field<std::uint32_t>(record.data(), 0);
     const auto note = field<std::int16_t>(record.data(), 4);
@@ -184,24 +211,30 @@ bool CAcidWave::readStretch() {
     ChunkInfo chunk;
     if (!find("strc", chunk)) return true;
     std::array<std::byte, kStretchHeaderBytes> header;
-    if (!file_.readExactly(header.data(), kStretchHeaderBytes)) return fail(kRiffCannotRead);
+    if (!file_.readExactly(header.data(), kStretchHeaderBytes)) {
+        return endsEarly(chunk, chunk.dataOffset + kStretchHeaderBytes - fileBytes);
+    }
     hasStretch = 1;
     stretchMarkerCount = field<std::uint32_t>(header.data(), 4);
     stretchField16 = field<std::uint32_t>(header.data(), 16);
     stretchField20 = field<std::uint32_t>(header.data(), 20);
     divisionExponent = field<std::uint32_t>(header.data(), 24);
-    if (!readMarkers()) return false;
+    if (!readMarkers(chunk)) return false;
     endLastSegment(frameCount);
-    return file_.ascend(chunk) == kRiffOk || fail(kRiffCannotSeek);
+    return leave(chunk);
 }
 
-bool CAcidWave::readMarkers() {
-    if (file_.remaining().value_or(0) < stretchMarkerCount * kMarkerBytes) return fail(kRiffCannotRead);
-    if (stretchMarkerCount > kMaxMarkers) return fail(kRiffInvalidFile);
+bool CAcidWave::readMarkers(const ChunkInfo& chunk) {
+    const std::int64_t missing = stretchMarkerCount * kMarkerBytes - file_.remaining().value_or(0);
+    if (missing > 0) return endsEarly(chunk, missing);
+    if (stretchMarkerCount > kMaxMarkers) {
+        return fail(kRiffInvalidFile,
+                    badValue(FaultQuantity::markers, stretchMarkerCount, 0, kMaxMarkers, {chunk.ckid}));
+    }
     std::vector<std::byte> records(std::min<std::int64_t>(stretchMarkerCount, kMarkersAtOnce) * kMarkerBytes);
     for (std::int64_t left = stretchMarkerCount; left > 0; left -= kMarkersAtOnce) {
         const std::int64_t bytes = std::min(left, kMarkersAtOnce) * kMarkerBytes;
-        if (!file_.readExactly(records.data(), bytes)) return fail(kRiffCannotRead);
+        if (!file_.readExactly(records.data(), bytes)) return endsEarly(chunk, 0);
         for (const std::byte* record = records.data(); record < records.data() + bytes;
              record += kMarkerBytes) {
             const auto type = field<std::uint32_t>(record, 0);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <string>
@@ -8,6 +9,7 @@
 #include "platform/bytes/RiffStream.h"
 #include "platform/com/Com.h"
 #include "sample/AcidNames.h"
+#include "seam/LoadFault.h"
 
 namespace marnoth {
 
@@ -50,7 +52,7 @@ public:
 
     /// Opens and parses a file. `path` is in the system code page (UTF-8 where there is none), cut at 255
     /// characters. 0 when the file can be read, with or without loop data, and stays open for `SeekFrame` and
-    /// `ReadData`; `E_FAIL` otherwise, with the reason in `lastError` and the file closed.
+    /// `ReadData`; `E_FAIL` otherwise, with the reason in `fault` and `lastError` and the file closed.
     HRESULT Open(const char* path);
 
     /// Kind 2: `durationMs`. Kind 3: `frameCount`. Any other: 0.
@@ -63,6 +65,9 @@ public:
     /// Copies up to `bytes` from the `data` chunk, no more than what remains of it; gives how many were
     /// copied. When the file ends first, `buffer` holds what was there, the result is 0 and `lastError` 261.
     std::uint32_t ReadData(void* buffer, std::uint32_t bytes);
+
+    /// Bytes of the audio that lie behind the end of the file; 0 when all of it is there.
+    std::int64_t missingBytes() const { return std::max<std::int64_t>(data_.end() - fileBytes, 0); }
 
     std::int32_t GetSegmentCount() const { return static_cast<std::int32_t>(segments.size()); }
     /// The segment at `index`; zeros when there is none.
@@ -91,12 +96,19 @@ public:
     std::vector<WaveSegment> segments;
     WAVEFORMATEX format{};        ///< `cbSize` is always 0
     std::uint32_t lastError = 0;  ///< a `RiffError`
+    LoadFault fault;              ///< why `Open` failed
     std::int64_t dataBytes = 0;   ///< size of the measured `data` chunk, as its header says
     std::int64_t fileBytes = 0;   ///< size of the file
 
 private:
     void forget();
-    bool fail(std::uint32_t error);
+    // These give false, with what it was in `lastError` and `fault`.
+    bool fail(std::uint32_t error, const LoadFault& why);
+    bool lacks(const char (&id)[5]);
+    bool endsEarly(const ChunkInfo& chunk, std::int64_t missing);
+
+    /// False when the medium fails.
+    bool leave(ChunkInfo& chunk);
     HRESULT failWith(std::uint32_t error);
     bool find(const char (&id)[5], ChunkInfo& chunk);
 
@@ -109,7 +121,7 @@ private:
     bool readLoop();
     bool readAcid();
     bool readStretch();
-    bool readMarkers();
+    bool readMarkers(const ChunkInfo& chunk);
     void addSegment(std::uint32_t start);
     void endLastSegment(std::uint32_t end);
     void divideEvenly();

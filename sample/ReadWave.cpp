@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <limits>
 #include <vector>
 
 #include "sample/SampleConvert.h"
@@ -25,13 +26,31 @@ bool canConvert(const WAVEFORMATEX& format) {
     }
 }
 
-bool isSound(const WAVEFORMATEX& format) {
-    return format.nChannels >= 1 && format.nChannels <= kMaxFileChannels && format.nSamplesPerSec != 0 &&
-           format.nBlockAlign == format.nChannels * (format.wBitsPerSample / 8);
-}
-
 bool claimIsPlausible(const CAcidWave& file) {
     return file.dataBytes <= std::max(file.fileBytes * kClaimToFile, kFreeClaimBytes);
+}
+
+/// What keeps the audio from being read.
+LoadFault faultOf(const CAcidWave& file) {
+    constexpr FaultPlace kFormat{fourCC("fmt ")};
+    constexpr std::int64_t kHighestNumber = std::numeric_limits<std::uint32_t>::max();
+    const WAVEFORMATEX& format = file.format;
+    const std::int64_t blockBytes = format.nChannels * (format.wBitsPerSample / 8);
+    if (!canConvert(format)) {
+        return {.kind = FaultKind::formatNotTaken,
+                .formatTag = format.wFormatTag,
+                .bits = format.wBitsPerSample,
+                .place = kFormat};
+    }
+    if (format.nChannels < 1 || format.nChannels > kMaxFileChannels)
+        return badValue(FaultQuantity::channels, format.nChannels, 1, kMaxFileChannels, kFormat);
+    if (format.nSamplesPerSec == 0) return badValue(FaultQuantity::rate, 0, 1, kHighestNumber, kFormat);
+    if (format.nBlockAlign != blockBytes)
+        return badValue(FaultQuantity::blockBytes, format.nBlockAlign, blockBytes, blockBytes, kFormat);
+    if (file.frameCount == 0) return badValue(FaultQuantity::frames, 0, 1, kHighestNumber, {fourCC("data")});
+    if (!claimIsPlausible(file))
+        return {.kind = FaultKind::cutShort, .place = {fourCC("data")}, .value = file.missingBytes()};
+    return {};
 }
 
 void convert(float* dest, const std::byte* source, std::int64_t count, int bits) {
@@ -71,16 +90,16 @@ void becomeFloat(WAVEFORMATEX& format) {
 
 }  // namespace
 
-HRESULT readSamples(CAcidWave& file, RefPtr<CWaveMem>& wave) {
+LoadFault readSamples(CAcidWave& file, RefPtr<CWaveMem>& wave) {
+    if (const LoadFault fault = faultOf(file)) return fault;
     const std::int64_t frames = file.GetLength(kLengthInFrames);
-    if (!canConvert(file.format) || !isSound(file.format) || frames == 0 || !claimIsPlausible(file))
-        return E_FAIL;
     wave = CWaveMem::make();
-    if (FAILED(wave->Create(frames, file.format))) return S_OK;
+    if (FAILED(wave->Create(frames, file.format))) return {};
     readValues(file, wave->samples.get(), frames * file.format.nChannels);
     wave->writeGuardFrame();
     becomeFloat(wave->format);
-    return wave->BuildPeaks(0, CWaveMem::kPeakPoints);
+    if (FAILED(wave->BuildPeaks(0, CWaveMem::kPeakPoints))) return {.kind = FaultKind::noMemory};
+    return {};
 }
 
 }  // namespace marnoth

@@ -17,10 +17,10 @@ inline constexpr std::int64_t kFreeClaimBytes = 1 << 20;
 /// Reads the audio of an opened file as float at the file's rate into a new wave with its peak table, and
 /// lets `wave` go for it. Of a `data` chunk that the file cuts short the missing frames are silent.
 ///
-/// `E_FAIL`, with `wave` left alone: a depth other than 16, 24 or 32 bits, 32 bits that aren't tagged as
-/// float, no channel or more than `kMaxFileChannels`, a block size that isn't that of the channels and the
-/// depth, no rate, no frame, or a claim as above. `E_OUTOFMEMORY` from the peak table; without memory for the
-/// samples the result is `S_OK` and the wave has none.
-HRESULT readSamples(CAcidWave& file, RefPtr<CWaveMem>& wave);
+/// The fault leaves `wave` alone: a depth other than 16, 24 or 32 bits, 32 bits that aren't tagged as float,
+/// no channel or more than `kMaxFileChannels`, a block size that isn't that of the channels and the depth, no
+/// rate, no frame, or a claim as above. `noMemory` from the peak table; without memory for the samples there
+/// is no fault and the wave has none.
+LoadFault readSamples(CAcidWave& file, RefPtr<CWaveMem>& wave);
 
 }  // namespace marnoth

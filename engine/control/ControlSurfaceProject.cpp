@@ -39,6 +39,12 @@ HRESULT CGrooveSampler::ClearProject() {
     return S_OK;
 }
 
+HRESULT CGrooveSampler::GetLoadFault(LoadFault* fault) {
+    if (!fault) return E_POINTER;
+    *fault = lastFault.get();
+    return S_OK;
+}
+
 void CGrooveSampler::removeProject(FormerProject& former) {
     ResetVoices();
     std::swap(undoRing, former.undoRing);

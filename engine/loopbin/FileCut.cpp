@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 #include "engine/model/GrooveTrack.h"
 #include "sample/AcidWave.h"
@@ -16,10 +17,14 @@ bool isLoop(const CAcidWave& wave) {
 }
 
 /// Measured at the file's own rate.
-bool isWithinLimits(const CAcidWave& wave) {
+LoadFault brokenLimit(const CAcidWave& wave) {
+    if (isLoop(wave) && wave.beats > kMostLoopBeats)
+        return badValue(FaultQuantity::beats, wave.beats, 0, kMostLoopBeats);
+    if (wave.format.nSamplesPerSec == 0)
+        return badValue(FaultQuantity::rate, 0, 1, std::numeric_limits<DWORD>::max());
     const double seconds = static_cast<double>(wave.GetLength(kSamples)) / wave.format.nSamplesPerSec;
-    if (isLoop(wave)) return wave.beats <= kMostLoopBeats && seconds <= kLongestLoopSeconds;
-    return seconds <= kLongestShotSeconds;
+    const double most = isLoop(wave) ? kLongestLoopSeconds : kLongestShotSeconds;
+    return seconds <= most ? LoadFault{} : badReal(FaultQuantity::seconds, seconds, 0, most);
 }
 
 /// The power of two of beats that is nearest to the length at a fixed tempo, at least one beat.
@@ -86,34 +91,35 @@ std::unique_ptr<CGrooveEvent> makeWholeGrain(const RefPtr<CWaveMem>& wave) {
 
 }  // namespace
 
-HRESULT CGrooveTrack::ReadSamples(CAcidWave& wave) {
-    if (const HRESULT result = readSamples(wave, sample); FAILED(result)) return result;
+LoadFault CGrooveTrack::ReadSamples(CAcidWave& wave) {
+    if (const LoadFault fault = readSamples(wave, sample)) return fault;
     lengthSamples = wave.GetLength(kSamples);
     RecomputeTempo();
-    return S_OK;
+    return {};
 }
 
-HRESULT CGrooveTrack::LoadFromWave(CAcidWave& wave, const std::wstring& newName, const std::wstring& newPath,
-                                   std::int32_t binIndex, const WAVEFORMATEX& format) {
+LoadFault CGrooveTrack::LoadFromWave(CAcidWave& wave, const std::wstring& newName,
+                                     const std::wstring& newPath, std::int32_t binIndex,
+                                     const WAVEFORMATEX& format) {
     ClearGrains();
-    const HRESULT result = readAndCut(wave, binIndex, format);
-    if (FAILED(result)) {
+    const LoadFault fault = readAndCut(wave, binIndex, format);
+    if (fault) {
         name.clear();
         path.clear();
         ClearGrains();
         sample.reset();
-        return result;
+        return fault;
     }
     name = newName;
     path = newPath;
-    return result;
+    return fault;
 }
 
-HRESULT CGrooveTrack::readAndCut(CAcidWave& wave, std::int32_t binIndex, const WAVEFORMATEX& newFormat) {
-    if (!isWithinLimits(wave) || !hasGrains(wave, newFormat.nSamplesPerSec)) return E_UNEXPECTED;
-    if (const HRESULT result = ReadSamples(wave); FAILED(result)) return result;
-    if (!sample->samples) return E_OUTOFMEMORY;
-    if (const HRESULT result = sample->Resample(newFormat); FAILED(result)) return result;
+LoadFault CGrooveTrack::readAndCut(CAcidWave& wave, std::int32_t binIndex, const WAVEFORMATEX& newFormat) {
+    if (const LoadFault fault = brokenLimit(wave)) return fault;
+    if (!hasGrains(wave, newFormat.nSamplesPerSec)) return {.kind = FaultKind::noGrains};
+    if (const LoadFault fault = ReadSamples(wave)) return fault;
+    if (!sample->samples || FAILED(sample->Resample(newFormat))) return {.kind = FaultKind::noMemory};
     if (isLoop(wave)) {
         cutSegments(wave, binIndex);
     } else {
@@ -123,7 +129,7 @@ HRESULT CGrooveTrack::readAndCut(CAcidWave& wave, std::int32_t binIndex, const W
     lengthTicks = grains_.back()->GetEnd(kTicks16, 0);
     lengthSamples = grains_.back()->GetEnd(kSamples, 0);
     RecomputeTempo();
-    return S_OK;
+    return {};
 }
 
 void CGrooveTrack::cutSegments(const CAcidWave& wave, std::int32_t binIndex) {

@@ -17,13 +17,24 @@ HRESULT loadedResult(bool forced, std::uint32_t& status) {
     return forced ? kSeeStatus : S_OK;
 }
 
+bool breaksLimit(const LoadFault& fault) {
+    return fault.kind == FaultKind::noGrains ||
+           (fault.kind == FaultKind::badValue &&
+            (fault.quantity == FaultQuantity::beats || fault.quantity == FaultQuantity::seconds ||
+             fault.quantity == FaultQuantity::rate));
+}
+
 /// Reads a file into `track`, which nobody else may see yet.
-HRESULT readFile(CGrooveTrack& track, const char* name, const char* path, const WAVEFORMATEX& format) {
+HRESULT readFile(CGrooveTrack& track, const char* name, const char* path, const WAVEFORMATEX& format,
+                 LoadFault& fault) {
     CAcidWave wave;
-    if (wave.Open(path) != S_OK) return E_INVALIDARG;
-    const HRESULT result = track.LoadFromWave(wave, wideFromSystem(name), wideFromSystem(path), 0, format);
+    if (wave.Open(path) != S_OK) {
+        fault = wave.fault;
+        return E_INVALIDARG;
+    }
+    fault = track.LoadFromWave(wave, wideFromSystem(name), wideFromSystem(path), 0, format);
     track.looping = 1;
-    return result;
+    return breaksLimit(fault) ? E_UNEXPECTED : codeOf(fault);
 }
 
 void removeGrainsOf(CGrooveTrack& pad, std::int32_t bin) {
@@ -43,11 +54,16 @@ void closeGapBehind(const CGrooveTrack& track, std::int32_t bin) {
 HRESULT CGrooveSampler::LoadFileToBin(const char* title, const char* path, std::int32_t* bin,
                                       std::uint32_t* status) {
     if (!title || !path || !bin || !status) return E_POINTER;
+    LoadFault fault;
+    HRESULT result;
     try {
-        return LoadFile(title, path, *bin, *status);
+        result = LoadFile(title, path, *bin, *status, fault);
     } catch (const std::bad_alloc&) {
-        return E_OUTOFMEMORY;
+        fault = {.kind = FaultKind::noMemory};
+        result = E_OUTOFMEMORY;
     }
+    lastFault.set(fault);
+    return result;
 }
 
 HRESULT CGrooveSampler::LoadFileToPad(std::int32_t pad, const char* title, const char* path,
@@ -60,7 +76,9 @@ HRESULT CGrooveSampler::LoadFileToPad(std::int32_t pad, const char* title, const
     const CGrooveTrack* const file = binFileAt(*bin);
     if (!file) return E_FAIL;
     const HRESULT laid = layOnPad(*padAt(pad), *file);
-    return FAILED(laid) ? laid : loaded;
+    if (SUCCEEDED(laid)) return loaded;
+    lastFault.set({.kind = FaultKind::noMemory});
+    return laid;
 }
 
 HRESULT CGrooveSampler::LoadPadFromBin(std::int32_t pad, std::int32_t bin) {
@@ -71,7 +89,7 @@ HRESULT CGrooveSampler::LoadPadFromBin(std::int32_t pad, std::int32_t bin) {
 }
 
 HRESULT CGrooveSampler::LoadFile(const char* name, const char* path, std::int32_t& index,
-                                 std::uint32_t& status) {
+                                 std::uint32_t& status, LoadFault& fault) {
     bool forced;
     WAVEFORMATEX format;
     {
@@ -86,7 +104,7 @@ HRESULT CGrooveSampler::LoadFile(const char* name, const char* path, std::int32_
     }
     // Long work on objects that nobody else can see: blocks go on meanwhile.
     auto track = std::make_unique<CGrooveTrack>(&context());
-    if (const HRESULT result = readFile(*track, name, path, format); FAILED(result)) return result;
+    if (const HRESULT result = readFile(*track, name, path, format, fault); FAILED(result)) return result;
 
     CAutoLock lock(*this);
     if (binFiles.GetSize() >= binFiles.GetCapacity()) {

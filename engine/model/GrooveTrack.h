@@ -9,6 +9,7 @@
 #include "engine/model/GrooveEvent.h"
 #include "engine/render/PreAllocArray.h"
 #include "engine/render/Voice.h"
+#include "seam/LoadFault.h"
 #include "seam/MusicalTime.h"
 #include "seam/Pzi.h"
 
@@ -106,13 +107,13 @@ public:
     std::vector<std::unique_ptr<CGrooveEvent>> TakeGrains() noexcept;
 
     /// Reads a whole file as float into `sample`, at the file's rate, with its peak table; sets the loop
-    /// length in frames. `E_OUTOFMEMORY`, `E_FAIL` for a depth that can't be played, or `S_OK`.
-    HRESULT ReadSamples(CAcidWave& wave);
+    /// length in frames.
+    LoadFault ReadSamples(CAcidWave& wave);
     /// Makes this track the Loop Bin entry of a file: reads it, brings it to the rate of `format` and cuts it
-    /// into grains. 0x8000FFFF when the file breaks a limit or has no grains. After a failure the track is
-    /// empty.
-    HRESULT LoadFromWave(CAcidWave& wave, const std::wstring& newName, const std::wstring& newPath,
-                         std::int32_t binIndex, const WAVEFORMATEX& format);
+    /// into grains. `badValue` of beats, seconds or the rate when the file breaks a limit. After a fault the
+    /// track is empty.
+    LoadFault LoadFromWave(CAcidWave& wave, const std::wstring& newName, const std::wstring& newPath,
+                           std::int32_t binIndex, const WAVEFORMATEX& format);
 
     /// Adds the grains that sound between `from` and `to` to `events`, loop repetitions included; 1 if there
     /// is any. Times are of `kind` (`kTicks16` or `kSamples`); `origin` is the zero of the loop.
@@ -133,7 +134,7 @@ private:
 
     void cutSegments(const CAcidWave& wave, std::int32_t binIndex);
     void cutWhole(std::int32_t binIndex);
-    HRESULT readAndCut(CAcidWave& wave, std::int32_t binIndex, const WAVEFORMATEX& newFormat);
+    LoadFault readAndCut(CAcidWave& wave, std::int32_t binIndex, const WAVEFORMATEX& newFormat);
 
     std::vector<std::unique_ptr<CGrooveEvent>> grains_;
 };

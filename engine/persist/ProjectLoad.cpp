@@ -1,4 +1,3 @@
-#include <array>
 #include <cstdint>
 #include <new>
 #include <stdexcept>
@@ -10,37 +9,34 @@
 #include "engine/persist/ProjectTracks.h"
 #include "platform/bytes/RiffStream.h"
 #include "platform/text/Text.h"
+#include "project/ProjectFile.h"
 #include "project/ProjectReader.h"
 
 namespace marnoth {
 namespace {
 
 constexpr HRESULT kFormatForced = 1;  ///< loaded, but the input had no usable format
-constexpr std::size_t kLongestPath = 259;
 
-/// Files without any extension may have a header of 24 bytes in front of the form.
-bool skipWrapping(RiffStream& stream) {
-    constexpr std::int64_t kWrapping = 24;
-    std::array<char, 4> id;
-    if (!stream.readExactly(id.data(), id.size())) return false;
-    const bool isBare = std::string_view(id.data(), id.size()) == "RIFF";
-    return stream.seek(isBare ? 0 : kWrapping) == kRiffOk;
+/// The one fault that leaves as an exception.
+bool namesGrainBelowZero(const LoadFault& fault) {
+    return fault.kind == FaultKind::badValue && fault.quantity == FaultQuantity::binGrain;
 }
 
 }  // namespace
 
 HRESULT CGrooveSampler::LoadProject(const char* path) {
     if (!path) return E_POINTER;
-    return replaceProject([&] { return loadFile(wideFromSystem(path).substr(0, kLongestPath)); });
+    return replaceProject([&](LoadFault& fault) { return loadFile(path, fault); });
 }
 
 HRESULT CGrooveSampler::LoadState(IStream* stream) {
     if (!stream) return E_POINTER;
-    return replaceProject([&] {
+    return replaceProject([&](LoadFault& fault) {
+        fault = {.kind = FaultKind::cannotRead};
         const HRESULT placed = stream->Seek({}, STREAM_SEEK_CUR, nullptr);
         if (FAILED(placed)) return placed;
         RiffStream riff;
-        return riff.open(stream) ? E_FAIL : loadForm(riff, Solo::kept);
+        return riff.open(stream) ? E_FAIL : loadForm(riff, Solo::kept, fault);
     });
 }
 
@@ -57,27 +53,26 @@ HRESULT CGrooveSampler::replaceProject(Load load) {
         removeProject(former);
     }
     HRESULT result;
+    LoadFault fault;
     try {
-        result = load();
+        result = load(fault);
     } catch (const std::bad_alloc&) {
+        fault = {.kind = FaultKind::noMemory};
         result = E_OUTOFMEMORY;
-    } catch (const std::invalid_argument&) {
-        empty();
-        throw;
     }
     if (FAILED(result)) empty();
+    lastFault.set(fault);
+    if (namesGrainBelowZero(fault)) throw std::invalid_argument("a pad's grain names a grain below 0");
     return result;
 }
 
-HRESULT CGrooveSampler::loadFile(const std::wstring& path) {
+HRESULT CGrooveSampler::loadFile(const char* path, LoadFault& fault) {
     RiffStream stream;
-    if (stream.open(pathFromWide(path), FileMode::read)) return E_FAIL;
-    const bool mayBeWrapped = path.find(L'.') == std::wstring::npos;
-    if (mayBeWrapped && !skipWrapping(stream)) return E_FAIL;
-    return loadForm(stream, Solo::recomputed);
+    fault = openProject(stream, wideFromSystem(path));
+    return fault ? codeOf(fault) : loadForm(stream, Solo::recomputed, fault);
 }
 
-HRESULT CGrooveSampler::loadForm(RiffStream& stream, Solo solo) {
+HRESULT CGrooveSampler::loadForm(RiffStream& stream, Solo solo, LoadFault& fault) {
     Project project;
     bool forced;
     WAVEFORMATEX format;
@@ -87,15 +82,15 @@ HRESULT CGrooveSampler::loadForm(RiffStream& stream, Solo solo) {
         format = inputFormat;
         project.auditionEnabled = auditionEnabled;
     }
-    const HRESULT read = readProject(stream, project);
+    fault = readProject(stream, project);
     stream.close();
     {
         CAutoLock lock(*this);
         auditionEnabled = project.auditionEnabled;
     }
-    if (FAILED(read)) return read;
     ProjectTracks tracks;
-    if (const HRESULT built = buildTracks(project, format, &context(), tracks); FAILED(built)) return built;
+    if (!fault) fault = buildTracks(project, format, &context(), tracks);
+    if (fault) return codeOf(fault);
     publish(project, tracks, solo);
     return forced ? kFormatForced : S_OK;
 }

@@ -1,10 +1,12 @@
 #include "engine/persist/ProjectTracks.h"
 
 #include <algorithm>
+#include <limits>
 #include <new>
 #include <utility>
 
 #include "engine/persist/TailPlan.h"
+#include "platform/bytes/RiffStream.h"
 #include "platform/system/Parallel.h"
 #include "project/ProjectScale.h"
 
@@ -60,11 +62,18 @@ public:
                   ProjectTracks& tracks)
         : project_(project), format_(format), context_(context), tracks_(tracks) {}
 
-    HRESULT build() {
-        if (const HRESULT result = prepareWaves(); FAILED(result)) return result;
+    LoadFault build() {
+        if (FAILED(prepareWaves())) return {.kind = FaultKind::noMemory};
         for (ProjectFile& file : project_.files) addFile(file);
-        for (std::size_t pad = 0; pad < project_.pads.size(); ++pad) addPad(pad);
-        return tails_.frames() <= times(audioFrames_, kMostTailsPerAudio) ? tails_.build() : E_FAIL;
+        for (std::size_t pad = 0; pad < project_.pads.size(); ++pad) {
+            if (const LoadFault fault = grainBelowZero(pad)) return fault;
+            addPad(pad);
+        }
+        const std::int64_t mostTails = times(audioFrames_, kMostTailsPerAudio);
+        if (tails_.frames() > mostTails)
+            return badValue(FaultQuantity::tailFrames, tails_.frames(), 0, mostTails);
+        if (FAILED(tails_.build())) return {.kind = FaultKind::noMemory};
+        return {};
     }
 
 private:
@@ -73,6 +82,7 @@ private:
     HRESULT prepareWave(CWaveMem& wave) const;
     void addFile(ProjectFile& file);
     void addFileGrain(CGrooveTrack& track, const GrainRecord& saved);
+    LoadFault grainBelowZero(std::size_t pad) const;
     void addPad(std::size_t pad);
     const CGrooveTrack* fileOf(const GrainRecord& record) const;
     double ratioOfPad(const CGrooveTrack& pad) const;
@@ -132,6 +142,19 @@ void TrackBuilding::addFileGrain(CGrooveTrack& track, const GrainRecord& saved) 
     track.append(std::move(grain));
 }
 
+/// The first grain of a pad that names a grain below 0 of a file that there is.
+LoadFault TrackBuilding::grainBelowZero(std::size_t pad) const {
+    const std::vector<GrainRecord>& grains = project_.pads[pad].grains;
+    const auto found = std::find_if(grains.begin(), grains.end(), [this](const GrainRecord& grain) {
+        return grain.binGrain < 0 && fileOf(grain) != nullptr;
+    });
+    if (found == grains.end()) return {};
+    const FaultPlace place{fourCC("pevt"), static_cast<std::int32_t>(pad),
+                           static_cast<std::int32_t>(found - grains.begin())};
+    return badValue(FaultQuantity::binGrain, found->binGrain, 0, std::numeric_limits<std::int32_t>::max(),
+                    place);
+}
+
 void TrackBuilding::addPad(std::size_t pad) {
     const ProjectPad& saved = project_.pads[pad];
     auto track = std::make_unique<CGrooveTrack>(context_);
@@ -165,12 +188,12 @@ std::unique_ptr<CGrooveEvent> TrackBuilding::makePadGrain(const GrainRecord& sav
 
 }  // namespace
 
-HRESULT buildTracks(Project& project, const WAVEFORMATEX& format, CPziSynthContext* context,
-                    ProjectTracks& tracks) {
+LoadFault buildTracks(Project& project, const WAVEFORMATEX& format, CPziSynthContext* context,
+                      ProjectTracks& tracks) {
     try {
         return TrackBuilding(project, format, context, tracks).build();
     } catch (const std::bad_alloc&) {
-        return E_OUTOFMEMORY;
+        return {.kind = FaultKind::noMemory};
     }
 }
 

@@ -7,6 +7,7 @@
 #include "engine/model/GrooveTrack.h"
 #include "project/Project.h"
 #include "seam/Limits.h"
+#include "seam/LoadFault.h"
 
 namespace marnoth {
 
@@ -20,9 +21,9 @@ struct ProjectTracks {
 /// all frame numbers are scaled by the ratio of the rates, tails and peak tables are built. A pad's grain
 /// that no file supplies is dropped. Takes the waves out of `project`.
 ///
-/// `E_OUTOFMEMORY`, `E_FAIL` for more tails than the audio justifies, or `S_OK`. A pad's grain that names a
-/// grain below 0 throws `std::invalid_argument`. Long work: no lock may be held for it.
-HRESULT buildTracks(Project& project, const WAVEFORMATEX& format, CPziSynthContext* context,
-                    ProjectTracks& tracks);
+/// The fault is `noMemory`, or a `badValue`: `tailFrames` for more tails than the audio justifies, `binGrain`
+/// for a pad's grain that names a grain below 0. Long work: no lock may be held for it.
+LoadFault buildTracks(Project& project, const WAVEFORMATEX& format, CPziSynthContext* context,
+                      ProjectTracks& tracks);
 
 }  // namespace marnoth

@@ -210,7 +210,7 @@ void printJson(const Project& project, std::int64_t bytes, const std::string& fi
 void tellProject(const std::string& file, bool json, std::ostream& out) {
     RiffStream stream;
     Project project;
-    const HRESULT result = openProject(stream, file) ? readProject(stream, project) : E_FAIL;
+    const HRESULT result = openProject(stream, file) ? codeOf(readProject(stream, project)) : E_FAIL;
     stream.close();
     if (FAILED(result)) throw FileFailure(file + ": " + whyProjectNotRead(file, result));
     const auto bytes = static_cast<std::int64_t>(std::filesystem::file_size(pathFromUtf8(file)));

@@ -232,7 +232,7 @@ TEST_F(GrooveTrackTest, EveryGrainOfAFileGetsATailOfItsOwnAndACopyOnAPadSharesIt
     WaveFile loop;
     const TempPath file = loop.frames(1000, sine).acid({.beats = 1}).strc(2, {{300}, {301}}).writeTemp();
     ASSERT_EQ(reader.Open(file.c_str()), S_OK);
-    ASSERT_EQ(track.LoadFromWave(reader, L"name", L"path", 3, floatFormat(44100, 2)), S_OK);
+    ASSERT_FALSE(track.LoadFromWave(reader, L"name", L"path", 3, floatFormat(44100, 2)));
     CGrooveTrack pad(&context);
     pad.CopyGrainsFrom(track);
     const std::int64_t lengths[] = {300, 1, 699};

@@ -60,7 +60,7 @@ struct NumberedSaves {
     static bool canBeRead(const std::filesystem::path& path) {
         RiffStream stream;
         Project project;
-        return stream.open(path, FileMode::read) == kRiffOk && readProject(stream, project) == S_OK;
+        return stream.open(path, FileMode::read) == kRiffOk && !readProject(stream, project);
     }
 
     Project project;

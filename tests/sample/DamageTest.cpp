@@ -29,7 +29,7 @@ HRESULT load(CAcidWave& reader, const TempPath& file) {
     const HRESULT opened = reader.Open(file.c_str());
     if (FAILED(opened)) return opened;
     RefPtr<CWaveMem> wave;
-    const HRESULT read = readSamples(reader, wave);
+    const HRESULT read = codeOf(readSamples(reader, wave));
     if (FAILED(read)) return read;
     WAVEFORMATEX format = wave->format;
     format.nSamplesPerSec = 48000;

@@ -11,7 +11,7 @@ namespace {
 
 struct ReadFile {
     explicit ReadFile(const WaveFile& content) : opened(content) {
-        if (SUCCEEDED(opened.result)) result = readSamples(*opened, wave);
+        if (SUCCEEDED(opened.result)) result = codeOf(readSamples(*opened, wave));
     }
     std::vector<float> values(std::int64_t count) const {
         return {wave->samples.get(), wave->samples.get() + count};
@@ -95,7 +95,7 @@ TEST(ReadWave, OldWaveIsLetGo) {
     const OpenedWave opened(WaveFile().frames(10));
     RefPtr<CWaveMem> wave = CWaveMem::make();
     const RefPtr<CWaveMem> old = wave;
-    ASSERT_EQ(readSamples(*opened, wave), S_OK);
+    ASSERT_EQ(codeOf(readSamples(*opened, wave)), S_OK);
     EXPECT_FALSE(wave == old);
     EXPECT_EQ(old->refCount, 1u);
 }
@@ -105,7 +105,7 @@ void expectRefused(const WaveFile& content) {
     ASSERT_EQ(opened.result, S_OK);
     RefPtr<CWaveMem> wave = CWaveMem::make();
     const RefPtr<CWaveMem> old = wave;
-    EXPECT_EQ(readSamples(*opened, wave), E_FAIL);
+    EXPECT_EQ(codeOf(readSamples(*opened, wave)), E_FAIL);
     EXPECT_TRUE(wave == old);
 }
 
@@ -155,7 +155,7 @@ TEST(ReadWave, ClaimFarBeyondTheFileIsRefusedBeforeItIsAllocated) {
     const OpenedWave opened(WaveFile().frames(500).claim("data", 0xFFFFFFF0));
     RefPtr<CWaveMem> wave;
     AllocationMeter meter;
-    EXPECT_EQ(readSamples(*opened, wave), E_FAIL);
+    EXPECT_EQ(codeOf(readSamples(*opened, wave)), E_FAIL);
     EXPECT_LT(meter.peakBytes(), 4096u);
     EXPECT_EQ(ReadFile(WaveFile().frames(500).claim("data", 1 << 20)).result, S_OK);
     EXPECT_EQ(ReadFile(WaveFile().frames(500).claim("data", (1 << 20) + 2)).result, E_FAIL);
@@ -168,7 +168,7 @@ TEST(ReadWave, WithoutMemoryForTheSamplesTheWaveHasNone) {
     RefPtr<CWaveMem> wave;
     AllocationMeter meter;
     meter.refuseFrom(400000);
-    EXPECT_EQ(readSamples(*opened, wave), S_OK);
+    EXPECT_EQ(codeOf(readSamples(*opened, wave)), S_OK);
     ASSERT_TRUE(wave);
     EXPECT_FALSE(wave->samples);
 }
@@ -178,7 +178,7 @@ TEST(ReadWave, WithoutMemoryForThePeaksTheLoadFails) {
     RefPtr<CWaveMem> wave;
     AllocationMeter meter;
     meter.refuseFrom(544 * 2 * 4);
-    EXPECT_EQ(readSamples(*opened, wave), E_OUTOFMEMORY);
+    EXPECT_EQ(codeOf(readSamples(*opened, wave)), E_OUTOFMEMORY);
 }
 
 }  // namespace

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <string>
+
+#include "platform/bytes/RiffStream.h"
+#include "seam/LoadFault.h"
+
+namespace marnoth {
+
+/// Characters of a project's name, folders and all, that are taken.
+inline constexpr std::size_t kLongestProjectPath = 259;
+
+/// Opens a file where the form of a project is searched from: at its beginning or, when the name holds no "."
+/// at all, behind the 24 bytes that may stand in front of it. What is behind there is `readProject`'s to say.
+/// A longer `path` is cut at `kLongestProjectPath`.
+LoadFault openProject(RiffStream& stream, const std::wstring& path);
+
+}  // namespace marnoth
