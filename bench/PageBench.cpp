@@ -59,11 +59,13 @@ void fillPads(IGrooveSampler& sampler) {
 class Desk {
 public:
     explicit Desk(IUnknown& engine, PageFrame::SurfaceMaker surfaces = CGrooveSamplerPropPage::drawInto)
-        : fonts(platformFonts()), page(window, *fonts, std::move(surfaces)) {
+        : fonts(platformFonts()) {
+        window.setFonts(*fonts);
+        page = std::make_unique<CGrooveSamplerPropPage>(window, std::move(surfaces));
         IUnknown* const object = &engine;
-        page.bind({&object, 1});
-        window.setPage(&page);
-        page.open();
+        page->bind({&object, 1});
+        window.setPage(page.get());
+        page->open();
         window.settle();
         // As much in view as can be: the work is at its largest.
         for (int i = 0; i < 3; ++i) click({561, 541});
@@ -74,7 +76,7 @@ public:
         window.release(at);
     }
     void refresh() {
-        page.RefreshAll();
+        page->RefreshAll();
         window.settle();
     }
     void grabGrain() { window.press({kPadPlot.left + 12, kPadPlot.top + 5}); }
@@ -86,7 +88,7 @@ public:
 
     HeadlessWindow window;
     std::unique_ptr<FontSource> fonts;
-    CGrooveSamplerPropPage page;
+    std::unique_ptr<CGrooveSamplerPropPage> page;
     bool right = false;
 };
 
@@ -157,11 +159,11 @@ void measure(benchmark::State& state, void (*prepare)(Desk&), void (*work)(Desk&
     fillPads(rig.sampler());
     Desk desk(rig.sampler());
     prepare(desk);
-    Bitmap copy = desk.page.screen();
+    Bitmap copy = desk.page->screen();
     BestTime page, pixels;
     for (auto _ : state) {
         state.SetIterationTime(page.turn(kCalls, [&] { work(desk); }));
-        pixels.turn(kCalls, [&] { copy = desk.page.screen(); });
+        pixels.turn(kCalls, [&] { copy = desk.page->screen(); });
     }
     state.counters["ms"] = page.nanoseconds() / 1e6;
     state.counters["x_copy"] = page.nanoseconds() / pixels.nanoseconds();

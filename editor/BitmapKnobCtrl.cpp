@@ -43,37 +43,28 @@ void CBitmapKnobCtrl::paint(Surface& surface) {
     surface.BitBlt(Rect::at(place().left, place().top, frameWidth_, frameHeight_), *frames_, {offset, 0});
 }
 
-void CBitmapKnobCtrl::showDragCursor() {
-    parent().window().setCursor(showCursor_ ? cursor_.value_or(PageCursor::arrow) : PageCursor::none);
-}
-
-void CBitmapKnobCtrl::press(Point at) {
+void CBitmapKnobCtrl::press() {
     parent().focus(this);
-    parent().captureMouse(*this);
+    parent().beginRelativeDrag(*this, showCursor_ ? ownCursor() : PageCursor::none);
     dragging_ = true;
-    pressPoint_ = onPage(at);
-    showDragCursor();
     NotifyParent(kThumbTrack);
     invalidate();
 }
 
 void CBitmapKnobCtrl::move(Point at) {
-    if (dragging_) return drag();
     const bool over = Rect{0, 0, place().width(), place().height()}.contains(at);
-    parent().window().setCursor(over ? cursor_.value_or(PageCursor::arrow) : PageCursor::arrow);
+    parent().window().setCursor(over ? ownCursor() : PageCursor::arrow);
 }
 
-void CBitmapKnobCtrl::drag() {
-    PageWindow& window = parent().window();
-    showDragCursor();
-    // Where the pointer is now, not where this event saw it: events that were under way when the pointer was
-    // put back would count twice.
-    const double up = static_cast<double>(pressPoint_.y) - window.pointer().y;
-    if (up != 0.0) {
-        setStep((value_ + up) * 0.01 * 100.0 + 0.5);
-        window.warpPointer(pressPoint_);
-    }
+void CBitmapKnobCtrl::drag(int up) {
+    if (up != 0) setStep(static_cast<double>(value_) + up);
     NotifyParent(kThumbTrack);
+}
+
+bool CBitmapKnobCtrl::turn(int steps) {
+    if (!turnsBy(steps)) return false;
+    drag(steps);
+    return true;
 }
 
 void CBitmapKnobCtrl::letGo() {
@@ -86,11 +77,16 @@ void CBitmapKnobCtrl::letGo() {
 bool CBitmapKnobCtrl::handle(const ControlEvent& event) {
     switch (event.kind) {
         case ControlEventKind::leftDown:
-            press(event.at);
+            press();
             return true;
         case ControlEventKind::mouseMove:
             move(event.at);
             return true;
+        case ControlEventKind::relativeMove:
+            drag(-event.at.y);
+            return true;
+        case ControlEventKind::wheel:
+            return turn(event.steps);
         case ControlEventKind::leftUp:
         case ControlEventKind::captureLost:
             letGo();

@@ -8,8 +8,8 @@
 
 namespace marnoth {
 
-/// A knob drawn from a strip of frames and dragged up and down, one step for a pixel. During a drag the
-/// pointer is put back where it was pressed, so that no edge of the screen sets a limit.
+/// A knob drawn from a strip of frames and dragged up and down, one step for a pixel, or turned by the wheel,
+/// one for a click of it. A drag is relative, so that no edge of the screen sets a limit.
 class CBitmapKnobCtrl : public Control {
 public:
     using Control::Control;
@@ -24,6 +24,10 @@ public:
     void SetValue(double value);
     /// 0 to 100.
     int position() const { return value_; }
+    /// Whether so many clicks of the wheel would turn it.
+    bool turnsBy(int steps) const {
+        return !dragging_ && (steps > 0 ? value_ < kSteps : steps < 0 && value_ > 0);
+    }
 
     void paint(Surface& surface) override;
     bool handle(const ControlEvent& event) override;
@@ -33,19 +37,20 @@ protected:
     virtual void NotifyParent(int code);
 
 private:
-    void press(Point at);
+    void press();
     void move(Point at);
-    void drag();
+    void drag(int up);
+    bool turn(int steps);
     void letGo();
     void setStep(double step);
-    void showDragCursor();
-    Point onPage(Point at) const { return {place().left + at.x, place().top + at.y}; }
+    PageCursor ownCursor() const { return cursor_.value_or(PageCursor::arrow); }
+
+    static constexpr int kSteps = 100;
 
     const Bitmap* frames_ = nullptr;
     std::optional<PageCursor> cursor_;
     int value_ = 0;  ///< 0 to 100
     bool dragging_ = false;
-    Point pressPoint_{-1, -1};  ///< page pixels
     int frameWidth_ = 0;
     int frameHeight_ = 0;
     bool showCursor_ = false;

@@ -4,10 +4,10 @@
 #include <string>
 
 #include "platform/drawing/Geometry.h"
+#include "platform/drawing/PageWindow.h"
 
 namespace marnoth {
 
-class PageWindow;
 class Surface;
 class Control;
 
@@ -16,6 +16,8 @@ enum class ControlEventKind {
     leftUp,
     doubleClick,
     mouseMove,
+    relativeMove,  ///< of a relative drag: the point is the distance since the event before
+    wheel,         ///< the vertical one
     keyDown,
     keyUp,
     character,
@@ -31,6 +33,8 @@ struct ControlEvent {
     Point at;
     int key = 0;
     char32_t character = 0;
+    Modifiers held{};
+    int steps = 0;  ///< of the wheel, above 0 away from the user
 };
 
 inline constexpr int kAllKeys = 4;
@@ -47,6 +51,9 @@ public:
     virtual void invalidateOverlay(const Rect& area) = 0;
     /// All mouse events go to `control` until it lets go.
     virtual void captureMouse(Control& control) = 0;
+    /// The same, and moves come as distances while the pointer shows as `shown`.
+    virtual void beginRelativeDrag(Control& control, PageCursor shown) = 0;
+    /// Ends either.
     virtual void releaseMouse() = 0;
     /// Gives the keyboard to `control`; whoever had it hears `focusOut` first. Null: nobody has it.
     virtual void focus(Control* control) = 0;

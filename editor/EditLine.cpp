@@ -150,8 +150,8 @@ bool EditLine::shortcut(int key, PageWindow& window) {
     }
 }
 
-bool EditLine::key(int key, PageWindow& window) {
-    const bool shift = window.isKeyDown(kKeyShift);
+bool EditLine::key(int key, Modifiers held, PageWindow& window) {
+    const bool shift = held.shift;
     switch (key) {
         case kKeyLeft:
             step(false, shift);
@@ -172,7 +172,7 @@ bool EditLine::key(int key, PageWindow& window) {
             erase(true);
             return true;
         default:
-            return window.isKeyDown(kKeyControl) && shortcut(key, window);
+            return held.control && shortcut(key, window);
     }
 }
 

@@ -30,9 +30,8 @@ public:
     void rest();
     std::string_view selected() const;
 
-    /// True when the key means something here. Shift and Ctrl are asked of the window, which has the
-    /// clipboard.
-    bool key(int key, PageWindow& window);
+    /// True when the key means something here. `window` has the clipboard.
+    bool key(int key, Modifiers held, PageWindow& window);
     /// Replaces the selection. False for what isn't text.
     bool insert(char32_t character);
 

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <stdexcept>
+#include <utility>
 
 #include "editor/GrooveSamplerPropPage.h"
 #include "editor/PageLayout.h"
@@ -32,19 +33,22 @@ private:
 
 }  // namespace
 
-void CGrooveSamplerPropPage::RunFileCommand(FileMode mode, bool save) {
+void CGrooveSamplerPropPage::RunFileCommand(FileMode mode, bool save, std::function<void()> then) {
     const char* const filter = mode == FileMode::project ? kProjectFilter : kWaveFilter;
     // The dialog takes the keyboard: what stands in an edit or a combo counts before what the file brings.
     focus(&m_controls.toggle(kBinPlay));
-    if (const auto path = asking().askFile(filter, save)) {
-        clearSelections();
-        m_currentBinFile = -1;
-        if (mode == FileMode::project)
-            runProjectFile(*path, save);
-        else
-            loadChosenFile(mode, *path);
-    }
-    requestRefresh();
+    const auto done = [this, then = std::move(then)] {
+        requestRefresh();
+        then();
+    };
+    askFile(filter, save ? FileKind::save : FileKind::open,
+            [this, mode, save, done](const std::optional<std::string>& path) {
+                if (!path) return done();
+                clearSelections();
+                m_currentBinFile = -1;
+                if (mode == FileMode::project) return runProjectFile(*path, save, done);
+                loadChosenFile(mode, *path, done);
+            });
 }
 
 CGrooveSamplerPropPage::LoadResult CGrooveSamplerPropPage::loadFile(FileMode mode, const std::string& path) {
@@ -62,26 +66,30 @@ CGrooveSamplerPropPage::LoadResult CGrooveSamplerPropPage::loadFile(FileMode mod
     return result;
 }
 
-void CGrooveSamplerPropPage::loadChosenFile(FileMode mode, const std::string& path) {
+void CGrooveSamplerPropPage::loadChosenFile(FileMode mode, const std::string& path,
+                                            const std::function<void()>& then) {
     const bool ontoPad = mode == FileMode::pad;
     if (ontoPad) call(&IGrooveSampler::PushUndoState);
     const LoadResult result = loadFile(mode, path);
     if (result.isInBin()) m_currentBinFile = result.bin;
-    if (!result.isFine()) {
-        if (ontoPad) call(&IGrooveSampler::Undo);
-        reportLoad(result);
-    }
-    if (ontoPad) SyncLoopToggles(m_currentPad);
+    const auto done = [this, ontoPad, then] {
+        if (ontoPad) SyncLoopToggles(m_currentPad);
+        then();
+    };
+    if (result.isFine()) return done();
+    if (ontoPad) call(&IGrooveSampler::Undo);
+    reportLoad(result, done);
 }
 
-void CGrooveSamplerPropPage::reportLoad(const LoadResult& result) {
+void CGrooveSamplerPropPage::reportLoad(const LoadResult& result, const std::function<void()>& then) {
     const char* const text = result.status == kBinFull              ? kBinIsFull
                              : result.status == kLoadedFormatForced ? kNotPatched
                                                                     : kLoadFailed;
-    asking().askMessage(text, false);
+    askMessage(text, MessageKind::note, [then](PageAnswer) { then(); });
 }
 
-void CGrooveSamplerPropPage::runProjectFile(const std::string& path, bool save) {
+void CGrooveSamplerPropPage::runProjectFile(const std::string& path, bool save,
+                                            const std::function<void()>& then) {
     const EngineFile file(path);
     HRESULT result = E_INVALIDARG;
     try {
@@ -90,29 +98,34 @@ void CGrooveSamplerPropPage::runProjectFile(const std::string& path, bool save) 
     } catch (const std::invalid_argument&) {
         // The project names a grain that can't be.
     }
+    if (result == S_OK) return then();
     // A project that loads and has to set the format gives 1: its user is told as well.
-    if (result != S_OK) asking().askMessage(save ? kSaveProjectFailed : kLoadProjectFailed, false);
+    askMessage(save ? kSaveProjectFailed : kLoadProjectFailed, MessageKind::note,
+               [then](PageAnswer) { then(); });
 }
 
 void CGrooveSamplerPropPage::projectCommand(bool save) {
     m_currentBinFile = -1;
     SelectPad(0);
-    RunFileCommand(FileMode::project, save);
-    requestRefresh();
-    // Opening leaves its own toggle as the press left it, so that it stands down after every second use.
-    m_controls.toggle(save ? kSaveProject : kLoadToBin).setDown(false);
+    RunFileCommand(FileMode::project, save, [this, save] {
+        requestRefresh();
+        // Opening leaves its own toggle as the press left it, so that it stands down after every second use.
+        m_controls.toggle(save ? kSaveProject : kLoadToBin).setDown(false);
+    });
 }
 
 void CGrooveSamplerPropPage::clearProject() {
     window().setTimer(0);
-    if (asking().askMessage(kAskClearProject, true) == PageAnswer::yes) {
-        m_currentBinFile = -1;
-        SelectPad(0);
-        clearSelections();
-        call(&IGrooveSampler::ClearProject);
-        requestRefresh();
-    }
-    window().setTimer(kTimerPeriod);
+    askMessage(kAskClearProject, MessageKind::yesNo, [this](PageAnswer answer) {
+        if (answer == PageAnswer::yes) {
+            m_currentBinFile = -1;
+            SelectPad(0);
+            clearSelections();
+            call(&IGrooveSampler::ClearProject);
+            requestRefresh();
+        }
+        window().setTimer(kTimerPeriod);
+    });
 }
 
 }  // namespace marnoth

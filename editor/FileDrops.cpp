@@ -5,40 +5,39 @@
 
 namespace marnoth {
 
-namespace {
-
-/// Above zero as long as it lives.
-class Held {
-public:
-    explicit Held(int& counter) : counter_(counter) { ++counter_; }
-    ~Held() { --counter_; }
-    Held(const Held&) = delete;
-    Held& operator=(const Held&) = delete;
-
-private:
-    int& counter_;
-};
-
-}  // namespace
-
 DropEffect CGrooveSamplerPropPage::dragEnter(bool hasFiles) {
-    return hasFiles ? DropEffect::copy : DropEffect::none;
+    return hasFiles && !isAsking() ? DropEffect::copy : DropEffect::none;
+}
+
+DropEffect CGrooveSamplerPropPage::dragOver(Point) {
+    return isAsking() ? DropEffect::none : DropEffect::copy;
 }
 
 DropEffect CGrooveSamplerPropPage::drop(Point at, std::optional<std::span<const std::string>> paths) {
-    if (!paths) return DropEffect::none;
+    if (!paths || isAsking()) return DropEffect::none;
     carryOut([&] {
-        // Nothing is painted behind the messages of a drop.
-        const Held unpainted(m_paintBlock);
-        int row = -1;
-        if (HitTestBinRow(at, &row))
-            dropIntoBin(*paths);
-        else if (const auto pad = padOfDrop(at))
-            dropOntoPad(*pad, *paths);
-        requestRefresh();
+        // Nothing is painted while files load, nor behind the message that ends a drop.
+        ++m_paintBlock;
+        m_wheelRun.reset();
+        LoadResult result;
+        guarded([&] { result = loadDropped(at, *paths); });
+        const auto end = [this] {
+            requestRefresh();
+            --m_paintBlock;
+            window().requestPaint();
+        };
+        if (result.isFine()) return end();
+        reportLoad(result, end);
     });
-    window().requestPaint();
     return DropEffect::copy;
+}
+
+CGrooveSamplerPropPage::LoadResult CGrooveSamplerPropPage::loadDropped(Point at,
+                                                                       std::span<const std::string> paths) {
+    int row = -1;
+    if (HitTestBinRow(at, &row)) return dropIntoBin(paths);
+    if (const auto pad = padOfDrop(at)) return dropOntoPad(*pad, paths);
+    return {};
 }
 
 std::optional<int> CGrooveSamplerPropPage::padOfDrop(Point at) const {
@@ -49,27 +48,31 @@ std::optional<int> CGrooveSamplerPropPage::padOfDrop(Point at) const {
     return row;
 }
 
-void CGrooveSamplerPropPage::dropIntoBin(std::span<const std::string> paths) {
+CGrooveSamplerPropPage::LoadResult CGrooveSamplerPropPage::dropIntoBin(std::span<const std::string> paths) {
     clearSelections();
-    for (const std::string& path : paths)
-        if (!takeDropped(loadFile(FileMode::loopBin, path))) return;
+    LoadResult result;
+    for (const std::string& path : paths) {
+        result = loadFile(FileMode::loopBin, path);
+        if (result.isInBin()) m_currentBinFile = result.bin;
+        if (!result.isFine()) break;
+    }
+    return result;
 }
 
-void CGrooveSamplerPropPage::dropOntoPad(int pad, std::span<const std::string> paths) {
+CGrooveSamplerPropPage::LoadResult CGrooveSamplerPropPage::dropOntoPad(int pad,
+                                                                       std::span<const std::string> paths) {
     clearSelections();
+    LoadResult result;
     for (const std::string& path : paths) {
         SelectPad(pad);
         call(&IGrooveSampler::PushUndoState);
-        const LoadResult result = loadFile(FileMode::pad, path);
-        if (!result.isFine()) call(&IGrooveSampler::Undo);
-        if (!takeDropped(result)) return;
+        result = loadFile(FileMode::pad, path);
+        if (result.isInBin()) m_currentBinFile = result.bin;
+        if (result.isFine()) continue;
+        call(&IGrooveSampler::Undo);
+        break;
     }
-}
-
-bool CGrooveSamplerPropPage::takeDropped(const LoadResult& result) {
-    if (result.isInBin()) m_currentBinFile = result.bin;
-    if (!result.isFine()) reportLoad(result);
-    return result.isFine();
+    return result;
 }
 
 }  // namespace marnoth

@@ -117,6 +117,14 @@ int CFxComboBox::rowAt(Point at) const {
     return -1;
 }
 
+bool CFxComboBox::turn(int items) {
+    const int before = selection();
+    walk(items);
+    if (open_ || selection() == before) return open_;
+    parent().comboClosed(id());
+    return true;
+}
+
 void CFxComboBox::press(Point at) {
     if (!open_) return open();
     // The mouse stays captured until the release: it belongs to this press and to nobody under the list.
@@ -141,6 +149,8 @@ bool CFxComboBox::mouse(const ControlEvent& event) {
         case ControlEventKind::leftUp:
             release(event.at);
             return true;
+        case ControlEventKind::wheel:
+            return turn(-event.steps);
         case ControlEventKind::captureLost:
             captured_ = false;
             close();
@@ -150,7 +160,7 @@ bool CFxComboBox::mouse(const ControlEvent& event) {
     }
 }
 
-bool CFxComboBox::key(int key) {
+bool CFxComboBox::key(int key, Modifiers held) {
     switch (key) {
         case kKeyUp:
             walk(-1);
@@ -170,14 +180,14 @@ bool CFxComboBox::key(int key) {
             letGoOfMouse();
             return true;
         default:
-            return line_.key(key, parent().window());
+            return line_.key(key, held, parent().window());
     }
 }
 
 bool CFxComboBox::keyboard(const ControlEvent& event) {
     switch (event.kind) {
         case ControlEventKind::keyDown:
-            return key(event.key);
+            return key(event.key, event.held);
         case ControlEventKind::keyUp:
             if (event.key == kKeyReturn) parent().postComboReturn(id());
             return event.key == kKeyReturn;

@@ -16,7 +16,7 @@ namespace marnoth {
 /// A press on the field opens the list, and while it is open the combo has the mouse: a press on a row picks
 /// it, so does the release of the press that opened the list; a press anywhere else closes the list and does
 /// nothing more. Up and Down walk the list, or with the list closed through the items; Return picks, Escape
-/// closes.
+/// closes. The wheel goes on to the item after, or back to the one before, and tells the page as well.
 class CFxComboBox : public Control {
 public:
     using Control::Control;
@@ -56,7 +56,9 @@ private:
     void press(Point at);
     void release(Point at);
     void letGoOfMouse();
-    bool key(int key);
+    /// Goes on by so many items, up to the first and the last, and tells the page.
+    bool turn(int items);
+    bool key(int key, Modifiers held);
     bool mouse(const ControlEvent& event);
     bool keyboard(const ControlEvent& event);
     void leave();

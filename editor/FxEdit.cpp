@@ -52,7 +52,7 @@ bool CFxEdit::mouse(const ControlEvent& event) {
 bool CFxEdit::keyboard(const ControlEvent& event) {
     switch (event.kind) {
         case ControlEventKind::keyDown:
-            return line_.key(event.key, parent().window());
+            return line_.key(event.key, event.held, parent().window());
         case ControlEventKind::keyUp:
             if (event.key == kKeyReturn) parent().postEditReturn(id());
             return event.key == kKeyReturn;

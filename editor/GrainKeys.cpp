@@ -9,7 +9,7 @@
 
 namespace marnoth {
 
-void CGrooveSamplerPropPage::keyPressed(int key) {
+bool CGrooveSamplerPropPage::keyPressed(int key) {
     switch (key) {
         case kKeyLeft:
         case kKeyUp:
@@ -26,9 +26,10 @@ void CGrooveSamplerPropPage::keyPressed(int key) {
         case kKeySubtract:
             return transposeSelection(-1);
         case kKeyF1:
-            return showHelp();
+            showHelp();
+            return true;
         default:
-            return;
+            return false;
     }
 }
 
@@ -36,8 +37,8 @@ bool CGrooveSamplerPropPage::isDragOpen() const {
     return m_draggingKeyMap || m_draggingBinFile || m_draggingBinGrain || m_grainDrag.active;
 }
 
-void CGrooveSamplerPropPage::arrow(int key) {
-    if (m_selection.isEmpty() || m_selection.first().track > 15) return;
+bool CGrooveSamplerPropPage::arrow(int key) {
+    if (m_selection.isEmpty() || m_selection.first().track > 15) return false;
     const EventSelectionInfo next = neighbour(key, m_selection.first());
     m_selection.set(next.track, next.grain);
     makeSourceCurrent(next.track, next.grain);
@@ -47,6 +48,7 @@ void CGrooveSamplerPropPage::arrow(int key) {
     invalidate(kStripPlot);
     invalidate(kBinList);
     scrollToGrain(key, next);
+    return true;
 }
 
 EventSelectionInfo CGrooveSamplerPropPage::neighbour(int key, const EventSelectionInfo& from) const {
@@ -75,31 +77,34 @@ void CGrooveSamplerPropPage::scrollToGrain(int key, const EventSelectionInfo& gr
     if ((key == kKeyUp || key == kKeyDown) && (isLeft || isRight)) scrollTo(x);
 }
 
-void CGrooveSamplerPropPage::deleteSelection() {
-    if (isDragOpen()) return;
+bool CGrooveSamplerPropPage::deleteSelection() {
+    if (isDragOpen()) return false;
     call(&IGrooveSampler::PushUndoState);
     for (const auto& [pad, grain] : m_selection) call(&IGrooveSampler::DeleteGrain, pad, grain, 1);
     call(&IGrooveSampler::CommitGrainEdits);
     m_selection.clear();
     invalidateDrag();
     invalidate(kStripPlot);
+    return true;
 }
 
-void CGrooveSamplerPropPage::undoOrRedo() {
-    if (isDragOpen() || !isControlHeld()) return;
+bool CGrooveSamplerPropPage::undoOrRedo() {
+    if (isDragOpen() || !held().control) return false;
     clearSelections();
-    call(isShiftHeld() ? &IGrooveSampler::Redo : &IGrooveSampler::Undo);
+    call(held().shift ? &IGrooveSampler::Redo : &IGrooveSampler::Undo);
     requestRefresh();
+    return true;
 }
 
-void CGrooveSamplerPropPage::transposeSelection(int semitones) {
-    if (m_selection.isEmpty()) return;
+bool CGrooveSamplerPropPage::transposeSelection(int semitones) {
+    if (m_selection.isEmpty()) return false;
     for (const auto& [pad, grain] : m_selection) {
         const int transpose = get(&IGrooveSampler::GetGrainTranspose, std::int32_t{0}, pad, grain);
         SetGrainTransposeText(transpose + semitones, true);
     }
     const auto [pad, grain] = m_selection.first();
     call(&IGrooveSampler::AuditionPad, pad, grain);
+    return true;
 }
 
 }  // namespace marnoth

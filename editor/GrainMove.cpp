@@ -43,7 +43,7 @@ void CGrooveSamplerPropPage::dragGrain(Point at) {
     window().confinePointer(kPadPlot);
     const TimeScale scale = this->scale();
     drag.current.x =
-        isShiftHeld() ? drag.press.x : scale.TickToPixel(snappedTick(at.x, drag.grab.x)) + drag.grab.x;
+        held().shift ? drag.press.x : scale.TickToPixel(snappedTick(at.x, drag.grab.x)) + drag.grab.x;
     const int row = scale.rawRowOf(at.y);
     const int top = kPadView.contains(at) && row < 17 ? scale.topOf(row) : at.y;
     drag.current.y = top + drag.grab.y;
@@ -59,7 +59,7 @@ void CGrooveSamplerPropPage::dragLength(Point at) {
 
 void CGrooveSamplerPropPage::dragKeyMap(Point at) {
     KeyMapRecord entry = keyMapEntry();
-    m_keyMapEditor.OnKeyMapDrag(at, isShiftHeld(), &entry);
+    m_keyMapEditor.OnKeyMapDrag(at, held().shift, &entry);
     call(&IGrooveSampler::SetKeyMapEntry, &entry);
     invalidate(kStripPanel);
     showKeyMapEntry(entry);

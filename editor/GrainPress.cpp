@@ -39,7 +39,7 @@ bool CGrooveSamplerPropPage::HitTestStrip(Point at) {
     }
     for (const EventPlotInfo& info : m_binPlot) {
         if (!info.rect.contains(at)) continue;
-        if (!isShiftHeld()) m_binSelection.clear();
+        if (!held().shift) m_binSelection.clear();
         m_binSelection.add(m_currentBinFile, info.grain);
         m_draggingBinGrain = true;
         call(&IGrooveSampler::AuditionBinFile, m_currentBinFile, info.grain);
@@ -109,7 +109,7 @@ bool CGrooveSamplerPropPage::pressGrain(Point at) {
     if (!hit) return false;
     const auto& [pad, grain, corner] = *hit;
     SelectPad(pad);
-    if (!isShiftHeld() && !m_selection.contains(pad, grain)) m_selection.clear();
+    if (!held().shift && !m_selection.contains(pad, grain)) m_selection.clear();
     m_selection.add(pad, grain);
     RefreshGrainReadouts();
     makeSourceCurrent(pad, grain);
@@ -131,7 +131,7 @@ bool CGrooveSamplerPropPage::pressScroller(Point at) {
 }
 
 void CGrooveSamplerPropPage::pressElsewhere(Point at) {
-    if (!isShiftHeld() && kPadPlot.contains(at)) m_selection.clear();
+    if (!held().shift && kPadPlot.contains(at)) m_selection.clear();
     invalidateView();
 }
 

@@ -87,8 +87,8 @@ void CGrooveSamplerPropPage::releaseGrains(Point at) {
 }
 
 void CGrooveSamplerPropPage::moveSelection(int padsDown, std::int64_t delta) {
-    const bool copies = isControlHeld();
-    const bool keepsTime = isShiftHeld();
+    const bool copies = held().control;
+    const bool keepsTime = held().shift;
     std::int32_t newIndex = -1;
     for (const auto& [pad, grain] : m_selection) {
         // The group keeps its shape and folds onto the first or the last pad.

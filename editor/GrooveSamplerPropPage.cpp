@@ -17,20 +17,19 @@ constexpr int kSmallHeight = 12;
 constexpr int kLargeHeight = 14;
 constexpr int kOctavesShown = 6;
 
-std::unique_ptr<Font> openFont(FontSource& fonts, int height) {
+std::unique_ptr<Font> openFont(PageWindow& window, int height) {
     std::string error;
-    std::unique_ptr<Font> font = fonts.open(kFontFace, height, error);
+    std::unique_ptr<Font> font = window.openFont(kFontFace, height, error);
     if (!font) throw std::runtime_error(error);
     return font;
 }
 
 }  // namespace
 
-CGrooveSamplerPropPage::CGrooveSamplerPropPage(PageWindow& window, FontSource& fonts,
-                                               SurfaceMaker makeSurface)
+CGrooveSamplerPropPage::CGrooveSamplerPropPage(PageWindow& window, SurfaceMaker makeSurface)
     : PageFrame(window, skinBitmap(kBackground), std::move(makeSurface)),
-      m_smallFont(openFont(fonts, kSmallHeight)),
-      m_largeFont(openFont(fonts, kLargeHeight)),
+      m_smallFont(openFont(window, kSmallHeight)),
+      m_largeFont(openFont(window, kLargeHeight)),
       m_controls(*this, *this, *m_smallFont) {
     for (Control* control : m_controls.all()) add(*control);
     m_timeScale.view = kPadView;
@@ -89,6 +88,9 @@ TimeScale CGrooveSamplerPropPage::scale() const {
 
 bool CGrooveSamplerPropPage::OnControlMessage(Control& control, const ControlEvent& event, int* result) {
     switch (event.kind) {
+        case ControlEventKind::wheel:
+            beginWheelRun(control, event.steps);
+            return false;
         case ControlEventKind::mouseMove:
             if (m_draggingBinFile) window().setCursor(PageCursor::dragCopy);
             return false;
@@ -98,7 +100,7 @@ bool CGrooveSamplerPropPage::OnControlMessage(Control& control, const ControlEve
             return false;
         case ControlEventKind::keyDown:
             *result = 0;
-            keyPressed(event.key);
+            if (keyPressed(event.key)) actOnKey();
             return true;
         case ControlEventKind::keyUp:
         case ControlEventKind::character:

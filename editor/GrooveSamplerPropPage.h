@@ -34,9 +34,9 @@ class CGrooveSamplerPropPage final : public PageFrame, public CPlugInFilterCallb
 public:
     static constexpr int kTimerPeriod = 200;  ///< milliseconds
 
-    /// `window` outlives the page; `fonts` need not. Throws `std::runtime_error`, with a sentence for the
-    /// user, when the font can't be had.
-    CGrooveSamplerPropPage(PageWindow& window, FontSource& fonts, SurfaceMaker makeSurface = drawInto);
+    /// `window` outlives the page. Throws `std::runtime_error`, with a sentence for the user, when it hasn't
+    /// got the font.
+    explicit CGrooveSamplerPropPage(PageWindow& window, SurfaceMaker makeSurface = drawInto);
     ~CGrooveSamplerPropPage() override;
     CGrooveSamplerPropPage(const CGrooveSamplerPropPage&) = delete;
     CGrooveSamplerPropPage& operator=(const CGrooveSamplerPropPage&) = delete;
@@ -67,7 +67,7 @@ public:
     // Events from outside the frame.
     void timer() override;
     DropEffect dragEnter(bool hasFiles) override;
-    DropEffect dragOver(Point) override { return DropEffect::copy; }
+    DropEffect dragOver(Point at) override;
     void dragLeave() override {}
     DropEffect drop(Point at, std::optional<std::span<const std::string>> paths) override;
     /// A grain that is gone takes no value, and the keyboard goes on to where it was going.
@@ -107,6 +107,13 @@ private:
         bool isFine() const { return SUCCEEDED(code) && status == kLoaded; }
         bool isInBin() const { return isFine() || status == kLoadedFormatForced; }
     };
+    /// Steps of the wheel over one knob, with nothing between them that the user did.
+    struct WheelRun {
+        int knob;
+        int acts;  ///< what was done before it
+
+        friend bool operator==(const WheelRun&, const WheelRun&) = default;
+    };
     /// What the edits got last, for a text that can't be read. Keys and velocities by the edit's id.
     struct ShownValues {
         int transpose = 0;
@@ -122,6 +129,7 @@ private:
     void released(Point at) override;
     void doubleClicked(Point at) override;
     void moved(Point at) override;
+    void wheelTurned(Point at, WheelAxis axis, int steps) override;
     void menuWanted(Point at) override;
     void gestureLost() override;
     void command(int id) override;
@@ -205,21 +213,27 @@ private:
     /// All pads with shift held, else only `pad`.
     std::span<const int> padsMeant(const int& pad);
     void zoomCommand(int id);
+    /// Ahead of the first step of a run that turns a knob: it can be undone as a whole.
+    void beginWheelRun(const Control& control, int steps);
+    // `steps` go down or to the right.
+    void scrollView(bool sideways, int steps);
+    void scrollBin(bool sideways, int steps);
 
     // Files.
-    void RunFileCommand(FileMode mode, bool save);
+    /// Asks for a file and does with it what `mode` says. `then` follows, also when the user cancels.
+    void RunFileCommand(FileMode mode, bool save, std::function<void()> then);
     /// Into the Loop Bin, or onto the current pad as well.
     LoadResult loadFile(FileMode mode, const std::string& path);
-    void loadChosenFile(FileMode mode, const std::string& path);
-    void runProjectFile(const std::string& path, bool save);
-    void reportLoad(const LoadResult& result);
+    void loadChosenFile(FileMode mode, const std::string& path, const std::function<void()>& then);
+    void runProjectFile(const std::string& path, bool save, const std::function<void()>& then);
+    void reportLoad(const LoadResult& result, const std::function<void()>& then);
     void projectCommand(bool save);
     void clearProject();
     std::optional<int> padOfDrop(Point at) const;
-    void dropIntoBin(std::span<const std::string> paths);
-    void dropOntoPad(int pad, std::span<const std::string> paths);
-    /// False when the drop ends with a message.
-    bool takeDropped(const LoadResult& result);
+    // What the last load gave, which is the first one that failed.
+    LoadResult loadDropped(Point at, std::span<const std::string> paths);
+    LoadResult dropIntoBin(std::span<const std::string> paths);
+    LoadResult dropOntoPad(int pad, std::span<const std::string> paths);
 
     // The Loop Bin.
     bool HitTestBinRow(Point at, int* index) const;
@@ -227,6 +241,7 @@ private:
     void releaseBinFile(Point at);
     void loadToBinCommand();
     void deleteBinFile();
+    void removeCurrentFile();
     void playCommand();
     void stopAuditions();
 
@@ -269,14 +284,15 @@ private:
     const EventPlotInfo& plotted(int pad, int grain) const;
 
     // Keys.
-    void keyPressed(int key);
+    /// False when the key means nothing now.
+    bool keyPressed(int key);
     bool isDragOpen() const;
-    void arrow(int key);
+    bool arrow(int key);
     EventSelectionInfo neighbour(int key, const EventSelectionInfo& from) const;
     void scrollToGrain(int key, const EventSelectionInfo& grain);
-    void deleteSelection();
-    void undoOrRedo();
-    void transposeSelection(int semitones);
+    bool deleteSelection();
+    bool undoOrRedo();
+    bool transposeSelection(int semitones);
 
     BoundEngine m_pGrooveSampler;
     std::unique_ptr<Font> m_smallFont;
@@ -297,6 +313,7 @@ private:
     CGrooveScroller m_binHorizontal;
     CKeyMapEditor m_keyMapEditor;
 
+    std::optional<WheelRun> m_wheelRun;
     bool m_mouseDown = false;
     int m_heldPad = -1;  ///< the pad whose image is held down; -1 for none
     bool m_draggingBinFile = false;

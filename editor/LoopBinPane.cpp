@@ -1,5 +1,7 @@
 /// The list of audio files, its buttons, and files dragged out of it.
 
+#include <algorithm>
+
 #include "editor/GrooveSamplerPropPage.h"
 #include "editor/PageLayout.h"
 #include "editor/PageTexts.h"
@@ -49,23 +51,28 @@ void CGrooveSamplerPropPage::releaseBinFile(Point at) {
 }
 
 void CGrooveSamplerPropPage::loadToBinCommand() {
-    RunFileCommand(FileMode::loopBin, false);
-    m_controls.toggle(kLoadToBin).setDown(false);
-    requestRefresh();
+    RunFileCommand(FileMode::loopBin, false, [this] {
+        m_controls.toggle(kLoadToBin).setDown(false);
+        requestRefresh();
+    });
 }
 
 void CGrooveSamplerPropPage::deleteBinFile() {
-    if (m_currentBinFile < 0) {
-        asking().askMessage(kSelectFileFirst, false);
-        return m_controls.toggle(kDeleteFromBin).setDown(false);
-    }
-    if (asking().askMessage(kAskDeleteFile, true) == PageAnswer::yes) {
-        clearSelections();
-        call(&IGrooveSampler::RemoveBinFile, m_currentBinFile);
-        --m_currentBinFile;
-    }
-    m_controls.toggle(kDeleteFromBin).setDown(false);
-    requestRefresh();
+    if (m_currentBinFile < 0)
+        return askMessage(kSelectFileFirst, MessageKind::note,
+                          [this](PageAnswer) { m_controls.toggle(kDeleteFromBin).setDown(false); });
+    askMessage(kAskDeleteFile, MessageKind::yesNo, [this](PageAnswer answer) {
+        if (answer == PageAnswer::yes) removeCurrentFile();
+        m_controls.toggle(kDeleteFromBin).setDown(false);
+        requestRefresh();
+    });
+}
+
+void CGrooveSamplerPropPage::removeCurrentFile() {
+    clearSelections();
+    call(&IGrooveSampler::RemoveBinFile, m_currentBinFile);
+    // Nothing is current any more when the page was bound anew behind the question.
+    m_currentBinFile = std::max(m_currentBinFile - 1, -1);
 }
 
 void CGrooveSamplerPropPage::playCommand() {

@@ -20,13 +20,14 @@ void CGrooveSamplerPropPage::ShowPadMenu(Point at, int pad) {
          {kLoopingCommand, "Looping", isOn(&IGrooveSampler::GetPadLooping, pad)},
          {kSyncedCommand, "Synced Playback", isOn(&IGrooveSampler::GetPadSynced, pad)},
          {kClearPadCommand, "Clear Pad"}}};
-    if (const int chosen = asking().askMenu(at, items)) postCommand(chosen);
+    askMenu(at, items, [this](int chosen) {
+        if (chosen) postCommand(chosen);
+    });
 }
 
 void CGrooveSamplerPropPage::padMenuCommand(int id) {
-    if (id == kOpenAudioCommand)
-        RunFileCommand(FileMode::pad, false);
-    else if (id == kLoopingCommand)
+    if (id == kOpenAudioCommand) return RunFileCommand(FileMode::pad, false, [this] { requestRefresh(); });
+    if (id == kLoopingCommand)
         switchLooping(m_currentPad, !isOn(&IGrooveSampler::GetPadLooping, m_currentPad));
     else if (id == kSyncedCommand)
         switchSynced(m_currentPad, !isOn(&IGrooveSampler::GetPadSynced, m_currentPad));

@@ -59,7 +59,7 @@ void CGrooveSamplerPropPage::paintPadRow(Surface& surface, const TimeScale& scal
 }
 
 void CGrooveSamplerPropPage::paintGrains(Surface& surface, int pad, EventPlot& ghosts) {
-    const bool leavesPlace = !isControlHeld();
+    const bool leavesPlace = !held().control;
     for (const EventPlotInfo& info : m_padPlot[static_cast<std::size_t>(pad)]) {
         const bool selected = m_selection.contains(pad, info.grain);
         if (m_grainDrag.active && selected) {

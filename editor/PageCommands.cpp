@@ -92,14 +92,15 @@ void CGrooveSamplerPropPage::padToggleCommand(int id) {
         for (const int pad : padsMeant(*looping)) switchLooping(pad, on);
     } else if (const auto opened = padInRow(id, kFirstOpen)) {
         SelectPad(*opened);
-        RunFileCommand(FileMode::pad, false);
-        m_controls.toggle(id).setDown(false);
-        requestRefresh();
+        RunFileCommand(FileMode::pad, false, [this, id] {
+            m_controls.toggle(id).setDown(false);
+            requestRefresh();
+        });
     }
 }
 
 std::span<const int> CGrooveSamplerPropPage::padsMeant(const int& pad) {
-    if (isShiftHeld()) return allPads();
+    if (held().shift) return allPads();
     return {&pad, 1};
 }
 

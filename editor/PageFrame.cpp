@@ -33,6 +33,13 @@ void copyPixels(const Bitmap& from, Bitmap& to, const Rect& area) {
             to.row(y).begin() + area.left);
 }
 
+/// Whether a key of an American keyboard makes a character; so may one without a code.
+bool makesCharacter(int key) {
+    const auto isFrom = [key](int first, int last) { return first <= key && key <= last; };
+    return key == 0 || key == kKeySpace || isFrom('0', '9') || isFrom('A', 'Z') || isFrom(96, 111) ||
+           isFrom(186, 226);
+}
+
 }  // namespace
 
 PageFrame::PageFrame(PageWindow& window, const Bitmap& ground, SurfaceMaker makeSurface)
@@ -41,6 +48,10 @@ PageFrame::PageFrame(PageWindow& window, const Bitmap& ground, SurfaceMaker make
       m_backBuffer(ground),
       m_page(ground),
       m_screen(ground) {}
+
+PageFrame::~PageFrame() {
+    if (isAsking()) m_window.cancelQuestion();
+}
 
 Control* PageFrame::controlOf(int id) const {
     const auto found =
@@ -73,59 +84,90 @@ Control* PageFrame::targetOf(Point at) const {
     return m_pageCaptured ? nullptr : under(at);
 }
 
-void PageFrame::route(ControlEventKind kind, Point at, void (PageFrame::*toPage)(Point)) {
+bool PageFrame::admits(Modifiers held) {
+    m_held = held;
+    return !isAsking();
+}
+
+void PageFrame::route(ControlEventKind kind, Point at, Modifiers held, void (PageFrame::*toPage)(Point)) {
+    if (!admits(held)) return;
+    if (kind != ControlEventKind::mouseMove) ++m_acts;
     carryOut([&] {
         if (Control* target = targetOf(at))
-            target->handle({kind, onControl(*target, at)});
+            target->handle({kind, onControl(*target, at), 0, 0, held});
         else
             (this->*toPage)(at);
     });
 }
 
-void PageFrame::leftDown(Point at) {
-    route(ControlEventKind::leftDown, at, &PageFrame::pressed);
+void PageFrame::leftDown(Point at, Modifiers held) {
+    route(ControlEventKind::leftDown, at, held, &PageFrame::pressed);
 }
 
-void PageFrame::leftUp(Point at) {
-    route(ControlEventKind::leftUp, at, &PageFrame::released);
+void PageFrame::leftUp(Point at, Modifiers held) {
+    route(ControlEventKind::leftUp, at, held, &PageFrame::released);
 }
 
-void PageFrame::doubleClick(Point at) {
-    route(ControlEventKind::doubleClick, at, &PageFrame::doubleClicked);
+void PageFrame::doubleClick(Point at, Modifiers held) {
+    route(ControlEventKind::doubleClick, at, held, &PageFrame::doubleClicked);
 }
 
-void PageFrame::mouseMove(Point at) {
-    route(ControlEventKind::mouseMove, at, &PageFrame::moved);
+void PageFrame::mouseMove(Point at, Modifiers held) {
+    route(ControlEventKind::mouseMove, at, held, &PageFrame::moved);
 }
 
-void PageFrame::rightDown(Point) {}
+void PageFrame::relativeMove(Point distance, Modifiers held) {
+    if (!admits(held) || !m_relativeDrag || !m_captured) return;
+    carryOut([&] { m_captured->handle({ControlEventKind::relativeMove, distance, 0, 0, held}); });
+}
 
-void PageFrame::contextMenu(Point at) {
-    if (m_captured) return;
+void PageFrame::wheel(Point at, WheelAxis axis, int steps, Modifiers held) {
+    if (!admits(held) || m_pageCaptured || steps == 0) return;
+    carryOut([&] {
+        Control* const target = targetOf(at);
+        if (!target) return wheelTurned(at, axis, steps);
+        if (axis == WheelAxis::vertical)
+            target->handle({ControlEventKind::wheel, onControl(*target, at), 0, 0, held, steps});
+    });
+}
+
+void PageFrame::rightDown(Point, Modifiers held) {
+    m_held = held;
+}
+
+void PageFrame::contextMenu(Point at, Modifiers held) {
+    if (!admits(held) || m_captured) return;
     const Control* control = under(at);
     if (control && control->takesText()) return;
+    ++m_acts;
     carryOut([&] { menuWanted(at); });
 }
 
 void PageFrame::sendKey(const ControlEvent& event) {
+    if (!admits(event.held)) return;
+    ++m_acts;
     carryOut([&] {
-        if (m_focus) m_focus->handle(event);
+        if (m_focus && m_focus->handle(event) && m_focus->takesText()) actOnKey();
     });
 }
 
-void PageFrame::keyDown(int key) {
-    sendKey({ControlEventKind::keyDown, {}, key});
+bool PageFrame::keyDown(int key, Modifiers held) {
+    m_actedOnKey = m_focus && m_focus->takesText() && !isAsking() && !held.control && makesCharacter(key);
+    sendKey({ControlEventKind::keyDown, {}, key, 0, held});
+    return m_actedOnKey;
 }
 
-void PageFrame::keyUp(int key) {
-    sendKey({ControlEventKind::keyUp, {}, key});
+void PageFrame::keyUp(int key, Modifiers held) {
+    sendKey({ControlEventKind::keyUp, {}, key, 0, held});
 }
 
-void PageFrame::character(char32_t character) {
-    sendKey({ControlEventKind::character, {}, 0, character});
+void PageFrame::character(char32_t character, Modifiers held) {
+    sendKey({ControlEventKind::character, {}, 0, character, held});
 }
 
 void PageFrame::focusLost() {
+    // A question takes the keyboard, and gives it back.
+    if (isAsking()) return;
     carryOut([&] { focus(nullptr); });
 }
 
@@ -140,12 +182,47 @@ void PageFrame::loseMouse() {
     if (ofPage) gestureLost();
 }
 
-PageWindow& PageFrame::asking() {
+void PageFrame::giveMouseBack() {
+    if (std::exchange(m_relativeDrag, false))
+        m_window.endRelativeDrag();
+    else
+        m_window.releaseCapture();
+}
+
+template <class Answer>
+std::function<void(Answer)> PageFrame::opened(std::function<void(Answer)> then) {
     if (m_captured || m_pageCaptured) {
         loseMouse();
-        m_window.releaseCapture();
+        giveMouseBack();
     }
-    return m_window;
+    m_question = std::make_shared<char>();
+    return [this, question = std::weak_ptr(m_question), then = std::move(then)](Answer answer) {
+        // It has its answer already, or the page is gone.
+        if (question.expired()) return;
+        m_question.reset();
+        const auto go = [&] { then(std::move(answer)); };
+        // Within the event that asked, what is posted waits for that one's end.
+        if (m_underWay > 0)
+            guarded(go);
+        else
+            carryOut(go);
+    };
+}
+
+void PageFrame::askMessage(std::string_view text, MessageKind kind, std::function<void(PageAnswer)> then) {
+    if (isAsking()) return then(PageAnswer::cancel);
+    m_window.askMessage(text, kind, opened(std::move(then)));
+}
+
+void PageFrame::askFile(std::string_view filter, FileKind kind,
+                        std::function<void(std::optional<std::string>)> then) {
+    if (isAsking()) return then({});
+    m_window.askFile(filter, kind, opened(std::move(then)));
+}
+
+void PageFrame::askMenu(Point at, std::span<const MenuItem> items, std::function<void(int)> then) {
+    if (isAsking()) return then(0);
+    m_window.askMenu(at, items, opened(std::move(then)));
 }
 
 void PageFrame::captureMouse(Control& control) {
@@ -160,10 +237,17 @@ void PageFrame::captureForPage() {
     m_window.setCapture();
 }
 
+void PageFrame::beginRelativeDrag(Control& control, PageCursor shown) {
+    m_captured = &control;
+    m_pageCaptured = false;
+    m_relativeDrag = true;
+    m_window.beginRelativeDrag(shown);
+}
+
 void PageFrame::releaseMouse() {
     m_captured = nullptr;
     m_pageCaptured = false;
-    m_window.releaseCapture();
+    giveMouseBack();
 }
 
 void PageFrame::focus(Control* control) {

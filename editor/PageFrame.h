@@ -2,7 +2,11 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
+#include <span>
 #include <stdexcept>
+#include <string>
+#include <string_view>
 #include <vector>
 
 #include "editor/Control.h"
@@ -19,6 +23,8 @@ namespace marnoth {
 /// exactly the areas that were; the screen is the page picture with the controls on it and an open list over
 /// them. The window's thread alone.
 ///
+/// While a question of the page is open it hears the timer and is painted; what its user does it ignores.
+///
 /// An event that raises `std::invalid_argument`, because it counted on a grain that is gone, ends there and
 /// does nothing more.
 class PageFrame : public PageEvents, public ControlParent {
@@ -29,17 +35,22 @@ public:
     /// `window` outlives the frame. `ground` is what the page shows before anything was drawn, and gives its
     /// size.
     PageFrame(PageWindow& window, const Bitmap& ground, SurfaceMaker makeSurface);
+    ~PageFrame() override;
+    PageFrame(const PageFrame&) = delete;
+    PageFrame& operator=(const PageFrame&) = delete;
 
     void paint() final;
-    void leftDown(Point at) final;
-    void leftUp(Point at) final;
-    void doubleClick(Point at) final;
-    void mouseMove(Point at) final;
-    void rightDown(Point at) final;
-    void contextMenu(Point at) final;
-    void keyDown(int key) final;
-    void keyUp(int key) final;
-    void character(char32_t character) final;
+    void leftDown(Point at, Modifiers held) final;
+    void leftUp(Point at, Modifiers held) final;
+    void doubleClick(Point at, Modifiers held) final;
+    void mouseMove(Point at, Modifiers held) final;
+    void relativeMove(Point distance, Modifiers held) final;
+    void wheel(Point at, WheelAxis axis, int steps, Modifiers held) final;
+    void rightDown(Point at, Modifiers held) final;
+    void contextMenu(Point at, Modifiers held) final;
+    bool keyDown(int key, Modifiers held) final;
+    void keyUp(int key, Modifiers held) final;
+    void character(char32_t character, Modifiers held) final;
     void focusLost() final;
     void captureLost() final;
 
@@ -53,6 +64,7 @@ public:
         wakeUp();
     }
     void captureMouse(Control& control) final;
+    void beginRelativeDrag(Control& control, PageCursor shown) final;
     void releaseMouse() final;
     void focus(Control* control) final;
     bool hasFocus(const Control& control) const final { return m_focus == &control; }
@@ -79,11 +91,22 @@ protected:
     bool RectVisible(const Rect& area) const;
     /// All mouse events go to the page, also from over controls.
     void captureForPage();
-    /// The window, for a question to the user. Whoever has the mouse loses it: the button may be let go over
-    /// the question, and then nobody here hears of it.
-    PageWindow& asking();
-    bool isShiftHeld() { return m_window.isKeyDown(kKeyShift); }
-    bool isControlHeld() { return m_window.isKeyDown(kKeyControl); }
+
+    // Questions to the user, whose answers come to `then` as an event does: at once, or later. Whoever has
+    // the mouse loses it, since the button may be let go over the question, and then nobody here hears of it.
+    // A question while another one is open is cancelled.
+    void askMessage(std::string_view text, MessageKind kind, std::function<void(PageAnswer)> then);
+    void askFile(std::string_view filter, FileKind kind,
+                 std::function<void(std::optional<std::string>)> then);
+    void askMenu(Point at, std::span<const MenuItem> items, std::function<void(int)> then);
+    bool isAsking() const { return m_question != nullptr; }
+
+    /// The modifiers of the event that was last.
+    Modifiers held() const { return m_held; }
+    /// How often the user has pressed, released or typed something: whether anything came between two events.
+    int acts() const { return m_acts; }
+    /// For an event that came as a key: the page did something with it.
+    void actOnKey() { m_actedOnKey = true; }
 
     template <class Event>
     void guarded(Event event) {
@@ -96,6 +119,7 @@ protected:
     /// Carries out an event, and then what controls have posted in it.
     template <class Event>
     void carryOut(Event event) {
+        const UnderWay within(m_underWay);
         guarded(event);
         drain();
     }
@@ -109,6 +133,7 @@ protected:
     virtual void released(Point at) = 0;
     virtual void doubleClicked(Point at) = 0;
     virtual void moved(Point at) = 0;
+    virtual void wheelTurned(Point at, WheelAxis axis, int steps) = 0;
     virtual void menuWanted(Point at) = 0;
     /// The page's own capture was taken away.
     virtual void gestureLost() = 0;
@@ -117,6 +142,18 @@ protected:
     virtual void editReturned(int id) = 0;
 
 private:
+    /// Counts an event as long as it lives.
+    class UnderWay {
+    public:
+        explicit UnderWay(int& events) : events_(events) { ++events_; }
+        ~UnderWay() { --events_; }
+        UnderWay(const UnderWay&) = delete;
+        UnderWay& operator=(const UnderWay&) = delete;
+
+    private:
+        int& events_;
+    };
+
     void post(std::function<void()> what) { m_posted.push_back(std::move(what)); }
     void drain();
     void wakeUp() { m_window.requestPaint(); }
@@ -124,8 +161,14 @@ private:
     /// Null for the page.
     Control* targetOf(Point at) const;
     void loseMouse();
-    void route(ControlEventKind kind, Point at, void (PageFrame::*toPage)(Point));
+    void giveMouseBack();
+    /// Notes what is held. False when the event isn't for anybody, since a question is open.
+    bool admits(Modifiers held);
+    void route(ControlEventKind kind, Point at, Modifiers held, void (PageFrame::*toPage)(Point));
     void sendKey(const ControlEvent& event);
+    /// What a window is to call with the answer of the question that begins here.
+    template <class Answer>
+    std::function<void(Answer)> opened(std::function<void(Answer)> then);
 
     void paintInvalid();
     void compose(const std::vector<Rect>& stale);
@@ -143,6 +186,12 @@ private:
     Control* m_focus = nullptr;
     Control* m_captured = nullptr;
     bool m_pageCaptured = false;
+    bool m_relativeDrag = false;
+    Modifiers m_held;
+    bool m_actedOnKey = false;
+    int m_acts = 0;
+    int m_underWay = 0;                ///< events within each other
+    std::shared_ptr<char> m_question;  ///< lives as long as a question is open
 };
 
 }  // namespace marnoth

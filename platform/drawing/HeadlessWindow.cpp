@@ -68,45 +68,71 @@ void HeadlessWindow::settle() {
 
 void HeadlessWindow::press(Point at) {
     pointer_ = at;
-    tell([at](PageEvents& page) { page.leftDown(at); });
+    tell([&](PageEvents& page) { page.leftDown(at, held()); });
 }
 
 void HeadlessWindow::move(Point to) {
+    if (dragsRelatively_) {
+        const Point distance{to.x - pointer_.x, to.y - pointer_.y};
+        return tell([&](PageEvents& page) { page.relativeMove(distance, held()); });
+    }
     pointer_ = to;
-    tell([to](PageEvents& page) { page.mouseMove(to); });
+    tell([&](PageEvents& page) { page.mouseMove(to, held()); });
 }
 
 void HeadlessWindow::release(Point at) {
     pointer_ = at;
-    tell([at](PageEvents& page) { page.leftUp(at); });
+    tell([&](PageEvents& page) { page.leftUp(at, held()); });
 }
 
 void HeadlessWindow::doubleClick(Point at) {
     press(at);
     release(at);
     pointer_ = at;
-    tell([at](PageEvents& page) { page.doubleClick(at); });
+    tell([&](PageEvents& page) { page.doubleClick(at, held()); });
     release(at);
 }
 
 void HeadlessWindow::rightClick(Point at) {
     pointer_ = at;
-    tell([at](PageEvents& page) { page.rightDown(at); });
-    tell([at](PageEvents& page) { page.contextMenu(at); });
+    tell([&](PageEvents& page) { page.rightDown(at, held()); });
+    tell([&](PageEvents& page) { page.contextMenu(at, held()); });
 }
 
-void HeadlessWindow::key(int key) {
-    tell([key](PageEvents& page) { page.keyDown(key); });
-    tell([key](PageEvents& page) { page.keyUp(key); });
+void HeadlessWindow::wheel(Point at, WheelAxis axis, int steps) {
+    pointer_ = at;
+    tell([&](PageEvents& page) { page.wheel(at, axis, steps, held()); });
+}
+
+void HeadlessWindow::hold(int key) {
+    held_.insert(key);
+    tell([&](PageEvents& page) { page.keyDown(key, held()); });
+}
+
+void HeadlessWindow::let(int key) {
+    held_.erase(key);
+    tell([&](PageEvents& page) { page.keyUp(key, held()); });
+}
+
+void HeadlessWindow::loseCapture() {
+    captured_ = dragsRelatively_ = false;
+    tell([](PageEvents& page) { page.captureLost(); });
+}
+
+bool HeadlessWindow::key(int key) {
+    bool taken = false;
+    tell([&](PageEvents& page) { taken = page.keyDown(key, held()); });
+    tell([&](PageEvents& page) { page.keyUp(key, held()); });
+    return taken;
 }
 
 void HeadlessWindow::type(std::string_view text) {
     while (!text.empty()) {
         const char32_t character = takeUtf8(text);
         const int key = keyOfCharacter(character);
-        tell([key](PageEvents& page) { page.keyDown(key); });
-        tell([character](PageEvents& page) { page.character(character); });
-        tell([key](PageEvents& page) { page.keyUp(key); });
+        tell([&](PageEvents& page) { page.keyDown(key, held()); });
+        tell([&](PageEvents& page) { page.character(character, held()); });
+        tell([&](PageEvents& page) { page.keyUp(key, held()); });
     }
 }
 
@@ -119,6 +145,21 @@ void HeadlessWindow::drop(Point at, std::span<const std::string> paths) {
     tell([](PageEvents& page) { page.dragEnter(true); });
     tell([at](PageEvents& page) { page.dragOver(at); });
     tell([at, paths](PageEvents& page) { page.drop(at, paths); });
+}
+
+std::unique_ptr<Font> HeadlessWindow::openFont(std::string_view face, int height, std::string& error) {
+    if (fonts_) return fonts_->open(face, height, error);
+    error = "The window has no fonts.";
+    return nullptr;
+}
+
+void HeadlessWindow::beginRelativeDrag(PageCursor shown) {
+    captured_ = dragsRelatively_ = true;
+    cursor_ = shown;
+}
+
+void HeadlessWindow::endRelativeDrag() {
+    captured_ = dragsRelatively_ = false;
 }
 
 void HeadlessWindow::present(const Bitmap& screen, const Rect& changed) {
@@ -150,23 +191,25 @@ std::vector<std::string> HeadlessWindow::takeLog() {
     return std::exchange(log_, {});
 }
 
-PageAnswer HeadlessWindow::askMessage(std::string_view text, bool) {
+void HeadlessWindow::askMessage(std::string_view text, MessageKind, std::function<void(PageAnswer)> then) {
     const std::string answer = nextAnswer();
     log("message " + quoted(text), answer);
-    if (answer == "yes") return PageAnswer::yes;
-    if (answer == "no") return PageAnswer::no;
-    return answer == "ok" ? PageAnswer::ok : PageAnswer::cancel;
+    then(answer == "yes"  ? PageAnswer::yes
+         : answer == "no" ? PageAnswer::no
+         : answer == "ok" ? PageAnswer::ok
+                          : PageAnswer::cancel);
 }
 
-std::optional<std::string> HeadlessWindow::askFile(std::string_view filter, bool save) {
+void HeadlessWindow::askFile(std::string_view filter, FileKind kind,
+                             std::function<void(std::optional<std::string>)> then) {
     const std::string answer = nextAnswer();
-    log((save ? "file save " : "file open ") + quoted(filter), answer);
-    if (answer == kCancel) return {};
+    log((kind == FileKind::save ? "file save " : "file open ") + quoted(filter), answer);
+    if (answer == kCancel) return then({});
     // In the system's own spelling: a file is known by its path.
-    return utf8FromWide(wideFromPath((folder_ / pathFromWide(wideFromUtf8(answer))).make_preferred()));
+    then(utf8FromWide(wideFromPath((folder_ / pathFromWide(wideFromUtf8(answer))).make_preferred())));
 }
 
-int HeadlessWindow::askMenu(Point, std::span<const MenuItem> items) {
+void HeadlessWindow::askMenu(Point, std::span<const MenuItem> items, std::function<void(int)> then) {
     const std::string answer = nextAnswer();
     std::string question = "menu";
     for (const MenuItem& item : items)
@@ -174,7 +217,7 @@ int HeadlessWindow::askMenu(Point, std::span<const MenuItem> items) {
     log(question, answer);
     const std::optional<int> id = numberIn(answer);
     const bool there = std::ranges::any_of(items, [&](const MenuItem& item) { return id == item.id; });
-    return there ? *id : 0;
+    then(there ? *id : 0);
 }
 
 }  // namespace marnoth

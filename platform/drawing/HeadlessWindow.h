@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "platform/drawing/Bitmap.h"
+#include "platform/drawing/Font.h"
 #include "platform/drawing/PageWindow.h"
 
 namespace marnoth {
@@ -20,22 +21,28 @@ class HeadlessWindow final : public PageWindow {
 public:
     /// Not owned; null without a page: what the user does then changes only the pointer and the keys.
     void setPage(PageEvents* page) { page_ = page; }
+    /// Where the page's faces come from; not owned. Without them it has none.
+    void setFonts(FontSource& fonts) { fonts_ = &fonts; }
 
     // What the user does. Coordinates are taken as they are, also while the page confines the pointer.
     void press(Point at);
+    /// During a relative drag the pointer stays where it is, and each move counts from there.
     void move(Point to);
     void release(Point at);
     /// Press, release, double click, release.
     void doubleClick(Point at);
     /// The right button goes down and up, and the context-menu event follows.
     void rightClick(Point at);
-    /// `kKeyShift` or `kKeyControl` is down until `let`. The page is told nothing.
-    void hold(int key) { held_.insert(key); }
-    void let(int key) { held_.erase(key); }
-    /// Down and up.
-    void key(int key);
+    void wheel(Point at, WheelAxis axis, int steps);
+    /// `kKeyShift` or `kKeyControl` goes down, and is until `let`.
+    void hold(int key);
+    void let(int key);
+    /// Down and up. True when the page acted on it.
+    bool key(int key);
     /// Each character between its key's down and up. UTF-8.
     void type(std::string_view text);
+    /// Something else takes the mouse.
+    void loseCapture();
     /// One period of the timer passes; nothing when none is set.
     void tick();
     /// Files come from outside: enter, over, drop.
@@ -54,7 +61,8 @@ public:
     // What the page wanted.
     bool paintRequested() const { return paintRequested_; }
     const Bitmap& screen() const { return screen_; }  ///< as presented last; empty before
-    bool hasCapture() const { return captured_; }
+    bool hasCapture() const { return captured_; }     ///< by a relative drag too
+    bool dragsRelatively() const { return dragsRelatively_; }
     std::optional<Rect> confinement() const { return confinement_; }
     PageCursor cursor() const { return cursor_; }
     int timerPeriod() const { return timerPeriod_; }  ///< milliseconds; 0 while it stands
@@ -66,18 +74,22 @@ public:
 
     void requestPaint() override { paintRequested_ = true; }
     void present(const Bitmap& screen, const Rect& changed) override;
+    std::unique_ptr<Font> openFont(std::string_view face, int height, std::string& error) override;
     void setCapture() override { captured_ = true; }
     void releaseCapture() override { captured_ = false; }
+    void beginRelativeDrag(PageCursor shown) override;
+    void endRelativeDrag() override;
     void confinePointer(std::optional<Rect> area) override { confinement_ = area; }
-    void warpPointer(Point to) override { pointer_ = to; }
     Point pointer() override { return pointer_; }
     void setCursor(PageCursor cursor) override { cursor_ = cursor; }
-    bool isKeyDown(int key) override { return held_.contains(key); }
     void setTimer(int milliseconds) override { timerPeriod_ = milliseconds; }
     void takeFocus(bool wanted) override { wantsFocus_ = wanted; }
-    PageAnswer askMessage(std::string_view text, bool yesNo) override;
-    std::optional<std::string> askFile(std::string_view filter, bool save) override;
-    int askMenu(Point at, std::span<const MenuItem> items) override;
+    void askMessage(std::string_view text, MessageKind kind, std::function<void(PageAnswer)> then) override;
+    void askFile(std::string_view filter, FileKind kind,
+                 std::function<void(std::optional<std::string>)> then) override;
+    void askMenu(Point at, std::span<const MenuItem> items, std::function<void(int)> then) override;
+    /// None is ever open: each is answered at once.
+    void cancelQuestion() override {}
     std::string clipboardText() override { return clipboard_; }
     void setClipboardText(std::string_view text) override { clipboard_ = text; }
     void showHelp() override { ++helpShown_; }
@@ -87,10 +99,13 @@ private:
     void tell(Event event);
     std::string nextAnswer();
     void log(std::string_view question, std::string_view answer);
+    Modifiers held() const { return {held_.contains(kKeyShift), held_.contains(kKeyControl)}; }
 
     PageEvents* page_ = nullptr;
+    FontSource* fonts_ = nullptr;
     std::set<int> held_;
     Point pointer_;
+    bool dragsRelatively_ = false;
     std::string clipboard_;
     std::deque<std::string> answers_;
     std::function<void()> watcher_;

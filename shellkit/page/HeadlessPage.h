@@ -21,14 +21,14 @@ public:
 
     /// Whatever a user does goes through it, and the page's questions come back from it.
     HeadlessWindow& window() { return window_; }
-    CGrooveSamplerPropPage& page() { return page_; }
+    CGrooveSamplerPropPage& page() { return *page_; }
     /// What a user sees; nothing in it is out of date.
     const Bitmap& picture();
 
 private:
     std::unique_ptr<FontSource> fonts_ = platformFonts();
     HeadlessWindow window_;
-    CGrooveSamplerPropPage page_{window_, *fonts_};  // destroyed before its window
+    std::unique_ptr<CGrooveSamplerPropPage> page_;  // destroyed before its window
 };
 
 }  // namespace marnoth

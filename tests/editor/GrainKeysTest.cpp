@@ -320,5 +320,52 @@ TEST_F(GrainKeys, HighRowsAreScrolledVertically) {
     EXPECT_EQ(rig.page->currentPad(), 155 / 30);
 }
 
+// What a host may have of the keys.
+
+TEST_F(GrainKeys, ThePageSaysWhichKeysItActedOn) {
+    rig.fillPad(2, 3);
+    open();
+    rig.click(PageRig::inRow(9, 300));
+    for (const int key : {+kKeySpace, +kKeyReturn, +kKeyLeft, +kKeyAdd, +kKeyZ, int{'Q'}})
+        EXPECT_FALSE(rig.window.key(key)) << key << " with nothing selected";
+    EXPECT_TRUE(rig.window.key(kKeyF1));
+    select(2, 1);
+    for (const int key : {+kKeyLeft, +kKeyDown, +kKeyAdd, +kKeySubtract})
+        EXPECT_TRUE(rig.window.key(key)) << key;
+    rig.window.hold(kKeyControl);
+    EXPECT_TRUE(rig.window.key(kKeyZ));
+    EXPECT_FALSE(rig.window.key('Q'));
+}
+
+TEST_F(GrainKeys, DuringADragKeysThatAreRefusedAreNotActedOn) {
+    rig.fillPad(2, 3);
+    open();
+    select(2, 1);
+    rig.press(PageRig::onBeat(2, 1));
+    EXPECT_FALSE(rig.window.key(kKeyDelete));
+    rig.release(PageRig::onBeat(2, 1));
+    EXPECT_TRUE(rig.window.key(kKeyDelete));
+}
+
+TEST_F(GrainKeys, AnEditTakesWhateverCanBeTypedAndLeavesTheRest) {
+    open();
+    rig.page->focusControl(rig.control(kLowKey));
+    for (const int key :
+         {+kKeySpace, int{'Q'}, int{'7'}, +kKeyAdd, 186, 0, +kKeyLeft, +kKeyBackspace, +kKeyDelete})
+        EXPECT_TRUE(rig.window.key(key)) << key;
+    EXPECT_FALSE(rig.window.key(kKeyF1));
+    EXPECT_FALSE(rig.window.key(kKeyEscape));
+    rig.window.hold(kKeyControl);
+    EXPECT_TRUE(rig.window.key(kKeyA));
+    EXPECT_FALSE(rig.window.key('Q'));
+}
+
+TEST_F(GrainKeys, WithoutTheKeyboardThePageActsOnNone) {
+    open();
+    rig.page->focusLost();
+    EXPECT_FALSE(rig.window.key(kKeyF1));
+    EXPECT_FALSE(rig.window.key(kKeyDelete));
+}
+
 }  // namespace
 }  // namespace marnoth::test::grain_keys_test

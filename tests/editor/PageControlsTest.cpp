@@ -139,7 +139,7 @@ TEST_F(PageControl, ADoubleClickOnAKnobIsToldThreeTimes) {
     rig.press(at);
     rig.move(at);
     rig.release(at);
-    rig.page->doubleClick(at);
+    rig.page->doubleClick(at, {});
     const std::string before = callText("SetPadVolume", 6, 0.4f);
     EXPECT_EQ(rig.changes(), (Calls{before, before, "SetPadVolume 6 1"}));
     EXPECT_EQ(rig.text(1172), "0.0");

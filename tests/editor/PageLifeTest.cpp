@@ -75,7 +75,8 @@ class PageLife : public testing::Test {
 protected:
     /// The page in its window, without an engine.
     void makePage() {
-        rig.page = std::make_unique<CGrooveSamplerPropPage>(rig.window, rig.fonts);
+        rig.window.setFonts(rig.fonts);
+        rig.page = std::make_unique<CGrooveSamplerPropPage>(rig.window);
         rig.window.setPage(rig.page.get());
     }
     void bindTo(std::vector<IUnknown*> objects) { rig.page->bind(objects); }

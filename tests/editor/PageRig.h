@@ -37,7 +37,8 @@ public:
     /// Makes the page, binds it, shows it and forgets the calls of that.
     void open() { open(fonts); }
     void open(FontSource& source) {
-        page = std::make_unique<CGrooveSamplerPropPage>(window, source);
+        window.setFonts(source);
+        page = std::make_unique<CGrooveSamplerPropPage>(window);
         IUnknown* const object = &engine;
         page->bind({&object, 1});
         window.setPage(page.get());

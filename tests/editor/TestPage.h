@@ -47,7 +47,14 @@ public:
     void invalidateControl(const Control&) override { ++repaints; }
     void invalidateOverlay(const Rect& area) override { overlaysChanged.push_back(area); }
     void captureMouse(Control& control) override { captured_ = &control; }
-    void releaseMouse() override { captured_ = nullptr; }
+    void beginRelativeDrag(Control& control, PageCursor shown) override {
+        captured_ = &control;
+        screen.beginRelativeDrag(shown);
+    }
+    void releaseMouse() override {
+        captured_ = nullptr;
+        screen.endRelativeDrag();
+    }
     void focus(Control* control) override {
         if (control == focused_) return;
         Control* old = std::exchange(focused_, control);
@@ -83,15 +90,27 @@ public:
 
     void paint() override {}
     void timer() override {}
-    void leftDown(Point at) override { mouse(ControlEventKind::leftDown, at, "down"); }
-    void leftUp(Point at) override { mouse(ControlEventKind::leftUp, at, "up"); }
-    void doubleClick(Point at) override { mouse(ControlEventKind::doubleClick, at, "double"); }
-    void mouseMove(Point at) override { mouse(ControlEventKind::mouseMove, at, "move"); }
-    void rightDown(Point) override {}
-    void contextMenu(Point) override {}
-    void keyDown(int key) override { send({ControlEventKind::keyDown, {}, key}); }
-    void keyUp(int key) override { send({ControlEventKind::keyUp, {}, key}); }
-    void character(char32_t character) override { send({ControlEventKind::character, {}, 0, character}); }
+    void leftDown(Point at, Modifiers) override { mouse(ControlEventKind::leftDown, at, "down"); }
+    void leftUp(Point at, Modifiers) override { mouse(ControlEventKind::leftUp, at, "up"); }
+    void doubleClick(Point at, Modifiers) override { mouse(ControlEventKind::doubleClick, at, "double"); }
+    void mouseMove(Point at, Modifiers) override { mouse(ControlEventKind::mouseMove, at, "move"); }
+    void relativeMove(Point distance, Modifiers) override {
+        captured_->handle({ControlEventKind::relativeMove, distance});
+        drain();
+    }
+    void wheel(Point at, WheelAxis, int steps, Modifiers) override {
+        if (Control* target = under(at)) target->handle({ControlEventKind::wheel, {}, 0, 0, {}, steps});
+        drain();
+    }
+    void rightDown(Point, Modifiers) override {}
+    void contextMenu(Point, Modifiers) override {}
+    bool keyDown(int key, Modifiers held) override {
+        return send({ControlEventKind::keyDown, {}, key, 0, held});
+    }
+    void keyUp(int key, Modifiers held) override { send({ControlEventKind::keyUp, {}, key, 0, held}); }
+    void character(char32_t character, Modifiers held) override {
+        send({ControlEventKind::character, {}, 0, character, held});
+    }
     void focusLost() override { focus(nullptr); }
     void captureLost() override { captured_ = nullptr; }
     DropEffect dragEnter(bool) override { return DropEffect::none; }
@@ -140,9 +159,10 @@ private:
             heard.push_back("page " + name);
         drain();
     }
-    void send(const ControlEvent& event) {
-        if (focused_) focused_->handle(event);
+    bool send(const ControlEvent& event) {
+        const bool done = focused_ && focused_->handle(event);
         drain();
+        return done;
     }
 
     Control* captured_ = nullptr;

@@ -188,7 +188,7 @@ TEST(Edit, WhatIsNoTextIsNotInserted) {
     EditOnPage it("C5");
     it.page.focus(&it.edit);
     for (const char32_t character : {U'\b', U'\r', U'\x1B', U'\x7F', char32_t{0xD800}, char32_t{0x110000}})
-        it.page.character(character);
+        it.page.character(character, {});
     EXPECT_EQ(it.edit.text(), "C5");
 }
 
@@ -256,9 +256,9 @@ TEST(Edit, ReturnAndThenLeavingAppliesTheTextTwiceWithTheSameResult) {
 TEST(Edit, ReturnIsToldWhenItsKeyGoesUp) {
     EditOnPage it("C5");
     it.page.focus(&it.edit);
-    it.page.keyDown(kKeyReturn);
+    it.page.keyDown(kKeyReturn, {});
     EXPECT_EQ(it.page.take(), Heard{});
-    it.page.keyUp(kKeyReturn);
+    it.page.keyUp(kKeyReturn, {});
     EXPECT_EQ(it.page.take(), Heard{"edit return 1140"});
 }
 

@@ -56,7 +56,8 @@ protected:
 
     void open() {
         fonts = platformFonts();
-        page = std::make_unique<CGrooveSamplerPropPage>(window, *fonts);
+        window.setFonts(*fonts);
+        page = std::make_unique<CGrooveSamplerPropPage>(window);
         window.setPage(page.get());
         const std::array<IUnknown*, 1> objects{&rig.sampler()};
         page->bind(objects);

@@ -16,19 +16,27 @@ public:
 
     void paint() override { heard.push_back("paint"); }
     void timer() override { heard.push_back("timer"); }
-    void leftDown(Point at) override { point("down", at); }
-    void leftUp(Point at) override { point("up", at); }
-    void doubleClick(Point at) override { point("double", at); }
-    void mouseMove(Point at) override { point("move", at); }
-    void rightDown(Point at) override { point("right", at); }
-    void contextMenu(Point at) override { point("menu", at); }
-    void keyDown(int key) override { heard.push_back("key " + std::to_string(key)); }
-    void keyUp(int key) override { heard.push_back("up " + std::to_string(key)); }
-    void character(char32_t character) override {
+    void leftDown(Point at, Modifiers) override { point("down", at); }
+    void leftUp(Point at, Modifiers) override { point("up", at); }
+    void doubleClick(Point at, Modifiers) override { point("double", at); }
+    void mouseMove(Point at, Modifiers) override { point("move", at); }
+    void rightDown(Point at, Modifiers) override { point("right", at); }
+    void contextMenu(Point at, Modifiers) override { point("menu", at); }
+    void relativeMove(Point distance, Modifiers) override { point("by", distance); }
+    void wheel(Point at, WheelAxis axis, int steps, Modifiers) override {
+        point((axis == WheelAxis::vertical ? "wheel " : "sideways ") + std::to_string(steps) + " at", at);
+    }
+    bool keyDown(int key, Modifiers held) override {
+        const std::string with = std::string(held.shift ? "shift " : "") + (held.control ? "ctrl " : "");
+        heard.push_back("key " + with + std::to_string(key));
+        return key == kKeyDelete;
+    }
+    void keyUp(int key, Modifiers) override { heard.push_back("up " + std::to_string(key)); }
+    void character(char32_t character, Modifiers) override {
         heard.push_back("U+" + std::to_string(static_cast<unsigned>(character)));
     }
     void focusLost() override {}
-    void captureLost() override {}
+    void captureLost() override { heard.push_back("capture lost"); }
     DropEffect dragEnter(bool hasFiles) override {
         heard.push_back(hasFiles ? "enter with files" : "enter");
         return DropEffect::copy;
@@ -105,22 +113,90 @@ TEST(HeadlessWindow, ATimerThatStandsDoesNotTick) {
     EXPECT_EQ(page.heard, Lines{"timer"});
 }
 
-TEST(HeadlessWindow, KeysAreHeldUntilTheyAreLetGo) {
+TEST(HeadlessWindow, KeysAreHeldUntilTheyAreLetGoAndEachEventSaysWhichAre) {
     HeadlessWindow window;
-    EXPECT_FALSE(window.isKeyDown(kKeyShift));
+    ListeningPage page(window);
     window.hold(kKeyShift);
-    EXPECT_TRUE(window.isKeyDown(kKeyShift));
-    EXPECT_FALSE(window.isKeyDown(kKeyControl));
+    window.key(kKeyZ);
+    window.hold(kKeyControl);
+    window.key(kKeyZ);
     window.let(kKeyShift);
-    EXPECT_FALSE(window.isKeyDown(kKeyShift));
+    window.key(kKeyZ);
+    EXPECT_EQ(page.heard, (Lines{"key shift 16", "key shift 90", "up 90", "key shift ctrl 17",
+                                 "key shift ctrl 90", "up 90", "up 16", "key ctrl 90", "up 90"}));
 }
+
+TEST(HeadlessWindow, SaysWhetherThePageActedOnAKey) {
+    HeadlessWindow window;
+    EXPECT_FALSE(window.key(kKeyDelete)) << "there is no page";
+    ListeningPage page(window);
+    EXPECT_TRUE(window.key(kKeyDelete));
+    EXPECT_FALSE(window.key(kKeySpace));
+}
+
+TEST(HeadlessWindow, TheWheelTurnsWhereThePointerIs) {
+    HeadlessWindow window;
+    ListeningPage page(window);
+    window.wheel({7, 8}, WheelAxis::vertical, -2);
+    window.wheel({9, 8}, WheelAxis::horizontal, 1);
+    EXPECT_EQ(page.heard, (Lines{"wheel -2 at 7,8", "sideways 1 at 9,8"}));
+    EXPECT_EQ(window.pointer(), (Point{9, 8}));
+}
+
+TEST(HeadlessWindow, InARelativeDragMovesAreDistancesFromWhereThePointerStays) {
+    HeadlessWindow window;
+    ListeningPage page(window);
+    window.press({50, 60});
+    window.beginRelativeDrag(PageCursor::none);
+    EXPECT_TRUE(window.hasCapture());
+    EXPECT_EQ(window.cursor(), PageCursor::none);
+    window.move({52, 57});
+    window.move({50, 61});
+    EXPECT_EQ(window.pointer(), (Point{50, 60}));
+    window.endRelativeDrag();
+    EXPECT_FALSE(window.hasCapture());
+    window.move({1, 2});
+    EXPECT_EQ(page.heard, (Lines{"down 50,60", "by 2,-3", "by 0,1", "move 1,2"}));
+}
+
+TEST(HeadlessWindow, WhatTakesTheMouseEndsARelativeDrag) {
+    HeadlessWindow window;
+    ListeningPage page(window);
+    window.beginRelativeDrag(PageCursor::none);
+    window.loseCapture();
+    window.move({1, 2});
+    EXPECT_EQ(page.heard, (Lines{"capture lost", "move 1,2"}));
+    EXPECT_FALSE(window.hasCapture());
+}
+
+/// Asks a window, and takes the answers that are there when the call returns.
+struct Asking {
+    HeadlessWindow& window;
+
+    std::optional<PageAnswer> message(std::string_view text, MessageKind kind) {
+        std::optional<PageAnswer> got;
+        window.askMessage(text, kind, [&](PageAnswer answer) { got = answer; });
+        return got;
+    }
+    std::optional<std::string> file(std::string_view filter, FileKind kind) {
+        std::optional<std::string> got = "(no answer)";
+        window.askFile(filter, kind, [&](std::optional<std::string> answer) { got = std::move(answer); });
+        return got;
+    }
+    int menu(std::span<const MenuItem> items) {
+        int got = -1;
+        window.askMenu({0, 0}, items, [&](int answer) { got = answer; });
+        return got;
+    }
+};
 
 TEST(HeadlessWindow, AQuestionWithoutAnAnswerIsCancelled) {
     HeadlessWindow window;
+    Asking asking{window};
     const std::vector<MenuItem> items{{1, "One", false}};
-    EXPECT_EQ(window.askMessage("Sure?", true), PageAnswer::cancel);
-    EXPECT_FALSE(window.askFile("Wave Files (*.wav)|*.wav||", false));
-    EXPECT_EQ(window.askMenu({0, 0}, items), 0);
+    EXPECT_EQ(asking.message("Sure?", MessageKind::yesNo), PageAnswer::cancel);
+    EXPECT_EQ(asking.file("Wave Files (*.wav)|*.wav||", FileKind::open), std::nullopt);
+    EXPECT_EQ(asking.menu(items), 0);
     EXPECT_EQ(window.takeLog(),
               (Lines{"? message \"Sure?\" -> cancel", "? file open \"Wave Files (*.wav)|*.wav||\" -> cancel",
                      "? menu 1:One -> cancel"}));
@@ -129,20 +205,30 @@ TEST(HeadlessWindow, AQuestionWithoutAnAnswerIsCancelled) {
 
 TEST(HeadlessWindow, AnswersAreGivenInTheirOrder) {
     HeadlessWindow window;
+    Asking asking{window};
     for (const char* word : {"yes", "no", "ok", "32771"}) window.answer(word);
-    EXPECT_EQ(window.askMessage("A \"b\"", true), PageAnswer::yes);
-    EXPECT_EQ(window.askMessage("C", true), PageAnswer::no);
-    EXPECT_EQ(window.askMessage("D", false), PageAnswer::ok);
+    EXPECT_EQ(asking.message("A \"b\"", MessageKind::yesNo), PageAnswer::yes);
+    EXPECT_EQ(asking.message("C", MessageKind::yesNo), PageAnswer::no);
+    EXPECT_EQ(asking.message("D", MessageKind::note), PageAnswer::ok);
     const std::vector<MenuItem> items{{32770, "Open Audio File", false}, {32771, "Looping", true}};
-    EXPECT_EQ(window.askMenu({0, 0}, items), 32771);
+    EXPECT_EQ(asking.menu(items), 32771);
     EXPECT_EQ(window.takeLog(),
               (Lines{"? message \"A \\\"b\\\"\" -> yes", "? message \"C\" -> no", "? message \"D\" -> ok",
                      "? menu 32770:Open Audio File 32771:Looping:checked -> 32771"}));
 }
 
+TEST(HeadlessWindow, AQuestionInAnAnswerIsLoggedBehindTheFirst) {
+    HeadlessWindow window;
+    window.answer("yes");
+    window.askMessage("A", MessageKind::yesNo,
+                      [&](PageAnswer) { window.askMessage("B", MessageKind::note, [](PageAnswer) {}); });
+    EXPECT_EQ(window.takeLog(), (Lines{"? message \"A\" -> yes", "? message \"B\" -> cancel"}));
+}
+
 TEST(HeadlessWindow, TheWatcherLooksAroundBeforeEachAnswer) {
     HeadlessWindow window;
     ListeningPage page(window);
+    Asking asking{window};
     int logged = -1;
     window.setWatcher([&] {
         logged = static_cast<int>(window.takeLog().size());
@@ -150,30 +236,39 @@ TEST(HeadlessWindow, TheWatcherLooksAroundBeforeEachAnswer) {
     });
     window.requestPaint();
     window.answer("yes");
-    EXPECT_EQ(window.askMessage("Sure?", true), PageAnswer::yes);
+    EXPECT_EQ(asking.message("Sure?", MessageKind::yesNo), PageAnswer::yes);
     EXPECT_EQ(logged, 0);
     EXPECT_EQ(page.heard, Lines{"paint"});
-    window.askFile("Wave Files (*.wav)|*.wav||", false);
+    asking.file("Wave Files (*.wav)|*.wav||", FileKind::open);
     EXPECT_EQ(logged, 1);
 }
 
 TEST(HeadlessWindow, AMenuGivesNothingThatIsNotInIt) {
     HeadlessWindow window;
+    Asking asking{window};
     const std::vector<MenuItem> items{{1, "One", false}};
     window.answer("2");
-    EXPECT_EQ(window.askMenu({0, 0}, items), 0);
+    EXPECT_EQ(asking.menu(items), 0);
     window.answer("1x");
-    EXPECT_EQ(window.askMenu({0, 0}, items), 0);
+    EXPECT_EQ(asking.menu(items), 0);
 }
 
 TEST(HeadlessWindow, FilesCountFromItsFolderAndTheLogRepeatsTheWord) {
     HeadlessWindow window;
+    Asking asking{window};
     window.setFolder("songs");
     window.answer("take 1.mrn");
-    const auto file = window.askFile("Mrn Files (*.mrn)|*.mrn||", true);
+    const auto file = asking.file("Mrn Files (*.mrn)|*.mrn||", FileKind::save);
     ASSERT_TRUE(file);
     EXPECT_EQ(pathFromWide(wideFromUtf8(*file)), std::filesystem::path("songs") / "take 1.mrn");
     EXPECT_EQ(window.takeLog(), Lines{"? file save \"Mrn Files (*.mrn)|*.mrn||\" -> \"take 1.mrn\""});
+}
+
+TEST(HeadlessWindow, WithoutFontsItHasNoFace) {
+    HeadlessWindow window;
+    std::string error;
+    EXPECT_EQ(window.openFont("Arial", 12, error), nullptr);
+    EXPECT_NE(error, "");
 }
 
 TEST(HeadlessWindow, TheScreenTakesOverOnlyWhatChanged) {
@@ -199,8 +294,6 @@ TEST(HeadlessWindow, RemembersWhatThePageWanted) {
     EXPECT_EQ(window.cursor(), PageCursor::dragCopy);
     window.setClipboardText("C5");
     EXPECT_EQ(window.clipboardText(), "C5");
-    window.warpPointer({7, 8});
-    EXPECT_EQ(window.pointer(), (Point{7, 8}));
     window.showHelp();
     EXPECT_EQ(window.helpShown(), 1);
 }
