@@ -1,4 +1,5 @@
 #include <bitset>
+#include <iterator>
 #include <new>
 
 #include "host/SoftSynth.h"
@@ -20,13 +21,8 @@ HRESULT CSoftSynth::DrainEvents(std::int64_t position, std::int32_t count) try {
     CAutoLock lock(*m_pzi);
     const std::int64_t end = wrappingSum(position, count);
     // What is earlier than the block came too late: it stays where it is until the transport stops or starts.
-    auto& timeMap = m_events->timeMap;
-    auto next = timeMap.lower_bound(position);
-    while (next != timeMap.end() && next->first < end) {
-        const QueuedEvent event = next->second;
-        next = timeMap.erase(next);
-        if (const HRESULT hr = drainOne(event); FAILED(hr)) return hr;
-    }
+    while (const auto event = m_events->take(position, end))
+        if (const HRESULT hr = drainOne(*event); FAILED(hr)) return hr;
     pairNoteOffs();
     return S_OK;
 } catch (const std::bad_alloc&) {
@@ -34,7 +30,7 @@ HRESULT CSoftSynth::DrainEvents(std::int64_t position, std::int32_t count) try {
 }
 
 HRESULT CSoftSynth::drainOne(QueuedEvent event) {
-    if (!m_portTransforms[static_cast<std::int32_t>(event.port)].apply(event.event)) return S_OK;
+    if (!m_portTransforms.apply(static_cast<std::int32_t>(event.port), event.event)) return S_OK;
     // Queued first, so that running out of memory can't lose a voice.
     NoteQueue& queue = eventQueue();
     queue.push_back(event);
@@ -56,7 +52,7 @@ void CSoftSynth::pairNoteOffs() {
         }
         off.set(it->event.note % kKeys);
         // A note that was told to release, and that no block has taken up since.
-        if (it->voice) m_pzi->ReleaseVoice(&*it, 1);
+        freeVoice(*it);
         it = queue.erase(it);
     }
     for (QueuedEvent& held : queue) {
@@ -77,7 +73,7 @@ HRESULT CSoftSynth::RetireEvents(std::int64_t position, std::int32_t flush) {
             if (FAILED(hr)) return hr;
             keep = hr != S_OK;
         }
-        it = keep ? it + 1 : queue.erase(it);
+        it = keep ? std::next(it) : queue.erase(it);
     }
     return S_OK;
 }

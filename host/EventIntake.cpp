@@ -1,4 +1,6 @@
+#include <algorithm>
 #include <new>
+#include <utility>
 
 #include "host/SoftSynth.h"
 #include "platform/system/Overflow.h"
@@ -9,6 +11,12 @@ namespace {
 
 constexpr std::uint8_t kLiveReleaseVelocity = 64;
 constexpr std::uint8_t kStatusMask = 0xF0;
+
+/// Events that `QueueEvents` takes under one hold of the lock. A longer list is as many lists, one queued
+/// after the other: a block or a start of the transport in between finds those before it, and not the rest.
+constexpr std::int32_t kPortion = 16;
+/// Places that `QueueEvents` leaves for live input, which mustn't ask for memory.
+constexpr std::size_t kLiveRoom = EventStore::kRoom / 2;
 
 void setNote(SynthEvent& event, const RawMidiEvent& raw, std::uint32_t duration) {
     event.type = SynthEventType::note;
@@ -81,26 +89,54 @@ std::optional<SynthEvent> toSynthEvent(const RawMidiEvent& raw) {
 
 HRESULT CSoftSynth::insertIfKept(const SynthEvent& event, std::uint32_t port, std::int64_t sampleTime) {
     const HRESULT hr = m_pzi->IsIgnoredEvent(&event);
-    if (hr == S_OK) m_events->timeMap.emplace(sampleTime, QueuedEvent{event, port, sampleTime, nullptr});
+    if (hr != S_OK) return hr;
+    if (event.type == SynthEventType::mute) rememberPort(port);
+    m_events->insert({event, port, sampleTime, nullptr});
     return hr;
 }
 
 HRESULT CSoftSynth::QueueEvents(std::uint32_t, std::uint32_t, std::uint32_t port, IKvxEventList* list) try {
+    std::int32_t count = 0;
+    HRESULT hr = countEvents(list, count);
+    for (std::int32_t begin = 0, end; begin < count && SUCCEEDED(hr); begin = end) {
+        end = begin + std::min(count - begin, kPortion);
+        makeRoom(kPortion + kLiveRoom);
+        hr = queuePortion(port, *list, begin, end);
+    }
+    return hr;
+} catch (const std::bad_alloc&) {
+    return E_OUTOFMEMORY;
+}
+
+HRESULT CSoftSynth::countEvents(IKvxEventList* list, std::int32_t& count) {
     CAutoLock lock(*m_pzi);
     if (!m_attached) return E_UNEXPECTED;
-    if (!list) return E_POINTER;
-    std::int32_t count = 0;
-    HRESULT hr = list->GetCount(&count);
-    for (std::int32_t i = 0; i < count && SUCCEEDED(hr); ++i) {
+    return list ? list->GetCount(&count) : E_POINTER;
+}
+
+HRESULT CSoftSynth::queuePortion(std::uint32_t port, IKvxEventList& list, std::int32_t begin,
+                                 std::int32_t end) {
+    CAutoLock lock(*m_pzi);
+    HRESULT hr = S_OK;
+    for (std::int32_t i = begin; i < end && SUCCEEDED(hr); ++i) {
         SynthEvent event;
-        hr = list->GetAt(i, &event);
+        hr = list.GetAt(i, &event);
         if (FAILED(hr)) break;
         const std::int64_t origin = wrappingDifference(m_loopOffset, m_startSample);
         hr = insertIfKept(event, port, wrappingSum(origin, WholeTicksToSamples(event.time)));
     }
     return hr;
-} catch (const std::bad_alloc&) {
-    return E_OUTOFMEMORY;
+}
+
+/// Outside of the lock, unless the caller holds it.
+void CSoftSynth::makeRoom(std::size_t events) {
+    {
+        CAutoLock lock(*m_pzi);
+        if (m_events->hasRoom(events)) return;
+    }
+    auto room = EventStore::makeRoom();
+    CAutoLock lock(*m_pzi);
+    m_events->addRoom(std::move(room));
 }
 
 HRESULT CSoftSynth::QueueRawInput(std::uint32_t port, IKvxRawEventList* list) try {
@@ -126,11 +162,19 @@ HRESULT CSoftSynth::QueueRawInput(std::uint32_t port, IKvxRawEventList* list) tr
 
 HRESULT CSoftSynth::Notify(const SynthNotification* record) try {
     if (!record) return E_POINTER;
+    if (record->kind >= PortTransform::kKinds) return S_OK;
+    auto entry = PortTransforms::makeEntry(record->port);
     CAutoLock lock(*m_pzi);
-    if (record->kind < PortTransform::kKinds) m_portTransforms[record->port].set(*record);
+    m_portTransforms.add(entry).set(*record);
     return S_OK;
 } catch (const std::bad_alloc&) {
     return E_OUTOFMEMORY;
+}
+
+/// A block that drains a mute event finds its port.
+void CSoftSynth::rememberPort(std::uint32_t port) {
+    auto entry = PortTransforms::makeEntry(static_cast<std::int32_t>(port));
+    m_portTransforms.add(entry);
 }
 
 }  // namespace marnoth

@@ -2,13 +2,12 @@
 
 #include <atomic>
 #include <cstdint>
-#include <map>
 #include <memory>
-#include <memory_resource>
 #include <optional>
 
+#include "host/EventStore.h"
 #include "host/Instrument.h"
-#include "host/PortTransform.h"
+#include "host/PortTransforms.h"
 #include "platform/com/RefPtr.h"
 #include "seam/KvxInterfaces.h"
 #include "seam/Pzi.h"
@@ -20,6 +19,10 @@ namespace marnoth {
 /// Every event gets a sample time on the instrument's own running timeline and waits in the time map until
 /// the block that contains it; `DrainEvents` moves it to the event queue, which the engine reads, and
 /// `RetireEvents` lets it go. The timeline starts at 0 with each `StartPlayback` and never stops counting.
+///
+/// A block takes events from storage that was there before: `EventStore::kRoom` of them fit at any time
+/// without asking the system for memory, by `QueueRawInput`, `StartPlayback` and `StopPlayback` too, so that
+/// these may be called on the streaming thread. `QueueEvents` is for any number; it makes room beforehand.
 ///
 /// It has no lock of its own but takes that of `CPzi`, in every operation except `GetSampleRate`, `GetTempo`,
 /// `SetTempo` and `IsTransportRunning`. `IUnknown` and the output pins of `CPziSynthContext` are left to the
@@ -89,23 +92,21 @@ protected:
     bool isAttached() const { return m_attached; }
     IKvxPinHost* pinHost() const { return m_pinHost.get(); }
     std::int64_t position() const { return m_position; }
-    NoteQueue& eventQueue() { return m_events->queue; }
+    NoteQueue& eventQueue() { return m_events->queue(); }
     void advancePosition(std::int32_t frames);
 
 private:
-    /// The events on their way. What they are stored in grows with the most events that there ever were at a
-    /// time, is used again, and goes back to the system with all of this: so a block frees nothing.
-    struct Events {
-        std::pmr::unsynchronized_pool_resource storage;
-        std::pmr::multimap<std::int64_t, QueuedEvent> timeMap{&storage};  ///< by sample time, then by arrival
-        NoteQueue queue{&storage};
-    };
+    class FormerEvents;
 
     void releaseServices();
-    void endAllEvents();
+    HRESULT countEvents(IKvxEventList* list, std::int32_t& count);
+    void makeRoom(std::size_t events);
+    HRESULT queuePortion(std::uint32_t port, IKvxEventList& list, std::int32_t begin, std::int32_t end);
     HRESULT insertIfKept(const SynthEvent& event, std::uint32_t port, std::int64_t sampleTime);
+    void rememberPort(std::uint32_t port);
     HRESULT drainOne(QueuedEvent event);
     void pairNoteOffs();
+    void freeVoice(QueuedEvent& event);
     std::uint32_t inputRate() const { return m_pzi->GetInputFormat()->nSamplesPerSec; }
     std::optional<SynthTimeValue> converted(SynthTimeValue value, std::uint32_t format);
     double stoppedTempo();
@@ -119,8 +120,10 @@ private:
     bool m_attached = false;
     std::atomic<double> m_tempo = 120.0;  ///< beats per minute, where the host tells none
     const RefPtr<CInstrument> m_instrument{new CInstrument(L"Marnoth")};
-    std::unique_ptr<Events> m_events = std::make_unique<Events>();
-    std::map<std::int32_t, PortTransform> m_portTransforms;
+    std::unique_ptr<EventStore> m_events = std::make_unique<EventStore>();
+    /// Empty, for the next start or stop of the transport; null while that of another thread has it.
+    std::unique_ptr<EventStore> m_spareEvents = std::make_unique<EventStore>();
+    PortTransforms m_portTransforms;
     std::int64_t m_position = 0;     ///< samples; start of the next block on the running timeline
     std::int64_t m_startSample = 0;  ///< samples; the tick at which playback last started
     std::int64_t m_loopOffset = 0;   ///< samples; all loop jumps since the start

@@ -1,11 +1,58 @@
+#include <utility>
+
 #include "host/SoftSynth.h"
 #include "platform/system/Overflow.h"
 
 namespace marnoth {
 
+namespace {
+
+/// Notes whose voices are freed under one hold of the lock.
+constexpr int kNotesAtOnce = 16;
+
+}  // namespace
+
+/// What a start or stop of the transport lets go. Under the lock it only changes hands; voices and storage
+/// are given back at the end of the scope, outside of the lock unless the caller holds it.
+class CSoftSynth::FormerEvents {
+public:
+    explicit FormerEvents(CSoftSynth& synth) : synth_(synth) {}
+    ~FormerEvents() {
+        if (!events_) return;
+        while (!events_->queue().empty()) releaseSomeNotes();
+        events_->clear();
+        CAutoLock lock(*synth_.m_pzi);
+        synth_.m_spareEvents = std::move(events_);
+    }
+    FormerEvents(const FormerEvents&) = delete;
+    FormerEvents& operator=(const FormerEvents&) = delete;
+
+    /// Ends every voice and leaves the synth without an event. Under the lock.
+    void take() {
+        synth_.m_pzi->ResetVoices();
+        // Another thread is about to give the spare back; since it took that there can't be many events.
+        if (!synth_.m_spareEvents) return synth_.DropAllEvents();
+        events_ = std::exchange(synth_.m_events, std::move(synth_.m_spareEvents));
+    }
+
+private:
+    void releaseSomeNotes() {
+        CAutoLock lock(*synth_.m_pzi);
+        NoteQueue& queue = events_->queue();
+        for (int i = 0; i < kNotesAtOnce && !queue.empty(); ++i) {
+            synth_.freeVoice(queue.front());
+            queue.pop_front();
+        }
+    }
+
+    CSoftSynth& synth_;
+    std::unique_ptr<EventStore> events_;
+};
+
 HRESULT CSoftSynth::StartPlayback(std::int32_t ticks) {
+    FormerEvents former(*this);
     CAutoLock lock(*m_pzi);
-    endAllEvents();
+    former.take();
     m_startSample = WholeTicksToSamples(ticks);
     m_position = 0;
     m_loopOffset = 0;
@@ -22,25 +69,20 @@ HRESULT CSoftSynth::LoopPlayback(std::int32_t restartTicks, std::int32_t stopTic
 }
 
 HRESULT CSoftSynth::StopPlayback() {
+    FormerEvents former(*this);
     CAutoLock lock(*m_pzi);
-    endAllEvents();
+    former.take();
     m_playing = 0;
     return S_OK;
 }
 
-void CSoftSynth::endAllEvents() {
-    m_pzi->ResetVoices();
-    DropAllEvents();
-    m_events = std::make_unique<Events>();
+void CSoftSynth::DropAllEvents() {
+    for (QueuedEvent& event : eventQueue()) freeVoice(event);
+    m_events->clear();
 }
 
-void CSoftSynth::DropAllEvents() {
-    RetireEvents(m_position, 1);
-    // What a failure has left in the queue still owns its voice.
-    for (QueuedEvent& event : m_events->queue)
-        if (event.voice) m_pzi->ReleaseVoice(&event, 1);
-    m_events->timeMap.clear();
-    m_events->queue.clear();
+void CSoftSynth::freeVoice(QueuedEvent& event) {
+    if (event.voice) m_pzi->ReleaseVoice(&event, 1);
 }
 
 void CSoftSynth::advancePosition(std::int32_t frames) {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <cstdint>
-#include <deque>
+#include <list>
 #include <memory_resource>
 
 #include "platform/com/Com.h"
@@ -59,8 +59,9 @@ struct QueuedEvent {
     VoiceState* voice = nullptr;
 };
 
-/// The notes that have been drained into play, in order of draining.
-using NoteQueue = std::pmr::deque<QueuedEvent>;
+/// The notes that have been drained into play, in order of draining. A note stays where it is in memory for
+/// as long as it is in the queue.
+using NoteQueue = std::pmr::list<QueuedEvent>;
 
 inline constexpr IID IID_IKvxSampleSilence{
     0x6F1C2A54, 0x93D7, 0x4C1E, {0x8B, 0x40, 0x2D, 0x57, 0x9E, 0x61, 0xC8, 0x13}};

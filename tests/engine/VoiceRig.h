@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdint>
 #include <functional>
+#include <iterator>
 #include <vector>
 
 #include "support/EngineHost.h"
@@ -149,7 +150,7 @@ private:
     }
     void eraseIf(const std::function<bool(const QueuedEvent&)>& which, std::int32_t flush) {
         for (auto it = notes.begin(); it != notes.end();) {
-            it = which(*it) && engine.ReleaseVoice(&*it, flush) == S_OK ? notes.erase(it) : it + 1;
+            it = which(*it) && engine.ReleaseVoice(&*it, flush) == S_OK ? notes.erase(it) : std::next(it);
         }
     }
 

@@ -3,7 +3,7 @@
 namespace marnoth::test::event_drain_test {
 namespace {
 
-std::vector<int> keys(const NoteQueue& notes) {
+std::vector<int> keys(const std::vector<QueuedEvent>& notes) {
     std::vector<int> all;
     for (const QueuedEvent& event : notes) all.push_back(event.event.note);
     return all;

@@ -1,3 +1,9 @@
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <future>
+#include <thread>
+
 #include "host/SynthUnderTest.h"
 
 namespace marnoth::test::event_intake_test {
@@ -68,6 +74,81 @@ TEST(QueueEvents, AFailureInTheMiddleKeepsWhatCameBefore) {
     ASSERT_EQ(host.played().size(), 1u);
     EXPECT_EQ(host.played().front().event.note, 60);
 }
+
+TEST(QueueEvents, LongListsPlayByTimeAndThenByTheirOrder) {
+    SynthHost host;
+    host.context.hasTimeConverter = true;
+    host.attach();
+    EventList list{};
+    for (int i = 0; i < 1000; ++i) list.events.push_back(note(i * 37 % 100, 60, 480 + i));
+    std::vector<SynthEvent> expected = list.events;
+    std::stable_sort(expected.begin(), expected.end(),
+                     [](const SynthEvent& a, const SynthEvent& b) { return a.time < b.time; });
+    EXPECT_EQ(host.synth.QueueEvents(0, 0, 0, &list), S_OK);
+    host.drain(44100);
+    const auto played = host.played();
+    ASSERT_EQ(played.size(), expected.size());
+    for (std::size_t i = 0; i < expected.size(); ++i)
+        EXPECT_EQ(+played[i].event.duration, +expected[i].duration) << i;
+}
+
+TEST(QueueEvents, AFailureFarIntoAListKeepsWhatCameBefore) {
+    SynthHost host;
+    host.attach();
+    EventList list{};
+    for (int i = 0; i < 100; ++i) list.events.push_back(note(0, static_cast<std::uint8_t>(i)));
+    list.failAt = 77;
+    EXPECT_EQ(host.synth.QueueEvents(0, 0, 0, &list), E_FAIL);
+    host.drain(1);
+    ASSERT_EQ(host.played().size(), 77u);
+    EXPECT_EQ(host.played().back().event.note, 76);
+}
+
+TEST(QueueEvents, AListThatStartsTheTransportGoesOnOnTheNewTimeline) {
+    struct Starting : EventList {
+        Starting(CSoftSynth& synth, int at) : EventList({}), synth(synth), at(at) {}
+        CSoftSynth& synth;
+        int at;
+        HRESULT GetAt(std::int32_t index, SynthEvent* event) override {
+            if (index == at) synth.StartPlayback(960);
+            return EventList::GetAt(index, event);
+        }
+    };
+    SynthHost host;
+    host.attach();
+    for (const int at : {1, 16, 20}) {
+        Starting list(host.synth, at);
+        for (int i = 0; i < 32; ++i) list.events.push_back(note(960, static_cast<std::uint8_t>(i)));
+        EXPECT_EQ(host.synth.QueueEvents(0, 0, 0, &list), S_OK);
+        host.drain(1);
+        ASSERT_EQ(host.played().size(), static_cast<std::size_t>(32 - at));
+        EXPECT_EQ(host.played().front().event.note, at);
+    }
+}
+
+#ifndef _WIN32  // There a lock may be taken again before whoever waited for it wakes up.
+TEST(QueueEvents, LetsOthersInBetweenTheEventsOfALongList) {
+    struct Slow : EventList {
+        Slow() : EventList({}) {}
+        std::atomic<int> asked = 0;
+        HRESULT GetAt(std::int32_t index, SynthEvent* event) override {
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+            asked = index + 1;
+            return EventList::GetAt(index, event);
+        }
+    } list;
+    for (int i = 0; i < 200; ++i) list.events.push_back(note(0, 60));
+    SynthHost host;
+    host.attach();
+    auto askedInBetween = std::async(std::launch::async, [&] {
+        while (list.asked == 0) std::this_thread::yield();
+        CAutoLock lock(host.pzi);
+        return list.asked.load();
+    });
+    EXPECT_EQ(host.synth.QueueEvents(0, 0, 0, &list), S_OK);
+    EXPECT_LT(askedInBetween.get(), 200);
+}
+#endif
 
 TEST(QueueEvents, TheInstrumentsFailureEndsTheList) {
     SynthHost host;

@@ -111,7 +111,8 @@ struct SynthHost {
         synth.advancePosition(frames);
         return hr;
     }
-    const NoteQueue& played() { return synth.eventQueue(); }
+    /// The events in play.
+    std::vector<QueuedEvent> played() { return {synth.eventQueue().begin(), synth.eventQueue().end()}; }
 };
 
 }  // namespace marnoth::test

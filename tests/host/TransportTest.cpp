@@ -1,3 +1,6 @@
+#include <atomic>
+#include <thread>
+
 #include "host/SynthUnderTest.h"
 
 namespace marnoth::test::transport_test {
@@ -134,6 +137,45 @@ TEST(Transport, LeavesThePortsAsTheyAre) {
     host.synth.StopPlayback();
     host.queue({note(0, 60)}, 3);
     host.drain(1);
+    EXPECT_TRUE(host.played().empty());
+}
+
+TEST(Transport, FreesTheVoiceOfEveryNoteHoweverMany) {
+    SynthHost host;
+    host.attach();
+    EventList list{};
+    for (int i = 0; i < 3000; ++i) list.events.push_back(note(i, 60, 480));
+    host.synth.QueueEvents(0, 0, 0, &list);
+    host.drain(1 << 20);
+    EXPECT_EQ(host.pzi.liveVoices, 3000);
+    host.synth.StopPlayback();
+    EXPECT_EQ(host.pzi.liveVoices, 0);
+}
+
+TEST(Transport, OfOneThreadAndEventsOfAnotherMeetWithoutHarm) {
+    SynthHost host;
+    host.attach();
+    EventList list{};
+    for (int i = 0; i < 500; ++i) list.events.push_back(note(i, 60, 480));
+    std::atomic<bool> done = false;
+    const auto turn = [&](HRESULT (*operation)(SynthHost&)) {
+        return std::thread([&host, &done, operation] {
+            while (!done) ASSERT_EQ(operation(host), S_OK);
+        });
+    };
+    std::vector<std::thread> others;
+    others.push_back(turn([](SynthHost& host) { return host.synth.StartPlayback(0); }));
+    others.push_back(turn([](SynthHost& host) { return host.synth.StopPlayback(); }));
+    others.push_back(turn([](SynthHost& host) {
+        CAutoLock lock(host.pzi);
+        const HRESULT hr = host.drain(64);
+        return SUCCEEDED(hr) ? host.synth.RetireEvents(host.synth.position(), 0) : hr;
+    }));
+    for (int i = 0; i < 200; ++i) ASSERT_EQ(host.synth.QueueEvents(0, 0, 0, &list), S_OK);
+    done = true;
+    for (std::thread& other : others) other.join();
+    host.synth.StopPlayback();
+    EXPECT_EQ(host.pzi.liveVoices, 0);
     EXPECT_TRUE(host.played().empty());
 }
 
