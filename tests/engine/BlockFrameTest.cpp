@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <deque>
+
 #include "engine/VoiceRig.h"
 #include "platform/graph/Graph.h"
 
