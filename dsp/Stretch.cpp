@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "dsp/Crossfade.h"
 #include "dsp/MixKernels.h"
 #include "dsp/MixRun.h"
 #include "dsp/StretchPlan.h"
@@ -49,24 +50,22 @@ public:
         MixArgs args = argsAt(at);
         args.gainL = gain.left;
         args.gainR = gain.right;
-        run(kernel(false), from, std::min(count, source.length - from), args);
+        const MixKernel kernel = GetMixKernel(32, static_cast<std::uint32_t>(source.wave.channels),
+                                              static_cast<std::uint32_t>(dest.channels), 0, 0, 0);
+        mixRun(kernel, source.wave, source.first + from, std::min(count, source.length - from),
+               destChannels(), args);
     }
 
-    void fadingOut(std::int64_t at, std::int64_t from, std::int64_t count, FadePlace fade) const {
-        ramped(at, from, count, fadeOut(gain.left, fade), fadeOut(gain.right, fade));
-    }
-
-    void fadingIn(std::int64_t at, std::int64_t from, std::int64_t count, FadePlace fade) const {
-        ramped(at, from, count, fadeIn(gain.left, fade), fadeIn(gain.right, fade));
+    /// `count` frames to target frame `at` that fade out of the source at frame `from` and in at frame `to`.
+    void crossfade(std::int64_t at, std::int64_t from, std::int64_t to, std::int64_t count,
+                   FadePlace fade) const {
+        mixCrossfade(source.wave, source.first + from, source.first + to, count, destChannels(),
+                     ramped(at, fadeOut(gain.left, fade), fadeOut(gain.right, fade)),
+                     ramped(at, fadeIn(gain.left, fade), fadeIn(gain.right, fade)));
     }
 
 private:
     std::int32_t destChannels() const { return dest.channels == 2 ? 2 : 1; }
-
-    MixKernel kernel(bool isRamped) const {
-        return GetMixKernel(32, static_cast<std::uint32_t>(source.wave.channels),
-                            static_cast<std::uint32_t>(dest.channels), 0, isRamped ? 1 : 0, 0);
-    }
 
     MixArgs argsAt(std::int64_t at) const {
         MixArgs args;
@@ -75,7 +74,7 @@ private:
         return args;
     }
 
-    void ramped(std::int64_t at, std::int64_t from, std::int64_t count, RampSide left, RampSide right) const {
+    MixArgs ramped(std::int64_t at, RampSide left, RampSide right) const {
         MixArgs args = argsAt(at);
         args.gainL = left.gain;
         args.gainR = right.gain;
@@ -83,11 +82,7 @@ private:
         args.stepR = right.step;
         args.curveL = left.curve;
         args.curveR = right.curve;
-        run(kernel(true), from, count, args);
-    }
-
-    void run(MixKernel mix, std::int64_t from, std::int64_t count, const MixArgs& args) const {
-        mixRun(mix, source.wave, source.first + from, count, destChannels(), args);
+        return args;
     }
 
     const StretchSource& source;
@@ -109,8 +104,7 @@ void renderPasses(const RunMixer& mixer, const StretchRequest& request) {
         // The end of the source cuts both sides of the crossfade alike.
         const std::int64_t count = std::min(stop - pos, request.source - from);
         const FadePlace fade{static_cast<double>(plan.fade), static_cast<double>(pos - pass.fadeStart)};
-        mixer.fadingOut(pos, from, count, fade);
-        mixer.fadingIn(pos, from - plan.step, count, fade);
+        mixer.crossfade(pos, from, from - plan.step, count, fade);
     }
 }
 
@@ -122,8 +116,7 @@ void renderHeadTail(const RunMixer& mixer, const StretchRequest& request) {
     if (pos >= request.end) return;
     // The tail ends with the source where the target ends, so neither side can run past the source.
     const FadePlace fade{static_cast<double>(plan.fade), static_cast<double>(pos - plan.fadeStart)};
-    mixer.fadingOut(pos, pos, request.end - pos, fade);
-    mixer.fadingIn(pos, pos + plan.skip, request.end - pos, fade);
+    mixer.crossfade(pos, pos, pos + plan.skip, request.end - pos, fade);
 }
 
 }  // namespace

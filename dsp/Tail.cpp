@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "dsp/Crossfade.h"
 #include "dsp/MixKernels.h"
 #include "dsp/MixRun.h"
 #include "dsp/StretchPlan.h"
@@ -92,23 +93,28 @@ private:
         const double squared = length * length;
         const double out = passGain(numberOf(pass));
         const double in = passGain(numberOf(pass) + 1);
-        mix(true, pos, from, count, {out, -out / squared, -2 * out / squared});
-        mix(true, pos, from - plan.step, count, {0, 2 * in / length - in / squared, -2 * in / squared});
+        mixCrossfade(source, first + from, first + from - plan.step, count, source.channels,
+                     argsFor(pos, {out, -out / squared, -2 * out / squared}),
+                     argsFor(pos, {0, 2 * in / length - in / squared, -2 * in / squared}));
     }
 
     std::int64_t available() const { return source.frames - first; }
 
-    void mix(bool ramped, std::int64_t at, std::int64_t from, std::int64_t count,
-             const TailRamp& ramp) const {
-        const auto channels = static_cast<std::uint32_t>(source.channels);
+    MixArgs argsFor(std::int64_t at, const TailRamp& ramp) const {
         MixArgs args;
         args.dest = dest + at * source.channels;
         args.gainL = args.gainR = ramp.gain;
         args.stepL = args.stepR = ramp.step;
         args.curveL = args.curveR = ramp.curve;
         args.sampleBytes = sizeof(float);
+        return args;
+    }
+
+    void mix(bool ramped, std::int64_t at, std::int64_t from, std::int64_t count,
+             const TailRamp& ramp) const {
+        const auto channels = static_cast<std::uint32_t>(source.channels);
         mixRun(GetMixKernel(32, channels, channels, 0, ramped ? 1 : 0, 0), source, first + from,
-               std::min(count, available() - from), source.channels, args);
+               std::min(count, available() - from), source.channels, argsFor(at, ramp));
     }
 
     const SourceWave& source;
