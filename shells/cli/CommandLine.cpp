@@ -6,7 +6,9 @@
 #include <new>
 #include <ostream>
 #include <set>
+#include <string>
 
+#include "seam/Version.h"
 #include "shellkit/files/Failure.h"
 #include "shellkit/midi/MidiFile.h"
 #include "shellkit/script/ScriptNumbers.h"
@@ -97,7 +99,7 @@ CLI::Validator within(double lowest, double highest) {
 class Grammar {
 public:
     explicit Grammar(Request& request) {
-        app_.set_version_flag("--version", "marnoth " MARNOTH_VERSION);
+        app_.set_version_flag("--version", std::string("marnoth ") + kVersion);
         app_.require_subcommand(1);
         // A file's name may begin with a slash on every system.
         app_.allow_windows_style_options(false);

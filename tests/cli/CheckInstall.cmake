@@ -1,0 +1,72 @@
+# Installs into an empty folder and runs what lies there:
+# cmake -DBUILD=... -DEMULATOR=... -DVERSION=... -DSUFFIX=... -DFOLDER=... -DSOUND=... -P CheckInstall.cmake
+# What is installed must be all that the program needs, and nothing else may come along.
+
+file(REMOVE_RECURSE "${FOLDER}")
+file(MAKE_DIRECTORY "${FOLDER}/elsewhere")
+execute_process(
+    COMMAND ${CMAKE_COMMAND} --install "${BUILD}" --prefix "${FOLDER}/prefix"
+    RESULT_VARIABLE status OUTPUT_QUIET ERROR_VARIABLE errors)
+if(NOT status EQUAL 0)
+    message(FATAL_ERROR "cmake --install fails: ${errors}")
+endif()
+
+set(expected
+    bin/marnoth${SUFFIX} share/doc/marnoth/CHANGELOG.md share/doc/marnoth/README.md
+    share/doc/marnoth/assets/groove.svg share/doc/marnoth/assets/page.png)
+if(NOT SUFFIX)
+    list(APPEND expected share/man/man1/marnoth.1)
+endif()
+file(GLOB_RECURSE installed RELATIVE "${FOLDER}/prefix" "${FOLDER}/prefix/*")
+list(SORT installed)
+list(SORT expected)
+if(NOT installed STREQUAL expected)
+    message(FATAL_ERROR "Installed: ${installed}\nExpected: ${expected}")
+endif()
+
+# The folder may be moved: nothing in the program names the place that it was built for.
+file(RENAME "${FOLDER}/prefix" "${FOLDER}/moved")
+function(run)
+    execute_process(
+        COMMAND ${EMULATOR} "${FOLDER}/moved/bin/marnoth${SUFFIX}" ${ARGN}
+        WORKING_DIRECTORY "${FOLDER}/elsewhere"
+        RESULT_VARIABLE status OUTPUT_VARIABLE output ERROR_VARIABLE errors)
+    if(NOT status EQUAL 0)
+        message(FATAL_ERROR "marnoth ${ARGN}: status ${status}\n${errors}")
+    endif()
+    set(output "${output}" PARENT_SCOPE)
+endfunction()
+
+run(--version)
+string(STRIP "${output}" output)
+if(NOT output STREQUAL "marnoth ${VERSION}")
+    message(FATAL_ERROR "--version prints \"${output}\" in place of \"marnoth ${VERSION}\"")
+endif()
+run(render --pad 1=${SOUND} --beats 1 --out take.wav --save take.mrn)
+run(page take.mrn --out page.png)
+foreach(file take.wav take.mrn page.png)
+    if(NOT EXISTS "${FOLDER}/elsewhere/${file}")
+        message(FATAL_ERROR "${file} wasn't written")
+    endif()
+endforeach()
+
+if(NOT SUFFIX)
+    file(READ "${FOLDER}/moved/share/man/man1/marnoth.1" page)
+    if(NOT page MATCHES "marnoth ${VERSION}")
+        message(FATAL_ERROR "The manual page is of another version")
+    endif()
+    # Every option that the program tells about stands in its manual.
+    foreach(command script render info page)
+        run(${command} --help)
+        string(REGEX MATCHALL "\n +--[a-z-]+" options "${output}")
+        foreach(option ${options})
+            string(REGEX REPLACE "[ \n]+--" "" option "${option}")
+            string(REPLACE "-" "\\-" option "${option}")
+            string(FIND "${page}" "\\-\\-${option}" place)
+            if(place EQUAL -1)
+                message(FATAL_ERROR "The manual page doesn't tell about --${option} of ${command}")
+            endif()
+        endforeach()
+    endforeach()
+endif()
+file(REMOVE_RECURSE "${FOLDER}/moved")
