@@ -2,7 +2,7 @@
 
 #include "hostkit/KeyService.h"
 #include "hostkit/PinService.h"
-#include "hostkit/TempoMap.h"
+#include "hostkit/TempoService.h"
 #include "hostkit/TimeConverter.h"
 #include "platform/com/RefPtr.h"
 
@@ -14,7 +14,7 @@ class HostContext : public CUnknown {
 public:
     /// Services that aren't there are null and refused with `E_NOINTERFACE`.
     struct Services {
-        RefPtr<TempoMap> tempoMap;
+        RefPtr<TempoService> tempoMap;
         RefPtr<TimeConverter> timeConverter;
         RefPtr<KeyService> key;
         RefPtr<PinService> pins;

@@ -14,7 +14,7 @@ bool isFormat(std::uint32_t format) {
 
 }  // namespace
 
-TimeConverter::TimeConverter(RefPtr<TempoMap> tempoMap, double rate)
+TimeConverter::TimeConverter(RefPtr<TempoService> tempoMap, double rate)
     : Implements(nullptr), tempoMap_(std::move(tempoMap)), rate_(rate) {}
 
 HRESULT TimeConverter::ConvertTime(SynthTimeValue* inOut, std::uint32_t targetFormat) {

@@ -1,6 +1,8 @@
 #pragma once
 
-#include "hostkit/TempoMap.h"
+#include <atomic>
+
+#include "hostkit/TempoService.h"
 #include "platform/com/RefPtr.h"
 
 namespace marnoth {
@@ -10,7 +12,10 @@ namespace marnoth {
 class TimeConverter : public Implements<CUnknown, IKvxTimeConverter> {
 public:
     /// Shares `tempoMap`, and so sees its changes. `rate` is frames per second, finite and above 0.
-    TimeConverter(RefPtr<TempoMap> tempoMap, double rate);
+    TimeConverter(RefPtr<TempoService> tempoMap, double rate);
+
+    /// Any thread, while the instrument renders nothing.
+    void setRate(double rate) { rate_ = rate; }
 
     /// `E_POINTER` without a value, `E_INVALIDARG` with either format unknown; the value is left alone then.
     HRESULT ConvertTime(SynthTimeValue* inOut, std::uint32_t targetFormat) override;
@@ -20,8 +25,8 @@ private:
     SynthTimeValue fromSeconds(double seconds, std::uint32_t format) const;
     IUnknown* FindInterface(REFIID iid) override;
 
-    RefPtr<TempoMap> tempoMap_;
-    double rate_;
+    RefPtr<TempoService> tempoMap_;
+    std::atomic<double> rate_;  ///< the instrument asks for it on any thread
 };
 
 }  // namespace marnoth

@@ -5,6 +5,7 @@
 #include "hostkit/EventList.h"
 #include "hostkit/HostContext.h"
 #include "hostkit/MakeObject.h"
+#include "hostkit/TempoMap.h"
 
 namespace marnoth::test::host_services_test {
 namespace {
@@ -42,6 +43,14 @@ TEST(KeyService, GivesItsKeyAtAnyTime) {
     EXPECT_EQ(service->GetKeyAt(nullptr, nullptr), E_POINTER);
 }
 
+TEST(KeyService, MayChange) {
+    RefPtr<KeyService> service = makeObject<KeyService>(11u);
+    service->setKey(4);
+    std::uint32_t key = 0;
+    EXPECT_EQ(service->GetKeyAt(nullptr, &key), S_OK);
+    EXPECT_EQ(key, 4u);
+}
+
 TEST(PinService, AcceptsEveryChange) {
     RefPtr<PinService> service = makeObject<PinService>();
     EXPECT_EQ(service->OnPinSetChange(kPinSetAsking, nullptr, 18), S_OK);
@@ -50,7 +59,7 @@ TEST(PinService, AcceptsEveryChange) {
 
 TEST(HostContext, AnswersForTheServicesThatItHas) {
     HostContext::Services services;
-    services.tempoMap = makeObject<TempoMap>(120.0);
+    services.tempoMap = RefPtr<TempoService>(makeObject<TempoMap>(120.0).get());
     services.pins = makeObject<PinService>();
     RefPtr<HostContext> context = makeObject<HostContext>(services);
     RefPtr<IKvxTempoMap> tempoMap;

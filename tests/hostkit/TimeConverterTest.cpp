@@ -3,6 +3,7 @@
 #include <limits>
 
 #include "hostkit/MakeObject.h"
+#include "hostkit/TempoMap.h"
 #include "hostkit/TimeConverter.h"
 
 namespace marnoth::test::time_converter_test {
@@ -10,7 +11,8 @@ namespace {
 
 struct Clock {
     explicit Clock(double tempo, double rate = 44100.0)
-        : map(makeObject<TempoMap>(tempo)), converter(makeObject<TimeConverter>(map, rate)) {}
+        : map(makeObject<TempoMap>(tempo)),
+          converter(makeObject<TimeConverter>(RefPtr<TempoService>(map.get()), rate)) {}
 
     SynthTimeValue convert(SynthTimeValue value, SynthTimeFormat target) {
         EXPECT_EQ(converter->ConvertTime(&value, target), S_OK);
