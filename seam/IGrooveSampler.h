@@ -92,7 +92,8 @@ struct IGrooveSampler : IDispatch {
 
     // Playing from the page. `grain` -1 plays the whole pad or file.
     virtual HRESULT AuditionPad(std::int32_t pad, std::int32_t grain) = 0;
-    /// A one-shot pad ignores it; -1 stops everything, one-shot pads and notes too.
+    /// A one-shot pad ignores it; -1 stops everything, one-shot pads and notes too. This one and
+    /// `StopBinAudition` only set flags: the streaming thread may call them too, between blocks.
     virtual HRESULT StopPad(std::int32_t pad) = 0;
     virtual HRESULT AuditionBinFile(std::int32_t bin, std::int32_t grain) = 0;
     virtual HRESULT StopBinAudition(std::int32_t bin) = 0;
