@@ -7,6 +7,8 @@
 #include <thread>
 
 #include "hostkit/LiveRig.h"
+#include "hostkit/MakeObject.h"
+#include "hostkit/MemoryStream.h"
 #include "hostkit/PlayingRig.h"
 #include "platform/graph/Graph.h"
 
@@ -373,6 +375,23 @@ TEST(LiveHost, OutputsThatAreNullOrNotRenderedDisturbNothing) {
     EXPECT_GT(*std::max_element(right.begin(), right.end()), 0.1f);
     EXPECT_LT(*std::max_element(right.begin(), right.end()), 9.0f);
     EXPECT_EQ(rig.host.process(512, OutputPointers{}), S_OK);
+}
+
+TEST(LiveHost, AStateSavedInMemorySoundsTheSameInAnotherHost) {
+    const std::vector<TempPath> files = padFiles(LiveRig::kRate);
+    LiveRig first;
+    layPads(first.host.sampler(), files);
+    RefPtr<MemoryStream> state = makeObject<MemoryStream>();
+    EXPECT_EQ(first.host.save(*state.get()), S_OK);
+    RefPtr<MemoryStream> copy = makeObject<MemoryStream>(state->bytes());
+    LiveRig second;
+    EXPECT_EQ(second.host.load(*copy.get()), S_OK);
+    for (LiveRig* rig : {&first, &second}) {
+        for (int pad = 0; pad < kPads; ++pad) rig->on(pad * 20, 48 + pad);
+        for (int block = 0; block < 20; ++block) rig->block(512);
+    }
+    EXPECT_GT(first.peakFrom(0), 0.3f);
+    EXPECT_EQ(first.audio, second.audio);
 }
 
 TEST(LiveHost, RefusesWhatCanNotBe) {
