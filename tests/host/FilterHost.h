@@ -50,10 +50,13 @@ public:
     };
     std::function<HRESULT(const Block&)> onProcess;
     std::function<HRESULT()> onCreateVoice;
+    /// The engine's word on an event that is queued.
+    std::function<HRESULT(const SynthEvent&)> onIsIgnored;
     /// Called when the engine is asked for its word on a format.
     std::function<void()> onCheckFormat;
     /// What saves and loads the project in the engine's place.
     std::function<HRESULT(IStream*)> onSaveState, onLoadState;
+    int voicesMade = 0;
     int preparations = 0, releases = 0;  ///< of resources
     /// What a note without `flush` is told; S_OK frees its voice.
     std::function<HRESULT()> onReleaseVoice;
@@ -64,8 +67,13 @@ public:
         return onProcess({at, reserved, input ? input->frames : -1, input ? input->silent : -1,
                           std::vector<PinBuffer>(pins, pins + pinCount), notes->size()});
     }
+    HRESULT IsIgnoredEvent(const SynthEvent* event) override {
+        return onIsIgnored ? onIsIgnored(*event) : CFilter::IsIgnoredEvent(event);
+    }
     HRESULT CreateVoice(QueuedEvent* event) override {
-        return onCreateVoice ? onCreateVoice() : CFilter::CreateVoice(event);
+        const HRESULT hr = onCreateVoice ? onCreateVoice() : CFilter::CreateVoice(event);
+        voicesMade += event->voice != nullptr;
+        return hr;
     }
     HRESULT ReleaseVoice(QueuedEvent* event, std::int32_t flush) override {
         const HRESULT hr = onReleaseVoice && !flush ? onReleaseVoice() : S_OK;
