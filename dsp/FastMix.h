@@ -10,7 +10,7 @@
 #include "dsp/CpuFeatures.h"
 #include "dsp/MixFrame.h"
 #include "dsp/MixKernels.h"
-#include "dsp/WideMix.h"
+#include "dsp/WideRegisters.h"
 
 /// The fast bodies of the constant-gain kernels: source, gain and destination in one type. Internal to
 /// MixKernels.cpp.

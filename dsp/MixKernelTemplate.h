@@ -6,7 +6,7 @@
 #include "dsp/FastMix.h"
 #include "dsp/MixFrame.h"
 #include "dsp/MixKernels.h"
-#include "dsp/WideMix.h"
+#include "dsp/WideRegisters.h"
 
 /// The one family of loops behind all mix kernels. Internal to MixKernels.cpp.
 ///

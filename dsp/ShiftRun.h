@@ -52,7 +52,7 @@ VectorForm widestForm();
 
 #if defined(__x86_64__)
 /// Two, four and eight frames at once. The first is there on every 64-bit x86 processor, the others where
-/// `has256` and `has512` of WideMix.h say so.
+/// `has256` and `has512` say so.
 std::int32_t renderBy2(const Run& run);
 std::int32_t renderBy4(const Run& run);
 std::int32_t renderBy8(const Run& run);

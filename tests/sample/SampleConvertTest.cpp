@@ -1,7 +1,10 @@
 #include <gtest/gtest.h>
 
+#include <bit>
 #include <cmath>
 #include <cstring>
+#include <random>
+#include <vector>
 
 #include "sample/SampleConvert.h"
 
@@ -66,6 +69,35 @@ TEST(SampleConvert, NothingIsTouchedForNoValues) {
     convert16(&untouched, nullptr, 0, 1);
     convert24(&untouched, nullptr, 0, 1);
     EXPECT_EQ(untouched, 5);
+}
+
+std::int32_t unpacked(const std::byte* bytes, int width) {
+    std::uint32_t value = 0;
+    for (int i = 0; i < width; ++i)
+        value |= std::to_integer<std::uint32_t>(bytes[i]) << (32 - 8 * (width - i));
+    return static_cast<std::int32_t>(value) >> (32 - 8 * width);
+}
+
+TEST(SampleConvert, AnyNumberOfValuesAtAnyPlaceIsTheValueTimesTheScaleRoundedOnce) {
+    std::mt19937 random(50);
+    std::vector<std::byte> bytes(700);
+    for (std::byte& byte : bytes) byte = static_cast<std::byte>(random());
+    const double scales[] = {kScale16, kScale24, 1.0, -0.5, 0.3, 0x1p-120, 0x1p90, 0.0};
+    for (int turn = 0; turn < 4000; ++turn) {
+        const int width = 2 + turn % 2;
+        const double scale = scales[random() % std::size(scales)];
+        const auto count = static_cast<std::int64_t>(random() % 200);
+        const std::byte* const source = bytes.data() + random() % 16;
+        std::vector<float> dest(static_cast<std::size_t>(count) + 1, 42.0f);
+        (width == 2 ? convert16 : convert24)(dest.data(), source, count, scale);
+        for (std::int64_t i = 0; i < count; ++i) {
+            const auto value = static_cast<float>(unpacked(source + i * width, width) * scale);
+            ASSERT_EQ(std::bit_cast<std::uint32_t>(dest[static_cast<std::size_t>(i)]),
+                      std::bit_cast<std::uint32_t>(value))
+                << i << " of " << count << ", scale " << scale;
+        }
+        ASSERT_EQ(dest.back(), 42.0f);
+    }
 }
 
 }  // namespace
