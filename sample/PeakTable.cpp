@@ -22,7 +22,7 @@ struct Extremes {
         high[channel] = highest > high[channel] ? highest : high[channel];
     }
     void store(float* entry) const {
-        for (int c = 0; c < kChannels; ++c) {
+        for (std::ptrdiff_t c = 0; c < kChannels; ++c) {
             entry[2 * c] = low[c];
             entry[2 * c + 1] = high[c];
         }
@@ -81,7 +81,8 @@ void fill(const SourceWave& wave, std::int32_t points, float* table) {
     const double step = 1.0 / (static_cast<double>(wave.frames) / points);
     Extremes<kChannels> running;
     std::int64_t begin = 0;
-    for (std::int32_t point = 0; point < points && begin < wave.frames; ++point, table += 2 * wave.channels) {
+    for (std::int32_t point = 0; point < points && begin < wave.frames;
+         ++point, table += std::ptrdiff_t{2} * wave.channels) {
         const std::int64_t end = std::min(endOfEntry(point, step), wave.frames);
         if (begin == end) continue;
         if (point > 0) {

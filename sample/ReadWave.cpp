@@ -35,7 +35,7 @@ LoadFault faultOf(const CAcidWave& file) {
     constexpr FaultPlace kFormat{fourCC("fmt ")};
     constexpr std::int64_t kHighestNumber = std::numeric_limits<std::uint32_t>::max();
     const WAVEFORMATEX& format = file.format;
-    const std::int64_t blockBytes = format.nChannels * (format.wBitsPerSample / 8);
+    const std::int64_t blockBytes = std::int64_t{format.nChannels} * (format.wBitsPerSample / 8);
     if (!canConvert(format)) {
         return {.kind = FaultKind::formatNotTaken,
                 .formatTag = format.wFormatTag,

@@ -41,7 +41,7 @@ private:
         std::int64_t pixel = 0;
         bool between = false;
 
-        friend auto operator<=>(const Crossing&, const Crossing&) = default;
+        friend auto operator<=>(const Crossing&, const Crossing&) = default;  // NOLINT(modernize-use-nullptr)
     };
 
     void fill(std::int64_t left, std::int64_t top, std::int64_t right, std::int64_t bottom, Color color);

@@ -127,7 +127,7 @@ void printPad(const PadView& view, std::ostream& out) {
 }
 
 void printKeys(const KeyMapRecord& keys, std::ostream& out) {
-    out << column(static_cast<std::size_t>(keys.pad + 1)) << noteName(keys.lowKey);
+    out << column(static_cast<std::size_t>(keys.pad) + 1) << noteName(keys.lowKey);
     if (keys.highKey != keys.lowKey) out << " to " << noteName(keys.highKey);
     if (keys.rootKey != keys.lowKey || keys.highKey != keys.lowKey)
         out << ", root " << noteName(keys.rootKey);

@@ -208,7 +208,7 @@ std::uint32_t readKey(std::string_view name) {
     constexpr std::array<int, 7> kLetters{0, 2, 3, 5, 7, 8, 10};
     const char letter = name.empty() ? ' ' : static_cast<char>(name[0] & ~0x20);
     const std::string_view sign = name.empty() ? name : name.substr(1);
-    if (letter < 'A' || letter > 'G' || (sign != "" && sign != "#" && sign != "b"))
+    if (letter < 'A' || letter > 'G' || (!sign.empty() && sign != "#" && sign != "b"))
         throw WrongUse("--key \"" + std::string(name) + "\": write a note name such as A, C# or Bb");
     const int step = sign == "#" ? 1 : sign == "b" ? 11 : 0;
     return static_cast<std::uint32_t>((kLetters[static_cast<std::size_t>(letter - 'A')] + step) % 12);
