@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <new>
+#include <optional>
 #include <utility>
 
 #include "host/SoftSynth.h"

@@ -3,7 +3,6 @@
 #include <atomic>
 #include <cstdint>
 #include <memory>
-#include <optional>
 
 #include "host/EventStore.h"
 #include "host/Instrument.h"
@@ -108,7 +107,7 @@ private:
     void pairNoteOffs();
     void freeVoice(QueuedEvent& event);
     std::uint32_t inputRate() const { return m_pzi->GetInputFormat()->nSamplesPerSec; }
-    std::optional<SynthTimeValue> converted(SynthTimeValue value, std::uint32_t format);
+    bool convert(SynthTimeValue& value, std::uint32_t format);
     double stoppedTempo();
 
     CPzi* m_pzi = nullptr;

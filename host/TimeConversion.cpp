@@ -54,10 +54,9 @@ SynthTimeValue ticks16Value(std::int64_t ticks16) {
 
 }  // namespace
 
-/// Null without a converter, or when it refuses.
-std::optional<SynthTimeValue> CSoftSynth::converted(SynthTimeValue value, std::uint32_t format) {
-    if (!m_timeConverter || FAILED(m_timeConverter->ConvertTime(&value, format))) return std::nullopt;
-    return value;
+/// False without a converter, or when it refuses.
+bool CSoftSynth::convert(SynthTimeValue& value, std::uint32_t format) {
+    return m_timeConverter && SUCCEEDED(m_timeConverter->ConvertTime(&value, format));
 }
 
 /// While the transport stands, musical time goes by the tempo at the beginning of the host's tempo map.
@@ -71,7 +70,7 @@ double CSoftSynth::stoppedTempo() {
 
 std::int64_t CSoftSynth::WholeTicksToSamples(std::int32_t ticks) {
     CAutoLock lock(*m_pzi);
-    if (const auto value = converted(ticksValue(ticks), kTimeSamples)) return value->samples;
+    if (SynthTimeValue value = ticksValue(ticks); convert(value, kTimeSamples)) return value.samples;
     if (m_tempoMap) {
         const std::int64_t milliseconds = m_tempoMap->TicksToMilliseconds(ticks);
         return std::int64_t{inputRate()} * milliseconds / kMillisecondsPerSecond;
@@ -82,7 +81,7 @@ std::int64_t CSoftSynth::WholeTicksToSamples(std::int32_t ticks) {
 
 std::int32_t CSoftSynth::SamplesToWholeTicks(std::int64_t samples) {
     CAutoLock lock(*m_pzi);
-    if (const auto value = converted(samplesValue(samples), kTimeTicks)) return value->ticks;
+    if (SynthTimeValue value = samplesValue(samples); convert(value, kTimeTicks)) return value.ticks;
     const std::uint32_t rate = inputRate();
     if (rate == 0) return 0;
     if (m_tempoMap)
@@ -93,15 +92,15 @@ std::int32_t CSoftSynth::SamplesToWholeTicks(std::int64_t samples) {
 
 std::int64_t CSoftSynth::TicksToSamples(std::int64_t ticks16) {
     CAutoLock lock(*m_pzi);
-    if (m_playing)
-        if (const auto value = converted(ticks16Value(ticks16), kTimeSamples)) return value->samples;
+    if (SynthTimeValue value = ticks16Value(ticks16); m_playing && convert(value, kTimeSamples))
+        return value.samples;
     return ticks16ToSamples(ticks16, stoppedTempo(), inputRate());
 }
 
 std::int64_t CSoftSynth::SamplesToTicks(std::int64_t samples) {
     CAutoLock lock(*m_pzi);
-    if (m_playing)
-        if (const auto value = converted(samplesValue(samples), kTimeTicks16)) return value->ticks16;
+    if (SynthTimeValue value = samplesValue(samples); m_playing && convert(value, kTimeTicks16))
+        return value.ticks16;
     const std::uint32_t rate = inputRate();
     return rate == 0 ? 0 : samplesToTicks16(samples, stoppedTempo(), rate);
 }
@@ -118,9 +117,8 @@ std::int32_t CSoftSynth::GetSampleRate() {
     SynthTimeValue second;
     second.format = kTimeSeconds;
     second.seconds = 1.0;
-    const auto value = converted(second, kTimeSamples);
-    const bool usable = value && value->samples > 0 && value->samples < kNoSampleRate;
-    return usable ? static_cast<std::int32_t>(value->samples) : kDefaultSampleRate;
+    const bool usable = convert(second, kTimeSamples) && second.samples > 0 && second.samples < kNoSampleRate;
+    return usable ? static_cast<std::int32_t>(second.samples) : kDefaultSampleRate;
 }
 
 }  // namespace marnoth

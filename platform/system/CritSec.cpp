@@ -21,22 +21,13 @@ CCritSec::~CCritSec() {
     DeleteCriticalSection(&section_);
 }
 
-void CCritSec::Lock() {
-    EnterCriticalSection(&section_);
-}
-
-void CCritSec::Unlock() {
-    LeaveCriticalSection(&section_);
-}
-
 #else
 
 namespace {
 
-int makeRecursive(pthread_mutex_t& mutex, int protocol) {
+int makeMutex(pthread_mutex_t& mutex, int protocol) {
     pthread_mutexattr_t attributes;
     if (const int error = pthread_mutexattr_init(&attributes)) return error;
-    pthread_mutexattr_settype(&attributes, PTHREAD_MUTEX_RECURSIVE);
     int error = pthread_mutexattr_setprotocol(&attributes, protocol);
     if (!error) error = pthread_mutex_init(&mutex, &attributes);
     pthread_mutexattr_destroy(&attributes);
@@ -50,18 +41,20 @@ void throwIf(int error) {
 }  // namespace
 
 CCritSec::CCritSec() {
-    if (makeRecursive(mutex_, PTHREAD_PRIO_INHERIT) != 0) throwIf(makeRecursive(mutex_, PTHREAD_PRIO_NONE));
+    if (makeMutex(mutex_, PTHREAD_PRIO_INHERIT) != 0) throwIf(makeMutex(mutex_, PTHREAD_PRIO_NONE));
 }
 
 CCritSec::~CCritSec() {
     pthread_mutex_destroy(&mutex_);
 }
 
-void CCritSec::Lock() {
+void CCritSec::lockFirst() {
     throwIf(pthread_mutex_lock(&mutex_));
+    owner_.store(pthread_self(), std::memory_order_relaxed);
 }
 
-void CCritSec::Unlock() {
+void CCritSec::unlockLast() {
+    owner_.store(pthread_t{}, std::memory_order_relaxed);
     pthread_mutex_unlock(&mutex_);
 }
 
