@@ -2,22 +2,22 @@
 
 #include <cstdint>
 #include <span>
+#include <string>
 
 #include "platform/com/RefPtr.h"
 #include "seam/IGrooveSampler.h"
 
 namespace marnoth {
 
+class FetchedGrains;
+
 /// The engine that a page works on, if it has one: without one every call fails and every value is its
-/// default.
+/// default. Nobody is told of what changes in it: the page reads everything again when the engine's refresh
+/// request is 1, so whoever else changes the instrument calls `SetRefreshRequest(1)` behind it.
 class BoundEngine {
 public:
     /// Lets go of the engine it has and takes the first of `objects` that is one.
-    void bind(std::span<IUnknown* const> objects) {
-        engine_.reset();
-        for (IUnknown* object : objects)
-            if (object && SUCCEEDED(object->QueryInterface(IID_IGrooveSampler, engine_.putVoid()))) return;
-    }
+    void bind(std::span<IUnknown* const> objects);
     explicit operator bool() const { return static_cast<bool>(engine_); }
 
     /// Runs an operation: `call(&IGrooveSampler::SetPadMute, pad, state)`.
@@ -34,26 +34,43 @@ public:
         call(operation, arguments..., &preset);
         return preset;
     }
+    bool isOn(HRESULT (IGrooveSampler::*operation)(std::int32_t, std::uint32_t*), int pad) const {
+        return get(operation, std::uint32_t{0}, pad) != 0;
+    }
+
+    /// Of a pad, 16.16 ticks.
+    std::int64_t loopLength(int pad) const;
+    int grainCount(int pad) const;
+    KeyMapRecord keyMapEntry(int pad) const;
+    FetchedGrains padGrains(int pad) const;
+    FetchedGrains binGrains(int bin) const;
+    int binFileCount() const;
+    /// UTF-8.
+    std::string binFileName(int bin, bool wantPath) const;
+    /// Everything is read again at the page's next tick.
+    void requestRefresh() const { call(&IGrooveSampler::SetRefreshRequest, 1u); }
 
 private:
     RefPtr<IGrooveSampler> engine_;
 };
 
-/// The grains of a pad or of a Loop Bin file, in the block that the engine gives out. A list that can't be
-/// had is empty.
-class GrainList {
+/// The grains of a pad or of a Loop Bin file, in the block that the engine gives out; what they point to is
+/// good as long as the block. A list that can't be had is empty.
+class FetchedGrains {
 public:
     using Operation = HRESULT (IGrooveSampler::*)(std::int32_t, GrainListEntry**, std::int32_t*);
 
-    GrainList(const BoundEngine& engine, Operation operation, std::int32_t track) {
+    FetchedGrains(const BoundEngine& engine, Operation operation, std::int32_t track) {
         if (SUCCEEDED(engine.call(operation, track, &list_, &count_)) && list_ && count_ > 0) return;
         count_ = 0;
     }
-    ~GrainList() { CoTaskMemFree(list_); }
-    GrainList(const GrainList&) = delete;
-    GrainList& operator=(const GrainList&) = delete;
+    ~FetchedGrains() { CoTaskMemFree(list_); }
+    FetchedGrains(const FetchedGrains&) = delete;
+    FetchedGrains& operator=(const FetchedGrains&) = delete;
 
     std::span<const GrainListEntry> entries() const { return {list_, static_cast<std::size_t>(count_)}; }
+    /// Throws `std::invalid_argument` where there is no such grain.
+    std::int64_t startOf(int grain) const;
 
 private:
     GrainListEntry* list_ = nullptr;

@@ -4,9 +4,10 @@
 #include <utility>
 
 #include "editor/PageLayout.h"
-#include "editor/PageTexts.h"
-#include "editor/Skin.h"
+#include "editor/skin/Skin.h"
+#include "editor/texts/PageTexts.h"
 #include "platform/drawing/RasterSurface.h"
+#include "seam/Limits.h"
 
 namespace marnoth {
 
@@ -15,7 +16,6 @@ namespace {
 constexpr int kBackground = 201;
 constexpr int kSmallHeight = 12;
 constexpr int kLargeHeight = 14;
-constexpr int kOctavesShown = 6;
 
 std::unique_ptr<Font> openFont(PageWindow& window, int height) {
     std::string error;
@@ -30,22 +30,27 @@ CGrooveSamplerPropPage::CGrooveSamplerPropPage(PageWindow& window, SurfaceMaker 
     : PageFrame(window, skinBitmap(kBackground), std::move(makeSurface)),
       m_smallFont(openFont(window, kSmallHeight)),
       m_largeFont(openFont(window, kLargeHeight)),
-      m_controls(*this, *this, *m_smallFont) {
+      m_controls(*this, *this, *m_smallFont),
+      m_bin(*this, m_controls, *m_largeFont),
+      m_pads(*this),
+      m_strips(*this, m_controls),
+      m_padPanel(*this, m_controls),
+      m_strip(*this, *m_smallFont),
+      m_editor(*this, m_controls, *m_smallFont, *m_largeFont),
+      m_grainPanel(*this, m_controls),
+      m_files(
+          *this, m_controls, [this] { takeKeyboard(); }, [this](bool on) { poll(on); }),
+      m_menu(*this, *this, m_strips, m_files),
+      m_keys(*this, m_editor, m_grainPanel),
+      m_gestures(*this, window, {m_bin, m_pads, m_padPanel, m_strip, m_editor}) {
     for (Control* control : m_controls.all()) add(*control);
-    m_timeScale.view = kPadView;
-    m_timeScale.plot = kPadPlot;
-    m_keyMapEditor.setUp(kKeyMapRect, kOctavesShown);
-    m_padHorizontal.setUp({100, 537, 553, 545}, CGrooveScroller::kHorizontal, kPadPlot.width(), 800);
-    m_padVertical.setUp({585, 350, 593, 504}, CGrooveScroller::kVertical, kPadPlot.height(), 800);
-    m_binVertical.setUp({124, 69, 132, 218}, CGrooveScroller::kVertical, kBinList.height(), 400);
-    m_binHorizontal.setUp({14, 220, 119, 228}, CGrooveScroller::kHorizontal, kBinList.width(), 200);
 }
 
 CGrooveSamplerPropPage::~CGrooveSamplerPropPage() {
     if (!m_isOpen) return;
-    guarded([&] { dropGesture(); });
+    guarded([&] { m_gestures.drop(); });
     releaseMouse();
-    window().setTimer(0);
+    poll(false);
 }
 
 std::unique_ptr<Surface> CGrooveSamplerPropPage::drawInto(Bitmap& bitmap) {
@@ -54,9 +59,10 @@ std::unique_ptr<Surface> CGrooveSamplerPropPage::drawInto(Bitmap& bitmap) {
 
 void CGrooveSamplerPropPage::bind(std::span<IUnknown* const> objects) {
     m_pGrooveSampler.bind(objects);
+    m_wheelRun.end();
     if (!m_pGrooveSampler || !m_isOpen) return;
-    clearSelections();
-    m_currentBinFile = -1;
+    m_view.clearSelections();
+    m_view.currentBinFile = -1;
     RefreshAll();
 }
 
@@ -64,26 +70,124 @@ void CGrooveSamplerPropPage::open() {
     m_isOpen = true;
     invalidate(screen().bounds());
     RefreshAll();
-    window().setTimer(kTimerPeriod);
+    poll(true);
 }
 
 void CGrooveSamplerPropPage::timer() {
     carryOut([&] {
-        const auto wanted = get(&IGrooveSampler::GetRefreshRequest, std::uint32_t{0});
-        invalidatePadImages();
+        const auto wanted = m_pGrooveSampler.get(&IGrooveSampler::GetRefreshRequest, std::uint32_t{0});
+        m_pads.invalidateImages();
         if (wanted != 1) return;
         // A slow refresh must not pile up periods.
-        window().setTimer(0);
+        poll(false);
         RefreshAll();
-        window().setTimer(kTimerPeriod);
+        poll(true);
     });
 }
 
-TimeScale CGrooveSamplerPropPage::scale() const {
-    TimeScale scale = m_timeScale;
-    scale.horizontal = m_padHorizontal.position();
-    scale.vertical = m_padVertical.position();
-    return scale;
+void CGrooveSamplerPropPage::SelectPad(int pad) {
+    m_pads.invalidateRing(m_view.currentPad);
+    m_view.currentPad = pad;
+    m_pads.invalidateRing(m_view.currentPad);
+    RefreshPadControls();
+    RefreshGrainReadouts();
+    invalidateGrainPlaces();
+}
+
+void CGrooveSamplerPropPage::RefreshAll() {
+    if (!m_isOpen || !m_pGrooveSampler) return;
+    m_bin.showAudition();
+    m_padPanel.showToggles();
+    RefreshPadControls();
+    RefreshGrainReadouts();
+    m_pads.invalidateImages();
+    for (int pad = 0; pad < kPads; ++pad) m_strips.refresh(pad);
+    invalidateGrainPlaces();
+    m_editor.invalidateTracks();
+    m_bin.invalidateTracks();
+}
+
+void CGrooveSamplerPropPage::RefreshPadControls() {
+    if (!m_pGrooveSampler) return;
+    m_padPanel.refresh();
+    m_strips.showLevels(m_view.currentPad);
+    m_editor.showSnap();
+}
+
+void CGrooveSamplerPropPage::RefreshGrainReadouts() {
+    if (m_pGrooveSampler) m_grainPanel.refresh();
+}
+
+void CGrooveSamplerPropPage::invalidateGrainPlaces() {
+    for (const Rect& area : kGrainPlaces) invalidate(area);
+}
+
+void CGrooveSamplerPropPage::askMessage(std::string_view text, MessageKind kind,
+                                        std::function<void(PageAnswer)> then) {
+    PageFrame::askMessage(text, kind, std::move(then));
+}
+
+void CGrooveSamplerPropPage::askFile(std::string_view filter, FileKind kind,
+                                     std::function<void(std::optional<std::string>)> then) {
+    PageFrame::askFile(filter, kind, std::move(then));
+}
+
+void CGrooveSamplerPropPage::askMenu(Point at, std::span<const MenuItem> items,
+                                     std::function<void(int)> then) {
+    PageFrame::askMenu(at, items, std::move(then));
+}
+
+void CGrooveSamplerPropPage::paintPage(Surface& backBuffer) {
+    if (RectVisible(kStripPanel)) m_strip.paint(backBuffer);
+    if (RectVisible(kPadBlock)) m_pads.paint(backBuffer);
+    if (RectVisible(kBinList)) m_bin.paint(backBuffer);
+    if (RectVisible(kPadView)) m_editor.paint(backBuffer, m_gestures.picture(held()));
+}
+
+void CGrooveSamplerPropPage::pressed(Point at) {
+    captureForPage();
+    m_gestures.press(at, held());
+}
+
+void CGrooveSamplerPropPage::released(Point at) {
+    releaseMouse();
+    if (m_gestures.release(at, held())) takeKeyboard();
+}
+
+void CGrooveSamplerPropPage::wheelTurned(Point at, WheelAxis axis, int steps) {
+    if (m_gestures.isButtonDown() || m_bin.wheel(at, axis, steps, held())) return;
+    if (m_editor.wheel(at, axis, steps, held())) m_gestures.hover(at);
+}
+
+void CGrooveSamplerPropPage::menuWanted(Point at) {
+    const auto hit = m_pads.HitTestPad(at);
+    if (!hit) return;
+    SelectPad(hit->pad);
+    m_menu.ShowPadMenu(at, hit->pad);
+}
+
+void CGrooveSamplerPropPage::gestureLost() {
+    m_gestures.drop();
+    invalidateGrainPlaces();
+}
+
+void CGrooveSamplerPropPage::command(int id) {
+    // Each pane knows its own: no two have the same.
+    if (m_bin.command(id) || m_files.command(id) || m_strips.command(id, held())) return;
+    if (m_padPanel.command(id, held()) || m_editor.command(id) || m_menu.command(id)) return;
+    if (id == kHelpCommand) showHelp();
+}
+
+void CGrooveSamplerPropPage::scrolled(Control& knob) {
+    if (!m_strips.knobTurned(knob.id())) m_grainPanel.knobTurned(knob.id());
+}
+
+void CGrooveSamplerPropPage::applyEdit(int id) {
+    if (!m_padPanel.applyEdit(id)) m_grainPanel.applyEdit(id);
+}
+
+void CGrooveSamplerPropPage::applyCombo(int id) {
+    if (!m_padPanel.applyCombo(id)) m_editor.applyCombo(id);
 }
 
 bool CGrooveSamplerPropPage::OnControlMessage(Control& control, const ControlEvent& event, int* result) {
@@ -92,10 +196,10 @@ bool CGrooveSamplerPropPage::OnControlMessage(Control& control, const ControlEve
             beginWheelRun(control, event.steps);
             return false;
         case ControlEventKind::mouseMove:
-            if (m_draggingBinFile) window().setCursor(PageCursor::dragCopy);
+            if (m_gestures.dragsBinFile()) window().setCursor(PageCursor::dragCopy);
             return false;
         case ControlEventKind::leftUp:
-            if (m_draggingBinFile)
+            if (m_gestures.dragsBinFile())
                 released({control.place().left + event.at.x, control.place().top + event.at.y});
             return false;
         case ControlEventKind::keyDown:
@@ -112,6 +216,56 @@ bool CGrooveSamplerPropPage::OnControlMessage(Control& control, const ControlEve
         default:
             return false;
     }
+}
+
+bool CGrooveSamplerPropPage::keyPressed(int key) {
+    if (key == kKeyF1) {
+        showHelp();
+        return true;
+    }
+    return m_keys.press(key, held(), m_gestures.isDragOpen());
+}
+
+void CGrooveSamplerPropPage::beginWheelRun(const Control& control, int steps) {
+    const auto* const knob = dynamic_cast<const CBitmapKnobCtrl*>(&control);
+    if (!knob || !knob->turnsBy(steps)) return;
+    if (GrainPanel::hasKnob(knob->id()) && m_view.selection.size() != 1) return;
+    if (m_wheelRun.begins(knob->id(), acts())) m_pGrooveSampler.call(&IGrooveSampler::PushUndoState);
+}
+
+DropEffect CGrooveSamplerPropPage::dragEnter(bool hasFiles) {
+    return hasFiles && !isAsking() ? DropEffect::copy : DropEffect::none;
+}
+
+DropEffect CGrooveSamplerPropPage::dragOver(Point) {
+    return isAsking() ? DropEffect::none : DropEffect::copy;
+}
+
+DropEffect CGrooveSamplerPropPage::drop(Point at, std::optional<std::span<const std::string>> paths) {
+    if (!paths || isAsking()) return DropEffect::none;
+    carryOut([&] {
+        // Nothing is painted while files load, nor behind the message that ends a drop.
+        ++m_paintBlock;
+        m_wheelRun.end();
+        LoadResult result;
+        guarded([&] { result = loadDropped(at, *paths); });
+        const auto end = [this] {
+            m_pGrooveSampler.requestRefresh();
+            --m_paintBlock;
+            window().requestPaint();
+        };
+        if (result.isFine()) return end();
+        m_files.report(result, end);
+    });
+    return DropEffect::copy;
+}
+
+LoadResult CGrooveSamplerPropPage::loadDropped(Point at, std::span<const std::string> paths) {
+    int row = -1;
+    if (m_bin.HitTestBinRow(at, &row)) return m_files.loadIntoBin(paths);
+    if (const auto hit = m_pads.HitTestPad(at)) return m_files.loadOntoPad(hit->pad, paths);
+    if (const auto hit = m_editor.HitTestRow(at)) return m_files.loadOntoPad(hit->pad, paths);
+    return {};
 }
 
 }  // namespace marnoth

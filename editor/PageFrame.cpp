@@ -33,6 +33,9 @@ void copyPixels(const Bitmap& from, Bitmap& to, const Rect& area) {
             to.row(y).begin() + area.left);
 }
 
+/// More at once than any hand turns.
+constexpr int kMostWheelSteps = 1000;
+
 /// Whether a key of an American keyboard makes a character; so may one without a code.
 bool makesCharacter(int key) {
     const auto isFrom = [key](int first, int last) { return first <= key && key <= last; };
@@ -123,6 +126,7 @@ void PageFrame::relativeMove(Point distance, Modifiers held) {
 
 void PageFrame::wheel(Point at, WheelAxis axis, int steps, Modifiers held) {
     if (!admits(held) || m_pageCaptured || steps == 0) return;
+    steps = std::clamp(steps, -kMostWheelSteps, kMostWheelSteps);
     carryOut([&] {
         Control* const target = targetOf(at);
         if (!target) return wheelTurned(at, axis, steps);

@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "editor/Control.h"
+#include "editor/controls/Control.h"
 #include "platform/drawing/Bitmap.h"
 #include "platform/drawing/PageWindow.h"
 #include "platform/drawing/Surface.h"

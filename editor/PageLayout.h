@@ -1,6 +1,9 @@
 #pragma once
 
+#include <array>
+
 #include "platform/drawing/Geometry.h"
+#include "seam/Limits.h"
 
 namespace marnoth {
 
@@ -20,9 +23,13 @@ inline constexpr Rect kPadView{101, 348, 583, 528};
 inline constexpr Rect kPadPlot{137, 361, 583, 523};
 inline constexpr Rect kKeyMapRect{51, 267, 571, 322};
 
-/// The corner of a pad's cell, 0 to 15.
+/// Where the current pad, the current file and what is selected show.
+inline constexpr std::array<Rect, 3> kGrainPlaces{kPadView, kBinList, kStripPanel};
+
+inline constexpr int kPadColumns = 4;  ///< and as many rows
+/// The corner of a pad's cell.
 constexpr Point padCell(int pad) {
-    return {138 + 89 * (pad % 4), 43 + 57 * (pad / 4)};
+    return {138 + 89 * (pad % kPadColumns), 43 + 57 * (pad / kPadColumns)};
 }
 constexpr Rect padImage(int pad) {
     const Point cell = padCell(pad);
@@ -31,7 +38,8 @@ constexpr Rect padImage(int pad) {
 
 /// Ids of the controls. Those of a row of pads count up from the first, but for Mute.
 enum ControlId : int {
-    kFirstMute = 1024,  ///< the last one is 1040: 1039 isn't used
+    kFirstMute = 1024,
+    kLastMute = 1040,  ///< 1039 isn't used
     kFirstSynced = 1041,
     kFirstLooping = 1057,
     kFirstOpen = 1073,
@@ -73,11 +81,11 @@ enum ControlId : int {
 };
 
 constexpr int muteId(int pad) {
-    return pad < 15 ? kFirstMute + pad : 1040;
+    return pad < kPads - 1 ? kFirstMute + pad : kLastMute;
 }
 
 /// Commands of menus.
-enum PageCommand : int {
+enum MenuCommand : int {
     kHelpCommand = 32768,
     kOpenAudioCommand = 32770,
     kLoopingCommand = 32771,

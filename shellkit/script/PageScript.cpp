@@ -5,8 +5,8 @@
 #include <utility>
 #include <vector>
 
-#include "editor/FxComboBox.h"
-#include "editor/StaticText.h"
+#include "editor/controls/FxComboBox.h"
+#include "editor/controls/StaticText.h"
 #include "shellkit/media/PngFile.h"
 #include "shellkit/script/ScriptCommand.h"
 #include "shellkit/script/ScriptNumbers.h"

@@ -3,9 +3,9 @@
 #include <limits>
 
 #include "TestPage.h"
-#include "editor/BitmapKnobCtrl.h"
-#include "editor/BitmapToggleCtrl.h"
-#include "editor/ZoomButton.h"
+#include "editor/controls/BitmapKnobCtrl.h"
+#include "editor/controls/BitmapToggleCtrl.h"
+#include "editor/controls/ZoomButton.h"
 #include "platform/drawing/RecordingSurface.h"
 
 namespace marnoth::test::buttons_and_knobs_test {

@@ -3,8 +3,9 @@
 #include <limits>
 #include <stdexcept>
 
-#include "editor/EventPlot.h"
-#include "editor/EventSelection.h"
+#include "editor/padeditor/EventPlot.h"
+#include "editor/padeditor/EventSelection.h"
+#include "editor/padeditor/TimeScale.h"
 
 namespace marnoth::test::event_plot_test {
 namespace {
@@ -12,12 +13,20 @@ namespace {
 constexpr std::int64_t kLast = std::numeric_limits<std::int64_t>::max();
 constexpr std::int64_t kFirst = std::numeric_limits<std::int64_t>::min();
 
+/// A grain from one tick to another.
 EventPlotInfo block(int left, int right) {
-    return {0, 0, {left, 362, right, 370}, 0};
+    return {0, left, {}, 0, right};
 }
 
 EventPlotInfo tail(int left, int right) {
-    return {0, 0, {left, 362, right, 370}, 1};
+    return {0, left, {}, 1, right};
+}
+
+/// Of a view that begins at tick 0 and at x 0, with `pixels` to the tick.
+std::int32_t hitPlot(const EventPlot& plot, std::int32_t guess, int x, double pixels = 1.0) {
+    TimeScale scale;
+    scale.pixelsPerBeat = pixels * static_cast<double>(kTicks16PerBeat);
+    return marnoth::hitPlot(scale, plot, guess, x);
 }
 
 TEST(EventPlot, RightOfTheGuessTheLaterOfOverlappingGrainsIsHit) {
@@ -53,6 +62,15 @@ TEST(EventPlot, ATailGrainIsHitOn15PixelsWhateverItsLength) {
 TEST(EventPlot, AGrainOfNoWidthIsNeverHit) {
     EXPECT_EQ(hitPlot({block(100, 100)}, 0, 100), -1);
     EXPECT_EQ(hitPlot({block(100, 100), block(200, 210)}, 1, 100), -1);
+}
+
+TEST(EventPlot, TheScaleSaysWhereGrainsLieNotThePlaceWhereTheyWerePainted) {
+    EventPlot plot{block(100, 200)};
+    plot[0].rect = {7, 362, 9, 370};
+    EXPECT_EQ(hitPlot(plot, 0, 8), -1);
+    EXPECT_EQ(hitPlot(plot, 0, 150), 0);
+    EXPECT_EQ(hitPlot(plot, 0, 399, 2.0), 0);
+    EXPECT_EQ(hitPlot(plot, 0, 400, 2.0), -1);
 }
 
 TEST(EventPlot, NothingIsHitOnAnEmptyPlot) {

@@ -2,7 +2,7 @@
 
 #include "editor/LoadMessages.h"
 #include "editor/PageRig.h"
-#include "editor/Palette.h"
+#include "editor/skin/Palette.h"
 
 /// Files that are dropped onto the page from outside.
 namespace marnoth::test::file_drops_test {

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "editor/PageRig.h"
-#include "editor/Palette.h"
+#include "editor/skin/Palette.h"
 
 /// Grains under the mouse: presses, drags and drops. While nothing is zoomed a beat is 54 pixels wide and
 /// snaps to twelfths.

@@ -2,7 +2,7 @@
 
 #include <limits>
 
-#include "editor/GrooveScroller.h"
+#include "editor/controls/GrooveScroller.h"
 #include "platform/drawing/RecordingSurface.h"
 
 namespace marnoth::test::groove_scroller_test {

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <limits>
 
-#include "editor/KeyMapEditor.h"
 #include "editor/PageLayout.h"
 #include "editor/PlainFont.h"
+#include "editor/strip/KeyMapEditor.h"
 #include "platform/drawing/RecordingSurface.h"
 
 namespace marnoth::test::key_map_editor_test {

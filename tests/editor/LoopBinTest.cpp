@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "editor/PageRig.h"
-#include "editor/Palette.h"
-#include "editor/Skin.h"
+#include "editor/skin/Palette.h"
+#include "editor/skin/Skin.h"
 
 /// The list of audio files with its buttons, and files that are dragged out of it.
 namespace marnoth::test::loop_bin_test {

@@ -1,6 +1,6 @@
-#include "editor/Palette.h"
 #include "editor/PanelRig.h"
-#include "editor/Skin.h"
+#include "editor/skin/Palette.h"
+#include "editor/skin/Skin.h"
 
 /// Pads, their buttons, knobs and menu, and the toggles of the panel beside them.
 namespace marnoth::test::pad_strips_test {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "editor/PageLayout.h"
-#include "editor/TimeScale.h"
+#include "editor/padeditor/TimeScale.h"
 
 namespace marnoth::test {
 

@@ -2,11 +2,11 @@
 
 #include <algorithm>
 
-#include "editor/GrainShape.h"
 #include "editor/PadView.h"
-#include "editor/PadViewPaint.h"
 #include "editor/PlainFont.h"
 #include "editor/Truncate.h"
+#include "editor/padeditor/GrainShape.h"
+#include "editor/padeditor/PadViewPaint.h"
 #include "platform/drawing/RecordingSurface.h"
 #include "seam/IGrooveSampler.h"
 

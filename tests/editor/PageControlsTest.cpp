@@ -1,8 +1,8 @@
 #include <set>
 
-#include "editor/PageControls.h"
 #include "editor/PanelRig.h"
-#include "editor/Skin.h"
+#include "editor/controls/PageControls.h"
+#include "editor/skin/Skin.h"
 
 /// The controls on the page: where they are, how the mouse and the keyboard come to them, and the key map in
 /// the strip.

@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "editor/PageRig.h"
-#include "editor/Palette.h"
-#include "editor/Skin.h"
+#include "editor/skin/Palette.h"
+#include "editor/skin/Skin.h"
 
 /// The page from its opening to its end: what it reads and when, and its picture where nothing but the skin
 /// is.

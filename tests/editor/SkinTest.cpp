@@ -4,9 +4,9 @@
 #include <stdexcept>
 
 #include "editor/PageLayout.h"
-#include "editor/Palette.h"
-#include "editor/Skin.h"
-#include "editor/SkinFiles.h"
+#include "editor/skin/Palette.h"
+#include "editor/skin/Skin.h"
+#include "editor/skin/SkinFiles.h"
 
 namespace marnoth::test::skin_test {
 namespace {

@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include "editor/PlugInFilterControl.h"
+#include "editor/controls/PlugInFilterControl.h"
 #include "platform/drawing/Font.h"
 #include "platform/drawing/HeadlessWindow.h"
 

@@ -3,10 +3,10 @@
 #include <algorithm>
 
 #include "TestPage.h"
-#include "editor/BitmapToggleCtrl.h"
-#include "editor/FxComboBox.h"
-#include "editor/FxEdit.h"
-#include "editor/StaticText.h"
+#include "editor/controls/BitmapToggleCtrl.h"
+#include "editor/controls/FxComboBox.h"
+#include "editor/controls/FxEdit.h"
+#include "editor/controls/StaticText.h"
 #include "platform/drawing/RecordingSurface.h"
 
 namespace marnoth::test::text_controls_test {

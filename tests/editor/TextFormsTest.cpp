@@ -5,7 +5,7 @@
 #include <limits>
 #include <locale>
 
-#include "editor/TextForms.h"
+#include "editor/texts/TextForms.h"
 
 namespace marnoth::test::text_forms_test {
 namespace {

@@ -3,8 +3,8 @@
 #include <limits>
 
 #include "editor/PadView.h"
-#include "editor/TimeScale.h"
 #include "editor/Truncate.h"
+#include "editor/padeditor/TimeScale.h"
 
 namespace marnoth::test::time_scale_test {
 namespace {

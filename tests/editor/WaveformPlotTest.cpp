@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <limits>
 
-#include "editor/EventSelection.h"
 #include "editor/PageLayout.h"
 #include "editor/PlainFont.h"
-#include "editor/WaveformPlot.h"
+#include "editor/padeditor/EventSelection.h"
+#include "editor/strip/WaveformPlot.h"
 #include "platform/drawing/RecordingSurface.h"
 #include "seam/IGrooveSampler.h"
 

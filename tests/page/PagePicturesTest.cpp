@@ -6,8 +6,8 @@
 
 #include "editor/GrooveSamplerPropPage.h"
 #include "editor/PageLayout.h"
-#include "editor/Palette.h"
-#include "editor/Skin.h"
+#include "editor/skin/Palette.h"
+#include "editor/skin/Skin.h"
 #include "host/CreateInstance.h"
 #include "hostkit/HostRig.h"
 #include "page/Groove.h"
