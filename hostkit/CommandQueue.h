@@ -42,7 +42,7 @@ public:
         }
     }
 
-    /// The one thread that takes. Nothing when the queue is empty.
+    /// The one thread that takes, as below. Nothing when the queue is empty.
     std::optional<Command> pop() {
         Place& place = places_[popped_ % kRoom];
         if (place.turn.load(std::memory_order_acquire) != popped_ + 1) return std::nullopt;
@@ -51,6 +51,9 @@ public:
         ++popped_;
         return command;
     }
+
+    /// Whether nobody has begun a push that hasn't been taken.
+    bool isEmpty() const { return pushed_.load(std::memory_order_acquire) == popped_; }
 
 private:
     struct Place {

@@ -9,8 +9,7 @@ bool LiveCommands::push(const LiveCommand& command) {
 
 bool LiveCommands::pushLate(const LiveMessage& message) {
     if (message.kind == LiveMessage::Kind::noteOff) {
-        const int word = message.channel * kWordsPerChannel + message.key / kKeysPerWord;
-        late_[static_cast<std::size_t>(word)].fetch_or(std::uint64_t{1} << message.key % kKeysPerWord);
+        ++late_[message.channel * kKeys + message.key];
     } else if (message.kind == LiveMessage::Kind::soundOff) {
         lateSoundOff_ = true;
     } else {
@@ -26,10 +25,10 @@ LiveCommand LiveCommands::soundOff() {
     return command;
 }
 
-LiveCommand LiveCommands::noteOffOf(int word, int bit) {
+LiveCommand LiveCommands::noteOffOf(std::size_t index) {
     LiveCommand command;
-    command.message.channel = static_cast<std::uint8_t>(word / kWordsPerChannel);
-    command.message.key = static_cast<std::uint8_t>(word % kWordsPerChannel * kKeysPerWord + bit);
+    command.message.channel = static_cast<std::uint8_t>(index / kKeys);
+    command.message.key = static_cast<std::uint8_t>(index % kKeys);
     return command;
 }
 

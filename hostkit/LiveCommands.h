@@ -29,40 +29,43 @@ public:
     /// Any thread. False when there is no room.
     bool push(const LiveCommand& command);
 
-    /// The thread that renders.
-    /// Calls `take` with each command that has come. What comes meanwhile may wait for the next time.
+    /// The thread that renders. Calls `take` with each command that has come; what comes meanwhile may wait
+    /// for the next time.
     template <class Take>
     void takeAll(const Take& take) {
         const bool hasLate = hasLate_.exchange(false);
-        for (std::size_t i = 0; i < kRoom; ++i) {
+        std::size_t taken = 0;
+        while (taken < kRoom) {
             const std::optional<LiveCommand> command = queue_.pop();
             if (!command) break;
             take(*command);
+            ++taken;
         }
-        if (hasLate) takeLate(take);
+        if (!hasLate) return;
+        // A thread that was pushed aside in the middle holds back what comes first.
+        if (taken < kRoom && !queue_.isEmpty())
+            hasLate_ = true;
+        else
+            takeLate(take);
     }
 
 private:
-    static constexpr int kKeysPerWord = 64;
-    static constexpr int kWordsPerChannel = (kHighestKey + 1) / kKeysPerWord;
+    static constexpr std::size_t kKeys = kHighestKey + 1;
 
     bool pushLate(const LiveMessage& message);
 
     template <class Take>
     void takeLate(const Take& take) {
-        for (std::size_t word = 0; word < late_.size(); ++word) {
-            const std::uint64_t keys = late_[word].exchange(0);
-            for (int bit = 0; keys >> bit != 0 && bit < kKeysPerWord; ++bit)
-                if (keys >> bit & 1) take(noteOffOf(static_cast<int>(word), bit));
-        }
+        for (std::size_t index = 0; index < late_.size(); ++index)
+            for (std::uint32_t count = late_[index].exchange(0); count > 0; --count) take(noteOffOf(index));
         if (lateSoundOff_.exchange(false)) take(soundOff());
     }
+    static LiveCommand noteOffOf(std::size_t index);
     static LiveCommand soundOff();
-    static LiveCommand noteOffOf(int word, int bit);
 
     CommandQueue<LiveCommand, kRoom> queue_;
-    /// A bit for each key of each channel whose note-off found no room.
-    std::array<std::atomic<std::uint64_t>, kMidiChannels * kWordsPerChannel> late_{};
+    /// How many note-offs of each key of each channel found no room.
+    std::array<std::atomic<std::uint32_t>, kMidiChannels * kKeys> late_{};
     std::atomic<bool> lateSoundOff_ = false;
     std::atomic<bool> hasLate_ = false;
 };

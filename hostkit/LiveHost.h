@@ -26,8 +26,8 @@ struct LiveSetup {
 /// behind a note-off is 20 ms or what is left of the piece that begins with it, whichever is shorter.
 ///
 /// Three kinds of threads call: one that sets up, one that renders, and any others. `connect` and `process`
-/// are never called at once; everything else may be. Nothing below "The thread that renders" allocates or
-/// waits, but for the instrument's one lock, and nobody waits below "Any thread".
+/// are never called at once; everything else may be. Below "The thread that renders" nothing allocates or
+/// frees, and the one lock that may be held by others is the instrument's; nobody waits below "Any thread".
 class LiveHost {
 public:
     /// Has the instrument made by `make`. `std::runtime_error` when that fails.

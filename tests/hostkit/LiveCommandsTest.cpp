@@ -14,9 +14,11 @@ namespace {
 TEST(CommandQueue, GivesWhatCameInItsOrderAndRefusesWhenFull) {
     CommandQueue<int, 4> queue;
     EXPECT_FALSE(queue.pop());
+    EXPECT_TRUE(queue.isEmpty());
     for (int round = 0; round < 10; ++round) {
         for (int i = 0; i < 4; ++i) EXPECT_TRUE(queue.push(10 * round + i));
         EXPECT_FALSE(queue.push(99));
+        EXPECT_FALSE(queue.isEmpty());
         for (int i = 0; i < 4; ++i) EXPECT_EQ(queue.pop(), 10 * round + i);
         EXPECT_FALSE(queue.pop());
     }
@@ -86,14 +88,15 @@ TEST(LiveCommands, NoteOffsAndTheEndOfSoundAreNeverRefused) {
     EXPECT_TRUE(commands.push(message(Kind::noteOff, 15, 127)));
     EXPECT_TRUE(commands.push(message(Kind::noteOff, 0, 0)));
     EXPECT_TRUE(commands.push(message(Kind::noteOff, 3, 64)));
+    EXPECT_TRUE(commands.push(message(Kind::noteOff, 3, 64)));
     const auto all = takeAll(commands);
-    ASSERT_EQ(all.size(), LiveCommands::kRoom + 4);
+    ASSERT_EQ(all.size(), LiveCommands::kRoom + 5);
     std::vector<std::pair<int, int>> offs;
-    for (std::size_t i = LiveCommands::kRoom; i < LiveCommands::kRoom + 3; ++i) {
+    for (std::size_t i = LiveCommands::kRoom; i < LiveCommands::kRoom + 4; ++i) {
         EXPECT_EQ(all[i].message.kind, Kind::noteOff);
         offs.emplace_back(all[i].message.channel, all[i].message.key);
     }
-    const std::vector<std::pair<int, int>> expected{{0, 0}, {3, 64}, {15, 127}};
+    const std::vector<std::pair<int, int>> expected{{0, 0}, {3, 64}, {3, 64}, {15, 127}};
     EXPECT_EQ(offs, expected);
     EXPECT_EQ(all.back().message.kind, Kind::soundOff);
     EXPECT_TRUE(takeAll(commands).empty());

@@ -39,6 +39,7 @@ public:
         return offences;
     }
     float loudest() const { return loudest_; }
+    int noteOns() const { return noteOns_; }
 
 private:
     static constexpr std::int32_t kMost = 2 * LiveRig::kMost;
@@ -48,7 +49,8 @@ private:
     void playNotes() {
         for (int i = any(6); i > 0; --i) {
             const auto key = static_cast<std::uint8_t>(48 + any(16));
-            rig_.host.addMessage(any(300), any(2) ? 0x90 : 0x80, key, 100);
+            const bool isOn = any(2) != 0;
+            noteOns_ += rig_.host.addMessage(any(300), isOn ? 0x90 : 0x80, key, 100) && isOn;
         }
         if (any(20) == 0) rig_.host.addMessage(any(300), 0xB0, static_cast<std::uint8_t>(120 + any(4)), 0);
     }
@@ -76,6 +78,7 @@ private:
     std::array<float*, 34> pointers_{};
     bool notes_ = true;
     float loudest_ = 0;
+    int noteOns_ = 0;
     std::mt19937 random_{17};
 };
 
@@ -88,6 +91,20 @@ TEST(LiveRealTime, StartsJumpsStopsTemposAndCommandsTakeNoMemory) {
         ASSERT_EQ(offences.frees, 0) << "in block " << i;
     }
     EXPECT_GT(rig.loudest(), 0.1f);
+}
+
+TEST(LiveRealTime, NotesTakeNoMemoryButForWhatTheInstrumentKeepsOfEach) {
+    BusyRig rig;
+    int allocations = 0, frees = 0;
+    for (int i = 0; i < 1000; ++i) {
+        const auto offences = rig.block();
+        allocations += offences.allocations;
+        frees += offences.frees;
+    }
+    EXPECT_GT(rig.loudest(), 0.1f);
+    EXPECT_GT(rig.noteOns(), 500);
+    EXPECT_LE(allocations, rig.noteOns());
+    EXPECT_LE(frees, rig.noteOns());
 }
 
 TEST(LiveRealTime, ATempoThatRunsForMinutesTakesNoMemory) {
