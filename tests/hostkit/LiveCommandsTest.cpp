@@ -30,7 +30,7 @@ TEST(CommandQueue, LosesAndDoublesNothingBetweenThreads) {
         int value;
     };
     constexpr int kThreads = 3;
-    constexpr int kNumbers = 20000;
+    constexpr int kNumbers = 2000;
     CommandQueue<Number, 16> queue;
     std::vector<std::thread> threads;
     for (int thread = 0; thread < kThreads; ++thread)

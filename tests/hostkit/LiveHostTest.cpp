@@ -159,7 +159,7 @@ TEST(LiveHost, FollowsTheTempoOfItsCallerAsARigFollowsItsMap) {
     expectSameAudio(live, cut);
 }
 
-/// A mix of one pad that plays a ramp, a thousandth of its frame number as value, for 20 s.
+/// A mix of one pad that plays a ramp of 8 s: frame n of it has the value n / 2^20.
 struct RampRig : LiveRig {
     explicit RampRig(bool oneShot = true) : LiveRig({0}) {
         std::int32_t bin = -1;
@@ -177,7 +177,7 @@ struct RampRig : LiveRig {
         WaveFile()
             .channels(2)
             .floats()
-            .frames(20 * 44100, [](std::int64_t i, int) { return static_cast<double>(i) / (1 << 20); })
+            .frames(8 * 44100, [](std::int64_t i, int) { return static_cast<double>(i) / (1 << 20); })
             .writeTemp();
 };
 
