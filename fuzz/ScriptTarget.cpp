@@ -13,8 +13,8 @@
 #include "fuzz/SeedFiles.h"
 #include "shellkit/files/Failure.h"
 #include "shellkit/script/ScriptNumbers.h"
-#include "shellkit/script/ScriptRunner.h"
 #include "shellkit/script/ScriptWords.h"
+#include "shells/cli/ScriptRun.h"
 #include "support/TempPath.h"
 
 namespace marnoth::fuzz {
@@ -111,7 +111,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::ofstream(script, std::ios::binary) << tamedScript({reinterpret_cast<const char*>(data), size});
     std::ostringstream transcript, errors;
     try {
-        const int status = runScript(script.string(), folder / "out", transcript, errors);
+        const int status = runScriptFile(script.string(), folder / "out", transcript, errors);
         require(status == 0 || status == 2, "a script ends well or with a line that isn't understood");
         require((status == 0) == errors.str().empty(), "a reason is given for an error, and only for one");
     } catch (const FileFailure&) {

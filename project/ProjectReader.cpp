@@ -346,4 +346,19 @@ LoadFault readProject(RiffStream& stream, Project& project) {
     }
 }
 
+LoadFault grainBelowZero(const Project& project) {
+    const auto isBelowZero = [&](const GrainRecord& grain) {
+        return grain.binGrain < 0 && static_cast<std::size_t>(grain.binFile) < project.files.size();
+    };
+    for (std::size_t pad = 0; pad < project.pads.size(); ++pad) {
+        const std::vector<GrainRecord>& grains = project.pads[pad].grains;
+        const auto found = std::find_if(grains.begin(), grains.end(), isBelowZero);
+        if (found == grains.end()) continue;
+        return badValue(FaultQuantity::binGrain, found->binGrain, 0, std::numeric_limits<std::int32_t>::max(),
+                        {fourCC("pevt"), static_cast<std::int32_t>(pad),
+                         static_cast<std::int32_t>(found - grains.begin())});
+    }
+    return {};
+}
+
 }  // namespace marnoth

@@ -15,4 +15,8 @@ namespace marnoth {
 /// held for it.
 LoadFault readProject(RiffStream& stream, Project& project);
 
+/// The first grain of a pad that names a grain below 0 of a file that there is: the form can hold it, no
+/// engine takes it.
+LoadFault grainBelowZero(const Project& project);
+
 }  // namespace marnoth

@@ -39,7 +39,8 @@ enum class FaultQuantity : std::uint8_t {
     frames,
     markers,
     beats,
-    seconds,  ///< real
+    loopSeconds,  ///< real; of a loop
+    shotSeconds,  ///< real; of any other file
     // Of a project.
     version,
     files,

@@ -23,8 +23,11 @@ LoadFault brokenLimit(const CAcidWave& wave) {
     if (wave.format.nSamplesPerSec == 0)
         return badValue(FaultQuantity::rate, 0, 1, std::numeric_limits<DWORD>::max());
     const double seconds = static_cast<double>(wave.GetLength(kSamples)) / wave.format.nSamplesPerSec;
-    const double most = isLoop(wave) ? kLongestLoopSeconds : kLongestShotSeconds;
-    return seconds <= most ? LoadFault{} : badReal(FaultQuantity::seconds, seconds, 0, most);
+    if (isLoop(wave) && seconds > kLongestLoopSeconds)
+        return badReal(FaultQuantity::loopSeconds, seconds, 0, kLongestLoopSeconds);
+    if (!isLoop(wave) && seconds > kLongestShotSeconds)
+        return badReal(FaultQuantity::shotSeconds, seconds, 0, kLongestShotSeconds);
+    return {};
 }
 
 /// The power of two of beats that is nearest to the length at a fixed tempo, at least one beat.

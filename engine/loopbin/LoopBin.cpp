@@ -20,8 +20,8 @@ HRESULT loadedResult(bool forced, std::uint32_t& status) {
 bool breaksLimit(const LoadFault& fault) {
     return fault.kind == FaultKind::noGrains ||
            (fault.kind == FaultKind::badValue &&
-            (fault.quantity == FaultQuantity::beats || fault.quantity == FaultQuantity::seconds ||
-             fault.quantity == FaultQuantity::rate));
+            (fault.quantity == FaultQuantity::beats || fault.quantity == FaultQuantity::loopSeconds ||
+             fault.quantity == FaultQuantity::shotSeconds || fault.quantity == FaultQuantity::rate));
 }
 
 /// Reads a file into `track`, which nobody else may see yet.

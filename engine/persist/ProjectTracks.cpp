@@ -1,13 +1,12 @@
 #include "engine/persist/ProjectTracks.h"
 
 #include <algorithm>
-#include <limits>
 #include <new>
 #include <utility>
 
 #include "engine/persist/TailPlan.h"
-#include "platform/bytes/RiffStream.h"
 #include "platform/system/Parallel.h"
+#include "project/ProjectReader.h"
 #include "project/ProjectScale.h"
 
 namespace marnoth {
@@ -65,10 +64,8 @@ public:
     LoadFault build() {
         if (FAILED(prepareWaves())) return {.kind = FaultKind::noMemory};
         for (ProjectFile& file : project_.files) addFile(file);
-        for (std::size_t pad = 0; pad < project_.pads.size(); ++pad) {
-            if (const LoadFault fault = grainBelowZero(pad)) return fault;
-            addPad(pad);
-        }
+        if (const LoadFault fault = grainBelowZero(project_)) return fault;
+        for (std::size_t pad = 0; pad < project_.pads.size(); ++pad) addPad(pad);
         const std::int64_t mostTails = times(audioFrames_, kMostTailsPerAudio);
         if (tails_.frames() > mostTails)
             return badValue(FaultQuantity::tailFrames, tails_.frames(), 0, mostTails);
@@ -82,7 +79,6 @@ private:
     HRESULT prepareWave(CWaveMem& wave) const;
     void addFile(ProjectFile& file);
     void addFileGrain(CGrooveTrack& track, const GrainRecord& saved);
-    LoadFault grainBelowZero(std::size_t pad) const;
     void addPad(std::size_t pad);
     const CGrooveTrack* fileOf(const GrainRecord& record) const;
     double ratioOfPad(const CGrooveTrack& pad) const;
@@ -140,19 +136,6 @@ void TrackBuilding::addFileGrain(CGrooveTrack& track, const GrainRecord& saved) 
     if (grain->binGrain < 0) grain->binGrain = track.GetSize();
     tails_.add(*grain);
     track.append(std::move(grain));
-}
-
-/// The first grain of a pad that names a grain below 0 of a file that there is.
-LoadFault TrackBuilding::grainBelowZero(std::size_t pad) const {
-    const std::vector<GrainRecord>& grains = project_.pads[pad].grains;
-    const auto found = std::find_if(grains.begin(), grains.end(), [this](const GrainRecord& grain) {
-        return grain.binGrain < 0 && fileOf(grain) != nullptr;
-    });
-    if (found == grains.end()) return {};
-    const FaultPlace place{fourCC("pevt"), static_cast<std::int32_t>(pad),
-                           static_cast<std::int32_t>(found - grains.begin())};
-    return badValue(FaultQuantity::binGrain, found->binGrain, 0, std::numeric_limits<std::int32_t>::max(),
-                    place);
 }
 
 void TrackBuilding::addPad(std::size_t pad) {

@@ -91,11 +91,11 @@ void runLine(ScriptSession& session, std::string_view line, std::ostream& transc
 
 }  // namespace
 
-int runScript(const std::string& scriptName, const std::filesystem::path& outputFolder,
-              std::ostream& transcript, std::ostream& errors) {
+int runScript(const ScriptStage& stage, const std::string& scriptName,
+              const std::filesystem::path& outputFolder, std::ostream& transcript, std::ostream& errors) {
     const std::string text = readScript(scriptName);
     makeFolder(outputFolder);
-    ScriptSession session(pathFromUtf8(scriptName).parent_path(), outputFolder);
+    ScriptSession session(stage, pathFromUtf8(scriptName).parent_path(), outputFolder);
     LineReader lines(text);
     int status = 0;
     try {

@@ -22,13 +22,19 @@ std::string describe(std::uint32_t rate, std::uint32_t channels) {
 
 }  // namespace
 
-ScriptSession::ScriptSession(const std::filesystem::path& scriptFolder,
+ScriptSession::ScriptSession(const ScriptStage& stage, const std::filesystem::path& scriptFolder,
                              const std::filesystem::path& outputFolder)
     : folder_(std::filesystem::current_path() / scriptFolder),
       outputFolder_(outputFolder),
-      files_(outputFolder) {
+      files_(outputFolder),
+      rig_(stage.rig),
+      makePage_(stage.makePage) {
     for (int pin = 0; pin < kOutputPins; ++pin)
         rig_.setTaker(pin, [this, pin](std::span<const float> samples, bool) { files_.take(pin, samples); });
+}
+
+ScriptSession::~ScriptSession() {
+    for (int pin = 0; pin < kOutputPins; ++pin) rig_.setTaker(pin, {});
 }
 
 std::filesystem::path ScriptSession::file(std::string_view word) const {
@@ -110,7 +116,7 @@ HeadlessPage& ScriptSession::page() {
 
 void ScriptSession::openPage() {
     if (page_) throw ScriptError("the page is open already");
-    page_ = std::make_unique<HeadlessPage>(rig_.sampler(), folder_);
+    page_ = makePage_(rig_.sampler(), folder_);
 }
 
 void ScriptSession::closePage() {

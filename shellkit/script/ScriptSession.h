@@ -2,13 +2,13 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "host/CreateInstance.h"
 #include "hostkit/HostRig.h"
 #include "shellkit/media/AudioFiles.h"
 #include "shellkit/media/WaveFrames.h"
@@ -16,13 +16,29 @@
 
 namespace marnoth {
 
-/// What the commands of one script work on: an instrument in its host, the audio files that come out, and
-/// what the runner has to remember between the lines. One thread.
+/// Opens the page of an instrument. File answers that are relative count from `folder`. Throws
+/// `std::runtime_error`, with a sentence for the user, when it can't.
+using PageMaker =
+    std::function<std::unique_ptr<HeadlessPage>(IUnknown& instrument, const std::filesystem::path& folder)>;
+
+/// Where a script plays, made by the shell: an instrument in its host, which outlives the script, and how its
+/// page is opened when the script asks for it.
+struct ScriptStage {
+    HostRig& rig;
+    PageMaker makePage;
+};
+
+/// What the commands of one script work on: its stage, the audio files that come out, and what the runner has
+/// to remember between the lines. One thread.
 class ScriptSession {
 public:
     /// Files that the script names are relative to `scriptFolder`; audio and pictures go to `outputFolder`,
     /// which must exist.
-    ScriptSession(const std::filesystem::path& scriptFolder, const std::filesystem::path& outputFolder);
+    ScriptSession(const ScriptStage& stage, const std::filesystem::path& scriptFolder,
+                  const std::filesystem::path& outputFolder);
+    ~ScriptSession();
+    ScriptSession(const ScriptSession&) = delete;
+    ScriptSession& operator=(const ScriptSession&) = delete;
 
     HostRig& rig() { return rig_; }
 
@@ -75,8 +91,9 @@ private:
     std::filesystem::path folder_;
     std::filesystem::path outputFolder_;
     AudioFiles files_;
-    HostRig rig_{createInstrument};
-    std::unique_ptr<HeadlessPage> page_;  // destroyed before its instrument
+    HostRig& rig_;
+    PageMaker makePage_;
+    std::unique_ptr<HeadlessPage> page_;
     std::optional<std::uint32_t> rate_;
     std::uint32_t channels_ = 0;
     std::optional<InputFormat> input_;

@@ -12,11 +12,12 @@
 #include "shellkit/files/Failure.h"
 #include "shellkit/midi/MidiFile.h"
 #include "shellkit/script/ScriptNumbers.h"
-#include "shellkit/script/ScriptRunner.h"
 #include "shellkit/text/InstrumentText.h"
+#include "shellkit/text/PlainText.h"
 #include "shells/cli/InfoCommand.h"
 #include "shells/cli/PageCommand.h"
 #include "shells/cli/RenderCommand.h"
+#include "shells/cli/ScriptRun.h"
 
 namespace marnoth {
 
@@ -204,7 +205,7 @@ RenderOptions renderOptions(const Request& request) {
 int carryOut(const Request& request, const Grammar& grammar, std::ostream& out, std::ostream& errors) {
     int status = 0;
     if (grammar.chose("script"))
-        status = runScript(request.script, pathFromUtf8(request.scriptOut), out, errors);
+        status = runScriptFile(request.script, pathFromUtf8(request.scriptOut), out, errors);
     else if (grammar.chose("render"))
         runRender(renderOptions(request), out);
     else if (grammar.chose("page"))
@@ -213,12 +214,6 @@ int carryOut(const Request& request, const Grammar& grammar, std::ostream& out, 
         runInfo(request.infoFile, request.json, out);
     if (!out.flush()) throw FileFailure("standard output can't be written");
     return status;
-}
-
-/// One line, whatever the text.
-std::string inOneLine(std::string text) {
-    std::replace(text.begin(), text.end(), '\n', ' ');
-    return text;
 }
 
 int report(std::ostream& errors, int status, const std::string& text) {

@@ -11,11 +11,14 @@
 #include "hostkit/HostRig.h"
 #include "sample/AcidNames.h"
 #include "sample/AcidWave.h"
-#include "shellkit/files/Failure.h"
-#include "shellkit/files/LoadFailure.h"
-#include "shellkit/files/OpenProject.h"
+#include "seam/MusicalTime.h"
+#include "shellkit/files/FaultText.h"
+#include "shellkit/files/LoopFiles.h"
+#include "shellkit/files/ProjectFiles.h"
 #include "shellkit/text/InstrumentText.h"
-#include "shells/cli/InfoText.h"
+#include "shellkit/text/NoteNames.h"
+#include "shellkit/text/PlainText.h"
+#include "shells/cli/InfoJson.h"
 #include "shells/cli/ProjectInfo.h"
 
 namespace marnoth {
@@ -59,7 +62,7 @@ Cut cutFile(const std::string& file, const WAVEFORMATEX& format) {
     std::uint32_t status = 0;
     const HRESULT result =
         rig.sampler().LoadFileToBin("", toInstrument(utf8FromPath(path)).c_str(), &bin, &status);
-    if (FAILED(result)) return {{}, whyNotLoaded(file, result)};
+    if (FAILED(result)) return {{}, whyNotLoaded(file, lastLoadFault(rig.sampler()))};
     return {grainsOf(rig.sampler(), bin), {}};
 }
 
@@ -154,9 +157,7 @@ void printJson(const CAcidWave& wave, const Cut& cut, const std::string& file, s
 
 void tellWave(const std::string& file, bool json, std::ostream& out) {
     CAcidWave wave;
-    const std::string path = utf8FromPath(std::filesystem::absolute(pathFromUtf8(file)));
-    if (FAILED(wave.Open(toInstrument(path).c_str())))
-        throw FileFailure(file + ": " + whyNotOpened(file, wave.lastError));
+    openLoopFile(wave, file);
     const Cut cut = cutFile(file, wave.format);
     (json ? printJson : printText)(wave, cut, file, out);
 }

@@ -7,11 +7,11 @@
 #include "host/CreateInstance.h"
 #include "hostkit/HostRig.h"
 #include "shellkit/files/Failure.h"
+#include "shellkit/files/ProjectFiles.h"
 #include "shellkit/media/PngFile.h"
 #include "shellkit/page/HeadlessPage.h"
 #include "shellkit/script/ScriptNumbers.h"
 #include "shellkit/text/InstrumentText.h"
-#include "shells/cli/RenderPads.h"
 
 namespace marnoth {
 
@@ -57,7 +57,7 @@ Bitmap enlarged(const Bitmap& picture, int scale) {
 void runPage(const PageOptions& options, std::ostream& report) {
     HostRig rig{createInstrument};
     connect(rig);
-    if (!options.project.empty()) RenderPads(rig.sampler()).loadProject(options.project);
+    if (!options.project.empty()) loadProjectFile(rig.sampler(), options.project);
     HeadlessPage page(rig.sampler(), {});
     arrange(page, options);
     const Bitmap picture = enlarged(page.picture(), options.scale);

@@ -7,13 +7,13 @@
 #include <vector>
 
 #include "platform/text/Text.h"
-#include "project/ProjectReader.h"
 #include "seam/Limits.h"
-#include "shellkit/files/Failure.h"
-#include "shellkit/files/OpenProject.h"
-#include "shellkit/files/ProjectFailure.h"
+#include "seam/MusicalTime.h"
+#include "shellkit/files/ProjectFiles.h"
 #include "shellkit/text/InstrumentText.h"
-#include "shells/cli/InfoText.h"
+#include "shellkit/text/NoteNames.h"
+#include "shellkit/text/PlainText.h"
+#include "shells/cli/InfoJson.h"
 
 namespace marnoth {
 
@@ -21,7 +21,6 @@ namespace {
 
 constexpr std::int32_t kOmni = -1;
 constexpr std::int32_t kNoRoot = -1;
-constexpr std::int32_t kHighestVelocity = 127;
 
 /// What a loop's length says: beats, and the tempo at which it lasts as long as its frames.
 struct Loop {
@@ -208,11 +207,7 @@ void printJson(const Project& project, std::int64_t bytes, const std::string& fi
 }  // namespace
 
 void tellProject(const std::string& file, bool json, std::ostream& out) {
-    RiffStream stream;
-    Project project;
-    const HRESULT result = openProject(stream, file) ? codeOf(readProject(stream, project)) : E_FAIL;
-    stream.close();
-    if (FAILED(result)) throw FileFailure(file + ": " + whyProjectNotRead(file, result));
+    const Project project = readProjectFile(file);
     const auto bytes = static_cast<std::int64_t>(std::filesystem::file_size(pathFromUtf8(file)));
     (json ? printJson : printText)(project, bytes, file, out);
 }

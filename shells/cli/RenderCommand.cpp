@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <chrono>
 #include <cmath>
 #include <cstdio>
@@ -14,11 +15,15 @@
 #include "seam/Limits.h"
 #include "seam/MusicalTime.h"
 #include "shellkit/files/Failure.h"
+#include "shellkit/files/LoopFiles.h"
+#include "shellkit/files/ProjectFiles.h"
+#include "shellkit/media/RenderOutput.h"
 #include "shellkit/midi/MidiFile.h"
 #include "shellkit/script/ScriptNumbers.h"
 #include "shellkit/text/InstrumentText.h"
+#include "shellkit/text/NoteNames.h"
 #include "shells/cli/Progress.h"
-#include "shells/cli/RenderOutput.h"
+#include "shells/cli/RenderPads.h"
 
 namespace marnoth {
 
@@ -105,8 +110,8 @@ private:
     }
 
     void setUp() {
-        if (!options_.project.empty()) pads_.loadProject(options_.project);
-        for (const PadFile& file : options_.pads) pads_.loadFile(file);
+        if (!options_.project.empty()) loadProjectFile(rig_.sampler(), options_.project);
+        for (const PadFile& file : options_.pads) loadLoopFile(rig_.sampler(), file.pad, file.file);
         loaded_ = pads_.loaded();
         if (options_.gate) pads_.gate();
         // A held pad has to sound for as long as its note does.
@@ -183,7 +188,8 @@ private:
     }
 
     void save(std::ostream& report) {
-        pads_.save(options_.save);
+        pads_.restore();
+        saveProjectFile(rig_.sampler(), options_.save);
         const std::string name = savedName(options_.save);
         const auto bytes = static_cast<double>(std::filesystem::file_size(pathFromUtf8(name)));
         std::array<char, 64> text{};
@@ -203,15 +209,21 @@ private:
 
 }  // namespace
 
+PadFile readPadFile(std::string_view text) {
+    const std::size_t equals = text.find('=');
+    int pad = 0;
+    const char* end = text.data() + std::min(equals, text.size());
+    const auto [stop, error] = std::from_chars(text.data(), end, pad);
+    const bool isNumber = error == std::errc{} && stop == end;
+    if (equals == text.npos || !isNumber || pad < 1 || pad > kPads || equals + 1 == text.size())
+        throw WrongUse("--pad \"" + std::string(text) + "\": write N=FILE.wav with a pad N from 1 to 16");
+    return {pad - 1, std::string(text.substr(equals + 1))};
+}
+
 std::uint32_t readKey(std::string_view name) {
-    // Semitones above A of the letters from A on.
-    constexpr std::array<int, 7> kLetters{0, 2, 3, 5, 7, 8, 10};
-    const char letter = name.empty() ? ' ' : static_cast<char>(name[0] & ~0x20);
-    const std::string_view sign = name.empty() ? name : name.substr(1);
-    if (letter < 'A' || letter > 'G' || (!sign.empty() && sign != "#" && sign != "b"))
-        throw WrongUse("--key \"" + std::string(name) + "\": write a note name such as A, C# or Bb");
-    const int step = sign == "#" ? 1 : sign == "b" ? 11 : 0;
-    return static_cast<std::uint32_t>((kLetters[static_cast<std::size_t>(letter - 'A')] + step) % 12);
+    const auto key = keyNamed(name);
+    if (!key) throw WrongUse("--key \"" + std::string(name) + "\": write a note name such as A, C# or Bb");
+    return *key;
 }
 
 void runRender(const RenderOptions& options, std::ostream& report) {

@@ -7,9 +7,13 @@
 #include <string_view>
 #include <vector>
 
-#include "shells/cli/RenderPads.h"
-
 namespace marnoth {
+
+/// A file for a pad.
+struct PadFile {
+    int pad = 0;  ///< 0 to 15
+    std::string file;
+};
 
 /// What `marnoth render` was asked for. File names are in UTF-8.
 struct RenderOptions {
@@ -27,6 +31,9 @@ struct RenderOptions {
     std::string stems;  ///< folder for a file of each pad; empty for none
     std::string save;   ///< the project is kept there after the render; empty for none
 };
+
+/// `N=FILE` with N from 1 to 16. Throws `WrongUse`.
+PadFile readPadFile(std::string_view text);
 
 /// The number of a key, from `A` for 0, with `#` or `b` behind the letter. Throws `WrongUse`.
 std::uint32_t readKey(std::string_view name);

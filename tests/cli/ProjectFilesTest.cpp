@@ -140,6 +140,22 @@ TEST(ProjectInfo, GoesByWhatAFileHolds) {
     EXPECT_NE(marnoth({"info", studio.name("a.mrn")}).out.find("44100 frames, 1.000 s"), std::string::npos);
 }
 
+TEST(ProjectInfo, TakesAWrapperWhereARenderDoes) {
+    const Studio studio;
+    studio.save("p.mrn");
+    const std::string wrapped = std::string(24, 'w') + studio.bytes("p.mrn");
+    const auto runs = [&](const char* name) {
+        writeText(studio.folder / name, wrapped);
+        return std::vector{marnoth({"info", studio.name(name)}), studio.play(name, "out.wav")};
+    };
+    for (const CliRun& run : runs("wrapped")) EXPECT_EQ(run.status, 0) << run.err;
+    // With a "." in its name a file has none.
+    for (const CliRun& run : runs("wrapped.mrn")) {
+        EXPECT_EQ(run.status, 1) << run.out;
+        EXPECT_NE(run.err.find("wrapped.mrn: it isn't a project\n"), std::string::npos) << run.err;
+    }
+}
+
 TEST(ProjectInfo, HostileNamesStayInTheirLine) {
     const Studio studio;
     studio.script("connect 44100 2 mix\nLoadFileToBin \"x\x1B[31my\" a.wav\nSaveProject p\n");
@@ -176,9 +192,14 @@ TEST(ProjectFailure, AGrainBelowZeroIsDamageToo) {
     studio.save("p.mrn");
     writeText(studio.folder / "bad.mrn",
               Damage(studio.bytes("p.mrn")).put("pevt", 0, kFirstBinGrain, -1).bytes());
-    const CliRun run = studio.play("bad.mrn", "bad.wav");
-    EXPECT_EQ(run.status, 1);
-    EXPECT_NE(run.err.find("bad.mrn: it is damaged"), std::string::npos) << run.err;
+    for (const CliRun& run : {marnoth({"info", studio.name("bad.mrn")}), studio.play("bad.mrn", "bad.wav")}) {
+        EXPECT_EQ(run.status, 1);
+        EXPECT_NE(
+            run.err.find("bad.mrn: it is damaged: a value in it is none that a project has (grain of the "
+                         "Loop Bin of grain 1 of pad 1: -1)\n"),
+            std::string::npos)
+            << run.err;
+    }
 }
 
 TEST(ProjectScript, LoadsOfDamagedFilesLeaveAnEmptyProject) {

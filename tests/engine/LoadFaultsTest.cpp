@@ -38,9 +38,9 @@ TEST(LoadFault, OfAFileThatTheReaderRefuses) {
 
 TEST(LoadFault, OfAFileThatBreaksALimit) {
     EXPECT_EQ(faultOf(loopFile(65), E_UNEXPECTED), badValue(Quantity::beats, 65, 0, 64));
-    EXPECT_EQ(faultOf(plainFile(31), E_UNEXPECTED), badReal(Quantity::seconds, 31, 0, 30));
+    EXPECT_EQ(faultOf(plainFile(31), E_UNEXPECTED), badReal(Quantity::shotSeconds, 31, 0, 30));
     EXPECT_EQ(faultOf(plainFile(129).acid({.beats = 8}), E_UNEXPECTED),
-              badReal(Quantity::seconds, 129, 0, 128));
+              badReal(Quantity::loopSeconds, 129, 0, 128));
     EXPECT_EQ(faultOf(plainFile(1).rate(0), E_UNEXPECTED), badValue(Quantity::rate, 0, 1, 0xFFFFFFFF));
 }
 
@@ -106,7 +106,7 @@ TEST(LoadFault, BelongsToTheThreadThatLoaded) {
         rig.load(plainFile(31));
         theirs = faultOf(rig.engine);
     }).join();
-    EXPECT_EQ(theirs.quantity, Quantity::seconds);
+    EXPECT_EQ(theirs.quantity, Quantity::shotSeconds);
     EXPECT_EQ(faultOf(rig.engine).quantity, Quantity::beats);
 }
 
@@ -116,7 +116,7 @@ TEST(LoadFault, BelongsToTheInstrumentThatLoaded) {
     one.load(loopFile(65));
     EXPECT_FALSE(faultOf(other.engine));
     other.load(plainFile(31));
-    EXPECT_EQ(faultOf(other.engine).quantity, Quantity::seconds);
+    EXPECT_EQ(faultOf(other.engine).quantity, Quantity::shotSeconds);
     EXPECT_FALSE(faultOf(one.engine));
 }
 

@@ -1,4 +1,4 @@
-#include "shells/cli/RenderOutput.h"
+#include "shellkit/media/RenderOutput.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,0 +1,106 @@
+#include "shellkit/files/ProjectFiles.h"
+
+#include <filesystem>
+#include <stdexcept>
+
+#include "platform/text/Text.h"
+#include "project/ProjectFile.h"
+#include "project/ProjectName.h"
+#include "project/ProjectReader.h"
+#include "shellkit/files/Failure.h"
+#include "shellkit/files/FaultText.h"
+#include "shellkit/text/InstrumentText.h"
+
+namespace marnoth {
+
+namespace {
+
+/// As the instrument opens it.
+LoadFault open(RiffStream& stream, const std::string& file) {
+    return openProject(stream, wideFromSystem(toInstrument(file)));
+}
+
+bool standsAtWave(RiffStream& stream) {
+    const std::int64_t begin = stream.position();
+    ChunkInfo first;
+    const bool isWave =
+        stream.descend(first) == kRiffOk && first.ckid == kRiffId && first.fccType == fourCC("WAVE");
+    stream.seek(begin);
+    return isWave;
+}
+
+bool holdsProject(RiffStream& stream) {
+    ChunkInfo form;
+    form.fccType = fourCC("marn");
+    return stream.descend(form, nullptr, RiffFind::riff) == kRiffOk;
+}
+
+/// Throws for the name of a project that the instrument doesn't get whole.
+void checkName(const std::string& file) {
+    if (!isSayable(file)) throw FileFailure(file + ": " + kNotSayable);
+    if (wideFromUtf8(file).size() > kLongestProjectPath)
+        throw FileFailure(file + ": its name is longer than " + std::to_string(kLongestProjectPath) +
+                          " characters");
+}
+
+/// Calls a load that raises an exception for some damaged files.
+HRESULT load(IGrooveSampler& sampler, const std::string& file) {
+    try {
+        return sampler.LoadProject(toInstrument(file).c_str());
+    } catch (const std::invalid_argument&) {
+        return E_FAIL;
+    }
+}
+
+std::string whyNotSaved(const std::string& name) {
+    std::error_code ignored;
+    const bool hasBackup = std::filesystem::exists(pathFromUtf8(name + ".bak"), ignored);
+    return hasBackup ? "saving failed; what was there before is in " + name + ".bak" : "saving failed";
+}
+
+}  // namespace
+
+bool isProject(const std::string& file) {
+    RiffStream stream;
+    if (open(stream, file)) return hasProjectExtension(file);
+    if (standsAtWave(stream)) return false;
+    return holdsProject(stream) || hasProjectExtension(file);
+}
+
+Project readProjectFile(const std::string& file) {
+    checkName(file);
+    RiffStream stream;
+    Project project;
+    LoadFault fault = open(stream, file);
+    if (!fault) fault = readProject(stream, project);
+    if (!fault) fault = grainBelowZero(project);
+    if (fault) throw FileFailure(file + ": " + inWords(fault));
+    return project;
+}
+
+void loadProjectFile(IGrooveSampler& sampler, const std::string& file) {
+    checkName(file);
+    if (FAILED(load(sampler, file))) throw FileFailure(file + ": " + inWords(lastLoadFault(sampler)));
+}
+
+void saveProjectFile(IGrooveSampler& sampler, const std::string& file) {
+    const std::string name = savedName(file);
+    if (FAILED(sampler.SaveProject(0, toInstrument(name).c_str())))
+        throw FileFailure(name + ": " + whyNotSaved(name));
+}
+
+std::string savedName(const std::string& file) {
+    return withProjectExtension(file);
+}
+
+void checkSavePlace(const std::string& file) {
+    const std::string name = savedName(file);
+    std::error_code ignored;
+    checkName(name);
+    if (!std::filesystem::is_directory(std::filesystem::absolute(pathFromUtf8(file)).parent_path(), ignored))
+        throw FileFailure(name + ": its folder doesn't exist");
+    if (std::filesystem::is_directory(pathFromUtf8(name), ignored))
+        throw FileFailure(name + ": a folder has that name");
+}
+
+}  // namespace marnoth

@@ -1,0 +1,32 @@
+#include "shellkit/text/PlainText.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+
+namespace marnoth {
+
+std::string fixed(double value, int digits) {
+    std::array<char, 512> text{};
+    std::snprintf(text.data(), text.size(), "%.*f", digits, value);
+    return text.data();
+}
+
+std::string formatName(const WAVEFORMATEX& format) {
+    switch (format.wFormatTag) {
+        case WAVE_FORMAT_PCM:
+            return "PCM";
+        case WAVE_FORMAT_IEEE_FLOAT:
+            return "float";
+        default:
+            return "tag " + std::to_string(format.wFormatTag);
+    }
+}
+
+std::string inOneLine(std::string text) {
+    std::replace_if(
+        text.begin(), text.end(), [](unsigned char c) { return c < ' ' || c == 0x7F; }, ' ');
+    return text;
+}
+
+}  // namespace marnoth
