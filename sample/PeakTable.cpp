@@ -1,38 +1,16 @@
 #include "sample/PeakTable.h"
 
 #include <algorithm>
+#include <cstddef>
 
 namespace marnoth {
 namespace {
 
-/// Extremes of a run of values, those of alternating channels apart. A value beyond the full scale counts; no
-/// run has a minimum above 1 or a maximum below -1.
-template <int kChannels>
-struct Extremes {
-    float low[kChannels];
-    float high[kChannels];
-
-    Extremes() { reset(); }
-    void reset() {
-        std::fill_n(low, kChannels, 1.0f);
-        std::fill_n(high, kChannels, -1.0f);
-    }
-    void fold(int channel, float lowest, float highest) {
-        low[channel] = lowest < low[channel] ? lowest : low[channel];
-        high[channel] = highest > high[channel] ? highest : high[channel];
-    }
-    void store(float* entry) const {
-        for (std::ptrdiff_t c = 0; c < kChannels; ++c) {
-            entry[2 * c] = low[c];
-            entry[2 * c + 1] = high[c];
-        }
-    }
-};
+using Extremes = PeakFolder::Extremes;
 
 /// Folds frames that lie `stride` values apart.
 template <int kChannels>
-void foldStrided(Extremes<kChannels>& extremes, const float* frame, std::int64_t frames,
-                 std::int32_t stride) {
+void foldStrided(Extremes& extremes, const float* frame, std::int64_t frames, std::int32_t stride) {
     for (; frames > 0; --frames, frame += stride) {
         for (int c = 0; c < kChannels; ++c) extremes.fold(c, frame[c], frame[c]);
     }
@@ -40,7 +18,7 @@ void foldStrided(Extremes<kChannels>& extremes, const float* frame, std::int64_t
 
 /// Folds frames that lie side by side, in lanes that the compiler turns into vectors.
 template <int kChannels>
-void foldDense(Extremes<kChannels>& extremes, const float* frame, std::int64_t frames) {
+void foldDense(Extremes& extremes, const float* frame, std::int64_t frames) {
     constexpr int kLanes = 8;
     float low[kLanes];
     float high[kLanes];
@@ -52,16 +30,16 @@ void foldDense(Extremes<kChannels>& extremes, const float* frame, std::int64_t f
         for (int k = 0; k < kLanes; ++k) high[k] = frame[k] > high[k] ? frame[k] : high[k];
     }
     for (int k = 0; k < kLanes; ++k) extremes.fold(k % kChannels, low[k], high[k]);
-    foldStrided(extremes, frame, frames, kChannels);
+    foldStrided<kChannels>(extremes, frame, frames, kChannels);
 }
 
 template <int kChannels>
-void foldRun(Extremes<kChannels>& extremes, const SourceWave& wave, std::int64_t begin, std::int64_t end) {
+void foldRun(Extremes& extremes, const SourceWave& wave, std::int64_t begin, std::int64_t end) {
     const float* first = wave.samples + begin * wave.channels;
     if (wave.channels == kChannels) {
-        foldDense(extremes, first, end - begin);
+        foldDense<kChannels>(extremes, first, end - begin);
     } else {
-        foldStrided(extremes, first, end - begin, wave.channels);
+        foldStrided<kChannels>(extremes, first, end - begin, wave.channels);
     }
 }
 
@@ -74,38 +52,62 @@ std::int64_t endOfEntry(std::int64_t point, double step) {
     return frame;
 }
 
-/// An entry's first frame is folded with the extremes of the entry before, and isn't part of the extremes
-/// that its later frames leave there.
-template <int kChannels>
-void fill(const SourceWave& wave, std::int32_t points, float* table) {
-    const double step = 1.0 / (static_cast<double>(wave.frames) / points);
-    Extremes<kChannels> running;
-    std::int64_t begin = 0;
-    for (std::int32_t point = 0; point < points && begin < wave.frames;
-         ++point, table += std::ptrdiff_t{2} * wave.channels) {
-        const std::int64_t end = std::min(endOfEntry(point, step), wave.frames);
-        if (begin == end) continue;
-        if (point > 0) {
-            foldRun(running, wave, begin, begin + 1);
-            running.store(table);
-            running.reset();
-            ++begin;
+}  // namespace
+
+void PeakFolder::Extremes::reset() {
+    std::fill_n(low, 2, 1.0f);
+    std::fill_n(high, 2, -1.0f);
+}
+
+void PeakFolder::Extremes::fold(int channel, float lowest, float highest) {
+    low[channel] = lowest < low[channel] ? lowest : low[channel];
+    high[channel] = highest > high[channel] ? highest : high[channel];
+}
+
+PeakFolder::PeakFolder(const SourceWave& wave, std::int32_t points, float* table)
+    : wave_(wave), points_(wave.frames > 0 ? points : 0), entry_(table) {
+    if (points_ <= 0) return;
+    step_ = 1.0 / (static_cast<double>(wave.frames) / points);
+    entryEnd_ = std::min(endOfEntry(0, step_), wave.frames);
+}
+
+void PeakFolder::foldUpTo(std::int64_t frame) {
+    const std::int64_t end = std::min(frame, wave_.frames);
+    while (at_ < end && point_ < points_) {
+        if (at_ == entryEnd_) {
+            beginNextEntry();
+        } else if (isFirstOfEntry_ && point_ > 0) {
+            foldTo(at_ + 1);
+            running_.reset();
+        } else {
+            foldTo(std::min(end, entryEnd_));
         }
-        foldRun(running, wave, begin, end);
-        if (begin < end) running.store(table);
-        begin = end;
     }
 }
 
-}  // namespace
+void PeakFolder::beginNextEntry() {
+    ++point_;
+    entry_ += std::ptrdiff_t{2} * wave_.channels;
+    entryEnd_ = std::min(endOfEntry(point_, step_), wave_.frames);
+    isFirstOfEntry_ = true;
+}
+
+void PeakFolder::foldTo(std::int64_t end) {
+    if (wave_.channels == 2) {
+        foldRun<2>(running_, wave_, at_, end);
+    } else {
+        foldRun<1>(running_, wave_, at_, end);
+    }
+    for (std::ptrdiff_t c = 0; c < (wave_.channels == 2 ? 2 : 1); ++c) {
+        entry_[2 * c] = running_.low[c];
+        entry_[2 * c + 1] = running_.high[c];
+    }
+    at_ = end;
+    isFirstOfEntry_ = false;
+}
 
 void fillPeaks(const SourceWave& wave, std::int32_t points, float* table) {
-    if (wave.frames <= 0 || points <= 0) return;
-    if (wave.channels == 2) {
-        fill<2>(wave, points, table);
-    } else {
-        fill<1>(wave, points, table);
-    }
+    PeakFolder(wave, points, table).foldUpTo(wave.frames);
 }
 
 }  // namespace marnoth

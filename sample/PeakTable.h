@@ -6,9 +6,45 @@
 
 namespace marnoth {
 
-/// Fills a peak table of `points` entries of 2 * channels values, which are 0 before: the minimum and maximum
-/// of the first channel, then of the second when there are two. Values beyond those stay 0, and so do entries
-/// that no frame reaches.
+/// Fills a peak table while its wave grows, so that frames are folded as long as they are near.
+///
+/// The table has `points` entries of 2 * channels values, which are 0 before: the minimum and maximum of the
+/// first channel, then of the second when there are two. Values beyond those stay 0, and so do entries that
+/// no frame reaches. Wave and table are the caller's.
+class PeakFolder {
+public:
+    /// Extremes of a run of frames. A value beyond the full scale counts; no run has a minimum above 1 or a
+    /// maximum below -1.
+    struct Extremes {
+        float low[2] = {1.0f, 1.0f};
+        float high[2] = {-1.0f, -1.0f};
+
+        void reset();
+        void fold(int channel, float lowest, float highest);
+    };
+
+    PeakFolder(const SourceWave& wave, std::int32_t points, float* table);
+
+    /// Folds the frames before `frame` that aren't folded yet. An entry's first frame is folded with the
+    /// extremes of the entry before, and isn't part of the extremes that its later frames leave there.
+    void foldUpTo(std::int64_t frame);
+
+private:
+    void beginNextEntry();
+    void foldTo(std::int64_t end);
+
+    SourceWave wave_;
+    std::int32_t points_;
+    float* entry_;
+    double step_ = 0;
+    std::int32_t point_ = 0;
+    std::int64_t at_ = 0;
+    std::int64_t entryEnd_ = 0;
+    bool isFirstOfEntry_ = true;
+    Extremes running_;
+};
+
+/// The whole table of a wave that is there.
 void fillPeaks(const SourceWave& wave, std::int32_t points, float* table);
 
 }  // namespace marnoth

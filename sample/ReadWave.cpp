@@ -5,6 +5,7 @@
 #include <limits>
 #include <vector>
 
+#include "sample/PeakTable.h"
 #include "sample/SampleConvert.h"
 
 namespace marnoth {
@@ -64,21 +65,26 @@ void convert(float* dest, const std::byte* source, std::int64_t count, int bits)
     }
 }
 
-/// Fills `count` values from the beginning of the audio; what the file doesn't supply is silence.
-void readValues(CAcidWave& file, float* dest, std::int64_t count) {
+/// Fills the wave and its peak table from the beginning of the audio; what the file doesn't supply is
+/// silence.
+void readValues(CAcidWave& file, CWaveMem& wave) {
     const std::int64_t width = file.format.wBitsPerSample / 8;
-    std::int64_t left = count * width;
-    std::vector<std::byte> block(static_cast<std::size_t>(std::min(left, kBytesAtOnce)));
+    const std::int64_t count = wave.frames * file.format.nChannels;
+    float* const samples = wave.samples.get();
+    PeakFolder peaks(wave.view(), wave.peakPoints, wave.peaks.get());
+    std::vector<std::byte> block(static_cast<std::size_t>(std::min(count * width, kBytesAtOnce)));
     bool more = SUCCEEDED(file.SeekFrame(0));
-    while (left > 0 && more) {
-        const std::int64_t bytes = std::min(left, kBytesAtOnce);
+    std::int64_t done = 0;
+    while (done < count && more) {
+        const std::int64_t bytes = std::min((count - done) * width, kBytesAtOnce);
         std::fill(block.begin(), block.end(), std::byte{});
         more = file.ReadData(block.data(), static_cast<std::uint32_t>(bytes)) == bytes;
-        convert(dest, block.data(), bytes / width, file.format.wBitsPerSample);
-        dest += bytes / width;
-        left -= bytes;
+        convert(samples + done, block.data(), bytes / width, file.format.wBitsPerSample);
+        done += bytes / width;
+        peaks.foldUpTo(done / file.format.nChannels);
     }
-    std::fill(dest, dest + left / width, 0.0f);
+    std::fill(samples + done, samples + count, 0.0f);
+    peaks.foldUpTo(wave.frames);
 }
 
 void becomeFloat(WAVEFORMATEX& format) {
@@ -95,10 +101,10 @@ LoadFault readSamples(CAcidWave& file, RefPtr<CWaveMem>& wave) {
     const std::int64_t frames = file.GetLength(kLengthInFrames);
     wave = CWaveMem::make();
     if (FAILED(wave->Create(frames, file.format))) return {};
-    readValues(file, wave->samples.get(), frames * file.format.nChannels);
+    if (FAILED(wave->PreparePeaks(CWaveMem::kPeakPoints))) return {.kind = FaultKind::noMemory};
+    readValues(file, *wave);
     wave->writeGuardFrame();
     becomeFloat(wave->format);
-    if (FAILED(wave->BuildPeaks(0, CWaveMem::kPeakPoints))) return {.kind = FaultKind::noMemory};
     return {};
 }
 

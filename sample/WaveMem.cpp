@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "dsp/Tail.h"
-#include "platform/system/LargePages.h"
+#include "platform/system/FreshMemory.h"
 #include "sample/PeakTable.h"
 #include "sample/Resample.h"
 
@@ -20,7 +20,7 @@ Samples allocate(std::int64_t count) {
     constexpr std::int64_t kMost = std::numeric_limits<std::int64_t>::max() / 64;
     if (count < 0 || count > kMost) return nullptr;
     Samples samples(new (std::nothrow) float[static_cast<std::size_t>(count)]);
-    preferLargePages(samples.get(), static_cast<std::size_t>(count) * sizeof(float));
+    expectFilling(samples.get(), static_cast<std::size_t>(count) * sizeof(float));
     return samples;
 }
 
@@ -90,17 +90,23 @@ HRESULT CWaveMem::Resample(const WAVEFORMATEX& newFormat) {
     return S_OK;
 }
 
-HRESULT CWaveMem::BuildPeaks(std::int32_t mode, std::int32_t points) {
+HRESULT CWaveMem::PreparePeaks(std::int32_t points) {
     peakPoints = 0;
-    if (mode != 0) return S_OK;
     peakCapacity = format.nChannels * points * 2;
     // A grain's offset and count are rounded each for itself, so that the last grain may reach one entry too
     // far.
     peaks = allocateSilence(peakCapacity + format.nChannels * 2);
     if (!peaks) return E_OUTOFMEMORY;
     peakPoints = points;
-    if (samples) fillPeaks(view(), points, peaks.get());
     return S_OK;
+}
+
+HRESULT CWaveMem::BuildPeaks(std::int32_t mode, std::int32_t points) {
+    peakPoints = 0;
+    if (mode != 0) return S_OK;
+    const HRESULT prepared = PreparePeaks(points);
+    if (SUCCEEDED(prepared) && samples) fillPeaks(view(), points, peaks.get());
+    return prepared;
 }
 
 HRESULT CWaveMem::CreateTail(const CWaveMem& source, std::int64_t firstFrame, std::int64_t length) {

@@ -52,6 +52,9 @@ public:
     /// samples.
     HRESULT Resample(const WAVEFORMATEX& newFormat);
 
+    /// Makes a peak table of `points` entries that are all 0. `E_OUTOFMEMORY` or `S_OK`.
+    HRESULT PreparePeaks(std::int32_t points);
+
     /// Fills the peak table with `points` entries when `mode` is 0, else only drops the count of points.
     /// Entries that no frame reaches are 0. `E_OUTOFMEMORY` or `S_OK`.
     HRESULT BuildPeaks(std::int32_t mode, std::int32_t points);
