@@ -11,6 +11,8 @@ namespace marnoth {
 namespace {
 
 constexpr std::size_t kLongestPinName = 256;
+/// Failed blocks whose samples find room without asking for memory. There are about as many samples to a pin.
+constexpr std::size_t kFailedBlocks = 8;
 constexpr std::uint32_t kNoPinId = 0xFFFFFFFF;
 
 /// Ids are never used again and shared by all instruments of the process.
@@ -46,6 +48,7 @@ HRESULT CFilter::AddOutputPin(const char* name, std::uint32_t* id) try {
     // A block must find room for every pin without asking for memory.
     m_spareBuffers.buffers.reserve(m_outputPins.size() + 1);
     m_spareBuffers.pins.reserve(m_outputPins.size() + 1);
+    m_abandonedSamples.reserve(kFailedBlocks * (m_outputPins.size() + 1));
     m_outputPins.push_back(std::move(pin));
     m_outputPinCount = count;
     IncrementPinVersion();

@@ -58,7 +58,7 @@ struct BusyHost : FilterHost {
 
     /// A block, watched; `before` is what its thread does first.
     template <class Before>
-    void block(Before before) {
+    void block(Before before, HRESULT expected = S_OK) {
         for (int pin : {0, 1, 2})
             for (const auto& sample : sink(pin).allocator.samples) sample->lengthsSet.clear();
         in.lengthsSet.clear();
@@ -66,7 +66,7 @@ struct BusyHost : FilterHost {
         before();
         const HRESULT hr = input().Receive(&in);
         const auto block = guard.finish();
-        ASSERT_EQ(hr, S_OK);
+        ASSERT_EQ(hr, expected);
         offences.allocations += block.allocations;
         offences.frees += block.frees;
         offences.waits += block.waits;
@@ -136,6 +136,15 @@ TEST(RealTimePath, TheTransportStartsAndStopsOnTheStreamingThread) {
     EXPECT_TRUE(it.sounds());
     EXPECT_GT(it.mostNotes, 3u);
     expectNone(it);
+}
+
+TEST(RealTimePath, BlocksFailAndKeepTheirSamples) {
+    BusyHost it;
+    it.sink(2).allocator.getResult = E_FAIL;
+    const auto samples = it.sink(0).allocator.samples.size();
+    for (std::size_t i = 0; i < samples; ++i) it.block([] {}, E_FAIL);
+    EXPECT_EQ(it.sink(0).allocator.samplesOut(), samples);
+    EXPECT_EQ(it.offences.total(), 0);
 }
 
 TEST(RealTimePath, PortsAreMutedAndTheirNotesMoved) {
