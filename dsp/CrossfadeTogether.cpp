@@ -1,3 +1,5 @@
+#include <cstddef>
+
 #include "dsp/Crossfade.h"
 
 #if defined(__x86_64__)
@@ -72,8 +74,8 @@ void addAll(const MixArgs& outArgs, const MixArgs& inArgs) {
     const auto* out = static_cast<const float*>(outArgs.src);
     const auto* in = static_cast<const float*>(inArgs.src);
     std::int32_t left = outArgs.count;
-    for (; left >= 2; left -= 2, dest += 4, out += 2 * channels, in += 2 * channels)
-        addTwo<channels>(dest, out, in, gains);
+    constexpr auto two = std::ptrdiff_t{2} * channels;
+    for (; left >= 2; left -= 2, dest += 4, out += two, in += two) addTwo<channels>(dest, out, in, gains);
     if (left > 0) addOne<channels>(dest, out, in, gains);
 }
 

@@ -1,7 +1,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstddef>
 
 #include "dsp/ShiftRun.h"
 #include "dsp/Stretch.h"
@@ -17,16 +16,16 @@ constexpr double kOctavesPerSemitone = 0.08333333333333333;
 class Speeds {
 public:
     Speeds() {
-        for (int i = -kMost; i <= kMost; ++i) table[static_cast<std::size_t>(i + kMost)] = computed(i);
+        for (std::int32_t i = -kMost; i <= kMost; ++i) table.data()[i + kMost] = computed(i);
     }
 
     double of(std::int32_t semitones) const {
         if (semitones < -kMost || semitones > kMost) return computed(semitones);
-        return table[static_cast<std::size_t>(semitones + kMost)];
+        return table.data()[semitones + kMost];
     }
 
 private:
-    static constexpr int kMost = 256;
+    static constexpr std::int32_t kMost = 256;
 
     static double computed(std::int32_t semitones) { return std::pow(2.0, semitones * kOctavesPerSemitone); }
 

@@ -13,12 +13,12 @@ namespace {
 
 /// Tells the system about the whole pages of a size that lie inside; whether there are any. A system that
 /// doesn't know the advice refuses, and nothing is lost.
-bool advisePages(const void* memory, std::size_t bytes, std::uintptr_t page, int advice) {
+bool advisePages(void* memory, std::size_t bytes, std::uintptr_t page, int advice) {
     const auto address = reinterpret_cast<std::uintptr_t>(memory);
     const std::uintptr_t begin = (address + page - 1) / page * page;
     const std::uintptr_t end = (address + bytes) / page * page;
     if (!memory || begin >= end) return false;
-    madvise(reinterpret_cast<void*>(begin), end - begin, advice);
+    madvise(static_cast<std::byte*>(memory) + (begin - address), end - begin, advice);
     return true;
 }
 
