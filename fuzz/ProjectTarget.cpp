@@ -72,8 +72,8 @@ test::MemoryStream loadedAndSaved(test::MemoryStream stream, const Way& way) {
     return saved(host.engine);
 }
 
-/// A saved project without its key map: of a map that doesn't have each pad once the writer leaves out pads,
-/// each time that it is saved.
+/// A saved project without its key map: where a map lacks a pad or has one twice, each save leaves out some
+/// of its entries.
 std::vector<std::uint8_t> withoutKeys(const std::vector<std::uint8_t>& form) {
     constexpr std::size_t kBegin = 12, kKeys = 36;
     std::uint32_t keyBytes;

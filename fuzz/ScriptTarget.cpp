@@ -54,7 +54,7 @@ public:
 
     fs::path operator/(const char* name) const { return place_ / name; }
 
-    /// Removes everything but the loops, which nobody can have changed but by saving over them.
+    /// Removes everything but the loops. A script can change those only by saving over them.
     void clean() {
         for (const auto& entry : fs::directory_iterator(place_))
             if (!kept_.contains(entry.path().filename().string())) fs::remove_all(entry.path());

@@ -27,7 +27,7 @@ bool isWhole(const fs::path& path) {
     return !error && form.ckid == kRiffId && bytes == kChunkHeaderBytes + std::uintmax_t{form.cksize};
 }
 
-/// Renaming asks the folder alone: whether the file itself may be written has to be asked apart.
+/// Renaming needs rights to the folder alone: those to the file itself are tested separately.
 bool mayBeWritten(const fs::path& path) {
     return std::fstream(path, std::ios::in | std::ios::out | std::ios::binary).is_open();
 }

@@ -11,7 +11,7 @@ namespace marnoth {
 inline constexpr std::size_t kLongestProjectPath = 259;
 
 /// Opens a file where the form of a project is searched from: at its beginning or, when the name holds no "."
-/// at all, behind the 24 bytes that may stand in front of it. What is behind there is `readProject`'s to say.
+/// at all, behind the 24 bytes that may stand in front of it. `readProject` finds out what is there.
 /// A longer `path` is cut at `kLongestProjectPath`.
 LoadFault openProject(RiffStream& stream, const std::wstring& path);
 

@@ -65,7 +65,7 @@ std::optional<double> ratioOf(const GrainRecord& grain, const Ratios& ratios) {
     return grain.binFile >= 0 && file < ratios.size() ? std::optional(ratios[file]) : std::nullopt;
 }
 
-/// A pad's loop goes by the file of its first grain, or by the first file.
+/// A pad's loop is scaled as the file of its first grain is, or as the first file.
 double ratioOf(const ProjectPad& pad, const Ratios& ratios) {
     for (const GrainRecord& grain : pad.grains) {
         if (const auto ratio = ratioOf(grain, ratios)) return *ratio;

@@ -10,7 +10,7 @@ namespace marnoth {
 
 /// The fixed-size records of a project file. Everything is little-endian; bytes that carry nothing are
 /// written as zeros and not read. The records hold values as they stand in the file, which may be anything:
-/// who takes them over checks them.
+/// whoever takes them over checks them.
 
 inline constexpr std::size_t kTrackRecordBytes = 64;
 inline constexpr std::size_t kGrainRecordBytes = 112;

@@ -16,7 +16,7 @@ inline std::int64_t scaledFrames(std::int64_t frames, double ratio) {
 }
 
 /// Where a grain ends is rounded, not how long it is: grains that touch still touch afterwards. The tail's
-/// length stays, since it is the tail wave's to say; ticks stay too.
+/// length stays, since the tail wave determines it; ticks stay too.
 inline GrainRecord scaledGrain(GrainRecord record, double ratio) {
     if (ratio == 1.0) return record;
     const std::int64_t end = plus(record.startSamples, record.lengthSamples);

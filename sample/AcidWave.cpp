@@ -259,7 +259,7 @@ void CAcidWave::endLastSegment(std::uint32_t end) {
 void CAcidWave::divideEvenly() {
     const double perBeat = std::pow(2.0, divisionExponent - 2.0);
     const double wanted = beats * perBeat + 0.5;
-    // Written so that what is no number, from 0 beats of an endless division, leaves the file whole too.
+    // Written so that a count that isn't a number (0 beats in endless parts) leaves the file whole too.
     if (!(wanted < kMaxDivisions + 1.0)) return;
     const auto count = static_cast<std::uint32_t>(wanted);
     for (std::uint32_t i = 1; i < count; ++i) {

@@ -31,7 +31,7 @@ struct WaveTag {
 /// and `strc` chunks, from which it builds the list of segments. Lives only during a load, on one thread.
 ///
 /// It refuses only what it can't parse; what is acceptable for playback is the caller's business. Searches
-/// are bounded by the RIFF chunk, reads by the file. However damaged the file, nothing is read outside a
+/// are bounded by the RIFF chunk, reads by the file. In a damaged file too nothing is read outside a
 /// buffer, no more is allocated than a small multiple of the file's size, and a refusal takes no noticeable
 /// time.
 class CAcidWave {

@@ -52,7 +52,7 @@ HRESULT CWaveMem::Create(std::int64_t frameCount, const WAVEFORMATEX& newFormat)
     samples = allocate(values);
     if (!samples) return E_OUTOFMEMORY;
     byteSize = static_cast<std::uint64_t>(values) * sizeof(float);
-    // The block goes into project files as a whole: nothing in it may be left over from elsewhere.
+    // The block goes into project files as a whole: none of its bytes may be another object's old ones.
     std::fill(samples.get() + frames * format.nChannels, samples.get() + values, 0.0f);
     return S_OK;
 }
@@ -93,7 +93,7 @@ HRESULT CWaveMem::Resample(const WAVEFORMATEX& newFormat) {
 HRESULT CWaveMem::PreparePeaks(std::int32_t points) {
     peakPoints = 0;
     peakCapacity = format.nChannels * points * 2;
-    // A grain's offset and count are rounded each for itself, so that the last grain may reach one entry too
+    // A grain's offset and count are rounded separately, so that the last grain may reach one entry too
     // far.
     peaks = allocateSilence(peakCapacity + format.nChannels * 2);
     if (!peaks) return E_OUTOFMEMORY;

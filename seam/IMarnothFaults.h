@@ -18,7 +18,7 @@ inline constexpr IID IID_IMarnothFaults{
 struct IMarnothFaults : IUnknown {
     /// How the last `LoadProject`, `LoadFileToBin`, `LoadFileToPad` or load of a stream on the calling thread
     /// ended: `FaultKind::none` when it did what it was asked for, when there was none yet, and when another
-    /// instrument has loaded on this thread since. Arguments that are no good aren't a load.
+    /// instrument has loaded on this thread since. A call that is refused for its arguments isn't a load.
     virtual HRESULT GetLoadFault(LoadFault* fault) = 0;
 };
 

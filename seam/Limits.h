@@ -4,7 +4,7 @@
 
 namespace marnoth {
 
-/// The limits of the whole instrument, which engine, project, editor and shells go by.
+/// The limits of the whole instrument, for engine, project, editor and shells alike.
 
 inline constexpr std::int32_t kPads = 16;
 inline constexpr std::int32_t kBinFiles = 16;  ///< most files that the Loop Bin holds

@@ -8,9 +8,9 @@ namespace marnoth {
 ///
 /// The word is 24 bytes: twelve UTF-16 code units, little-endian, of the decimal number in eleven digits and
 /// a blank. A reader takes an optional minus sign, digits, and as the end a blank, tab, carriage return, line
-/// feed or zero unit; a number beyond `int` counts as the nearest there is. The object is dirty only as
-/// `Save` leaves it. Brings no `IUnknown` of its own and no lock: the object that this is a base of supplies
-/// both.
+/// feed or zero unit; a number beyond `int` counts as the nearest there is. Only `Save`
+/// sets whether it is dirty. Brings no `IUnknown` of its own and no lock: the object that this is a base of
+/// supplies both.
 class CPersistStream : public IPersistStream {
 public:
     HRESULT IsDirty() override { return dirty_ ? S_OK : S_FALSE; }

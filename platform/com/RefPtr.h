@@ -9,7 +9,7 @@ namespace marnoth {
 /// `Release`.
 ///
 /// It does no locking: one pointer is used by one thread at a time. Whether several of them may share an
-/// object is that object's affair.
+/// object, the object decides.
 template <class T>
 class RefPtr {
 public:

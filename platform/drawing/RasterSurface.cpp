@@ -11,7 +11,7 @@ namespace marnoth {
 
 namespace {
 
-/// Wider pens count as this wide, which bounds the work that a line is.
+/// Wider pens count as this wide, which bounds the work of a line.
 constexpr int kWidestPen = 32;
 
 std::uint8_t blended(std::uint8_t under, std::uint8_t over, unsigned char coverage) {

@@ -72,7 +72,7 @@ public:
     CCritSec& Lock() const { return lock_; }
 
 protected:
-    /// When the filter began to run: what `Run` was told.
+    /// When the filter began to run: the argument of `Run`.
     REFERENCE_TIME StartTime() const { return startTime_; }
 
     IUnknown* FindInterface(REFIID iid) override;

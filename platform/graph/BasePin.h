@@ -74,7 +74,7 @@ public:
     bool IsConnected() const { return static_cast<bool>(connected_); }
     /// The other end, without a reference; null when not connected.
     IPin* GetConnected() const { return connected_.get(); }
-    /// The agreed type; a type of nothing when not connected.
+    /// The agreed type; an empty type when not connected.
     const CMediaType& CurrentMediaType() const { return type_; }
     const std::wstring& Name() const { return name_; }
     PIN_DIRECTION Direction() const { return direction_; }

@@ -29,7 +29,7 @@ constexpr UINT kNoSuchGlyph = 0xFFFF;
 constexpr int kFullCoverage = 64;  // of GGO_GRAY8_BITMAP
 constexpr MAT2 kUpright{{0, 1}, {0, 0}, {0, 0}, {0, 1}};
 
-/// The face with its em as many pixels as told.
+/// The face at an em of so many pixels.
 FontHandle makeFont(const std::wstring& face, int pixelsPerEm) {
     return FontHandle(CreateFontW(-pixelsPerEm, 0, 0, 0, FW_NORMAL, FALSE, FALSE, FALSE, DEFAULT_CHARSET,
                                   OUT_TT_ONLY_PRECIS, CLIP_DEFAULT_PRECIS, ANTIALIASED_QUALITY,

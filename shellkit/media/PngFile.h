@@ -13,7 +13,7 @@ namespace marnoth {
 /// when that fails. Throws `FileFailure`.
 void writePng(const std::filesystem::path& path, const Bitmap& picture);
 
-/// The bytes of such a file; comes from what the system has for it. Nothing when that fails.
+/// The bytes of such a file, made by the system's own encoder. Nothing when that fails.
 std::vector<std::byte> encodePng(const Bitmap& picture);
 
 }  // namespace marnoth

@@ -94,14 +94,14 @@ private:
     }
 
     void systemEvent(std::uint8_t status) {
-        // Nothing runs on behind one of these.
+        // These end a running status.
         running_.reset();
         // Escapes (0xF7) are sound, but the library stumbles over them.
         if (status != kMeta && status != kSystem) return bytes_.fail();
         ended_ = status == kMeta && bytes_.peek() == kEndOfTrack;
         if (status == kMeta && bytes_.byte() >= 0x80) return bytes_.fail();
         const std::uint32_t length = bytes_.variableNumber();
-        // A system message of no bytes is none.
+        // A system message without bytes doesn't count as one.
         if (status != kMeta && length == 0) return bytes_.fail();
         bytes_.take(length);
     }

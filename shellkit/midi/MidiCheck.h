@@ -7,7 +7,7 @@
 
 namespace marnoth {
 
-/// What counts of a standard MIDI file; the tracks lie in the file's own bytes.
+/// What is used of a standard MIDI file; the tracks point into the file's own bytes.
 struct MidiChunks {
     std::uint16_t format = 0;    ///< 0 one track, 1 tracks of one piece, 2 a piece in each track
     std::uint16_t division = 0;  ///< pulses per beat; with the highest bit set, of a film frame

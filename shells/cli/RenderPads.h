@@ -11,8 +11,8 @@ namespace marnoth {
 
 /// The pads of an offline render: how the render sets them up, and back.
 ///
-/// What a render does for itself (`hold`, `routeToOwnOutputs`) goes with `restore`; what its user asked for
-/// stays. The instrument must outlive this. What the instrument refuses throws a `FileFailure`.
+/// `restore` takes back what a render sets for its own run (`hold`, `routeToOwnOutputs`); what its user asked
+/// for stays. The instrument must outlive this. What the instrument refuses throws a `FileFailure`.
 class RenderPads {
 public:
     explicit RenderPads(IGrooveSampler& sampler) : sampler_(sampler) {}
@@ -29,7 +29,7 @@ public:
     /// Pad n goes to output n.
     void routeToOwnOutputs();
 
-    /// Takes back what the render did for itself.
+    /// Takes back what the render set for its own run.
     void restore();
 
 private:

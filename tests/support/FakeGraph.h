@@ -17,7 +17,7 @@ namespace marnoth::test {
 
 inline constexpr LONG kSizedByTest = -1;
 
-/// A piece of memory with all that a media sample carries in plain sight. With `offersSilence` it has the
+/// A media sample whose members a test can read and set. With `offersSilence` it has the
 /// silence flag, and clears itself when a marked one is asked for its memory.
 class FakeSample : public TestObject<IMediaSample, IKvxSampleSilence> {
 public:

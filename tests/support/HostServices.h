@@ -41,7 +41,7 @@ protected:
     void* find(REFIID) override { return nullptr; }
 };
 
-/// A converter that goes by whole numbers: so many samples to the tick, and the rate that it says.
+/// A converter in whole numbers: so many samples to the tick, and a rate that needn't agree.
 class FakeTimeConverter : public TestObject<IKvxTimeConverter> {
 public:
     std::int64_t samplesPerTick = 10;

@@ -11,7 +11,7 @@
 namespace marnoth::test {
 
 /// A stream over bytes in memory, as a host gives one. Can be made to fail from a call on. Lives where it is
-/// declared: its count is only counted.
+/// declared: references are counted, and nothing deletes it.
 class MemoryStream : public IStream {
 public:
     MemoryStream() = default;

@@ -15,7 +15,7 @@
 namespace marnoth::test {
 
 /// A project file by hand, sound or broken: every number that a file can tell is a field. Knows nothing of
-/// the product's own writer. All frame numbers stand as they are told, at the rate of the file's wave.
+/// the product's own writer. All frame numbers are written as given, at the rate of the file's wave.
 struct ProjectBytes {
     struct Keys {
         std::int32_t pad = 0;
