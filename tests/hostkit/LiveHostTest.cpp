@@ -8,6 +8,7 @@
 #include "hostkit/MakeObject.h"
 #include "hostkit/MemoryStream.h"
 #include "hostkit/PlayingRig.h"
+#include "hostkit/ToldSynth.h"
 #include "platform/graph/Graph.h"
 
 namespace marnoth::test::live_host_test {
@@ -390,6 +391,53 @@ TEST(LiveHost, AStateSavedInMemorySoundsTheSameInAnotherHost) {
     }
     EXPECT_GT(first.peakFrom(0), 0.3f);
     EXPECT_EQ(first.audio, second.audio);
+}
+
+using Told = std::vector<std::string>;
+
+TEST(LiveHost, TellsTheInstrumentEachChangeOfTheTransportOnce) {
+    LiveRig rig({0}, ToldSynth::make);
+    Told& told = ToldSynth::last->told;
+    told.clear();
+    rig.block(441, {false, 0, {}, {}});
+    rig.block(441, {true, 22050, 960.4, {}});
+    rig.block(441, {true, 22491, {}, {}});
+    rig.block(441, {true, 22932, {}, 90.0});
+    rig.block(441, {true, 0, -3.0, {}});
+    rig.block(441, {false, 0, {}, {}});
+    rig.block(441, {false, 0, {}, {}});
+    EXPECT_EQ(told, (Told{"start 960", "start -3", "stop"}));
+}
+
+TEST(LiveHost, BehindAFailureNothingSoundsAndPlayingStartsAnew) {
+    const std::vector<TempPath> files = padFiles(LiveRig::kRate);
+    LiveRig rig({0}, ToldSynth::make);
+    layPads(rig.host.sampler(), files);
+    rig.host.locate(960.0);
+    rig.host.play();
+    rig.on(0, 52);
+    for (int block = 0; block < 10; ++block) rig.block(441);
+    ASSERT_NE(rig.audio[0].back(), 0.0f);
+
+    ToldSynth::last->told.clear();
+    ToldSynth::last->messages = E_OUTOFMEMORY;
+    rig.on(200, 53);
+    std::vector<float> left(441, 9.0f);
+    std::array<float*, 1> pointers{left.data()};
+    EXPECT_EQ(rig.host.process(441, pointers), E_OUTOFMEMORY);
+    EXPECT_NE(left[199], 0.0f);
+    for (std::size_t i = 200; i < left.size(); ++i) ASSERT_EQ(left[i], 0.0f) << i;
+
+    ToldSynth::last->messages = S_OK;
+    const std::size_t begin = rig.audio[0].size();
+    rig.off(100, 52);
+    rig.block(441);
+    EXPECT_EQ(rig.peakFrom(begin), 0.0f);
+    // 960 ticks and 11 blocks of 19.2 each.
+    EXPECT_EQ(ToldSynth::last->told, (Told{"messages 1", "stop", "start 1171"}));
+    rig.on(0, 52);
+    rig.block(441);
+    EXPECT_GT(rig.peakFrom(begin), 0.0f);
 }
 
 TEST(LiveHost, RefusesWhatCanNotBe) {

@@ -57,8 +57,9 @@ struct LiveRig {
     static constexpr std::uint32_t kRate = 44100;
     static constexpr std::int32_t kMost = 512;
 
-    explicit LiveRig(std::vector<int> outputs = everyOutput(), std::uint32_t rate = kRate) {
-        connect(outputs, rate);
+    explicit LiveRig(const std::vector<int>& outputs = everyOutput(), InstrumentMaker make = createInstrument)
+        : host(make) {
+        connect(outputs, kRate);
     }
     void connect(const std::vector<int>& outputs, std::uint32_t rate) {
         EXPECT_EQ(host.connect({.rate = rate, .mostFrames = kMost, .outputs = outputs}), S_OK);
@@ -87,7 +88,7 @@ struct LiveRig {
         return peak;
     }
 
-    LiveHost host{createInstrument};
+    LiveHost host;
     std::array<std::vector<float>, 34> audio;  ///< by output and channel
     std::array<float*, 34> pointers{};
 
