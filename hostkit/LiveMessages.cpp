@@ -7,7 +7,6 @@ namespace marnoth {
 namespace {
 
 constexpr std::uint8_t kDataBits = 127;
-constexpr std::size_t kKeys = kHighestKey + 1;
 
 std::optional<LiveMessage::Kind> kindOfController(std::uint8_t controller) {
     constexpr std::uint8_t kAllSoundOff = 120;

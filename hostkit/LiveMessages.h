@@ -59,6 +59,8 @@ public:
     void advance(std::int32_t frames);
 
 private:
+    static constexpr std::size_t kKeys = kHighestKey + 1;
+
     void insert(const LiveMessage& message);
     void addLate(const LiveMessage& noteOff);
     LiveMessage takeLate();
@@ -67,7 +69,7 @@ private:
     std::size_t first_ = 0;  ///< index of the next one in `waiting_`
     std::size_t count_ = 0;
     /// How many note-offs of each key of each channel had no place.
-    std::array<std::uint32_t, kMidiChannels*(kHighestKey + 1)> late_{};
+    std::array<std::uint32_t, kMidiChannels * kKeys> late_{};
     std::size_t lateCount_ = 0;
     std::size_t lateFrom_ = 0;    ///< no index of `late_` below has any
     std::int32_t lateFrame_ = 0;  ///< when they come

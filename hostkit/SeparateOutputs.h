@@ -15,7 +15,7 @@ using OutputPointers = std::span<float* const>;
 /// Hands interleaved stereo blocks on into separate channels. One thread at a time; nothing allocates.
 class SeparateOutputs {
 public:
-    static constexpr std::size_t kPointers = 2 * kOutputPins;
+    static constexpr std::size_t kPointers = std::size_t{2} * kOutputPins;
 
     /// From now on a block of `frames` frames is written to `pointers`, each of which has room for it. All of
     /// it is zeros at first.
