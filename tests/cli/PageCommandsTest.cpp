@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "cli/PngPicture.h"
 #include "cli/Studio.h"
+#include "shellkit/PngPicture.h"
 
 namespace marnoth::test::page_commands_test {
 namespace {

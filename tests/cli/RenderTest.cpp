@@ -6,7 +6,6 @@
 #include "cli/Studio.h"
 #include "shellkit/files/Failure.h"
 #include "shellkit/media/WaveFrames.h"
-#include "shellkit/midi/TempoTrack.h"
 #include "shells/cli/RenderCommand.h"
 #include "support/WaveFile.h"
 
@@ -15,22 +14,6 @@ namespace {
 
 float sampleAt(const WaveFrames& wave, std::size_t frame) {
     return wave.samples.at(frame * wave.channels);
-}
-
-TEST(TempoTrack, AddsUpTheSecondsOfEachTempo) {
-    TempoTrack tempo(120);
-    tempo.add(960, 60);
-    tempo.add(1920, 240);
-    EXPECT_DOUBLE_EQ(tempo.seconds(480), 0.25);
-    EXPECT_DOUBLE_EQ(tempo.seconds(960), 0.5);
-    EXPECT_DOUBLE_EQ(tempo.seconds(1440), 1.0);
-    EXPECT_DOUBLE_EQ(tempo.seconds(2880), 1.75);
-}
-
-TEST(TempoTrack, TheLastOfTwoAtOneTickCounts) {
-    TempoTrack tempo(120);
-    tempo.add(0, 60);
-    EXPECT_DOUBLE_EQ(tempo.seconds(960), 1.0);
 }
 
 TEST(RenderArguments, CountPadsFromOne) {

@@ -2,7 +2,7 @@
 
 #include "engine/EditRig.h"
 #include "engine/ProjectRig.h"
-#include "engine/SavedProject.h"
+#include "project/SavedProject.h"
 #include "support/FailingAllocation.h"
 
 namespace marnoth::test::no_memory_test {

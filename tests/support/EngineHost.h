@@ -8,6 +8,7 @@
 #include "engine/GrooveSampler.h"
 #include "platform/system/Overflow.h"
 #include "seam/Pzi.h"
+#include "support/FloatFormat.h"
 
 namespace marnoth::test {
 
@@ -80,17 +81,6 @@ public:
         return E_NOTIMPL;
     }
 };
-
-inline WAVEFORMATEX floatFormat(std::uint32_t rate, std::uint16_t channels) {
-    WAVEFORMATEX format{};
-    format.wFormatTag = WAVE_FORMAT_IEEE_FLOAT;
-    format.nChannels = channels;
-    format.nSamplesPerSec = rate;
-    format.wBitsPerSample = 32;
-    format.nBlockAlign = static_cast<WORD>(channels * 4);
-    format.nAvgBytesPerSec = format.nBlockAlign * rate;
-    return format;
-}
 
 /// An engine with its pins, connected in one float format, and driven block by block with silence at its
 /// input.

@@ -1,13 +1,11 @@
 #include <gtest/gtest.h>
 
-#include <atomic>
-#include <chrono>
-#include <future>
-#include <thread>
+#include <cstring>
+#include <fstream>
 
-#include "engine/SavedProject.h"
 #include "project/ProjectSave.h"
 #include "project/ProjectWriter.h"
+#include "project/SavedProject.h"
 #include "support/MemoryStream.h"
 #ifndef _WIN32
 #include "support/FileSizeLimit.h"
@@ -32,12 +30,6 @@ Bytes wholeForm(std::uint8_t value) {
 
 void put(const fs::path& path, const Bytes& bytes) {
     WaveFile::writeBytes(path, bytes);
-}
-
-bool isSavedProject(const fs::path& path) {
-    const SavedBytes file{fileBytes(path)};
-    return file.size() > 12 && file.text(8, 4) == "marn" && file.u32(4) == file.size() - 8 &&
-           file.text(12, 4) == "comn";
 }
 
 /// A medium that takes so many writes and then nothing more.
@@ -84,14 +76,13 @@ TEST(ProjectMedia, AWriteThatFailsAnywhereFailsTheSave) {
 }
 
 TEST(ProjectMedia, AStreamThatFailsAtAnyCallFailsTheSave) {
-    EditRig rig;
-    rig.load(plainFile(0.01, 44100));
+    const Project project = projectOf({countingWave(441)});
     MemoryStream good;
-    ASSERT_EQ(rig.engine.SaveState(&good), S_OK);
+    ASSERT_EQ(saveProject(project, good), S_OK);
     for (int call = 1; call <= good.calls; ++call) {
         MemoryStream stream;
         stream.failFromCall = call;
-        EXPECT_EQ(rig.engine.SaveState(&stream), E_FAIL) << call;
+        EXPECT_EQ(saveProject(project, stream), E_FAIL) << call;
         EXPECT_EQ(stream.references, 1u);
     }
 }
@@ -101,97 +92,87 @@ TEST(ProjectMedia, AStreamThatDoesntTellItsPositionDecidesTheResult) {
     public:
         HRESULT Seek(LARGE_INTEGER, DWORD, ULARGE_INTEGER*) override { return STG_E_ACCESSDENIED; }
     };
-    EditRig rig;
     Adrift stream;
-    EXPECT_EQ(rig.engine.SaveState(&stream), STG_E_ACCESSDENIED);
+    EXPECT_EQ(saveProject(projectOf({}), stream), STG_E_ACCESSDENIED);
     EXPECT_TRUE(stream.bytes.empty());
 }
 
 TEST(ProjectMedia, APlaceThatIsntThereFailsTheSave) {
-    EditRig rig;
     const TempPath missing;
-    EXPECT_EQ(rig.engine.SaveProject(0, (missing.string() + "/groove.mrn").c_str()), E_FAIL);
+    EXPECT_EQ(saveProject(projectOf({}), missing.path() / "groove.mrn"), E_FAIL);
     EXPECT_FALSE(fs::exists(missing.path()));
 }
 
 TEST(ProjectMedia, AFolderInTheWayStaysAndFailsTheSave) {
-    EditRig rig;
     const ProjectPath path;
     fs::create_directory(path.path());
-    EXPECT_EQ(rig.engine.SaveProject(0, path.c_str()), E_FAIL);
+    EXPECT_EQ(saveProject(projectOf({}), path.path()), E_FAIL);
     EXPECT_TRUE(fs::is_directory(path.path()));
     EXPECT_FALSE(fs::exists(path.backup()));
 }
 
 TEST(ProjectMedia, AFolderInTheBackupsPlaceFailsTheSaveWithNothingTouched) {
-    EditRig rig;
     const ProjectPath path;
     put(path.path(), wholeForm(1));
     fs::create_directory(path.backup());
-    EXPECT_EQ(rig.engine.SaveProject(0, path.c_str()), E_FAIL);
+    EXPECT_EQ(saveProject(projectOf({}), path.path()), E_FAIL);
     EXPECT_EQ(fileBytes(path.path()), wholeForm(1));
     EXPECT_TRUE(fs::is_directory(path.backup()));
 }
 
 TEST(ProjectMedia, AWriteProtectedProjectIsLeftAlone) {
-    EditRig rig;
     const ProjectPath path;
     put(path.path(), wholeForm(1));
     fs::permissions(path.path(), fs::perms::owner_read);
     if (std::fstream(path.path(), std::ios::in | std::ios::out).is_open()) {
         GTEST_SKIP() << "this user may write everything";
     }
-    EXPECT_EQ(rig.engine.SaveProject(0, path.c_str()), E_FAIL);
+    EXPECT_EQ(saveProject(projectOf({}), path.path()), E_FAIL);
     EXPECT_EQ(fileBytes(path.path()), wholeForm(1));
     EXPECT_FALSE(fs::exists(path.backup()));
     fs::permissions(path.path(), fs::perms::owner_all);
 }
 
 TEST(ProjectBackup, AGoodSaveLeavesNoBackup) {
-    EditRig rig;
     const ProjectPath path;
     put(path.path(), wholeForm(1));
-    EXPECT_EQ(rig.engine.SaveProject(0, path.c_str()), S_OK);
+    EXPECT_EQ(saveProject(projectOf({}), path.path()), S_OK);
     EXPECT_TRUE(isSavedProject(path.path()));
     EXPECT_FALSE(fs::exists(path.backup()));
 }
 
 TEST(ProjectBackup, TheBackupOfAKilledSaveStaysUntilASaveIsWhole) {
-    EditRig rig;
     const ProjectPath path;
     Bytes broken = wholeForm(2);
     broken[4] = 0;
     put(path.path(), broken);
     put(path.backup(), wholeForm(1));
-    EXPECT_EQ(rig.engine.SaveProject(0, path.c_str()), S_OK);
+    EXPECT_EQ(saveProject(projectOf({}), path.path()), S_OK);
     EXPECT_TRUE(isSavedProject(path.path()));
     EXPECT_FALSE(fs::exists(path.backup()));
 }
 
 TEST(ProjectBackup, AWholeFileTakesThePlaceOfAnOldBackup) {
-    EditRig rig;
     const ProjectPath path;
     put(path.path(), wholeForm(2));
     put(path.backup(), wholeForm(1));
-    EXPECT_EQ(rig.engine.SaveProject(0, path.c_str()), S_OK);
+    EXPECT_EQ(saveProject(projectOf({}), path.path()), S_OK);
     EXPECT_TRUE(isSavedProject(path.path()));
     EXPECT_FALSE(fs::exists(path.backup()));
 }
 
 TEST(ProjectBackup, ABackupWithoutItsFileIsLeftAlone) {
-    EditRig rig;
     const ProjectPath path;
     put(path.backup(), wholeForm(1));
-    EXPECT_EQ(rig.engine.SaveProject(0, path.c_str()), S_OK);
+    EXPECT_EQ(saveProject(projectOf({}), path.path()), S_OK);
     EXPECT_TRUE(isSavedProject(path.path()));
     EXPECT_EQ(fileBytes(path.backup()), wholeForm(1));
 }
 
 TEST(ProjectBackup, AFileThatIsntAProjectIsKeptLikeOne) {
-    EditRig rig;
     const ProjectPath path;
     put(path.path(), someBytes(9));
-    EXPECT_EQ(rig.engine.SaveProject(0, path.c_str()), S_OK);
+    EXPECT_EQ(saveProject(projectOf({}), path.path()), S_OK);
     EXPECT_TRUE(isSavedProject(path.path()));
     EXPECT_FALSE(fs::exists(path.backup()));
 }
@@ -199,34 +180,30 @@ TEST(ProjectBackup, AFileThatIsntAProjectIsKeptLikeOne) {
 #ifndef _WIN32
 
 TEST(ProjectBackup, ASaveGoesThroughALinkToItsFile) {
-    EditRig rig;
     const ProjectPath link;
     const ProjectPath real;
     put(real.path(), wholeForm(1));
     fs::create_symlink(real.path(), link.path());
-    EXPECT_EQ(rig.engine.SaveProject(0, link.c_str()), S_OK);
+    EXPECT_EQ(saveProject(projectOf({}), link.path()), S_OK);
     EXPECT_TRUE(fs::is_symlink(link.path()));
     EXPECT_TRUE(isSavedProject(real.path()));
     EXPECT_FALSE(fs::exists(real.backup()));
 }
 
 TEST(ProjectBackup, TheNewFileHasThePermissionsOfTheOld) {
-    EditRig rig;
     const ProjectPath path;
     put(path.path(), wholeForm(1));
     const fs::perms own = fs::perms::owner_read | fs::perms::owner_write;
     fs::permissions(path.path(), own);
-    EXPECT_EQ(rig.engine.SaveProject(0, path.c_str()), S_OK);
+    EXPECT_EQ(saveProject(projectOf({}), path.path()), S_OK);
     EXPECT_EQ(fs::status(path.path()).permissions(), own);
 }
 
 TEST(ProjectMedia, AFullDiskFailsTheSave) {
     if (!fs::exists("/dev/full")) GTEST_SKIP() << "no full disk here";
-    EditRig rig;
-    rig.load(plainFile(0.5, 44100));
     const ProjectPath link;
     fs::create_symlink("/dev/full", link.path());
-    EXPECT_EQ(rig.engine.SaveProject(0, link.c_str()), E_FAIL);
+    EXPECT_EQ(saveProject(projectOf({countingWave(22050)}), link.path()), E_FAIL);
     EXPECT_TRUE(fs::is_character_file("/dev/full"));
 }
 
@@ -267,125 +244,24 @@ TEST(ProjectBackup, AfterAFailedSaveTheFormerProjectIsTheBackup) {
 #ifdef _WIN32
     GTEST_SKIP() << "no way to make a file of its own fail here";
 #else
-    EditRig rig;
     const ProjectPath path;
     put(path.path(), wholeForm(1));
-    rig.load(plainFile(1, 44100));
+    const Project project = projectOf({countingWave(44100)});
     {
         const FileSizeLimit limit(50000);
-        EXPECT_EQ(rig.engine.SaveProject(0, path.c_str()), E_FAIL);
+        EXPECT_EQ(saveProject(project, path.path()), E_FAIL);
     }
     EXPECT_EQ(fileBytes(path.backup()), wholeForm(1));
     EXPECT_FALSE(isSavedProject(path.path()));
     {
         const FileSizeLimit limit(60000);
-        EXPECT_EQ(rig.engine.SaveProject(0, path.c_str()), E_FAIL);
+        EXPECT_EQ(saveProject(project, path.path()), E_FAIL);
     }
     EXPECT_EQ(fileBytes(path.backup()), wholeForm(1)) << "the next failure doesn't cost it";
-    EXPECT_EQ(rig.engine.SaveProject(0, path.c_str()), S_OK);
+    EXPECT_EQ(saveProject(project, path.path()), S_OK);
     EXPECT_TRUE(isSavedProject(path.path()));
     EXPECT_FALSE(fs::exists(path.backup()));
 #endif
-}
-
-/// A stream that looks, at every write, whether another thread gets the engine's lock.
-class LockProbe : public MemoryStream {
-public:
-    explicit LockProbe(EngineHost& host) : host_(host) {}
-
-    HRESULT Write(const void* from, ULONG count, ULONG* written) override {
-        ++writes;
-        if (!waiting_.valid()) lookOnce();
-        return MemoryStream::Write(from, count, written);
-    }
-
-    int writes = 0;
-    int blocks = 0;  ///< rendered while a write was under way
-
-private:
-    void lookOnce() {
-        auto block = std::async(std::launch::async, [this] { host_.block(64); });
-        if (block.wait_for(std::chrono::seconds(20)) == std::future_status::ready) {
-            ++blocks;
-        } else {
-            waiting_ = std::move(block);
-        }
-    }
-
-    EngineHost& host_;
-    std::future<void> waiting_;  ///< the first block that didn't get the lock
-};
-
-TEST(ProjectConcurrency, BlocksGoOnWhileTheBytesGoOut) {
-    EditRig rig;
-    rig.lay(0, loopFile(1));
-    LockProbe stream(rig);
-    EXPECT_EQ(rig.engine.SaveState(&stream), S_OK);
-    EXPECT_GT(stream.writes, 50);
-    EXPECT_EQ(stream.blocks, stream.writes);
-}
-
-TEST(ProjectConcurrency, SavesWhileAnotherThreadRendersAreAllTheSame) {
-    EditRig rig;
-    rig.lay(0, loopFile(2));
-    rig.engine.AuditionPad(0, -1);
-    MemoryStream before;
-    ASSERT_EQ(rig.engine.SaveState(&before), S_OK);
-    std::atomic<bool> done{false};
-    std::thread player([&] {
-        while (!done) rig.block(64);
-    });
-    for (int i = 0; i < 20; ++i) {
-        MemoryStream stream;
-        EXPECT_EQ(rig.engine.SaveState(&stream), S_OK);
-        EXPECT_EQ(stream.bytes, before.bytes);
-    }
-    done = true;
-    player.join();
-}
-
-TEST(ProjectConcurrency, ASaveKeepsTheAudioOfFilesThatAreRemovedMeanwhile) {
-    class Remover : public MemoryStream {
-    public:
-        explicit Remover(EditRig& host) : host_(host) {}
-        HRESULT Write(const void* from, ULONG count, ULONG* written) override {
-            if (writes++ == 0) host_.engine.ClearProject();
-            return MemoryStream::Write(from, count, written);
-        }
-        int writes = 0;
-
-    private:
-        EditRig& host_;
-    };
-    EditRig rig;
-    rig.lay(0, loopFile(1));
-    MemoryStream whole;
-    ASSERT_EQ(rig.engine.SaveState(&whole), S_OK);
-    Remover stream(rig);
-    EXPECT_EQ(rig.engine.SaveState(&stream), S_OK);
-    EXPECT_EQ(stream.bytes, whole.bytes);
-    EXPECT_EQ(rig.binFiles(), 0);
-}
-
-TEST(ProjectConcurrency, TwoSavesUnderOneNameComeOneAfterTheOther) {
-    EditRig small;
-    EditRig large;
-    large.load(plainFile(2, 44100));
-    const ProjectPath path;
-    auto saves = [&path](EditRig& rig) {
-        return std::async(std::launch::async, [&path, &rig] {
-            for (int i = 0; i < 20; ++i) {
-                if (rig.engine.SaveProject(0, path.c_str()) != S_OK) return false;
-            }
-            return true;
-        });
-    };
-    auto first = saves(small);
-    auto second = saves(large);
-    EXPECT_TRUE(first.get());
-    EXPECT_TRUE(second.get());
-    EXPECT_TRUE(isSavedProject(path.path()));
-    EXPECT_FALSE(fs::exists(path.backup()));
 }
 
 }  // namespace

@@ -11,8 +11,11 @@
 #include <system_error>
 #include <vector>
 
-#include "engine/EditRig.h"
 #include "project/Project.h"
+#include "seam/MusicalTime.h"
+#include "support/FloatFormat.h"
+#include "support/TempPath.h"
+#include "support/WaveFile.h"
 
 namespace marnoth::test {
 
@@ -70,6 +73,13 @@ struct SavedBytes {
     std::size_t size() const { return bytes.size(); }
 };
 
+/// Whether a save has left a whole form there, by its outer header and its first chunk.
+inline bool isSavedProject(const std::filesystem::path& path) {
+    const SavedBytes file{fileBytes(path)};
+    return file.size() > 12 && file.text(8, 4) == "marn" && file.u32(4) == file.size() - 8 &&
+           file.text(12, 4) == "comn";
+}
+
 /// A wave of `frames` frames in which every value is different.
 inline RefPtr<CWaveMem> countingWave(std::int64_t frames, std::uint32_t rate = 44100,
                                      std::uint16_t channels = 1) {
@@ -93,7 +103,7 @@ inline GrainRecord wholeGrain(std::int32_t binFile, std::int64_t frames) {
     GrainRecord grain;
     grain.binFile = binFile;
     grain.lengthSamples = frames;
-    grain.lengthTicks = kBeat;
+    grain.lengthTicks = kTicks16PerBeat;
     grain.pitchRatio = grain.volume = 1;
     grain.pan = 0.5;
     return grain;
@@ -103,7 +113,7 @@ inline GrainRecord wholeGrain(std::int32_t binFile, std::int64_t frames) {
 inline ProjectFile projectFile(std::int32_t index, RefPtr<CWaveMem> wave) {
     ProjectFile file;
     file.settings.lengthSamples = wave->frames;
-    file.settings.lengthTicks = kBeat;
+    file.settings.lengthTicks = kTicks16PerBeat;
     file.settings.midiChannel = file.settings.rootNote = -1;
     file.settings.volume = 1;
     file.settings.pan = 0.5f;

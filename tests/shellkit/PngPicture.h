@@ -8,9 +8,10 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
-#include "cli/CliRun.h"
 #include "platform/drawing/Bitmap.h"
+#include "shellkit/TempFolder.h"
 
 namespace marnoth::test {
 

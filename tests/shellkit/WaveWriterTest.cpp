@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "cli/CliRun.h"
+#include "shellkit/TempFolder.h"
 #include "shellkit/files/Failure.h"
 #include "shellkit/media/WaveFrames.h"
 #include "shellkit/media/WaveWriter.h"

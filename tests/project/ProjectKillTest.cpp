@@ -10,9 +10,9 @@
 #include <random>
 #include <thread>
 
-#include "engine/SavedProject.h"
 #include "project/ProjectReader.h"
 #include "project/ProjectSave.h"
+#include "project/SavedProject.h"
 #include "support/MemoryStream.h"
 
 namespace marnoth::test::project_kill_test {
