@@ -64,6 +64,7 @@ public:
             for (const float sample : samples) peak_ = std::max(peak_, std::abs(sample));
         });
         loadPad();
+        check(rig_.run(), "run");
         check(rig_.synth().StartPlayback(0), "StartPlayback");
         if (scene.source == Source::sequence) queueNotes();
     }
