@@ -17,7 +17,7 @@ struct Frame {
 };
 
 /// Linear interpolation. The clamped form reads frames outside the wave as the wave's first or its guard
-/// frame, each for itself; the other may be used where no read leaves the wave.
+/// frame, also of the two that one value lies between; the other may be used where no read leaves the wave.
 template <int channels, bool clamped>
 class Reader {
 public:
