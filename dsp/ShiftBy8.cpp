@@ -7,8 +7,8 @@
 namespace marnoth::shift {
 namespace {
 
-/// Eight frames with AVX-512. Frames are loaded one by one, for the instruction that gathers them is many
-/// times slower on processors that have to guard what it leaves behind.
+/// Eight frames with AVX-512. Frames are loaded one by one, for the instruction that gathers them is
+/// slow on processors that have to guard what it leaves behind.
 struct By8 {
     static constexpr int count = 8;
     using Singles = __m256;
