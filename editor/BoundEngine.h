@@ -12,8 +12,7 @@ namespace marnoth {
 class FetchedGrains;
 
 /// The engine that a page works on, if it has one: without one every call fails and every value is its
-/// default. Nobody is told of what changes in it: the page reads everything again when the engine's refresh
-/// request is 1, so whoever else changes the instrument calls `SetRefreshRequest(1)` behind it.
+/// default.
 class BoundEngine {
 public:
     /// Lets go of the engine it has and takes the first of `objects` that is one.

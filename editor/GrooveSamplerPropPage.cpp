@@ -58,8 +58,9 @@ std::unique_ptr<Surface> CGrooveSamplerPropPage::drawInto(Bitmap& bitmap) {
 }
 
 void CGrooveSamplerPropPage::bind(std::span<IUnknown* const> objects) {
-    m_pGrooveSampler.bind(objects);
+    cancelQuestion();
     m_wheelRun.end();
+    m_pGrooveSampler.bind(objects);
     if (!m_pGrooveSampler || !m_isOpen) return;
     m_view.clearSelections();
     m_view.currentBinFile = -1;

@@ -194,39 +194,49 @@ void PageFrame::giveMouseBack() {
 }
 
 template <class Answer>
-std::function<void(Answer)> PageFrame::opened(std::function<void(Answer)> then) {
+std::function<void(Answer)> PageFrame::opened(Answer cancelled, std::function<void(Answer)> then) {
     if (m_captured || m_pageCaptured) {
         loseMouse();
         giveMouseBack();
     }
-    m_question = std::make_shared<char>();
-    return [this, question = std::weak_ptr(m_question), then = std::move(then)](Answer answer) {
+    m_question = std::make_shared<OpenQuestion>();
+    std::function<void(Answer)> answer = [this, question = std::weak_ptr(m_question),
+                                          then = std::move(then)](Answer given) {
         // It has its answer already, or the page is gone.
         if (question.expired()) return;
         m_question.reset();
-        const auto go = [&] { then(std::move(answer)); };
+        const auto go = [&] { then(std::move(given)); };
         // Within the event that asked, what is posted waits for that one's end.
         if (m_underWay > 0)
             guarded(go);
         else
             carryOut(go);
     };
+    m_question->cancel = [answer, cancelled] { answer(cancelled); };
+    return answer;
+}
+
+void PageFrame::cancelQuestion() {
+    const std::shared_ptr<OpenQuestion> question = m_question;
+    if (!question) return;
+    m_window.cancelQuestion();
+    question->cancel();
 }
 
 void PageFrame::askMessage(std::string_view text, MessageKind kind, std::function<void(PageAnswer)> then) {
     if (isAsking()) return then(PageAnswer::cancel);
-    m_window.askMessage(text, kind, opened(std::move(then)));
+    m_window.askMessage(text, kind, opened(PageAnswer::cancel, std::move(then)));
 }
 
 void PageFrame::askFile(std::string_view filter, FileKind kind,
                         std::function<void(std::optional<std::string>)> then) {
     if (isAsking()) return then({});
-    m_window.askFile(filter, kind, opened(std::move(then)));
+    m_window.askFile(filter, kind, opened(std::optional<std::string>(), std::move(then)));
 }
 
 void PageFrame::askMenu(Point at, std::span<const MenuItem> items, std::function<void(int)> then) {
     if (isAsking()) return then(0);
-    m_window.askMenu(at, items, opened(std::move(then)));
+    m_window.askMenu(at, items, opened(0, std::move(then)));
 }
 
 void PageFrame::captureMouse(Control& control) {
@@ -252,6 +262,12 @@ void PageFrame::releaseMouse() {
     m_captured = nullptr;
     m_pageCaptured = false;
     giveMouseBack();
+}
+
+void PageFrame::pasteInto(Control& control) {
+    m_window.readClipboard([this, life = std::weak_ptr(m_life), &control](const std::string& text) {
+        if (!life.expired() && m_focus == &control) control.paste(text);
+    });
 }
 
 void PageFrame::focus(Control* control) {

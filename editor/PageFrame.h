@@ -66,6 +66,7 @@ public:
     void captureMouse(Control& control) final;
     void beginRelativeDrag(Control& control, PageCursor shown) final;
     void releaseMouse() final;
+    void pasteInto(Control& control) final;
     void focus(Control* control) final;
     bool hasFocus(const Control& control) const final { return m_focus == &control; }
     void postCommand(int id) final;
@@ -100,6 +101,8 @@ protected:
                  std::function<void(std::optional<std::string>)> then);
     void askMenu(Point at, std::span<const MenuItem> items, std::function<void(int)> then);
     bool isAsking() const { return m_question != nullptr; }
+    /// A question that is open is taken back and counts as cancelled, for what it was about goes.
+    void cancelQuestion();
 
     /// The modifiers of the event that was last.
     Modifiers held() const { return m_held; }
@@ -154,6 +157,10 @@ private:
         int& events_;
     };
 
+    struct OpenQuestion {
+        std::function<void()> cancel;  ///< goes on as if the user had cancelled it
+    };
+
     void post(std::function<void()> what) { m_posted.push_back(std::move(what)); }
     void drain();
     void wakeUp() { m_window.requestPaint(); }
@@ -168,7 +175,7 @@ private:
     void sendKey(const ControlEvent& event);
     /// What a window is to call with the answer of the question that begins here.
     template <class Answer>
-    std::function<void(Answer)> opened(std::function<void(Answer)> then);
+    std::function<void(Answer)> opened(Answer cancelled, std::function<void(Answer)> then);
 
     void paintInvalid();
     void compose(const std::vector<Rect>& stale);
@@ -190,8 +197,9 @@ private:
     Modifiers m_held;
     bool m_actedOnKey = false;
     int m_acts = 0;
-    int m_underWay = 0;                ///< events within each other
-    std::shared_ptr<char> m_question;  ///< lives as long as a question is open
+    int m_underWay = 0;                                       ///< events within each other
+    std::shared_ptr<OpenQuestion> m_question;                 ///< null while none is open
+    std::shared_ptr<char> m_life = std::make_shared<char>();  ///< as long as the frame
 };
 
 }  // namespace marnoth

@@ -134,7 +134,9 @@ struct IGrooveSampler : IDispatch {
     virtual HRESULT SetKeyMapEntry(const KeyMapRecord* entry) = 0;
     virtual HRESULT GetAuditionEnabled(std::uint32_t* value) = 0;
     virtual HRESULT SetAuditionEnabled(std::uint32_t value) = 0;
-    /// The one mailbox to the page: reading clears it.
+    /// The one mailbox to the page: reading clears it. A page that is open reads it at each of its ticks, and
+    /// only at 1 it reads everything again. So whoever changes the instrument beside the page, such as a
+    /// shell that loads a project, calls `SetRefreshRequest(1)` behind it.
     virtual HRESULT GetRefreshRequest(std::uint32_t* value) = 0;
     virtual HRESULT SetRefreshRequest(std::uint32_t value) = 0;
     virtual HRESULT GetPadVolume(std::int32_t pad, float* value) = 0;

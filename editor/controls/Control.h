@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "platform/drawing/Geometry.h"
 #include "platform/drawing/PageWindow.h"
@@ -55,6 +56,9 @@ public:
     virtual void beginRelativeDrag(Control& control, PageCursor shown) = 0;
     /// Ends either.
     virtual void releaseMouse() = 0;
+    /// `control` gets the text on the clipboard by `Control::paste`, at once or later, if it still has the
+    /// keyboard then.
+    virtual void pasteInto(Control& control) = 0;
     /// Gives the keyboard to `control`; whoever had it hears `focusOut` first. Null: nobody has it.
     virtual void focus(Control* control) = 0;
     virtual bool hasFocus(const Control& control) const = 0;
@@ -91,6 +95,7 @@ public:
     virtual void paintOverlay(Surface&) {}
     /// The one entry of events. True when the control did something with it.
     virtual bool handle(const ControlEvent& event) = 0;
+    virtual void paste(std::string_view) {}
     /// False for static texts: their mouse events go to the page.
     virtual bool takesMouse() const { return true; }
     /// Edits and combos can be typed into.

@@ -142,9 +142,6 @@ bool EditLine::shortcut(int key, PageWindow& window) {
             copy(window);
             replaceSelection({});
             return true;
-        case kKeyV:
-            paste(window.clipboardText());
-            return true;
         default:
             return false;
     }

@@ -30,8 +30,12 @@ public:
     void rest();
     std::string_view selected() const;
 
-    /// True when the key means something here. `window` has the clipboard.
+    /// True when the key means something here. `window` has the clipboard, to copy to. To paste, which
+    /// `asksToPaste` tells, takes somebody who can wait.
     bool key(int key, Modifiers held, PageWindow& window);
+    static bool asksToPaste(int key, Modifiers held) { return key == kKeyV && held.control; }
+    /// Replaces the selection, with what stands before the first end of a line.
+    void paste(std::string_view text);
     /// Replaces the selection. False for what isn't text.
     bool insert(char32_t character);
 
@@ -60,7 +64,6 @@ private:
     void replaceSelection(std::string_view with);
     bool shortcut(int key, PageWindow& window);
     void copy(PageWindow& window) const;
-    void paste(std::string_view text);
     int scrollFor(int width) const;
     void paintText(Surface& surface, Point at, bool focused) const;
     void paintCaret(Surface& surface, const Rect& room) const;

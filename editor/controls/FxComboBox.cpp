@@ -180,8 +180,15 @@ bool CFxComboBox::key(int key, Modifiers held) {
             letGoOfMouse();
             return true;
         default:
-            return line_.key(key, held, parent().window());
+            if (!EditLine::asksToPaste(key, held)) return line_.key(key, held, parent().window());
+            parent().pasteInto(*this);
+            return true;
     }
+}
+
+void CFxComboBox::paste(std::string_view text) {
+    line_.paste(text);
+    invalidate();
 }
 
 bool CFxComboBox::keyboard(const ControlEvent& event) {

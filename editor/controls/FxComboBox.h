@@ -39,6 +39,7 @@ public:
     Rect overlay() const override;
     void paintOverlay(Surface& surface) override;
     bool handle(const ControlEvent& event) override;
+    void paste(std::string_view text) override;
     bool takesText() const override { return true; }
     std::optional<std::string> shownText() const override { return text(); }
     std::optional<int> shownState() const override { return selection(); }

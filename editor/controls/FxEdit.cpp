@@ -49,10 +49,22 @@ bool CFxEdit::mouse(const ControlEvent& event) {
     }
 }
 
+void CFxEdit::paste(std::string_view text) {
+    line_.paste(text);
+    invalidate();
+}
+
+bool CFxEdit::key(const ControlEvent& event) {
+    if (!EditLine::asksToPaste(event.key, event.held))
+        return line_.key(event.key, event.held, parent().window());
+    parent().pasteInto(*this);
+    return true;
+}
+
 bool CFxEdit::keyboard(const ControlEvent& event) {
     switch (event.kind) {
         case ControlEventKind::keyDown:
-            return line_.key(event.key, event.held, parent().window());
+            return key(event);
         case ControlEventKind::keyUp:
             if (event.key == kKeyReturn) parent().postEditReturn(id());
             return event.key == kKeyReturn;

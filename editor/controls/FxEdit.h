@@ -21,12 +21,14 @@ public:
 
     void paint(Surface& surface) override;
     bool handle(const ControlEvent& event) override;
+    void paste(std::string_view text) override;
     bool takesText() const override { return true; }
     std::optional<std::string> shownText() const override { return text(); }
 
 private:
     void press(int x);
     bool mouse(const ControlEvent& event);
+    bool key(const ControlEvent& event);
     bool keyboard(const ControlEvent& event);
     bool focusChange(bool entered);
     /// Draws anew when something was done.

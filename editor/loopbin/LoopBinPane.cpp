@@ -1,6 +1,5 @@
 #include "editor/loopbin/LoopBinPane.h"
 
-#include <algorithm>
 #include <string_view>
 
 #include "editor/PageLayout.h"
@@ -134,8 +133,7 @@ void LoopBinPane::removeCurrentFile() {
     PageView& view = page_.view();
     view.clearSelections();
     page_.engine().call(&IGrooveSampler::RemoveBinFile, view.currentBinFile);
-    // Nothing is current any more when the page was bound anew behind the question.
-    view.currentBinFile = std::max(view.currentBinFile - 1, -1);
+    --view.currentBinFile;
 }
 
 void LoopBinPane::play() {

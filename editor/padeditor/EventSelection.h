@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <unordered_set>
 #include <vector>
 
 namespace marnoth {
@@ -17,7 +18,7 @@ struct EventSelectionInfo {
 /// changes the tracks from elsewhere must clear it.
 class CEventSelection {
 public:
-    void clear() { std::vector<EventSelectionInfo>().swap(items_); }
+    void clear() { *this = {}; }
     bool contains(std::int32_t track, std::int32_t grain) const;
     /// Does nothing when the pair is there.
     void add(std::int32_t track, std::int32_t grain);
@@ -32,7 +33,13 @@ public:
     auto end() const { return items_.end(); }
 
 private:
+    /// Of a pair, to find it among tens of thousands.
+    static std::uint64_t key(std::int32_t track, std::int32_t grain) {
+        return std::uint64_t{static_cast<std::uint32_t>(track)} << 32 | static_cast<std::uint32_t>(grain);
+    }
+
     std::vector<EventSelectionInfo> items_;
+    std::unordered_set<std::uint64_t> keys_;  ///< of `items_`
 };
 
 }  // namespace marnoth

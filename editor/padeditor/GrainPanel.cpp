@@ -16,8 +16,7 @@ namespace marnoth {
 
 namespace {
 
-/// The portion of its way that the knob moves for a semitone: a little more than 1 / 48, so that each
-/// semitone has its step.
+/// Of the knob's way, which has 48 semitones: a 48th, in nine decimals.
 constexpr double kKnobOfSemitone = 0.020833334;
 
 }  // namespace

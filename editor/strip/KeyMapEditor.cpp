@@ -7,6 +7,7 @@
 
 #include "editor/Truncate.h"
 #include "platform/drawing/Surface.h"
+#include "seam/Limits.h"
 
 namespace marnoth {
 namespace {
@@ -42,7 +43,7 @@ int halfUnitOf(int note) {
 
 int noteOf(int halfUnit) {
     const float note = static_cast<float>(halfUnit) * kNotesOfHalfUnit + 0.8f;
-    return std::clamp(truncateToPixel(note), 0, 127);
+    return std::clamp(truncateToPixel(note), 0, kHighestKey);
 }
 
 int heldToInt(std::int64_t value) {

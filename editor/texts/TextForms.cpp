@@ -6,6 +6,8 @@
 #include <cmath>
 #include <limits>
 
+#include "seam/Limits.h"
+
 namespace marnoth {
 namespace {
 
@@ -98,7 +100,7 @@ std::optional<int> parseInteger(std::string_view text) {
 }
 
 std::string FormatNoteName(int note, bool withOctave) {
-    if (note < 0 || note > 127) return {};
+    if (note < 0 || note > kHighestKey) return {};
     const std::string name = kNoteNames[static_cast<std::size_t>(note % 12)];
     return withOctave ? name + std::to_string(note / 12) : name;
 }

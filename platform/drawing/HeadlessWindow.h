@@ -67,6 +67,7 @@ public:
     PageCursor cursor() const { return cursor_; }
     int timerPeriod() const { return timerPeriod_; }  ///< milliseconds; 0 while it stands
     bool wantsFocus() const { return wantsFocus_; }
+    const std::string& clipboardText() const { return clipboard_; }
     int helpShown() const { return helpShown_; }  ///< how often
     /// The questions since the last call, each as a line without its end: `? message "TEXT" -> ANSWER`,
     /// `? file open|save "FILTER" -> ANSWER`, `? menu ID:TEXT[:checked] ... -> ANSWER`.
@@ -90,7 +91,7 @@ public:
     void askMenu(Point at, std::span<const MenuItem> items, std::function<void(int)> then) override;
     /// None is ever open: each is answered at once.
     void cancelQuestion() override {}
-    std::string clipboardText() override { return clipboard_; }
+    void readClipboard(std::function<void(std::string)> then) override { then(clipboard_); }
     void setClipboardText(std::string_view text) override { clipboard_ = text; }
     void showHelp() override { ++helpShown_; }
 

@@ -118,10 +118,13 @@ public:
                          std::function<void(std::optional<std::string>)> then) = 0;
     /// The answer is the id of one of `items`, which are good during the call alone; 0 for none.
     virtual void askMenu(Point at, std::span<const MenuItem> items, std::function<void(int)> then) = 0;
-    /// The page goes: a question that is open is taken back, and its `then` isn't called any more.
+    /// The page goes, or what the question was about: it is taken back, and its `then` isn't called any more.
     virtual void cancelQuestion() = 0;
 
-    virtual std::string clipboardText() = 0;
+    /// `then` gets the text on the clipboard, empty without one: inside the call, or when whoever has the
+    /// text hands it over, which may be the program that the window is part of. It may come when the page is
+    /// gone.
+    virtual void readClipboard(std::function<void(std::string)> then) = 0;
     virtual void setClipboardText(std::string_view text) = 0;
     virtual void showHelp() = 0;
 };

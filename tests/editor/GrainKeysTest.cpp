@@ -320,6 +320,30 @@ TEST_F(GrainKeys, HighRowsAreScrolledVertically) {
     EXPECT_EQ(rig.page->currentPad(), 155 / 30);
 }
 
+// Rows that are thirty pixels high, of which not all are in view.
+
+TEST_F(GrainKeys, RowsOutOfViewFetchNoList) {
+    open();
+    for (int i = 0; i < 4; ++i) rig.click(rig.on(kRowsHigher));
+    const auto fetched = [&] {
+        rig.engine.SetRefreshRequest(1);
+        rig.calls();
+        rig.window.tick();
+        std::vector<std::string> lists = rig.calls();
+        std::erase_if(lists, [](const std::string& call) { return !call.starts_with("GetPadGrainList"); });
+        return lists;
+    };
+    // The view is 167 pixels high below the ruler.
+    Calls expected;
+    for (int pad = 0; pad < 6; ++pad) expected.push_back(callText("GetPadGrainList", pad));
+    EXPECT_EQ(fetched(), expected);
+    rig.window.wheel(PageRig::onName(0), WheelAxis::vertical, -10);
+    ASSERT_EQ(rig.page->scale().vertical, 300);
+    expected.clear();
+    for (int pad = 9; pad < 16; ++pad) expected.push_back(callText("GetPadGrainList", pad));
+    EXPECT_EQ(fetched(), expected);
+}
+
 // What a host may have of the keys.
 
 TEST_F(GrainKeys, ThePageSaysWhichKeysItActedOn) {

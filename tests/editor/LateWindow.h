@@ -31,6 +31,7 @@ public:
     std::function<void(PageAnswer)> message;
     std::function<void(std::optional<std::string>)> file;
     std::function<void(int)> menu;
+    std::function<void(std::string)> clipboard;  ///< that somebody waits for
 
     std::vector<std::string> take() { return std::exchange(asked, {}); }
 
@@ -62,7 +63,7 @@ public:
         menu = std::move(then);
     }
     void cancelQuestion() override { ++cancelled; }
-    std::string clipboardText() override { return {}; }
+    void readClipboard(std::function<void(std::string)> then) override { clipboard = std::move(then); }
     void setClipboardText(std::string_view) override {}
     void showHelp() override {}
 

@@ -180,6 +180,20 @@ TEST_F(OpenQuestions, APageWithoutAnOpenQuestionTakesNoneBack) {
     EXPECT_EQ(window.cancelled, 0);
 }
 
+TEST_F(OpenQuestions, OneThatWasAboutAnotherEngineIsCancelled) {
+    click(kClearProject);
+    RecordingSampler second;
+    IUnknown* const object = &second;
+    page->bind({&object, 1});
+    EXPECT_EQ(window.cancelled, 1);
+    EXPECT_EQ(window.timerPeriod, 200);
+    changes();
+    window.answer(PageAnswer::yes);
+    EXPECT_EQ(changes(), Calls{});
+    EXPECT_EQ(second.takeChanges(), Calls{});
+    page.reset();
+}
+
 TEST_F(OpenQuestions, AnAnswerThatIsGivenTwiceCountsOnce) {
     click(kClearProject);
     const auto again = window.message;
@@ -223,6 +237,38 @@ TEST_F(OpenQuestions, AGrainThatIsGoneByTheAnswerEndsNothingButThat) {
     engine.throwing.clear();
     click(PageRig::onPadImage(7));
     EXPECT_EQ(page->currentPad(), 7);
+}
+
+// The clipboard isn't a question: its user goes on working.
+
+TEST_F(OpenQuestions, AClipboardThatIsHandedOverLaterIsPastedThen) {
+    page->focusControl(control(kLowKey));
+    EXPECT_TRUE(page->keyDown(kKeyV, {.control = true}));
+    const std::string before = control(kLowKey).shownText().value();
+    page->keyUp(kKeyV, {});
+    window.clipboard("D3");
+    EXPECT_NE(before, "D3");
+    EXPECT_EQ(control(kLowKey).shownText(), "D3");
+}
+
+TEST_F(OpenQuestions, AnEditThatWasLeftMeanwhileGetsNothing) {
+    page->focusControl(control(kLowKey));
+    page->keyDown(kKeyV, {.control = true});
+    page->focusControl(control(kHighKey));
+    const std::string low = control(kLowKey).shownText().value();
+    const std::string high = control(kHighKey).shownText().value();
+    window.clipboard("D3");
+    EXPECT_EQ(control(kLowKey).shownText(), low);
+    EXPECT_EQ(control(kHighKey).shownText(), high);
+}
+
+TEST_F(OpenQuestions, APageThatIsGoneGetsNothing) {
+    page->focusControl(control(kLowKey));
+    page->keyDown(kKeyV, {.control = true});
+    page.reset();
+    changes();
+    window.clipboard("D3");
+    EXPECT_EQ(changes(), Calls{});
 }
 
 }  // namespace

@@ -55,6 +55,9 @@ public:
         captured_ = nullptr;
         screen.endRelativeDrag();
     }
+    void pasteInto(Control& control) override {
+        screen.readClipboard([&](const std::string& text) { control.paste(text); });
+    }
     void focus(Control* control) override {
         if (control == focused_) return;
         Control* old = std::exchange(focused_, control);
