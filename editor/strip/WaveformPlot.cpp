@@ -1,6 +1,7 @@
 #include "editor/strip/WaveformPlot.h"
 
 #include <algorithm>
+#include <cstddef>
 
 #include "editor/Truncate.h"
 #include "editor/padeditor/EventSelection.h"
@@ -34,7 +35,7 @@ void drawLine(Surface& surface, Point from, Point to) {
 
 /// The columns of a lane that lie in the plot: from the first to the second value of each.
 void drawColumn(Surface& surface, int x, const float* values, const Lane& lane) {
-    const float* pair = values + 2 * lane.channel;
+    const float* pair = values + std::ptrdiff_t{2} * lane.channel;
     drawLine(surface, {x, lane.centre + truncateToPixel(-pair[0] * lane.amplitude)},
              {x, lane.centre + truncateToPixel(-pair[1] * lane.amplitude)});
 }
