@@ -10,8 +10,9 @@
 #include <string_view>
 
 #include "fuzz/SeedFiles.h"
+#include "hostkit/MakeObject.h"
+#include "hostkit/MemoryStream.h"
 #include "support/EngineHost.h"
-#include "support/MemoryStream.h"
 
 /// make_fuzz_seeds FOLDER: writes what the fuzzers begin with, a folder for each target.
 namespace marnoth::fuzz {
@@ -25,9 +26,9 @@ void makeWaves(const fs::path& folder) {
 }
 
 Bytes saved(test::EngineHost& host) {
-    test::MemoryStream stream;
-    if (host.engine.SaveState(&stream) != S_OK) throw std::runtime_error("the project can't be saved");
-    return stream.bytes;
+    RefPtr<MemoryStream> stream = makeObject<MemoryStream>();
+    if (host.engine.SaveState(stream.get()) != S_OK) throw std::runtime_error("the project can't be saved");
+    return stream->takeBytes();
 }
 
 void load(test::EngineHost& host, std::int32_t pad, const test::WaveFile& file) {

@@ -8,7 +8,7 @@
 
 #include "fuzz/Exercise.h"
 #include "fuzz/MemoryFile.h"
-#include "support/MemoryStream.h"
+#include "support/FaultyStream.h"
 
 namespace marnoth::fuzz {
 namespace {
@@ -33,7 +33,7 @@ HRESULT load(CGrooveSampler& engine, std::span<const std::uint8_t> bytes, const 
         file.fill(bytes);
         return engine.LoadProject(file.name());
     }
-    test::MemoryStream stream({bytes.begin(), bytes.end()});
+    test::FaultyStream stream({bytes.begin(), bytes.end()});
     stream.knowsSize = way.knowsSize;
     const HRESULT result = engine.LoadState(&stream);
     require(stream.references == 1, "the stream is let go");
@@ -58,15 +58,15 @@ void requireEmpty(IGrooveSampler& engine) {
     }
 }
 
-test::MemoryStream saved(CGrooveSampler& engine) {
-    test::MemoryStream stream;
+test::FaultyStream saved(CGrooveSampler& engine) {
+    test::FaultyStream stream;
     require(engine.SaveState(&stream) == S_OK, "what was loaded can be saved");
     require(stream.position == stream.bytes.size(), "the stream stands behind the form");
     stream.position = 0;
     return stream;
 }
 
-test::MemoryStream loadedAndSaved(test::MemoryStream stream, const Way& way) {
+test::FaultyStream loadedAndSaved(test::FaultyStream stream, const Way& way) {
     test::EngineHost host(way.rate, way.channels);
     require(host.engine.LoadState(&stream) == S_OK, "what was saved can be loaded");
     return saved(host.engine);
@@ -87,8 +87,8 @@ std::vector<std::uint8_t> withoutKeys(const std::vector<std::uint8_t>& form) {
 /// rounds up the storage of waves whose rate the load has changed. The second counts that as frames where the
 /// track is shorter than its wave, since the form doesn't tell how long the wave is.)
 void requireRoundTrip(test::EngineHost& host, const Way& way) {
-    const test::MemoryStream twice = loadedAndSaved(loadedAndSaved(saved(host.engine), way), way);
-    const test::MemoryStream again = loadedAndSaved(twice, way);
+    const test::FaultyStream twice = loadedAndSaved(loadedAndSaved(saved(host.engine), way), way);
+    const test::FaultyStream again = loadedAndSaved(twice, way);
     require(withoutKeys(twice.bytes) == withoutKeys(again.bytes), "what was loaded is what was saved");
 }
 

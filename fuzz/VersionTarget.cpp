@@ -9,7 +9,7 @@
 #include "fuzz/Check.h"
 #include "platform/com/PersistStream.h"
 #include "platform/graph/Graph.h"
-#include "support/MemoryStream.h"
+#include "support/FaultyStream.h"
 
 namespace marnoth::fuzz {
 namespace {
@@ -27,7 +27,7 @@ public:
 protected:
     HRESULT WriteToStream(IStream*) override { return S_OK; }
     HRESULT ReadFromStream(IStream* stream) override {
-        readFrom = static_cast<test::MemoryStream*>(stream)->position;
+        readFrom = static_cast<test::FaultyStream*>(stream)->position;
         return S_OK;
     }
 };
@@ -61,7 +61,7 @@ std::optional<Word> expectedWord(const std::vector<std::uint8_t>& bytes) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace marnoth;
     using namespace marnoth::fuzz;
-    test::MemoryStream stream({data, data + size});
+    test::FaultyStream stream({data, data + size});
     Persistent object;
     const HRESULT result = object.Load(&stream);
     const std::optional<Word> word = expectedWord(stream.bytes);

@@ -91,7 +91,7 @@ TEST(LoadFault, OfAGrainBelowZeroStandsBesideTheException) {
 
 TEST(LoadFault, OfAStreamThatCannotTellItsPosition) {
     ProjectRig rig;
-    MemoryStream stream(twoFilesFourPads().bytes());
+    FaultyStream stream(twoFilesFourPads().bytes());
     stream.failFromCall = 1;
     EXPECT_TRUE(FAILED(rig.engine.LoadState(&stream)));
     EXPECT_EQ(faultOf(rig.engine).kind, Kind::cannotRead);

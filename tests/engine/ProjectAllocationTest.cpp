@@ -9,18 +9,18 @@ namespace {
 constexpr std::size_t kMostForARefusal = 1 << 20;
 
 /// A stream that claims to be far larger than it is.
-class BoastfulStream final : public MemoryStream {
+class BoastfulStream final : public FaultyStream {
 public:
-    using MemoryStream::MemoryStream;
+    using FaultyStream::FaultyStream;
     HRESULT Stat(STATSTG* out, DWORD flags) override {
-        const HRESULT result = MemoryStream::Stat(out, flags);
+        const HRESULT result = FaultyStream::Stat(out, flags);
         out->cbSize.QuadPart = 0x7FFFFFFFFFFF;
         return result;
     }
 };
 
 /// The most that is taken at a time while a broken project is refused.
-template <class Stream = MemoryStream>
+template <class Stream = FaultyStream>
 std::size_t peakOfRefusal(const std::function<void(ProjectBytes&)>& breakIt, bool knowsSize = true) {
     ProjectBytes project = twoFilesFourPads(16);
     breakIt(project);
@@ -69,7 +69,7 @@ TEST(ProjectAllocation, NothingIsTakenForTailsThatTheAudioDoesNotJustify) {
 TEST(ProjectAllocation, ALoadTakesWhatTheFileJustifies) {
     ProjectBytes project = twoFilesFourPads(200000);
     ProjectRig rig;
-    MemoryStream stream(project.bytes());
+    FaultyStream stream(project.bytes());
     const AllocationMeter meter;
     EXPECT_EQ(rig.engine.LoadState(&stream), S_OK);
     // The audio, its tails of twice its length, and little more.

@@ -7,20 +7,20 @@
 
 #include "engine/EditRig.h"
 #include "project/SavedProject.h"
-#include "support/MemoryStream.h"
+#include "support/FaultyStream.h"
 
 namespace marnoth::test::project_concurrency_test {
 namespace {
 
 /// A stream that looks, at every write, whether another thread gets the engine's lock.
-class LockProbe : public MemoryStream {
+class LockProbe : public FaultyStream {
 public:
     explicit LockProbe(EngineHost& host) : host_(host) {}
 
     HRESULT Write(const void* from, ULONG count, ULONG* written) override {
         ++writes;
         if (!waiting_.valid()) lookOnce();
-        return MemoryStream::Write(from, count, written);
+        return FaultyStream::Write(from, count, written);
     }
 
     int writes = 0;
@@ -53,14 +53,14 @@ TEST(ProjectConcurrency, SavesWhileAnotherThreadRendersAreAllTheSame) {
     EditRig rig;
     rig.lay(0, loopFile(2));
     rig.engine.AuditionPad(0, -1);
-    MemoryStream before;
+    FaultyStream before;
     ASSERT_EQ(rig.engine.SaveState(&before), S_OK);
     std::atomic<bool> done{false};
     std::thread player([&] {
         while (!done) rig.block(64);
     });
     for (int i = 0; i < 20; ++i) {
-        MemoryStream stream;
+        FaultyStream stream;
         EXPECT_EQ(rig.engine.SaveState(&stream), S_OK);
         EXPECT_EQ(stream.bytes, before.bytes);
     }
@@ -69,12 +69,12 @@ TEST(ProjectConcurrency, SavesWhileAnotherThreadRendersAreAllTheSame) {
 }
 
 TEST(ProjectConcurrency, ASaveKeepsTheAudioOfFilesThatAreRemovedMeanwhile) {
-    class Remover : public MemoryStream {
+    class Remover : public FaultyStream {
     public:
         explicit Remover(EditRig& host) : host_(host) {}
         HRESULT Write(const void* from, ULONG count, ULONG* written) override {
             if (writes++ == 0) host_.engine.ClearProject();
-            return MemoryStream::Write(from, count, written);
+            return FaultyStream::Write(from, count, written);
         }
         int writes = 0;
 
@@ -83,7 +83,7 @@ TEST(ProjectConcurrency, ASaveKeepsTheAudioOfFilesThatAreRemovedMeanwhile) {
     };
     EditRig rig;
     rig.lay(0, loopFile(1));
-    MemoryStream whole;
+    FaultyStream whole;
     ASSERT_EQ(rig.engine.SaveState(&whole), S_OK);
     Remover stream(rig);
     EXPECT_EQ(rig.engine.SaveState(&stream), S_OK);

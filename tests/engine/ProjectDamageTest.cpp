@@ -87,7 +87,7 @@ private:
         engine.RemoveBinFile(1);
         engine.Undo();
         engine.Redo();
-        MemoryStream out;
+        FaultyStream out;
         EXPECT_EQ(engine.SaveState(&out), S_OK);
         Project again;
         EXPECT_EQ(readBytes(out.bytes, again), S_OK) << "a save writes what a load takes";

@@ -268,7 +268,7 @@ TEST(ProjectLoad, StreamStandsBehindTheFormAfterwards) {
     Bytes bytes(123, 0xAA);
     bytes.insert(bytes.end(), form.begin(), form.end());
     bytes.insert(bytes.end(), 77, 0xBB);
-    MemoryStream stream(bytes);
+    FaultyStream stream(bytes);
     stream.position = 123;
     EXPECT_EQ(rig.engine.LoadState(&stream), S_OK);
     EXPECT_EQ(stream.position, 123 + form.size());
@@ -280,7 +280,7 @@ TEST(ProjectLoad, FailedStreamStandsBehindWhatWasTouched) {
     ProjectRig rig;
     ProjectBytes project = twoFilesFourPads();
     project.version = 2;
-    MemoryStream stream(project.bytes());
+    FaultyStream stream(project.bytes());
     EXPECT_EQ(rig.engine.LoadState(&stream), E_FAIL);
     EXPECT_EQ(stream.position, 12u + 8u + 16u);  // behind the common header
     EXPECT_EQ(stream.references, 1u);
@@ -289,10 +289,10 @@ TEST(ProjectLoad, FailedStreamStandsBehindWhatWasTouched) {
 TEST(ProjectLoad, FailsWithItsStreamAtEveryCall) {
     ProjectRig rig;
     const TempPath next = loopFile(1).writeTemp();
-    MemoryStream whole(twoFilesFourPads().bytes());
+    FaultyStream whole(twoFilesFourPads().bytes());
     ASSERT_EQ(rig.engine.LoadState(&whole), S_OK);
     for (int call = 1; call < whole.calls; ++call) {
-        MemoryStream stream(whole.bytes);
+        FaultyStream stream(whole.bytes);
         stream.failFromCall = call;
         ASSERT_EQ(rig.engine.LoadState(&stream), E_FAIL) << call;
         EXPECT_EQ(stream.references, 1u);
@@ -334,7 +334,7 @@ TEST(ProjectLoad, SampleOfAFileAtAnotherRateIsResampled) {
 
 /// What `SaveState` writes.
 Bytes saved(ProjectRig& rig) {
-    MemoryStream stream;
+    FaultyStream stream;
     EXPECT_EQ(rig.engine.SaveState(&stream), S_OK);
     return stream.bytes;
 }

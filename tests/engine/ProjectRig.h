@@ -30,7 +30,7 @@ struct ProjectRig : EditRig {
     }
     HRESULT loadProject(const ProjectBytes& project) { return loadProject(project.bytes()); }
     HRESULT loadStream(const Bytes& bytes) {
-        MemoryStream stream(bytes);
+        FaultyStream stream(bytes);
         return engine.LoadState(&stream);
     }
     KeyMapRecord keys(std::int32_t pad) {

@@ -7,7 +7,7 @@
 #include "platform/text/Text.h"
 #include "project/ProjectSave.h"
 #include "project/SavedProject.h"
-#include "support/MemoryStream.h"
+#include "support/FaultyStream.h"
 
 namespace marnoth::test::project_save_test {
 namespace {
@@ -22,7 +22,7 @@ SavedBytes save(EditRig& rig) {
 }
 
 SavedBytes save(const Project& project) {
-    MemoryStream stream;
+    FaultyStream stream;
     EXPECT_EQ(saveProject(project, stream), S_OK);
     EXPECT_EQ(stream.position, stream.bytes.size());
     return {stream.bytes};
@@ -303,7 +303,7 @@ TEST(ProjectKeys, AMissingEntryIsTheOneBeforeOnceMore) {
     Project project = projectOf({});
     project.keys = {
         {0, 50, 51, 52, 1, 2}, {2, 60, 61, 62, 3, 4}, {1, 70, 71, 72, 5, 6}, {9, 80, 81, 82, 7, 8}};
-    MemoryStream stream{save(project).bytes};
+    FaultyStream stream{save(project).bytes};
     EditRig rig;
     ASSERT_EQ(rig.engine.LoadState(&stream), S_OK);
     const SavedBytes file = save(rig);
@@ -332,7 +332,7 @@ TEST(ProjectLimits, WhatASaveHadToBringIntoTheFormLoads) {
     rig.engine.SetLoopLength(kPadLoop, 5, 100000 * kBeat);
     const KeyMapRecord keys{0, -3, 300, 15, -1, 128};
     rig.engine.SetKeyMapEntry(&keys);
-    MemoryStream stream{save(rig).bytes};
+    FaultyStream stream{save(rig).bytes};
     EXPECT_EQ(rig.engine.LoadState(&stream), S_OK);
     EXPECT_EQ(rig.binFiles(), 2);
     EXPECT_EQ(rig.count(kPadLoop, 0), 1);
@@ -348,7 +348,7 @@ TEST(ProjectLimits, AGrainWhoseFileIsGoneTakesNobodysPlaceInAFullBin) {
     ASSERT_EQ(rig.engine.Undo(), S_OK);
     for (std::int64_t i = 0; i < 16; ++i) rig.load(WaveFile().frames(100 + i, sine));
     ASSERT_EQ(rig.binFiles(), 16);
-    MemoryStream stream{save(rig).bytes};
+    FaultyStream stream{save(rig).bytes};
     ASSERT_EQ(rig.engine.LoadState(&stream), S_OK);
     EXPECT_EQ(rig.binFiles(), 16);
     EXPECT_EQ(rig.count(kPadLoop, 0), 0);
@@ -362,7 +362,7 @@ TEST(ProjectLimits, GrainsThatUndoBroughtBackNameTheirFileByItsPresentNumber) {
     ASSERT_EQ(rig.engine.RemoveBinFile(0), S_OK);
     ASSERT_EQ(rig.engine.Undo(), S_OK);
     ASSERT_EQ(rig.source(1, 0), std::pair(1, 0)) << "the number before the removal";
-    MemoryStream stream{save(rig).bytes};
+    FaultyStream stream{save(rig).bytes};
     ASSERT_EQ(rig.engine.LoadState(&stream), S_OK);
     EXPECT_EQ(rig.count(kPadLoop, 0), 0) << "its file is gone, and another's audio isn't its own";
     EXPECT_EQ(rig.count(kPadLoop, 1), 1);
@@ -414,21 +414,21 @@ TEST(ProjectPathRules, APlaceThatCannotBeWrittenFailsTheSave) {
     const TempPath missing;
     EXPECT_EQ(rig.engine.SaveProject(0, (missing.string() + "/groove.mrn").c_str()), E_FAIL);
     EXPECT_FALSE(std::filesystem::exists(missing.path()));
-    MemoryStream stream;
+    FaultyStream stream;
     stream.failFromCall = 3;
     EXPECT_EQ(rig.engine.SaveState(&stream), E_FAIL);
 }
 
 TEST(ProjectStream, HoldsTheSameBytesAsTheFile) {
     OneFile one;
-    MemoryStream stream;
+    FaultyStream stream;
     EXPECT_EQ(one.rig.engine.SaveState(&stream), S_OK);
     EXPECT_EQ(stream.bytes, one.file.bytes);
 }
 
 TEST(ProjectStream, TheFormStartsAtThePositionAndTheStreamStandsBehindIt) {
     EditRig rig;
-    MemoryStream stream(Bytes(5000, 0xEE));
+    FaultyStream stream(Bytes(5000, 0xEE));
     stream.position = 1000;
     EXPECT_EQ(rig.engine.SaveState(&stream), S_OK);
     const SavedBytes all{stream.bytes};

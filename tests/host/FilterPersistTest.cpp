@@ -11,7 +11,7 @@
 
 #include "host/FilterHost.h"
 #include "seam/ClassIds.h"
-#include "support/MemoryStream.h"
+#include "support/FaultyStream.h"
 #include "support/TempPath.h"
 #include "support/WaveFile.h"
 
@@ -76,7 +76,7 @@ TEST(Persistence, PromisesTheBytesOfTheVersionWordAlone) {
 
 TEST(Persistence, WritesElevenZerosAndABlankInFrontOfTheProject) {
     FourByteHost host;
-    MemoryStream stream;
+    FaultyStream stream;
     ASSERT_EQ(host.filter->Save(&stream, TRUE), S_OK);
     const std::vector<std::uint8_t> expected{'0', 0, '0', 0, '0', 0, '0', 0, '0', 0, '0', 0,   '0', 0,
                                              '0', 0, '0', 0, '0', 0, '0', 0, ' ', 0, 'A', 'B', 'C', 'D'};
@@ -87,7 +87,7 @@ TEST(Persistence, ReadsTheVersionWordAndThenTheProject) {
     FourByteHost host;
     auto bytes = wordOf("-17\t");
     bytes.insert(bytes.end(), {'w', 'x', 'y', 'z', '!'});
-    MemoryStream stream(bytes);
+    FaultyStream stream(bytes);
     EXPECT_EQ(host.filter->Load(&stream), S_OK);
     EXPECT_EQ(host.filter->LoadedVersion(), -17);
     EXPECT_EQ(host.loaded, "wxyz");
@@ -98,7 +98,7 @@ TEST(Persistence, DoesntLookForAProjectBehindABadVersionWord) {
     FourByteHost host;
     for (const std::string word :
          {"00000000000x", "x0000000000 ", "000000000000", "0-0000000000", " ", "-"}) {
-        MemoryStream stream(wordOf(word));
+        FaultyStream stream(wordOf(word));
         EXPECT_EQ(host.filter->Load(&stream), VFW_E_INVALID_FILE_FORMAT) << word;
     }
     EXPECT_EQ(host.loaded, "");
@@ -108,7 +108,7 @@ TEST(Persistence, DoesntLookForAProjectBehindABadVersionWord) {
 
 TEST(Persistence, IsDirtyAsTheLastSaveLeftIt) {
     FourByteHost host;
-    MemoryStream stream;
+    FaultyStream stream;
     EXPECT_EQ(host.filter->IsDirty(), S_FALSE);
     ASSERT_EQ(host.filter->Save(&stream, FALSE), S_OK);
     EXPECT_EQ(host.filter->IsDirty(), S_OK);
@@ -128,7 +128,7 @@ TEST(Persistence, LeavesTheLockToTheEngine) {
         return S_OK;
     };
     host.filter->onSaveState = host.filter->onLoadState = lockIsFree;
-    MemoryStream stream;
+    FaultyStream stream;
     EXPECT_EQ(host.filter->Save(&stream, TRUE), S_OK);
     stream.position = 0;
     EXPECT_EQ(host.filter->Load(&stream), S_OK);
@@ -136,7 +136,7 @@ TEST(Persistence, LeavesTheLockToTheEngine) {
 
 TEST(Persistence, TurnsWhatTheEngineThrowsIntoAResult) {
     FourByteHost host;
-    MemoryStream stream(wordOf("00000000000 "));
+    FaultyStream stream(wordOf("00000000000 "));
     const auto loadThat = [&](std::function<HRESULT(IStream*)> load) {
         host.filter->onLoadState = std::move(load);
         stream.position = 0;
@@ -218,7 +218,7 @@ struct ProjectHost : FilterHost {
 TEST(StreamedProject, ComesBackInAnotherInstrument) {
     ProjectHost first, second;
     first.layLoop();
-    MemoryStream stream;
+    FaultyStream stream;
     ASSERT_EQ(first.filter->Save(&stream, TRUE), S_OK);
     stream.position = 0;
     ASSERT_EQ(second.filter->Load(&stream), S_OK);
@@ -229,7 +229,7 @@ TEST(StreamedProject, ComesBackInAnotherInstrument) {
 TEST(StreamedProject, StandsWhereTheStreamStoodAndLeavesItBehindItself) {
     ProjectHost first, second;
     first.layLoop();
-    MemoryStream stream({'h', 'o', 's', 't', '!'});
+    FaultyStream stream({'h', 'o', 's', 't', '!'});
     stream.position = 5;
     ASSERT_EQ(first.filter->Save(&stream, TRUE), S_OK);
     EXPECT_EQ(stream.position, stream.bytes.size());
@@ -253,7 +253,7 @@ TEST(StreamedProject, StandsWhereTheStreamStoodAndLeavesItBehindItself) {
 TEST(StreamedProject, StaysAsItWasWhenTheVersionWordIsBad) {
     ProjectHost host;
     host.layLoop();
-    MemoryStream stream;
+    FaultyStream stream;
     ASSERT_EQ(host.filter->Save(&stream, TRUE), S_OK);
     stream.bytes[10] = 'x';
     stream.position = 0;
@@ -266,7 +266,7 @@ TEST(StreamedProject, ThatIsNoneLeavesAnEmptyInstrument) {
     host.layLoop();
     auto bytes = wordOf("00000000000 ");
     bytes.insert(bytes.end(), 100, 0x55);
-    MemoryStream stream(bytes);
+    FaultyStream stream(bytes);
     EXPECT_EQ(host.filter->Load(&stream), E_FAIL);
     host.expectEmpty();
     host.layLoop();
@@ -276,11 +276,11 @@ TEST(StreamedProject, ThatIsNoneLeavesAnEmptyInstrument) {
 TEST(StreamedProject, LosesNothingOfTheInstrumentWhereverASaveFails) {
     ProjectHost host;
     host.layLoop();
-    MemoryStream whole;
+    FaultyStream whole;
     ASSERT_EQ(host.filter->Save(&whole, TRUE), S_OK);
     ASSERT_GT(whole.calls, 4);
     for (int call = 1; call <= whole.calls; ++call) {
-        MemoryStream stream;
+        FaultyStream stream;
         stream.failFromCall = call;
         EXPECT_TRUE(FAILED(host.filter->Save(&stream, FALSE))) << "call " << call;
         EXPECT_EQ(host.filter->IsDirty(), S_FALSE);
@@ -291,13 +291,13 @@ TEST(StreamedProject, LosesNothingOfTheInstrumentWhereverASaveFails) {
 TEST(StreamedProject, ThatBreaksOffAtAnyCallOfTheStreamLeavesAnEmptyInstrument) {
     ProjectHost host;
     host.layLoop();
-    MemoryStream whole;
+    FaultyStream whole;
     ASSERT_EQ(host.filter->Save(&whole, TRUE), S_OK);
-    MemoryStream counted(whole.bytes);
+    FaultyStream counted(whole.bytes);
     ASSERT_EQ(host.filter->Load(&counted), S_OK);
     int failures = 0;
     for (int call = 1; call <= counted.calls; ++call) {
-        MemoryStream stream(whole.bytes);
+        FaultyStream stream(whole.bytes);
         stream.failFromCall = call;
         // What comes last is the way to behind the form, which the project doesn't need.
         if (SUCCEEDED(host.filter->Load(&stream))) continue;
@@ -309,12 +309,12 @@ TEST(StreamedProject, ThatBreaksOffAtAnyCallOfTheStreamLeavesAnEmptyInstrument) 
 
 TEST(StreamedProject, CutAtAnyByteIsRefused) {
     ProjectHost host;
-    MemoryStream whole;
+    FaultyStream whole;
     // Small enough for every byte: the form of an instrument that has nothing.
     ASSERT_EQ(host.filter->Save(&whole, TRUE), S_OK);
     ASSERT_LT(whole.bytes.size(), 10000u);
     for (std::size_t size = 0; size < whole.bytes.size(); ++size) {
-        MemoryStream stream({whole.bytes.begin(), whole.bytes.begin() + static_cast<std::ptrdiff_t>(size)});
+        FaultyStream stream({whole.bytes.begin(), whole.bytes.begin() + static_cast<std::ptrdiff_t>(size)});
         const HRESULT hr = host.filter->Load(&stream);
         EXPECT_EQ(hr, size < kWordBytes ? VFW_E_INVALID_FILE_FORMAT : E_FAIL) << "cut at " << size;
     }
@@ -324,14 +324,14 @@ TEST(StreamedProject, CutAtAnyByteIsRefused) {
 
 TEST(StreamedProject, MeetingABrokenByteIsRefusedInBothDirections) {
     ProjectHost host;
-    MemoryStream whole;
+    FaultyStream whole;
     ASSERT_EQ(host.filter->Save(&whole, TRUE), S_OK);
     for (std::size_t at = 0; at < whole.bytes.size(); ++at) {
-        MemoryStream target;
+        FaultyStream target;
         target.brokenFrom = at;
         EXPECT_TRUE(FAILED(host.filter->Save(&target, FALSE))) << "byte " << at;
         EXPECT_EQ(host.filter->IsDirty(), S_FALSE);
-        MemoryStream source(whole.bytes);
+        FaultyStream source(whole.bytes);
         source.brokenFrom = at;
         EXPECT_TRUE(FAILED(host.filter->Load(&source))) << "byte " << at;
     }

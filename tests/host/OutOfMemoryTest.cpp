@@ -8,7 +8,7 @@
 #include "host/FilterHost.h"
 #include "host/Instrument.h"
 #include "support/FailingAllocation.h"
-#include "support/MemoryStream.h"
+#include "support/FaultyStream.h"
 #include "support/WaveFile.h"
 
 namespace marnoth::test::out_of_memory_test {
@@ -92,7 +92,7 @@ struct LoopHost : FilterHost {
 
 TEST(MemoryEnds, WhileTheProjectIsSaved) {
     LoopHost host;
-    MemoryStream stream;
+    FaultyStream stream;
     ASSERT_EQ(host.filter->Save(&stream, TRUE), S_OK);
     const auto whole = stream.bytes;
     failEach(
@@ -110,7 +110,7 @@ TEST(MemoryEnds, WhileTheProjectIsSaved) {
 
 TEST(MemoryEnds, WhileTheProjectIsLoaded) {
     LoopHost host;
-    MemoryStream stream;
+    FaultyStream stream;
     ASSERT_EQ(host.filter->Save(&stream, TRUE), S_OK);
     failEach(
         [&] {

@@ -3,7 +3,7 @@
 #include <numeric>
 
 #include "platform/bytes/RiffStream.h"
-#include "support/MemoryStream.h"
+#include "support/FaultyStream.h"
 #include "support/TempPath.h"
 #include "support/WaveFile.h"
 
@@ -354,7 +354,7 @@ TEST(RiffStream, FileBeyondTwoGigabytesIsReadAndWritten) {
 }
 
 TEST(RiffStreamOnStream, FormBeginsWhereTheStreamStandsAndTheStreamEndsBehindIt) {
-    MemoryStream stream(Bytes(10, 0xAB));
+    FaultyStream stream(Bytes(10, 0xAB));
     stream.position = 10;
     {
         RiffStream riff;
@@ -375,7 +375,7 @@ TEST(RiffStreamOnStream, ReadsTakeNoMoreThanTheyAskFor) {
     const Bytes wanted = someForm();
     content.insert(content.end(), wanted.begin(), wanted.end());
     content.resize(content.size() + 100);
-    MemoryStream stream(content);
+    FaultyStream stream(content);
     stream.position = 7;
     RiffStream riff;
     ASSERT_EQ(riff.open(&stream), kRiffOk);
@@ -389,7 +389,7 @@ TEST(RiffStreamOnStream, ReadsTakeNoMoreThanTheyAskFor) {
 }
 
 TEST(RiffStreamOnStream, RemainingNeedsAStreamThatKnowsItsSize) {
-    MemoryStream stream(Bytes(50));
+    FaultyStream stream(Bytes(50));
     stream.position = 20;
     RiffStream riff;
     ASSERT_EQ(riff.open(&stream), kRiffOk);
@@ -400,7 +400,7 @@ TEST(RiffStreamOnStream, RemainingNeedsAStreamThatKnowsItsSize) {
 }
 
 TEST(RiffStreamOnStream, EveryFailureOfTheStreamIsReported) {
-    const auto write = [](MemoryStream& stream) {
+    const auto write = [](FaultyStream& stream) {
         RiffStream riff;
         if (const RiffError error = riff.open(&stream)) return error;
         ChunkInfo chunk = wanted("data");
@@ -409,15 +409,15 @@ TEST(RiffStreamOnStream, EveryFailureOfTheStreamIsReported) {
         if (const RiffError error = riff.ascend(chunk)) return error;
         return riff.close();
     };
-    MemoryStream good;
+    FaultyStream good;
     ASSERT_EQ(write(good), kRiffOk);
     for (int call = 1; call <= good.calls; ++call) {
-        MemoryStream bad;
+        FaultyStream bad;
         bad.failFromCall = call;
         EXPECT_NE(write(bad), kRiffOk) << call;
         EXPECT_EQ(bad.references, 1u);
     }
-    MemoryStream noPosition;
+    FaultyStream noPosition;
     noPosition.failFromCall = 1;
     EXPECT_EQ(write(noPosition), kRiffCannotSeek);
     RiffStream riff;

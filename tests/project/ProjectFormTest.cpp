@@ -4,7 +4,7 @@
 #include "project/ProjectSave.h"
 #include "project/ProjectWriter.h"
 #include "project/SavedProject.h"
-#include "support/MemoryStream.h"
+#include "support/FaultyStream.h"
 
 namespace marnoth::test::project_form_test {
 namespace {
@@ -12,7 +12,7 @@ namespace {
 constexpr std::size_t kKeys = 48;  ///< the first record of `keym`
 
 SavedBytes save(const Project& project) {
-    MemoryStream stream;
+    FaultyStream stream;
     EXPECT_EQ(saveProject(project, stream), S_OK);
     EXPECT_EQ(stream.position, stream.bytes.size());
     return {stream.bytes};

@@ -13,7 +13,7 @@
 #include "project/ProjectReader.h"
 #include "project/ProjectSave.h"
 #include "project/SavedProject.h"
-#include "support/MemoryStream.h"
+#include "support/FaultyStream.h"
 
 namespace marnoth::test::project_kill_test {
 namespace {
@@ -42,7 +42,7 @@ struct NumberedSaves {
     static constexpr std::size_t kOption = 24;
 
     NumberedSaves() : project(projectOf({countingWave(100000), countingWave(20000, 44100, 2)})) {
-        MemoryStream stream;
+        FaultyStream stream;
         EXPECT_EQ(saveProject(project, stream), S_OK);
         content = stream.bytes;
     }

@@ -6,7 +6,7 @@
 #include "project/ProjectSave.h"
 #include "project/ProjectWriter.h"
 #include "project/SavedProject.h"
-#include "support/MemoryStream.h"
+#include "support/FaultyStream.h"
 #ifndef _WIN32
 #include "support/FileSizeLimit.h"
 #endif
@@ -77,10 +77,10 @@ TEST(ProjectMedia, AWriteThatFailsAnywhereFailsTheSave) {
 
 TEST(ProjectMedia, AStreamThatFailsAtAnyCallFailsTheSave) {
     const Project project = projectOf({countingWave(441)});
-    MemoryStream good;
+    FaultyStream good;
     ASSERT_EQ(saveProject(project, good), S_OK);
     for (int call = 1; call <= good.calls; ++call) {
-        MemoryStream stream;
+        FaultyStream stream;
         stream.failFromCall = call;
         EXPECT_EQ(saveProject(project, stream), E_FAIL) << call;
         EXPECT_EQ(stream.references, 1u);
@@ -88,7 +88,7 @@ TEST(ProjectMedia, AStreamThatFailsAtAnyCallFailsTheSave) {
 }
 
 TEST(ProjectMedia, AStreamThatDoesntTellItsPositionDecidesTheResult) {
-    class Adrift : public MemoryStream {
+    class Adrift : public FaultyStream {
     public:
         HRESULT Seek(LARGE_INTEGER, DWORD, ULARGE_INTEGER*) override { return STG_E_ACCESSDENIED; }
     };
@@ -223,7 +223,7 @@ TEST(ProjectMedia, WhatIsTooLargeIsRefusedBeforeAnythingIsTouched) {
     EXPECT_EQ(saveProject(project, path.path()), E_FAIL);
     EXPECT_EQ(fileBytes(path.path()), wholeForm(1));
     EXPECT_FALSE(fs::exists(path.backup()));
-    MemoryStream stream;
+    FaultyStream stream;
     EXPECT_EQ(saveProject(project, stream), E_FAIL);
     EXPECT_TRUE(stream.bytes.empty());
 }

@@ -356,7 +356,7 @@ TEST(ProjectReader, RefusesAudioThatIsNotThere) {
 
 TEST(ProjectReader, ReadsFromMediaThatDoNotTellTheirSize) {
     const Bytes bytes = twoFilesFourPads(200000).bytes();
-    MemoryStream content(bytes);
+    FaultyStream content(bytes);
     content.knowsSize = false;
     RiffStream stream;
     ASSERT_EQ(stream.open(&content), kRiffOk);
@@ -376,7 +376,7 @@ TEST(ProjectReader, RefusesAFormThatEndsEarlyWhereverItDoes) {
 }
 
 TEST(ProjectReader, FailsWithItsStreamAtEveryCall) {
-    MemoryStream whole(twoFilesFourPads().bytes());
+    FaultyStream whole(twoFilesFourPads().bytes());
     {
         RiffStream stream;
         Project project;
@@ -384,7 +384,7 @@ TEST(ProjectReader, FailsWithItsStreamAtEveryCall) {
         ASSERT_FALSE(readProject(stream, project));
     }
     for (int call = 2; call <= whole.calls; ++call) {
-        MemoryStream content(whole.bytes);
+        FaultyStream content(whole.bytes);
         content.failFromCall = call;
         RiffStream stream;
         Project project;

@@ -6,13 +6,13 @@
 
 #include "platform/bytes/RiffStream.h"
 #include "project/ProjectReader.h"
-#include "support/MemoryStream.h"
+#include "support/FaultyStream.h"
 #include "support/ProjectBytes.h"
 
 namespace marnoth::test {
 
 inline LoadFault readFault(const Bytes& bytes, Project& project) {
-    MemoryStream content(bytes);
+    FaultyStream content(bytes);
     RiffStream stream;
     EXPECT_EQ(stream.open(&content), kRiffOk);
     return readProject(stream, project);

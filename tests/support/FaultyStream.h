@@ -12,11 +12,11 @@ namespace marnoth::test {
 
 /// A stream over bytes in memory, as a host gives one. Can be made to fail from a call on. Lives where it is
 /// declared: references are counted, and nothing deletes it.
-class MemoryStream : public IStream {
+class FaultyStream : public IStream {
 public:
-    MemoryStream() = default;
-    explicit MemoryStream(std::vector<std::uint8_t> content) : bytes(std::move(content)) {}
-    virtual ~MemoryStream() = default;
+    FaultyStream() = default;
+    explicit FaultyStream(std::vector<std::uint8_t> content) : bytes(std::move(content)) {}
+    virtual ~FaultyStream() = default;
 
     std::vector<std::uint8_t> bytes;
     std::uint64_t position = 0;
