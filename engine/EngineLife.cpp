@@ -1,15 +1,13 @@
-#include <new>
+#include <cstddef>
+#include <span>
 #include <string>
 
 #include "engine/GrooveSampler.h"
 #include "platform/graph/Graph.h"
-#include "platform/system/Overflow.h"
 #include "seam/Limits.h"
 
 namespace marnoth {
 namespace {
-
-constexpr std::uint32_t kFadeOutMilliseconds = 20;
 
 /// The white keys from middle C, one for each pad.
 constexpr std::array<std::int32_t, kPads> kPadKeys{60, 62, 64, 65, 67, 69, 71, 72,
@@ -36,48 +34,40 @@ WAVEFORMATEX stereoFloat(std::uint32_t sampleRate) {
 
 /// What every pad has before anybody sets it up.
 void setPadDefaults(CGrooveTrack& track) {
-    track.midiChannel = -1;
-    track.output = 0;
-    track.rootNote = -1;
-    track.SetTail(0);
-    track.followKey = 0;
-    track.oneShot = 1;
+    const TrackSettings defaults;
+    track.midiChannel = defaults.midiChannel;
+    track.output = defaults.output;
+    track.rootNote = defaults.rootNote;
+    track.SetTail(defaults.tailOn);
+    track.followKey = defaults.followKey;
+    track.oneShot = defaults.oneShot;
 }
 
 }  // namespace
 
-CGrooveSampler::CGrooveSampler(CPziSynthContext* synthContext)
-    : playList(kPads),
-      binFiles(kBinFiles),
-      auditionTrack(synthContext),
-      streamEvents(kStreamEvents),
-      scratch(std::make_unique<float[]>(kScratchValues)) {
+CGrooveSampler::CGrooveSampler(CPziSynthContext* synthContext) : renderer_(*synthContext) {
     setContext(synthContext);
-    for (auto& pad : pads) pad = std::make_unique<CGrooveTrack>(synthContext);
-    ResetKeyMap();
+    resetKeyMap(bank_.change());
 }
 
 CGrooveSampler::~CGrooveSampler() {
+    // Undo goes before the pads, and those before the files that they share their samples with.
     const CAutoLock lock(*this);
     ResetVoices();
-    undoRing.clear();
-    auditionTrack.ClearGrains();
-    for (auto& pad : pads) pad.reset();
-    for (auto& file : binFiles) file.reset();
-    binFiles.RemoveAll();
+    undo_.reset();
 }
 
-void CGrooveSampler::ResetKeyMap() {
-    keyMap.RemoveAll();
-    for (auto& pad : pads) setPadDefaults(*pad);
+void CGrooveSampler::resetKeyMap(Model& model) {
+    model.keys.RemoveAll();
+    for (CGrooveTrack& pad : model.pads) setPadDefaults(pad);
     for (std::int32_t pad = 0; pad < kPads; ++pad) {
-        const std::int32_t key = kPadKeys[pad];
-        keyMap.AddOrReplace({pad, pads[pad].get(), key, key, key, 0, kHighestVelocity});
+        const std::int32_t key = kPadKeys[static_cast<std::size_t>(pad)];
+        model.keys.AddOrReplace({pad, key, key, key, 0, kHighestVelocity});
     }
 }
 
 HRESULT CGrooveSampler::RegisterOutputs() {
-    mixPinId = context().GetPinId(0);
+    renderer_.pins().mix = context().GetPinId(0);
     for (std::int32_t pad = 0; pad < kPads; ++pad) RegisterChannelPin(pad);
     return S_OK;
 }
@@ -85,9 +75,10 @@ HRESULT CGrooveSampler::RegisterOutputs() {
 HRESULT CGrooveSampler::RegisterChannelPin(std::int32_t pad) {
     const CAutoLock lock(*this);
     if (pad < 0 || pad >= kPads) return E_INVALIDARG;
-    if (padPinIds[pad] != 0) return S_FALSE;
+    std::uint32_t& id = renderer_.pins().channels[static_cast<std::size_t>(pad)];
+    if (id != 0) return S_FALSE;
     const std::string name = "Chan " + std::to_string(pad + 1);
-    context().AddOutputPin(name.c_str(), &padPinIds[pad]);
+    context().AddOutputPin(name.c_str(), &id);
     return S_OK;
 }
 
@@ -110,13 +101,17 @@ HRESULT CGrooveSampler::ProposeOutputFormat(WAVEFORMATEX*) {
 std::int32_t CGrooveSampler::CheckFormat() {
     const bool usable = isPlayable(inputFormat);
     if (!usable) inputFormat = stereoFloat(static_cast<std::uint32_t>(context().GetSampleRate()));
-    setFadeLengths(inputFormat.nSamplesPerSec);
+    renderer_.setRate(inputFormat.nSamplesPerSec);
     return usable ? 0 : 1;
 }
 
-void CGrooveSampler::setFadeLengths(std::uint32_t sampleRate) {
-    fadeInFrames = sampleRate / 1000;
-    fadeOutFrames = std::int64_t{sampleRate} * kFadeOutMilliseconds / 1000;
+HRESULT CGrooveSampler::ProcessBlock(std::int64_t position, PinBuffer* input, PinBuffer* pins,
+                                     std::int32_t pinCount, std::int64_t, NoteQueue* notes) {
+    if (!input) return S_FALSE;
+    const std::span<PinBuffer> outputs(pins, pinCount > 0 ? static_cast<std::size_t>(pinCount) : 0);
+    renderer_.render(bank_.beginBlock(), {position, *input, outputs, inputFormat, notes});
+    bank_.endBlock();
+    return S_OK;
 }
 
 HRESULT CGrooveSampler::IsIgnoredEvent(const SynthEvent* event) {
@@ -124,53 +119,31 @@ HRESULT CGrooveSampler::IsIgnoredEvent(const SynthEvent* event) {
 }
 
 HRESULT CGrooveSampler::CreateVoice(QueuedEvent* event) {
-    event->voice = new (std::nothrow) VoiceState;
-    if (!event->voice) return E_OUTOFMEMORY;
-    VoiceState& voice = *event->voice;
-    voice.startPending = 1;
-    // A note never reports its end: it goes when its lanes have run out.
-    voice.finished = 1;
-    const std::int64_t start = std::int64_t{event->event.time} * 65536;
-    for (VoiceLane* lane : {&voice.gate, &voice.shot}) {
-        lane->start = lane->position = lane->from = start;
-        lane->openEnd();
-    }
-    if (event->event.duration != kDurationOpen) {
-        voice.gate.length = std::int64_t{event->event.duration} * 65536;
-        voice.gate.end = start + voice.gate.length;
-    }
-    return S_OK;
+    return renderer_.createVoice(*event);
 }
 
 HRESULT CGrooveSampler::ReleaseVoice(QueuedEvent* event, std::int32_t flush) {
-    if (!event->voice) return S_OK;
-    const VoiceState& voice = *event->voice;
-    const bool plays = voice.gate.position < voice.gate.end || voice.shot.position < voice.shot.end;
-    if (!flush && plays) return S_FALSE;
-    for (PadGate& gate : padGates) {
-        if (gate.owner == event->voice) gate.owner = nullptr;
-    }
-    std::unique_ptr<VoiceState>(event->voice).reset();
-    event->voice = nullptr;
-    return S_OK;
+    return renderer_.releaseVoice(*event, flush != 0) ? S_OK : S_FALSE;
 }
 
 void CGrooveSampler::ResetVoices() {
     const CAutoLock lock(*this);
-    auditionVoice = {};
-    binVoices = {};
-    padVoices = {};
-    padAuditionSounded = {};
-    padNoteSounded = {};
-    padSounded = {};
-    padGates = {};
-    blockStart = -1;
-    runningPosition = -1;
+    renderer_.resetVoices();
 }
 
 void CGrooveSampler::ClearPhaseAnchor() {
     const CAutoLock lock(*this);
-    phaseAnchor = 0;
+    renderer_.clearPhaseAnchor();
+}
+
+void CGrooveSampler::dropLeftOver() {
+    {
+        const CAutoLock lock(*this);
+        if (!bank_.hasLeftOver()) return;
+    }
+    Model former;
+    const CAutoLock lock(*this);
+    bank_.takeLeftOver(former);
 }
 
 }  // namespace marnoth

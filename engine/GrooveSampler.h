@@ -1,17 +1,15 @@
 #pragma once
 
 #include <array>
-#include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <mutex>
 #include <string>
 
 #include "engine/control/LastFault.h"
-#include "engine/model/GrooveTrack.h"
-#include "engine/model/KeyMap.h"
+#include "engine/model/PadBank.h"
 #include "engine/model/UndoRing.h"
-#include "engine/render/PreAllocArray.h"
-#include "engine/render/Voice.h"
+#include "engine/render/BlockRenderer.h"
 #include "project/Project.h"
 #include "seam/IGrooveSampler.h"
 #include "seam/IMarnothFaults.h"
@@ -21,19 +19,22 @@
 namespace marnoth {
 
 class RiffStream;
+struct FormerProject;
 struct ProjectTracks;
-
-inline constexpr std::int32_t kStreamEvents = 100;     ///< grains of one pad in one block
-inline constexpr std::int32_t kScratchValues = 96000;  ///< bounds a stereo block to 48000 frames
-inline constexpr std::uint32_t kNoPin = 0xFFFFFFFF;
-inline constexpr std::int32_t kNoKey = -1;  ///< 0xFFFFFFFF: no project key, no root note
 
 /// The instrument: sixteen pads, a Loop Bin, undo, a key map, and the playing state of every voice.
 ///
 /// It has no thread of its own and knows neither host nor graph, but for the context given to the
 /// constructor, which outlives it. The streaming thread enters once per block through `ProcessBlock`, with
 /// the lock held by the caller; all other threads enter through `IGrooveSampler` and the rest of `CPzi`,
-/// which take the lock themselves. `IUnknown` and `IDispatch` are left to the object that carries the engine.
+/// which take the locks themselves. `IUnknown` and `IDispatch` are left to the object that carries the
+/// engine.
+///
+/// The model (`PadBank`) is edited by its operations and played by its renderer (`BlockRenderer`). Edits take
+/// turns by a lock of their own, which is taken before the engine's and which audio never takes; they build
+/// beside the present state and hold the engine's lock only to put the next one in place. An edit that comes
+/// in under the engine's lock, as from a pin downstream, waits for nobody's turn: whoever was building then
+/// builds anew.
 class CGrooveSampler : public IGrooveSampler, public IMarnothFaults, public virtual CPzi {
 public:
     explicit CGrooveSampler(CPziSynthContext* synthContext);
@@ -151,122 +152,48 @@ protected:
     virtual ~CGrooveSampler();
 
 private:
-    /// What every stage of a block is told.
-    struct BlockContext {
-        std::int64_t startTicks;  ///< of the block, 16.16 ticks
-        std::int64_t lengthTicks;
-        std::int32_t activePads;  ///< pads that sounded in the last block
-        PinBuffer* pins;
-        std::int32_t pinCount;
-        std::int32_t mixIndex;  ///< of the mix pin in `pins`, -1 if it isn't there
-    };
-    struct PadBlock;
-    struct ClipTimes;
-    struct GrainRun;
-    struct VoiceTally;
+    /// What a load leaves `anySolo` at.
+    enum class Solo { kept, recomputed };
+    class WritersTurn;
 
-    // EngineLife: from construction to teardown.
-    void ResetKeyMap();
-    void setFadeLengths(std::uint32_t sampleRate);
-
-    // BlockFrame: the two ends of a block.
-    /// Fixes the block's place in samples, the project's key and the skew.
-    void placeBlock(std::int64_t position, std::int32_t frames);
-    BlockContext describeBlock(std::int32_t frames, PinBuffer* pins, std::int32_t pinCount) const;
-    void clearMix(const BlockContext& block, std::int32_t frames);
-    /// Hands the input on to every pin but the mix; `input` null is silence.
-    void passInput(const BlockContext& block, const float* input, std::int32_t frames);
-    void sumIntoMix(const BlockContext& block, std::int32_t frames);
-    std::size_t bytesOf(std::int32_t frames) const;
-
-    // RenderStages: what each source of voices does with a block, in this order.
-    void RenderNotes(NoteQueue& notes, const BlockContext& block);
-    void RenderPadAuditions(const BlockContext& block);
-    void RenderBinAuditions(const BlockContext& block);
-    void RenderGrainAudition(const BlockContext& block);
-
-    // The steps of a note.
-    void renderNote(QueuedEvent& note, const BlockContext& block);
-    void startNote(VoiceState& voice, const SynthEvent& event, const BlockContext& block);
-    void switchGate(PadGate& gate, VoiceState& voice, const CGrooveTrack& track);
-    void setNotePhase(CGrooveTrack& track, const VoiceState& voice, const BlockContext& block);
-    bool holdsGate(const VoiceState& voice) const;
-    void takeNoteOff(VoiceState& voice, SynthEvent& event);
-    void endShotLane(VoiceState& voice, SynthEvent& event, bool held, const BlockContext& block);
-
-    // The steps of a pad that is played from the page.
-    void renderPadAudition(std::int32_t pad, const BlockContext& block);
-    void pressPad(std::int32_t pad, const BlockContext& block);
-    void setPressPhase(CGrooveTrack& track, VoiceState& voice, const BlockContext& block);
-    void takeStopRequest(VoiceState& voice);
-    void renderBinAudition(std::int32_t bin, const BlockContext& block);
-
-    /// Renders the voice with `track` as the one entry of the play list, and moves on.
-    void playAlone(const BlockContext& block, VoiceState& voice, PlayKind kind, std::int32_t pad,
-                   CGrooveTrack& track, std::uint32_t* soundedFlags);
-    /// Where a fade-out that begins with this block ends, 16.16 ticks.
-    std::int64_t fadeOutEnd() const;
-
-    // VoiceRender: one voice, one block. `soundedFlags` has 16 entries or is null.
-    void RenderVoice(const BlockContext& block, VoiceState& voice, std::uint32_t* soundedFlags);
-    VoiceTally renderEntry(const BlockContext& block, VoiceState& voice, const TrackPlayInfo& entry,
-                           std::uint32_t* soundedFlags);
-    PinBuffer* choosePin(const CGrooveTrack& track, const BlockContext& block) const;
-    std::int64_t toSamples(std::int64_t ticks16) const;
-    std::int32_t selectForBlock(VoiceState& voice, const PadBlock& pad);
-    void renderSelected(const PadBlock& pad);
-    void RenderStreamEvent(const StreamEventInfo& event, const PadBlock& pad);
-    GrainRun placeRun(const StreamEventInfo& event, const ClipTimes& clip, const PadBlock& pad) const;
-    ClipTimes timesInSamples(const StreamEventInfo& event, const CGrooveTrack& track) const;
-    std::int32_t keyOffset(const CGrooveTrack& track) const;
-    void renderFadeIn(const GrainRun& run, const ClipTimes& clip, const PadBlock& pad);
-    void renderFadeOut(const GrainRun& run, const ClipTimes& clip, const PadBlock& pad,
-                       std::int64_t fadeOutStart);
-    /// Renders part of a run and adds it to the pad's pin at frame `offset`, under a gain that moves per
-    /// frame.
-    void renderFaded(const GrainRun& run, const PadBlock& pad, std::int64_t offset, double gain, double step);
-
-    // SelectGrains.
-    /// Fills `streamEvents`; gives their count, or -1 when a track that doesn't loop has played out.
-    std::int32_t SelectGrains(CGrooveTrack& track, std::int64_t rangeStart, std::int64_t rangeEnd,
-                              VoiceState& voice);
-    bool silencedBySolo(const CGrooveTrack& track) const { return anySolo && !track.solo; }
-
-    // ControlSurface: one field of a pad or grain, checked and under the lock. `refusal` answers a bad pad.
-    template <class T, class Field>
-    HRESULT getFromPad(std::int32_t pad, T* out, Field field, HRESULT refusal = E_INVALIDARG);
+    // control/Edit.h: how operations reach the model. `refusal` answers a bad pad.
+    template <class T, class Read>
+    HRESULT readPad(std::int32_t pad, T* out, Read read, HRESULT refusal = E_INVALIDARG);
     template <class Write>
     HRESULT changePad(std::int32_t pad, Write write, HRESULT refusal = E_INVALIDARG);
-    template <class T, class Read>
-    HRESULT getFromGrain(std::int32_t pad, std::int32_t grain, T* out, Read read);
-    template <class Write>
-    HRESULT changeGrain(std::int32_t pad, std::int32_t grain, Write write);
-
-    /// The track at an index; null when there is none.
-    CGrooveTrack* padAt(std::int32_t pad) const;
-    CGrooveTrack* binFileAt(std::int32_t bin) const;
-    /// Either, by a `LoopKind`; null for any other.
-    CGrooveTrack* trackOf(std::uint32_t kind, std::uint32_t index) const;
-    void recomputeAnySolo();
-    /// After pads changed places with their snapshots.
-    void adoptSwappedPads();
-    void auditionGrain(const CGrooveTrack& track, std::int32_t grain);
-    /// A copy of a grain goes to `toPad`; `leave` says what becomes of the pad that it comes from.
+    template <class Take, class Build, class Put>
+    HRESULT edit(Take take, Build build, Put put);
+    template <class Build>
+    HRESULT editPad(std::int32_t pad, Build build);
+    template <class Change>
+    HRESULT editGrain(std::int32_t pad, std::int32_t grain, Change change);
+    template <class Build>
+    HRESULT editPadFromBin(std::int32_t pad, std::int32_t bin, Build build, HRESULT noFile = E_INVALIDARG);
     template <class Leave>
     HRESULT transferGrain(std::int32_t pad, std::int32_t grain, std::int32_t toPad, std::int64_t time,
                           std::int32_t* newIndex, Leave leave);
+    template <class Find>
+    HRESULT auditionGrain(std::int32_t grain, Find find);
 
-    /// What a project consisted of, for its owner to destroy after the lock is left.
-    struct FormerProject;
+    /// The present pads change places with those of `former`; `S_FALSE` for null.
+    HRESULT changePlaces(PadsState* former);
+    /// What blocks were played with while somebody changed the model from within them.
+    void dropLeftOver();
+
+    /// Back to the default key map, and every pad to what it answers by default. `model` is the present one.
+    static void resetKeyMap(Model& model);
     /// Empties everything that a project keeps but the key map, without destroying anything: whoever holds
     /// the lock keeps no block waiting.
     void removeProject(FormerProject& former);
     /// The same, and back to the default key map.
     void removeProjectAndKeys(FormerProject& former);
 
-    // ProjectLoad.
-    /// What a load leaves `anySolo` at.
-    enum class Solo { kept, recomputed };
+    /// Texts in the system code page. `fault` tells why the file isn't loaded.
+    HRESULT LoadFile(const char* name, const char* path, std::int32_t& index, std::uint32_t& status,
+                     LoadFault& fault);
+    /// Puts a file that has been read behind the others of the Loop Bin, if there is room; `status` says so.
+    void addToBin(const BinFile& file, std::int32_t& index, std::uint32_t& status);
+
     /// Empties the project, and again when `load` fails or throws.
     template <class Load>
     HRESULT replaceProject(Load load);
@@ -275,48 +202,17 @@ private:
     /// Reads the form that is searched from the position of `stream` on and puts it in place of the project.
     HRESULT loadForm(RiffStream& stream, Solo solo, LoadFault& fault);
     void publish(const Project& project, ProjectTracks& tracks, Solo solo);
-
-    // LoopBin. Texts in the system code page.
-    /// `fault` tells why the file isn't loaded.
-    HRESULT LoadFile(const char* name, const char* path, std::int32_t& index, std::uint32_t& status,
-                     LoadFault& fault);
-    std::int32_t findBinFile(const std::wstring& path) const;
-    /// The file's grains and loop in place of those of the pad.
-    HRESULT layOnPad(CGrooveTrack& pad, const CGrooveTrack& file);
-
-    // ProjectTake.
-    /// The present state, taken under the lock; samples are shared, not copied.
+    /// The present state; samples are shared, not copied.
     Project takeProject();
 
-    CPreAllocArray<TrackPlayInfo> playList;  ///< the pads of one `RenderVoice`, refilled per voice
-    Pads pads;
-    CPreAllocArray<std::unique_ptr<CGrooveTrack>> binFiles;  ///< in display order
-    UndoRing undoRing;
-    CGrooveTrack auditionTrack;  ///< the one copy of the grain being auditioned
-    CKeyMap keyMap;
-    CPreAllocArray<StreamEventInfo> streamEvents;   ///< the grains of one pad in one block
-    std::array<VoiceState, kPads> padVoices{};      ///< pads played from the page
-    std::array<VoiceState, kBinFiles> binVoices{};  ///< auditions of files
-    VoiceState auditionVoice{};
-    std::array<PadGate, kPads> padGates{};
-    std::array<std::uint32_t, kPads> padAuditionSounded{};  ///< the pad voice rendered in the last block
-    std::array<std::uint32_t, kPads> padNoteSounded{};      ///< a note rendered on the pad in this block
-    std::array<std::uint32_t, kPads> padSounded{};          ///< either of them, at the end of each block
-    std::unique_ptr<float[]> scratch;                       ///< one block, for fades
-    std::int64_t blockStart = -1;                           ///< samples; the block being rendered
-    std::int64_t runningPosition = -1;  ///< samples; the engine's own count while the transport runs
-    std::int32_t projectKey = 0;        ///< the host's key at the middle of the block; `kNoKey` none
-    std::int64_t positionSkew = 0;      ///< 16.16 ticks `blockStart` is ahead of the host's; never negative
-    std::uint32_t mixPinId = kNoPin;
-    std::array<std::uint32_t, kPads> padPinIds{};  ///< pin of each channel; 0 not made yet
-    std::uint32_t anySolo = 0;
-    std::uint32_t auditionEnabled = 0;
-    std::uint32_t refreshRequest = 0;
-    std::int64_t phaseAnchor = 0;  ///< 16.16 ticks; common zero of synced pads while stopped
-    std::uint32_t stopAll = 0;
-    std::int64_t fadeInFrames = 0;   ///< 1 ms
-    std::int64_t fadeOutFrames = 0;  ///< 20 ms
-    LastFault lastFault;
+    LastFault lastFault_;           ///< any thread
+    std::recursive_mutex writers_;  ///< edits take turns by it; before the engine's lock, never under it
+    // All that follows is under the engine's lock.
+    PadBank bank_;
+    std::unique_ptr<UndoRing> undo_ = std::make_unique<UndoRing>();
+    BlockRenderer renderer_;
+    std::uint32_t auditionEnabled_ = 0;
+    std::uint32_t refreshRequest_ = 0;  ///< the one mailbox to the page
 };
 
 }  // namespace marnoth

@@ -15,18 +15,18 @@ namespace marnoth {
 
 /// One Loop Bin file of a project, audio and all.
 struct ProjectFile {
-    TrackRecord settings;
+    TrackSettings settings;
     std::wstring name;
     std::wstring path;  ///< remembered, never looked up
     /// 32-bit float, one or two channels, at the rate at which the project was saved. A writer shares it with
     /// the engine; a reader's has no peak table yet.
     RefPtr<CWaveMem> wave;
-    std::vector<GrainRecord> grains;
+    std::vector<GrainSettings> grains;
 };
 
 struct ProjectPad {
-    TrackRecord settings;
-    std::vector<GrainRecord> grains;
+    TrackSettings settings;
+    std::vector<GrainSettings> grains;
 };
 
 /// What a project keeps: everything but undo, voices and the editor's view. It is what `writeProject` writes

@@ -60,14 +60,14 @@ HRESULT fitWave(RefPtr<CWaveMem>& wave) {
 using Ratios = std::vector<double>;
 
 /// Of the file that a grain was cut from; none when there is no such file.
-std::optional<double> ratioOf(const GrainRecord& grain, const Ratios& ratios) {
+std::optional<double> ratioOf(const GrainSettings& grain, const Ratios& ratios) {
     const auto file = static_cast<std::size_t>(grain.binFile);
     return grain.binFile >= 0 && file < ratios.size() ? std::optional(ratios[file]) : std::nullopt;
 }
 
 /// A pad's loop is scaled as the file of its first grain is, or as the first file.
 double ratioOf(const ProjectPad& pad, const Ratios& ratios) {
-    for (const GrainRecord& grain : pad.grains) {
+    for (const GrainSettings& grain : pad.grains) {
         if (const auto ratio = ratioOf(grain, ratios)) return *ratio;
     }
     return ratios.empty() ? 1.0 : ratios.front();
@@ -75,12 +75,12 @@ double ratioOf(const ProjectPad& pad, const Ratios& ratios) {
 
 void scale(ProjectFile& file, double ratio) {
     file.settings = scaledTrack(file.settings, ratio);
-    for (GrainRecord& grain : file.grains) grain = scaledGrain(grain, ratio);
+    for (GrainSettings& grain : file.grains) grain = scaledGrain(grain, ratio);
 }
 
 void scale(ProjectPad& pad, const Ratios& ratios) {
     pad.settings = scaledTrack(pad.settings, ratioOf(pad, ratios));
-    for (GrainRecord& grain : pad.grains) grain = scaledGrain(grain, ratioOf(grain, ratios).value_or(1.0));
+    for (GrainSettings& grain : pad.grains) grain = scaledGrain(grain, ratioOf(grain, ratios).value_or(1.0));
 }
 
 HRESULT fitWaves(Project& project) {
@@ -96,7 +96,7 @@ HRESULT fitWaves(Project& project) {
     return S_OK;
 }
 
-void holdLength(TrackRecord& settings) {
+void holdLength(TrackSettings& settings) {
     settings.lengthSamples = std::clamp<std::int64_t>(settings.lengthSamples, 0, kLongestProjectTrack);
 }
 

@@ -110,16 +110,16 @@ private:
     bool readFormat(const ChunkInfo& form, WAVEFORMATEX& format);
     bool readAudio(const ChunkInfo& form, const WAVEFORMATEX& format, ProjectFile& file);
     bool readPad(std::int32_t number, ProjectPad& pad);
-    bool readSettings(ChunkBody& chunk, TrackRecord& settings);
-    bool readGrains(std::uint32_t ckid, std::int32_t lowestFile, std::vector<GrainRecord>& grains);
+    bool readSettings(ChunkBody& chunk, TrackSettings& settings);
+    bool readGrains(std::uint32_t ckid, std::int32_t lowestFile, std::vector<GrainSettings>& grains);
 
     bool enter(ChunkBody& chunk, const ChunkInfo& parent, std::uint32_t ckid);
     bool leave(ChunkBody& chunk) { return chunk.leave() || refuse({.kind = FaultKind::cannotRead}); }
     bool takeText(ChunkBody& chunk, std::wstring& text);
 
     bool isAcceptable(const KeyMapRecord& keys);
-    bool isAcceptable(const TrackRecord& settings);
-    bool isAcceptable(const GrainRecord& grain, std::int32_t lowestFile);
+    bool isAcceptable(const TrackSettings& settings);
+    bool isAcceptable(const GrainSettings& grain, std::int32_t lowestFile);
     bool isWithin(FaultQuantity quantity, std::int64_t value, std::int64_t least, std::int64_t most);
     bool isNumber(FaultQuantity quantity, double value);
 
@@ -173,14 +173,14 @@ bool ProjectReading::isAcceptable(const KeyMapRecord& keys) {
            isWithin(FaultQuantity::highVelocity, keys.highVelocity, kLowest, kHighestVelocity);
 }
 
-bool ProjectReading::isAcceptable(const TrackRecord& settings) {
+bool ProjectReading::isAcceptable(const TrackSettings& settings) {
     return isWithin(FaultQuantity::midiChannel, settings.midiChannel, -1, kMidiChannels - 1) &&
            isWithin(FaultQuantity::loopFrames, settings.lengthSamples, 0, kLongestProjectTrack) &&
            isNumber(FaultQuantity::volume, settings.volume) && isNumber(FaultQuantity::pan, settings.pan);
 }
 
 /// A grain of a file may come from none.
-bool ProjectReading::isAcceptable(const GrainRecord& grain, std::int32_t lowestFile) {
+bool ProjectReading::isAcceptable(const GrainSettings& grain, std::int32_t lowestFile) {
     return isWithin(FaultQuantity::binFile, grain.binFile, lowestFile, kBinFiles - 1) &&
            isNumber(FaultQuantity::pitch, grain.pitchRatio) &&
            isNumber(FaultQuantity::volume, grain.volume) && isNumber(FaultQuantity::pan, grain.pan);
@@ -248,7 +248,7 @@ bool ProjectReading::readFileSettings(ProjectFile& file) {
            leave(chunk);
 }
 
-bool ProjectReading::readSettings(ChunkBody& chunk, TrackRecord& settings) {
+bool ProjectReading::readSettings(ChunkBody& chunk, TrackSettings& settings) {
     std::array<std::byte, kTrackRecordBytes> raw;
     if (!chunk.take(raw.data(), raw.size())) return false;
     settings = decodeTrack(raw);
@@ -314,7 +314,7 @@ bool ProjectReading::readPad(std::int32_t number, ProjectPad& pad) {
 }
 
 bool ProjectReading::readGrains(std::uint32_t ckid, std::int32_t lowestFile,
-                                std::vector<GrainRecord>& grains) {
+                                std::vector<GrainSettings>& grains) {
     ChunkBody chunk;
     std::uint32_t index;
     std::int32_t count;
@@ -347,11 +347,11 @@ LoadFault readProject(RiffStream& stream, Project& project) {
 }
 
 LoadFault grainBelowZero(const Project& project) {
-    const auto isBelowZero = [&](const GrainRecord& grain) {
+    const auto isBelowZero = [&](const GrainSettings& grain) {
         return grain.binGrain < 0 && static_cast<std::size_t>(grain.binFile) < project.files.size();
     };
     for (std::size_t pad = 0; pad < project.pads.size(); ++pad) {
-        const std::vector<GrainRecord>& grains = project.pads[pad].grains;
+        const std::vector<GrainSettings>& grains = project.pads[pad].grains;
         const auto found = std::find_if(grains.begin(), grains.end(), isBelowZero);
         if (found == grains.end()) continue;
         return badValue(FaultQuantity::binGrain, found->binGrain, 0, std::numeric_limits<std::int32_t>::max(),

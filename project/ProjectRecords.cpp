@@ -61,7 +61,7 @@ constexpr std::size_t kTrackPlaceBytes = 4 + 8;
 
 }  // namespace
 
-std::array<std::byte, kTrackRecordBytes> encode(const TrackRecord& record) {
+std::array<std::byte, kTrackRecordBytes> encode(const TrackSettings& record) {
     return Packer<kTrackRecordBytes>()
         .put(record.lengthSamples)
         .put(record.lengthTicks)
@@ -80,7 +80,7 @@ std::array<std::byte, kTrackRecordBytes> encode(const TrackRecord& record) {
         .bytes();
 }
 
-std::array<std::byte, kGrainRecordBytes> encode(const GrainRecord& record) {
+std::array<std::byte, kGrainRecordBytes> encode(const GrainSettings& record) {
     return Packer<kGrainRecordBytes>()
         .put(record.binFile)
         .put(record.binGrain)
@@ -116,8 +116,8 @@ std::array<std::byte, kKeyRecordBytes> encode(const KeyMapRecord& record) {
         .bytes();
 }
 
-TrackRecord decodeTrack(const std::array<std::byte, kTrackRecordBytes>& bytes) {
-    TrackRecord record;
+TrackSettings decodeTrack(const std::array<std::byte, kTrackRecordBytes>& bytes) {
+    TrackSettings record;
     Unpacker(bytes)
         .get(record.lengthSamples)
         .get(record.lengthTicks)
@@ -136,8 +136,8 @@ TrackRecord decodeTrack(const std::array<std::byte, kTrackRecordBytes>& bytes) {
     return record;
 }
 
-GrainRecord decodeGrain(const std::array<std::byte, kGrainRecordBytes>& bytes) {
-    GrainRecord record;
+GrainSettings decodeGrain(const std::array<std::byte, kGrainRecordBytes>& bytes) {
+    GrainSettings record;
     Unpacker(bytes)
         .get(record.binFile)
         .get(record.binGrain)

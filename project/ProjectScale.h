@@ -17,7 +17,7 @@ inline std::int64_t scaledFrames(std::int64_t frames, double ratio) {
 
 /// Where a grain ends is rounded, not how long it is: grains that touch still touch afterwards. The tail's
 /// length stays, since the tail wave determines it; ticks stay too.
-inline GrainRecord scaledGrain(GrainRecord record, double ratio) {
+inline GrainSettings scaledGrain(GrainSettings record, double ratio) {
     if (ratio == 1.0) return record;
     const std::int64_t end = plus(record.startSamples, record.lengthSamples);
     record.startSamples = scaledFrames(record.startSamples, ratio);
@@ -27,7 +27,7 @@ inline GrainRecord scaledGrain(GrainRecord record, double ratio) {
 }
 
 /// The loop's length in frames. In ticks it stays.
-inline TrackRecord scaledTrack(TrackRecord record, double ratio) {
+inline TrackSettings scaledTrack(TrackSettings record, double ratio) {
     record.lengthSamples = scaledFrames(record.lengthSamples, ratio);
     return record;
 }

@@ -80,12 +80,12 @@ Body padSettings(std::uint32_t index, const ProjectPad& pad) {
     return body;
 }
 
-Body grainList(std::uint32_t index, const std::vector<GrainRecord>& grains) {
+Body grainList(std::uint32_t index, const std::vector<GrainSettings>& grains) {
     Body body;
     body.put(index);
     body.put(static_cast<std::uint32_t>(grains.size()));
     std::uint32_t running = 0;
-    for (const GrainRecord& grain : grains) {
+    for (const GrainSettings& grain : grains) {
         body.put(running++);
         body.put(encode(grain));
     }

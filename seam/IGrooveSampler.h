@@ -7,7 +7,8 @@
 namespace marnoth {
 
 /// A grain as the editor reads it. `plotData` points into the sample's peak table (2 values per channel and
-/// entry) and is good until the grain's file goes.
+/// entry), which lies in the same block as the entry: whatever becomes of the grain, it is good until the
+/// list is freed.
 struct GrainListEntry {
     std::int64_t startTicks;  ///< 16.16 ticks
     std::int64_t endTicks;    ///< 16.16 ticks
@@ -44,9 +45,9 @@ inline constexpr IID IID_IGrooveSampler{
 
 /// The control surface: the one way by which an editor, a script or a test changes the engine.
 ///
-/// Any thread but the streaming one. Every operation holds the engine's lock for its body, so a block may
-/// have to wait for it and a change takes effect at the next block; those that read or write files hold it
-/// only to take the state or to publish what they have finished. Nothing is notified: callers poll.
+/// Any thread; calls from within a block, as from a pin downstream, are allowed. Every operation holds the
+/// engine's lock for moments only: what takes long is done beside the present state, which is then replaced
+/// in one go. A change takes effect at the next block. Nothing is notified: callers poll.
 ///
 /// Indices: `pad` 0 to 15, `bin` a position in the Loop Bin, `grain` a position in a track. A bad pad or file
 /// gives `E_INVALIDARG` (exceptions stand at the operation), a null out-pointer `E_POINTER`; a bad grain

@@ -1,7 +1,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "engine/control/ControlSurface.h"
+#include "engine/control/Edit.h"
 #include "seam/Limits.h"
 
 namespace marnoth {
@@ -16,25 +16,18 @@ void writeLevel(float& field, float value, float most) {
     if (!std::isnan(value)) field = std::clamp(value, 0.0f, most);
 }
 
+/// The pad or the file of a loop kind and index; null when there is none.
+template <class SomeModel>
+auto* trackOf(SomeModel& model, std::uint32_t kind, std::uint32_t index) {
+    const auto at = static_cast<std::int32_t>(std::min<std::uint32_t>(index, kPads));
+    auto* const pad = kind == kPadLoop && isPad(at) ? &padOf(model, at) : nullptr;
+    return kind == kBinLoop && model.bin.has(at) ? &model.bin[at].track : pad;
+}
+
 }  // namespace
 
-CGrooveTrack* CGrooveSampler::padAt(std::int32_t pad) const {
-    return pad >= 0 && pad < kPads ? pads[static_cast<std::size_t>(pad)].get() : nullptr;
-}
-
-CGrooveTrack* CGrooveSampler::binFileAt(std::int32_t bin) const {
-    return bin >= 0 && bin < binFiles.GetSize() ? binFiles[bin].get() : nullptr;
-}
-
-CGrooveTrack* CGrooveSampler::trackOf(std::uint32_t kind, std::uint32_t index) const {
-    if (index >= static_cast<std::uint32_t>(kPads)) return nullptr;
-    const auto at = static_cast<std::int32_t>(index);
-    if (kind == kPadLoop) return padAt(at);
-    return kind == kBinLoop ? binFileAt(at) : nullptr;
-}
-
 HRESULT CGrooveSampler::GetPadLooping(std::int32_t pad, std::uint32_t* value) {
-    return getFromPad(pad, value, &CGrooveTrack::looping, S_OK);
+    return readPad(pad, value, &CGrooveTrack::looping, S_OK);
 }
 
 HRESULT CGrooveSampler::SetPadLooping(std::int32_t pad, std::uint32_t value) {
@@ -43,7 +36,7 @@ HRESULT CGrooveSampler::SetPadLooping(std::int32_t pad, std::uint32_t value) {
 }
 
 HRESULT CGrooveSampler::GetPadSynced(std::int32_t pad, std::uint32_t* value) {
-    return getFromPad(pad, value, &CGrooveTrack::synced, S_OK);
+    return readPad(pad, value, &CGrooveTrack::synced, S_OK);
 }
 
 HRESULT CGrooveSampler::SetPadSynced(std::int32_t pad, std::uint32_t value) {
@@ -52,7 +45,7 @@ HRESULT CGrooveSampler::SetPadSynced(std::int32_t pad, std::uint32_t value) {
 }
 
 HRESULT CGrooveSampler::GetPadPlayMode(std::int32_t pad, std::uint32_t* value) {
-    return getFromPad(pad, value, &CGrooveTrack::oneShot, S_OK);
+    return readPad(pad, value, &CGrooveTrack::oneShot, S_OK);
 }
 
 HRESULT CGrooveSampler::SetPadPlayMode(std::int32_t pad, std::uint32_t value) {
@@ -61,7 +54,7 @@ HRESULT CGrooveSampler::SetPadPlayMode(std::int32_t pad, std::uint32_t value) {
 }
 
 HRESULT CGrooveSampler::GetPadOneShot(std::int32_t pad, std::uint32_t* value) {
-    return getFromPad(pad, value, &CGrooveTrack::oneShot);
+    return readPad(pad, value, &CGrooveTrack::oneShot);
 }
 
 HRESULT CGrooveSampler::SetPadOneShot(std::int32_t pad, std::uint32_t value) {
@@ -69,7 +62,7 @@ HRESULT CGrooveSampler::SetPadOneShot(std::int32_t pad, std::uint32_t value) {
 }
 
 HRESULT CGrooveSampler::GetPadMute(std::int32_t pad, std::uint32_t* value) {
-    return getFromPad(pad, value, &CGrooveTrack::mute);
+    return readPad(pad, value, &CGrooveTrack::mute);
 }
 
 HRESULT CGrooveSampler::SetPadMute(std::int32_t pad, std::uint32_t value) {
@@ -77,22 +70,20 @@ HRESULT CGrooveSampler::SetPadMute(std::int32_t pad, std::uint32_t value) {
 }
 
 HRESULT CGrooveSampler::GetPadSolo(std::int32_t pad, std::uint32_t* value) {
-    return getFromPad(pad, value, &CGrooveTrack::solo);
+    return readPad(pad, value, &CGrooveTrack::solo);
 }
 
 HRESULT CGrooveSampler::SetPadSolo(std::int32_t pad, std::uint32_t value) {
-    return changePad(pad, [&](CGrooveTrack& track) {
-        track.solo = value;
-        recomputeAnySolo();
-    });
-}
-
-void CGrooveSampler::recomputeAnySolo() {
-    anySolo = std::any_of(pads.begin(), pads.end(), [](const auto& pad) { return pad->solo != 0; });
+    CAutoLock lock(*this);
+    if (!isPad(pad)) return E_INVALIDARG;
+    Model& model = bank_.change();
+    padOf(model, pad).solo = value;
+    model.recomputeAnySolo();
+    return S_OK;
 }
 
 HRESULT CGrooveSampler::GetPadVolume(std::int32_t pad, float* value) {
-    return getFromPad(pad, value, &CGrooveTrack::volume);
+    return readPad(pad, value, &CGrooveTrack::volume);
 }
 
 HRESULT CGrooveSampler::SetPadVolume(std::int32_t pad, float value) {
@@ -100,7 +91,7 @@ HRESULT CGrooveSampler::SetPadVolume(std::int32_t pad, float value) {
 }
 
 HRESULT CGrooveSampler::GetPadPan(std::int32_t pad, float* value) {
-    return getFromPad(pad, value, &CGrooveTrack::pan);
+    return readPad(pad, value, &CGrooveTrack::pan);
 }
 
 HRESULT CGrooveSampler::SetPadPan(std::int32_t pad, float value) {
@@ -108,15 +99,18 @@ HRESULT CGrooveSampler::SetPadPan(std::int32_t pad, float value) {
 }
 
 HRESULT CGrooveSampler::GetPadTail(std::int32_t pad, std::uint32_t* value) {
-    return getFromPad(pad, value, &CGrooveTrack::tailOn);
+    return readPad(pad, value, &CGrooveTrack::tailOn);
 }
 
 HRESULT CGrooveSampler::SetPadTail(std::int32_t pad, std::uint32_t value) {
-    return changePad(pad, [=](CGrooveTrack& track) { track.SetTail(value); });
+    return editPad(pad, [=](CGrooveTrack& track) {
+        track.SetTail(value);
+        return S_OK;
+    });
 }
 
 HRESULT CGrooveSampler::GetPadFollowKey(std::int32_t pad, std::uint32_t* value) {
-    return getFromPad(pad, value, &CGrooveTrack::followKey);
+    return readPad(pad, value, &CGrooveTrack::followKey);
 }
 
 HRESULT CGrooveSampler::SetPadFollowKey(std::int32_t pad, std::uint32_t value) {
@@ -124,7 +118,7 @@ HRESULT CGrooveSampler::SetPadFollowKey(std::int32_t pad, std::uint32_t value) {
 }
 
 HRESULT CGrooveSampler::GetPadOutput(std::int32_t pad, std::uint32_t* output) {
-    return getFromPad(pad, output, &CGrooveTrack::output);
+    return readPad(pad, output, &CGrooveTrack::output);
 }
 
 HRESULT CGrooveSampler::SetPadOutput(std::int32_t pad, std::uint32_t output) {
@@ -133,7 +127,7 @@ HRESULT CGrooveSampler::SetPadOutput(std::int32_t pad, std::uint32_t output) {
 }
 
 HRESULT CGrooveSampler::GetPadRootNote(std::int32_t pad, std::int32_t* note) {
-    return getFromPad(pad, note, &CGrooveTrack::rootNote);
+    return readPad(pad, note, &CGrooveTrack::rootNote);
 }
 
 HRESULT CGrooveSampler::SetPadRootNote(std::int32_t pad, std::int32_t note) {
@@ -141,17 +135,18 @@ HRESULT CGrooveSampler::SetPadRootNote(std::int32_t pad, std::int32_t note) {
 }
 
 HRESULT CGrooveSampler::GetPadChannel(std::int32_t pad, std::int32_t* channel) {
-    return getFromPad(pad, channel, &CGrooveTrack::midiChannel);
+    return readPad(pad, channel, &CGrooveTrack::midiChannel);
 }
 
 HRESULT CGrooveSampler::SetPadChannel(std::int32_t pad, std::int32_t channel) {
-    return changePad(pad, [=](CGrooveTrack& track) { track.midiChannel = std::clamp(channel, -1, 15); });
+    return changePad(
+        pad, [=](CGrooveTrack& track) { track.midiChannel = std::clamp(channel, -1, kMidiChannels - 1); });
 }
 
 HRESULT CGrooveSampler::GetLoopLength(std::uint32_t kind, std::uint32_t index, std::int64_t* ticks16) {
     if (!ticks16) return E_POINTER;
     CAutoLock lock(*this);
-    const CGrooveTrack* const track = trackOf(kind, index);
+    const CGrooveTrack* const track = trackOf(bank_.present(), kind, index);
     if (!track) return E_INVALIDARG;
     *ticks16 = track->lengthTicks;
     return S_OK;
@@ -159,20 +154,29 @@ HRESULT CGrooveSampler::GetLoopLength(std::uint32_t kind, std::uint32_t index, s
 
 HRESULT CGrooveSampler::SetLoopLength(std::uint32_t kind, std::uint32_t index, std::int64_t ticks16) {
     CAutoLock lock(*this);
-    CGrooveTrack* const track = trackOf(kind, index);
-    if (!track) return E_INVALIDARG;
-    track->SetLength(ticks16, kTicks16);
+    if (!trackOf(bank_.present(), kind, index)) return E_INVALIDARG;
+    CGrooveTrack& track = *trackOf(bank_.change(), kind, index);
+    track.SetLength(ticks16, kTicks16);
     if (kind == kBinLoop || ticks16 < 0) return S_OK;
     const double rate = context().GetSampleRate();
     const auto ticks = static_cast<double>(ticks16);
-    track->SetLength(roundHalfUp(track->tempo > 0 ? rate / track->tempo * ticks * kSecondsPerTick16AtOneBpm
-                                                  : rate * ticks * kSecondsPerTick16AtDefaultTempo),
-                     kSamples);
+    track.SetLength(roundHalfUp(track.tempo > 0 ? rate / track.tempo * ticks * kSecondsPerTick16AtOneBpm
+                                                : rate * ticks * kSecondsPerTick16AtDefaultTempo),
+                    kSamples);
+    return S_OK;
+}
+
+HRESULT CGrooveSampler::GetGrainCount(std::uint32_t kind, std::uint32_t index, std::int32_t* count) {
+    if (!count) return E_POINTER;
+    CAutoLock lock(*this);
+    const CGrooveTrack* const track = trackOf(bank_.present(), kind, index);
+    if (!track) return E_INVALIDARG;
+    *count = track->GetSize();
     return S_OK;
 }
 
 HRESULT CGrooveSampler::GetPadEndTime(std::int32_t pad, std::int64_t* ticks16) {
-    return getFromPad(pad, ticks16, [](const CGrooveTrack& track) {
+    return readPad(pad, ticks16, [](const CGrooveTrack& track) {
         return track.GetSize() == 0 ? 0 : track.GetAt(track.GetSize() - 1).GetEnd(kTicks16, 0);
     });
 }

@@ -1,5 +1,7 @@
-#include "engine/control/ControlSurface.h"
-#include "seam/Limits.h"
+#include <optional>
+#include <utility>
+
+#include "engine/control/Edit.h"
 
 namespace marnoth {
 namespace {
@@ -11,89 +13,92 @@ bool isGrainOf(const CGrooveTrack& track, std::int32_t grain) {
     return grain >= 0 && grain < track.GetSize();
 }
 
-void requestStart(VoiceState& voice) {
-    voice.startPending = voice.fromPage = 1;
-    voice.stopRequest = voice.releasing = voice.finished = 0;
-}
-
-/// An audition plays on past the length of its track.
-void requestAudition(VoiceState& voice) {
-    requestStart(voice);
-    voice.ignoreLength = 1;
-    voice.gate.position = voice.gate.start = voice.gate.end = voice.gate.length = 0;
-}
-
 }  // namespace
 
-HRESULT CGrooveSampler::AuditionPad(std::int32_t pad, std::int32_t grain) {
-    CAutoLock lock(*this);
-    const CGrooveTrack* const track = padAt(pad);
-    if (!track) return E_INVALIDARG;
-    auditionTrack.output = track->output;
-    if (grain == kWhole) {
-        VoiceState& voice = padVoices[static_cast<std::size_t>(pad)];
-        requestStart(voice);
-        voice.ignoreLength = 0;
-    } else {
-        auditionGrain(*track, grain);
-    }
-    return S_OK;
+/// Auditions a grain of a track, if it is one of its: `find(const Model&, CGrooveTrack& audition)` gives the
+/// track, null when there is none, and may set the audition up.
+template <class Find>
+HRESULT CGrooveSampler::auditionGrain(std::int32_t grain, Find find) {
+    struct Draft {
+        CGrooveTrack audition;
+        std::optional<CGrooveTrack> from;
+    };
+    return edit(
+        [&](const Model& now) {
+            Draft draft{now.audition, std::nullopt};
+            const CGrooveTrack* const from = find(now, draft.audition);
+            if (from && auditionEnabled_ && isGrainOf(*from, grain)) draft.from = *from;
+            return draft;
+        },
+        [&](Draft& draft) {
+            if (!draft.from) return S_OK;
+            draft.audition.PlayAlone(draft.from->GetAt(grain));
+            draft.audition.followKey = draft.from->followKey;
+            return S_OK;
+        },
+        [&](Model& model, Draft& draft) {
+            std::swap(model.audition, draft.audition);
+            if (draft.from) renderer_.startAudition();
+        });
 }
 
-void CGrooveSampler::auditionGrain(const CGrooveTrack& track, std::int32_t grain) {
-    if (!auditionEnabled || !isGrainOf(track, grain)) return;
-    auditionTrack.PlayAlone(track.GetAt(grain));
-    auditionTrack.followKey = track.followKey;
-    requestAudition(auditionVoice);
+HRESULT CGrooveSampler::AuditionPad(std::int32_t pad, std::int32_t grain) {
+    if (!isPad(pad)) return E_INVALIDARG;
+    const auto find = [pad](const Model& now, CGrooveTrack& audition) {
+        audition.output = padOf(now, pad).output;
+        return &padOf(now, pad);
+    };
+    if (grain != kWhole) return auditionGrain(grain, find);
+    CAutoLock lock(*this);
+    Model& model = bank_.change();
+    find(model, model.audition);
+    renderer_.startPad(pad);
+    return S_OK;
 }
 
 HRESULT CGrooveSampler::StopPad(std::int32_t pad) {
     CAutoLock lock(*this);
     if (pad == kAll) {
-        for (VoiceState& voice : padVoices) voice.stopRequest = 1;
-        stopAll = 1;
+        renderer_.stopAllPads();
         return S_OK;
     }
-    const CGrooveTrack* const track = padAt(pad);
-    if (!track) return E_INVALIDARG;
-    if (!track->oneShot) padVoices[static_cast<std::size_t>(pad)].stopRequest = 1;
+    if (!isPad(pad)) return E_INVALIDARG;
+    if (!padOf(bank_.present(), pad).oneShot) renderer_.stopPad(pad);
     return S_OK;
 }
 
 HRESULT CGrooveSampler::AuditionBinFile(std::int32_t bin, std::int32_t grain) {
     if (bin < 0 || bin >= kBinFiles) return E_INVALIDARG;
-    CAutoLock lock(*this);
-    const CGrooveTrack* const file = binFileAt(bin);
     if (grain == kWhole) {
-        requestAudition(binVoices[static_cast<std::size_t>(bin)]);
-    } else if (file) {
-        auditionGrain(*file, grain);
+        CAutoLock lock(*this);
+        renderer_.startBinFile(bin);
+        return S_OK;
     }
-    return S_OK;
+    return auditionGrain(grain, [bin](const Model& now, CGrooveTrack&) {
+        return now.bin.has(bin) ? &now.bin[bin].track : nullptr;
+    });
 }
 
 HRESULT CGrooveSampler::StopBinAudition(std::int32_t bin) {
     if (bin < kAll || bin >= kBinFiles) return E_INVALIDARG;
     CAutoLock lock(*this);
     if (bin == kAll) {
-        binVoices.fill(VoiceState{});
+        renderer_.stopAllBinFiles();
     } else {
-        binVoices[static_cast<std::size_t>(bin)] = VoiceState{};
+        renderer_.stopBinFile(bin);
     }
     return S_OK;
 }
 
 HRESULT CGrooveSampler::GetPadPlaying(std::int32_t pad, std::uint32_t* value) {
-    return getFromPad(pad, value,
-                      [&](const CGrooveTrack&) { return padSounded[static_cast<std::size_t>(pad)]; });
+    return readPad(pad, value, [&](const CGrooveTrack&) { return renderer_.padSounded(pad); });
 }
 
 HRESULT CGrooveSampler::GetBinPlaying(std::int32_t bin, std::uint32_t* value) {
     if (!value) return E_POINTER;
     if (bin < 0 || bin >= kBinFiles) return E_INVALIDARG;
     CAutoLock lock(*this);
-    const VoiceState& voice = binVoices[static_cast<std::size_t>(bin)];
-    *value = voice.startPending || voice.gate.length != 0;
+    *value = renderer_.binFilePlays(bin);
     return S_OK;
 }
 

@@ -1,68 +1,77 @@
-#include <algorithm>
 #include <utility>
 
-#include "engine/control/ControlSurface.h"
+#include "engine/control/Edit.h"
 #include "engine/persist/FormerProject.h"
-#include "seam/Limits.h"
 
 namespace marnoth {
 
 HRESULT CGrooveSampler::PushUndoState() {
-    CAutoLock lock(*this);
-    undoRing.push(pads);
+    PadsState state;
+    const CAutoLock lock(*this);
+    state.pads = bank_.present().pads;
+    state.phases = renderer_.phases();
+    undo_->push(state);
     return S_OK;
 }
 
 HRESULT CGrooveSampler::Undo() {
-    CAutoLock lock(*this);
-    if (!undoRing.undo(pads)) return S_FALSE;
-    adoptSwappedPads();
-    return S_OK;
+    const CAutoLock lock(*this);
+    return changePlaces(undo_->undo());
 }
 
 HRESULT CGrooveSampler::Redo() {
-    CAutoLock lock(*this);
-    if (!undoRing.redo(pads)) return S_FALSE;
-    adoptSwappedPads();
-    return S_OK;
+    const CAutoLock lock(*this);
+    return changePlaces(undo_->redo());
 }
 
-void CGrooveSampler::adoptSwappedPads() {
-    for (std::int32_t pad = 0; pad < kPads; ++pad) keyMap.setTrack(pad, padAt(pad));
-    recomputeAnySolo();
+HRESULT CGrooveSampler::changePlaces(PadsState* former) {
+    if (!former) return S_FALSE;
+    Model& model = bank_.change();
+    std::swap(model.pads, former->pads);
+    std::swap(renderer_.phases(), former->phases);
+    model.recomputeAnySolo();
+    return S_OK;
 }
 
 HRESULT CGrooveSampler::ClearProject() {
     FormerProject former;
-    CAutoLock lock(*this);
+    const WritersTurn turn(*this);
+    const CAutoLock lock(*this);
     removeProjectAndKeys(former);
     return S_OK;
 }
 
 HRESULT CGrooveSampler::GetLoadFault(LoadFault* fault) {
     if (!fault) return E_POINTER;
-    *fault = lastFault.get();
+    *fault = lastFault_.get();
     return S_OK;
 }
 
 void CGrooveSampler::removeProject(FormerProject& former) {
     ResetVoices();
-    std::swap(undoRing, former.undoRing);
-    former.auditioned = auditionTrack.TakeGrains();
-    for (std::size_t pad = 0; pad < pads.size(); ++pad) {
-        CGrooveTrack& track = *pads[pad];
-        former.grains[pad] = track.TakeGrains();
+    if (former.undo) {
+        std::swap(undo_, former.undo);
+    } else {
+        undo_->clear();
+    }
+    Model& model = bank_.change();
+    std::swap(model.bin, former.bin);
+    former.audition = model.audition.grains();
+    model.audition.ClearGrains();
+    for (std::size_t pad = 0; pad < model.pads.size(); ++pad) {
+        CGrooveTrack& track = model.pads[pad];
+        former.pads[pad] = track.grains();
+        track.ClearGrains();
         track.looping = track.synced = track.mute = track.solo = 0;
     }
-    std::move(binFiles.begin(), binFiles.end(), former.files.begin());
-    binFiles.RemoveAll();
-    keyMap.RemoveAll();
+    model.keys.RemoveAll();
 }
 
 void CGrooveSampler::removeProjectAndKeys(FormerProject& former) {
     removeProject(former);
-    anySolo = 0;
-    ResetKeyMap();
+    Model& model = bank_.change();
+    model.anySolo = 0;
+    resetKeyMap(model);
 }
 
 }  // namespace marnoth

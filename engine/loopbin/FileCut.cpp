@@ -2,7 +2,7 @@
 #include <cmath>
 #include <limits>
 
-#include "engine/model/GrooveTrack.h"
+#include "engine/loopbin/BinFile.h"
 #include "sample/AcidWave.h"
 #include "sample/ReadWave.h"
 #include "seam/Limits.h"
@@ -58,8 +58,7 @@ bool hasGrains(const CAcidWave& wave, std::uint32_t newRate) {
 }
 
 /// A grain that plays a cut of `wave`, at the same place of a loop of `beats` beats.
-std::unique_ptr<CGrooveEvent> makeLoopGrain(const RefPtr<CWaveMem>& wave, const Cut& cut,
-                                            std::uint32_t beats) {
+CGrooveEvent makeLoopGrain(const RefPtr<CWaveMem>& wave, const Cut& cut, std::uint32_t beats) {
     const auto total = static_cast<double>(wave->frames);
     const auto toTicks = [&](std::int64_t frame) {
         return roundHalfUp(static_cast<double>(frame) / total * beats * kTicks16PerBeat);
@@ -68,94 +67,110 @@ std::unique_ptr<CGrooveEvent> makeLoopGrain(const RefPtr<CWaveMem>& wave, const 
         const double points = static_cast<double>(wave->peakPoints) * static_cast<double>(frame);
         return static_cast<std::uint32_t>(roundHalfUp(points / total));
     };
-    auto grain = std::make_unique<CGrooveEvent>();
-    grain->tempoLocked = 1;
-    grain->startTicks = toTicks(cut.start);
-    grain->startSamples = cut.start;
-    grain->lengthTicks = toTicks(cut.length);
-    grain->lengthSamples = cut.length;
-    grain->AttachSample(wave, cut.start);
-    grain->BuildTail();
-    grain->peakOffset = toPeaks(cut.start);
-    grain->peakCount = toPeaks(cut.length);
+    CGrooveEvent grain;
+    grain.tempoLocked = 1;
+    grain.startTicks = toTicks(cut.start);
+    grain.startSamples = cut.start;
+    grain.lengthTicks = toTicks(cut.length);
+    grain.lengthSamples = cut.length;
+    grain.AttachSample(wave, cut.start);
+    grain.BuildTail();
+    grain.peakOffset = toPeaks(cut.start);
+    grain.peakCount = toPeaks(cut.length);
     return grain;
 }
 
-std::unique_ptr<CGrooveEvent> makeWholeGrain(const RefPtr<CWaveMem>& wave) {
-    auto grain = std::make_unique<CGrooveEvent>();
-    grain->lengthSamples = wave->frames;
-    grain->AttachSample(wave, 0);
-    grain->BuildTail();
-    grain->peakCount = CWaveMem::kPeakPoints;
-    const double seconds = static_cast<double>(wave->frames) / grain->format.nSamplesPerSec;
-    grain->lengthTicks = nearestBeats(seconds) * kTicks16PerBeat;
+CGrooveEvent makeWholeGrain(const RefPtr<CWaveMem>& wave) {
+    CGrooveEvent grain;
+    grain.lengthSamples = wave->frames;
+    grain.AttachSample(wave, 0);
+    grain.BuildTail();
+    grain.peakCount = CWaveMem::kPeakPoints;
+    const double seconds = static_cast<double>(wave->frames) / grain.format.nSamplesPerSec;
+    grain.lengthTicks = nearestBeats(seconds) * kTicks16PerBeat;
     return grain;
+}
+
+using Grains = std::vector<RefPtr<const GrainPart>>;
+
+Grains cutSegments(const CAcidWave& wave, const RefPtr<CWaveMem>& sample, std::int32_t binIndex) {
+    Grains grains;
+    for (std::int32_t i = 0; i < wave.GetSegmentCount(); ++i) {
+        const Cut cut(wave.GetSegment(i), sample->rateRatio);
+        if (!cut.fitsIn(sample->frames)) break;
+        CGrooveEvent grain = makeLoopGrain(sample, cut, wave.beats);
+        grain.binFile = binIndex;
+        grain.binGrain = i;
+        grains.push_back(GrainList::part(std::move(grain)));
+    }
+    return grains;
+}
+
+Grains cutWhole(const RefPtr<CWaveMem>& sample, std::int32_t binIndex) {
+    CGrooveEvent grain = makeWholeGrain(sample);
+    grain.binFile = binIndex;
+    grain.binGrain = 0;
+    return {GrainList::part(std::move(grain))};
+}
+
+void setUpAsLoop(CGrooveTrack& track, const CAcidWave& wave) {
+    track.looping = track.synced = 1;
+    track.followKey = wave.rootNoteSet;
+    // The reader has brought the note to this scale already; the shift by 3 counts twice, for every file.
+    track.rootNote = (wave.rootNote + 3) % 12;
+}
+
+void setUpAsShot(CGrooveTrack& track) {
+    track.looping = track.synced = track.followKey = 0;
 }
 
 }  // namespace
 
-LoadFault CGrooveTrack::ReadSamples(CAcidWave& wave) {
+const std::shared_ptr<const BinFile::Names>& BinFile::unnamed() {
+    static const auto none = std::make_shared<const Names>();
+    return none;
+}
+
+LoadFault BinFile::ReadSamples(CAcidWave& wave, std::int32_t sampleRate) {
     if (const LoadFault fault = readSamples(wave, sample)) return fault;
-    lengthSamples = wave.GetLength(kSamples);
-    RecomputeTempo();
+    track.lengthSamples = wave.GetLength(kSamples);
+    track.RecomputeTempo(sampleRate);
     return {};
 }
 
-LoadFault CGrooveTrack::LoadFromWave(CAcidWave& wave, const std::wstring& newName,
-                                     const std::wstring& newPath, std::int32_t binIndex,
-                                     const WAVEFORMATEX& format) {
-    ClearGrains();
-    const LoadFault fault = readAndCut(wave, binIndex, format);
+LoadFault BinFile::LoadFromWave(CAcidWave& wave, const std::wstring& name, const std::wstring& path,
+                                std::int32_t binIndex, const WAVEFORMATEX& format, std::int32_t sampleRate) {
+    track.ClearGrains();
+    const LoadFault fault = readAndCut(wave, binIndex, format, sampleRate);
     if (fault) {
-        name.clear();
-        path.clear();
-        ClearGrains();
+        names = unnamed();
+        track.ClearGrains();
         sample.reset();
         return fault;
     }
-    name = newName;
-    path = newPath;
+    names = std::make_shared<const Names>(Names{name, path});
     return fault;
 }
 
-LoadFault CGrooveTrack::readAndCut(CAcidWave& wave, std::int32_t binIndex, const WAVEFORMATEX& newFormat) {
+LoadFault BinFile::readAndCut(CAcidWave& wave, std::int32_t binIndex, const WAVEFORMATEX& format,
+                              std::int32_t sampleRate) {
     if (const LoadFault fault = brokenLimit(wave)) return fault;
-    if (!hasGrains(wave, newFormat.nSamplesPerSec)) return {.kind = FaultKind::noGrains};
-    if (const LoadFault fault = ReadSamples(wave)) return fault;
-    if (!sample->samples || FAILED(sample->Resample(newFormat))) return {.kind = FaultKind::noMemory};
+    if (!hasGrains(wave, format.nSamplesPerSec)) return {.kind = FaultKind::noGrains};
+    if (const LoadFault fault = ReadSamples(wave, sampleRate)) return fault;
+    if (!sample->samples || FAILED(sample->Resample(format))) return {.kind = FaultKind::noMemory};
+    track.SetGrains(
+        GrainList(isLoop(wave) ? cutSegments(wave, sample, binIndex) : cutWhole(sample, binIndex)));
     if (isLoop(wave)) {
-        cutSegments(wave, binIndex);
+        setUpAsLoop(track, wave);
     } else {
-        cutWhole(binIndex);
+        setUpAsShot(track);
     }
-    SetTail(0);
-    lengthTicks = grains_.back()->GetEnd(kTicks16, 0);
-    lengthSamples = grains_.back()->GetEnd(kSamples, 0);
-    RecomputeTempo();
+    track.SetTail(0);
+    const CGrooveEvent& last = track.GetAt(track.GetSize() - 1);
+    track.lengthTicks = last.GetEnd(kTicks16, 0);
+    track.lengthSamples = last.GetEnd(kSamples, 0);
+    track.RecomputeTempo(sampleRate);
     return {};
-}
-
-void CGrooveTrack::cutSegments(const CAcidWave& wave, std::int32_t binIndex) {
-    for (std::int32_t i = 0; i < wave.GetSegmentCount(); ++i) {
-        const Cut cut(wave.GetSegment(i), sample->rateRatio);
-        if (!cut.fitsIn(sample->frames)) break;
-        auto grain = makeLoopGrain(sample, cut, wave.beats);
-        grain->binFile = binIndex;
-        grain->binGrain = GetSize();
-        append(std::move(grain));
-    }
-    looping = synced = 1;
-    followKey = wave.rootNoteSet;
-    // The reader has brought the note to this scale already; the shift by 3 counts twice, for every file.
-    rootNote = (wave.rootNote + 3) % 12;
-}
-
-void CGrooveTrack::cutWhole(std::int32_t binIndex) {
-    auto grain = makeWholeGrain(sample);
-    grain->binFile = binIndex;
-    grain->binGrain = 0;
-    append(std::move(grain));
-    looping = synced = followKey = 0;
 }
 
 }  // namespace marnoth

@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "platform/system/Overflow.h"
-#include "project/ProjectRecords.h"
 
 namespace marnoth {
 namespace {
@@ -66,25 +65,6 @@ HRESULT CGrooveEvent::BuildTail() {
     tailLengthSamples = tail->frames;
     tailWave = std::move(tail);
     return S_OK;
-}
-
-void CGrooveEvent::FromRecord(const GrainRecord& record) {
-    binFile = record.binFile;
-    binGrain = record.binGrain;
-    SetStart(record.startTicks, kTicks16);
-    SetStart(record.startSamples, kSamples);
-    SetLength(record.lengthTicks, kTicks16);
-    SetLength(record.lengthSamples, kSamples);
-    tailLengthSamples = record.tailLengthSamples;
-    tempoLocked = record.tempoLocked;
-    pitchRatio = record.pitchRatio;
-    transpose = record.transpose;
-    volume = record.volume;
-    pan = record.pan;
-    tailOn = record.tailOn;
-    sampleOffset = record.sampleOffset;
-    peakOffset = record.peakOffset;
-    peakCount = record.peakCount;
 }
 
 StretchSource CGrooveEvent::source() const {

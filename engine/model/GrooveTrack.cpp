@@ -1,40 +1,43 @@
 #include "engine/model/GrooveTrack.h"
 
 #include <algorithm>
-#include <new>
 #include <stdexcept>
 #include <utility>
 
 #include "platform/system/Overflow.h"
-#include "project/ProjectRecords.h"
-#include "seam/Limits.h"
 
 namespace marnoth {
 namespace {
 
-std::unique_ptr<CGrooveEvent> copyOf(const CGrooveEvent& grain) {
-    return std::make_unique<CGrooveEvent>(grain);
-}
+using Part = RefPtr<const GrainPart>;
 
 std::int64_t wholeBeats(std::int64_t ticks16) {
     const std::int64_t beats = ticks16 / kTicks16PerBeat + (ticks16 % kTicks16PerBeat > 0);
     return times(beats, kTicks16PerBeat);
 }
 
+/// A Shell sort, because the order that grains of equal start end up in is part of what is saved and drawn.
+void sortByStart(std::vector<Part>& grains) {
+    const auto startOf = [&](std::size_t at) { return grains[at]->reach.ticks.firstStart; };
+    for (std::size_t gap = grains.size() / 2; gap > 0; gap /= 2) {
+        for (std::size_t i = gap; i < grains.size(); ++i) {
+            for (std::size_t at = i; at >= gap && startOf(at) < startOf(at - gap); at -= gap)
+                std::swap(grains[at], grains[at - gap]);
+        }
+    }
+}
+
+bool isSorted(const std::vector<Part>& grains) {
+    return std::is_sorted(grains.begin(), grains.end(), [](const Part& a, const Part& b) {
+        return a->reach.ticks.firstStart < b->reach.ticks.firstStart;
+    });
+}
+
 }  // namespace
 
-CGrooveTrack::CGrooveTrack(CPziSynthContext* synthContext) {
-    context = synthContext;
-}
-
-CGrooveTrack::CGrooveTrack(const CGrooveTrack& other) : TrackFields(other) {
-    grains_.reserve(other.grains_.size());
-    for (const auto& grain : other.grains_) append(copyOf(*grain));
-}
-
-CGrooveEvent& CGrooveTrack::GetAt(std::int32_t index) const {
+const CGrooveEvent& CGrooveTrack::GetAt(std::int32_t index) const {
     if (index < 0 || index >= GetSize()) throw std::invalid_argument("no such grain");
-    return *grains_[static_cast<std::size_t>(index)];
+    return grains_[index];
 }
 
 std::int64_t CGrooveTrack::GetLength(std::uint32_t kind) const {
@@ -48,27 +51,23 @@ void CGrooveTrack::SetLength(std::int64_t value, std::uint32_t kind) {
     if (kind == kSamples) lengthSamples = value;
 }
 
-void CGrooveTrack::RecomputeTempo() {
+void CGrooveTrack::RecomputeTempo(std::int32_t sampleRate) {
     if (lengthSamples < 1) {
         tempo = kDefaultTrackTempo;
         return;
     }
     const double beats = static_cast<double>(lengthTicks) / kTicks16PerBeat;
-    const double seconds = static_cast<double>(lengthSamples) / context->GetSampleRate();
+    const double seconds = static_cast<double>(lengthSamples) / sampleRate;
     tempo = beats / seconds * 60.0;
-}
-
-void CGrooveTrack::SetRootNote(std::int32_t note) {
-    if (note >= -1 && note <= 127) rootNote = note;
 }
 
 void CGrooveTrack::SetTail(std::uint32_t on) {
     tailOn = on;
-    for (const auto& grain : grains_) grain->tailOn = on;
+    ChangeAll([on](CGrooveEvent& grain) { return std::exchange(grain.tailOn, on) != on; });
 }
 
 void CGrooveTrack::SetBinIndex(std::int32_t index) {
-    for (const auto& grain : grains_) grain->binFile = index;
+    ChangeAll([index](CGrooveEvent& grain) { return std::exchange(grain.binFile, index) != index; });
 }
 
 void CGrooveTrack::forgetLength() {
@@ -77,129 +76,107 @@ void CGrooveTrack::forgetLength() {
 }
 
 void CGrooveTrack::forgetLengthWhenEmpty() {
-    if (grains_.empty()) forgetLength();
+    if (GetSize() == 0) forgetLength();
 }
 
 void CGrooveTrack::ClearGrains() {
-    std::vector<std::unique_ptr<CGrooveEvent>>().swap(grains_);
+    grains_.clear();
     forgetLength();
 }
 
-HRESULT CGrooveTrack::CopyGrainsFrom(const CGrooveTrack& other) {
-    try {
-        grains_.reserve(grains_.size() + other.grains_.size());
-        for (const auto& grain : other.grains_) append(copyOf(*grain));
-    } catch (const std::bad_alloc&) {
-        return E_OUTOFMEMORY;
+void CGrooveTrack::CopyGrainsFrom(const CGrooveTrack& other) {
+    if (GetSize() == 0) {
+        grains_ = other.grains_;
+        return;
     }
-    return S_OK;
+    std::vector<Part> all = grains_.parts();
+    const std::vector<Part> more = other.grains_.parts();
+    all.insert(all.end(), more.begin(), more.end());
+    grains_ = GrainList(all);
 }
 
-void CGrooveTrack::TakeLengthsFrom(const CGrooveTrack& other) {
-    lengthTicks = other.lengthTicks;
-    lengthSamples = other.lengthSamples;
-    RecomputeTempo();
+void CGrooveTrack::TakeOver(const CGrooveTrack& source, std::int32_t sampleRate) {
+    takeOver(source);
+    RecomputeTempo(sampleRate);
+}
+
+void CGrooveTrack::LayOn(const CGrooveTrack& file, std::int32_t sampleRate) {
+    grains_ = file.grains_;
+    TakeOver(file, sampleRate);
+    looping = synced;
 }
 
 void CGrooveTrack::PlayAlone(const CGrooveEvent& grain) {
-    auto copy = copyOf(grain);
-    copy->startTicks = copy->startSamples = 0;
-    ClearGrains();
-    lengthTicks = copy->lengthTicks;
-    lengthSamples = copy->lengthSamples;
-    append(std::move(copy));
+    CGrooveEvent alone = grain;
+    alone.startTicks = alone.startSamples = 0;
+    lengthTicks = alone.lengthTicks;
+    lengthSamples = alone.lengthSamples;
+    tempo = kDefaultTrackTempo;
+    grains_ = GrainList({GrainList::part(std::move(alone))});
 }
 
-std::int32_t CGrooveTrack::InsertGrainSorted(std::unique_ptr<CGrooveEvent> grain, std::int64_t startTicks,
-                                             bool growLength) {
-    grain->SetStart(startTicks, kTicks16);
-    const auto place = std::find_if(grains_.begin(), grains_.end(), [&](const auto& other) {
-        return other->startTicks >= grain->startTicks;
-    });
-    const auto index = static_cast<std::int32_t>(place - grains_.begin());
-    settle(**grains_.insert(place, std::move(grain)), growLength);
+std::int32_t CGrooveTrack::InsertGrainSorted(CGrooveEvent grain, std::int64_t startTicks, bool growLength,
+                                             std::int32_t sampleRate) {
+    grain.SetStart(startTicks, kTicks16);
+    const std::int32_t index = grains_.firstFrom(grain.startTicks);
+    place(index, std::move(grain), growLength, sampleRate);
     return index;
 }
 
-std::int32_t CGrooveTrack::AppendGrain(std::unique_ptr<CGrooveEvent> grain, std::int64_t startTicks,
-                                       bool growLength) {
-    grain->SetStart(startTicks, kTicks16);
-    append(std::move(grain));
-    settle(*grains_.back(), growLength);
+std::int32_t CGrooveTrack::AppendGrain(CGrooveEvent grain, std::int64_t startTicks, bool growLength,
+                                       std::int32_t sampleRate) {
+    grain.SetStart(startTicks, kTicks16);
+    place(GetSize(), std::move(grain), growLength, sampleRate);
     return GetSize() - 1;
 }
 
-void CGrooveTrack::settle(CGrooveEvent& grain, bool growLength) {
+void CGrooveTrack::place(std::int32_t index, CGrooveEvent grain, bool growLength, std::int32_t sampleRate) {
     grain.tailOn = tailOn;
-    if (growLength) growToBeat();
+    if (growLength) {
+        const bool isLast = index == GetSize();
+        growToBeat((isLast ? grain : GetAt(GetSize() - 1)).GetEnd(kTicks16, 0), sampleRate);
+    }
     grain.startSamples = 0;
-    if (lengthTicks < 1) return;
-    const double place = static_cast<double>(grain.startTicks) / static_cast<double>(lengthTicks);
-    grain.startSamples = roundHalfUp(place * static_cast<double>(lengthSamples));
+    if (lengthTicks >= 1) {
+        const double share = static_cast<double>(grain.startTicks) / static_cast<double>(lengthTicks);
+        grain.startSamples = roundHalfUp(share * static_cast<double>(lengthSamples));
+    }
+    grains_.insert(index, std::move(grain));
 }
 
-void CGrooveTrack::growToBeat() {
-    const std::int64_t lastEnd = grains_.back()->GetEnd(kTicks16, 0);
+void CGrooveTrack::growToBeat(std::int64_t lastEnd, std::int32_t sampleRate) {
     lengthTicks = std::max(lengthTicks, wholeBeats(std::max(lengthTicks, lastEnd)));
-    lengthSamples = roundHalfUp(context->GetSampleRate() * (static_cast<double>(lengthTicks) / tempo) *
-                                kSecondsPerTick16AtOneBpm);
-}
-
-void CGrooveTrack::FromRecord(const TrackRecord& record) {
-    lengthSamples = std::max<std::int64_t>(record.lengthSamples, 0);
-    lengthTicks = std::max<std::int64_t>(record.lengthTicks, 0);
-    looping = record.looping;
-    synced = record.synced;
-    mute = record.mute;
-    solo = record.solo;
-    oneShot = record.oneShot;
-    tailOn = record.tailOn;
-    followKey = record.followKey;
-    rootNote = -1;
-    SetRootNote(record.rootNote);
-    output = record.output <= std::uint32_t{kChannelPins} ? record.output : 0;
-    midiChannel = record.midiChannel;
-    volume = record.volume;
-    pan = record.pan;
-    RecomputeTempo();
-}
-
-void CGrooveTrack::SwapPad(CGrooveTrack& other) noexcept {
-    TrackFields& own = *this;
-    std::swap(own, static_cast<TrackFields&>(other));
-    std::swap(phaseOwner, other.phaseOwner);
-    std::swap(phaseOrigin, other.phaseOrigin);
-    grains_.swap(other.grains_);
-}
-
-std::vector<std::unique_ptr<CGrooveEvent>> CGrooveTrack::TakeGrains() noexcept {
-    forgetLength();
-    return std::exchange(grains_, {});
+    lengthSamples =
+        roundHalfUp(sampleRate * (static_cast<double>(lengthTicks) / tempo) * kSecondsPerTick16AtOneBpm);
 }
 
 void CGrooveTrack::RemoveGrain(std::int32_t index) {
     GetAt(index);
-    grains_.erase(grains_.begin() + index);
+    grains_.remove(index);
+    forgetLengthWhenEmpty();
+}
+
+void CGrooveTrack::RemoveGrainsOf(std::int32_t binFile) {
+    std::vector<Part> left = grains_.parts();
+    if (std::erase_if(left, [&](const Part& part) { return part->grain().binFile == binFile; }) == 0) return;
+    grains_ = GrainList(std::move(left));
     forgetLengthWhenEmpty();
 }
 
 void CGrooveTrack::MarkGrainDeleted(std::int32_t index) {
-    if (index < GetSize()) GetAt(index).deleted = 1;
+    if (index < GetSize()) ChangeAt(index, [](CGrooveEvent& grain) { grain.deleted = 1; });
 }
 
 void CGrooveTrack::PurgeAndSort() {
-    std::erase_if(grains_, [](const auto& grain) { return grain->deleted != 0; });
-    forgetLengthWhenEmpty();
-    // A Shell sort, because the order that grains of equal start end up in is part of what is saved and
-    // drawn.
-    for (std::size_t gap = grains_.size() / 2; gap > 0; gap /= 2) {
-        for (std::size_t i = gap; i < grains_.size(); ++i) {
-            for (std::size_t at = i; at >= gap; at -= gap) {
-                if (grains_[at]->startTicks >= grains_[at - gap]->startTicks) break;
-                std::swap(grains_[at], grains_[at - gap]);
-            }
-        }
+    std::vector<Part> left = grains_.parts();
+    std::erase_if(left, [](const Part& part) { return part->grain().deleted != 0; });
+    if (static_cast<std::int32_t>(left.size()) == GetSize() && isSorted(left)) {
+        forgetLengthWhenEmpty();
+        return;
     }
+    sortByStart(left);
+    grains_ = GrainList(left);
+    forgetLengthWhenEmpty();
 }
 
 }  // namespace marnoth

@@ -1,6 +1,5 @@
 #include "engine/model/UndoRing.h"
 
-#include <algorithm>
 #include <utility>
 
 namespace marnoth {
@@ -14,37 +13,29 @@ std::int32_t previous(std::int32_t row) {
     return (row + UndoRing::kSlots - 1) % UndoRing::kSlots;
 }
 
-Pads snapshotOf(const Pads& pads) {
-    Pads copy;
-    std::transform(pads.begin(), pads.end(), copy.begin(),
-                   [](const auto& pad) { return pad ? std::make_unique<CGrooveTrack>(*pad) : nullptr; });
-    return copy;
-}
-
 }  // namespace
 
-void UndoRing::push(const Pads& pads) {
-    slots_[static_cast<std::size_t>(cursor_)] = snapshotOf(pads);
+void UndoRing::push(PadsState& state) noexcept {
+    std::swap(slot(cursor_), state);
     cursor_ = newest_ = next(cursor_);
     if (newest_ == oldest_) oldest_ = next(oldest_);
 }
 
-bool UndoRing::undo(Pads& pads) {
-    if (cursor_ == oldest_) return false;
+PadsState* UndoRing::undo() noexcept {
+    if (cursor_ == oldest_) return nullptr;
     cursor_ = previous(cursor_);
-    std::swap(pads, slots_[static_cast<std::size_t>(cursor_)]);
-    return true;
+    return &slot(cursor_);
 }
 
-bool UndoRing::redo(Pads& pads) {
-    if (cursor_ == newest_) return false;
-    std::swap(pads, slots_[static_cast<std::size_t>(cursor_)]);
+PadsState* UndoRing::redo() noexcept {
+    if (cursor_ == newest_) return nullptr;
+    PadsState* const state = &slot(cursor_);
     cursor_ = next(cursor_);
-    return true;
+    return state;
 }
 
-void UndoRing::clear() {
-    for (Pads& row : slots_) row = Pads{};
+void UndoRing::clear() noexcept {
+    for (PadsState& state : slots_) state = PadsState{};
     cursor_ = newest_ = oldest_ = 0;
 }
 

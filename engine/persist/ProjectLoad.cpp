@@ -4,7 +4,7 @@
 #include <string>
 #include <utility>
 
-#include "engine/control/ControlSurface.h"
+#include "engine/control/Edit.h"
 #include "engine/persist/FormerProject.h"
 #include "engine/persist/ProjectTracks.h"
 #include "platform/bytes/RiffStream.h"
@@ -42,16 +42,13 @@ HRESULT CGrooveSampler::LoadState(IStream* stream) {
 
 template <class Load>
 HRESULT CGrooveSampler::replaceProject(Load load) {
-    const auto empty = [this] {
+    const auto empty = [this](void (CGrooveSampler::*remove)(FormerProject&)) {
         FormerProject former;
-        CAutoLock lock(*this);
-        removeProjectAndKeys(former);
+        const WritersTurn turn(*this);
+        const CAutoLock lock(*this);
+        (this->*remove)(former);
     };
-    {
-        FormerProject former;
-        CAutoLock lock(*this);
-        removeProject(former);
-    }
+    empty(&CGrooveSampler::removeProject);
     HRESULT result;
     LoadFault fault;
     try {
@@ -60,8 +57,8 @@ HRESULT CGrooveSampler::replaceProject(Load load) {
         fault = {.kind = FaultKind::noMemory};
         result = E_OUTOFMEMORY;
     }
-    if (FAILED(result)) empty();
-    lastFault.set(fault);
+    if (FAILED(result)) empty(&CGrooveSampler::removeProjectAndKeys);
+    lastFault_.set(fault);
     if (namesGrainBelowZero(fault)) throw std::invalid_argument("a pad's grain names a grain below 0");
     return result;
 }
@@ -75,21 +72,21 @@ HRESULT CGrooveSampler::loadFile(const char* path, LoadFault& fault) {
 HRESULT CGrooveSampler::loadForm(RiffStream& stream, Solo solo, LoadFault& fault) {
     Project project;
     bool forced;
-    WAVEFORMATEX format;
+    EngineRates rates;
     {
-        CAutoLock lock(*this);
+        const CAutoLock lock(*this);
         forced = CheckFormat() != 0;
-        format = inputFormat;
-        project.auditionEnabled = auditionEnabled;
+        rates = {inputFormat, context().GetSampleRate()};
+        project.auditionEnabled = auditionEnabled_;
     }
     fault = readProject(stream, project);
     stream.close();
     {
-        CAutoLock lock(*this);
-        auditionEnabled = project.auditionEnabled;
+        const CAutoLock lock(*this);
+        auditionEnabled_ = project.auditionEnabled;
     }
     ProjectTracks tracks;
-    if (!fault) fault = buildTracks(project, format, &context(), tracks);
+    if (!fault) fault = buildTracks(project, rates, tracks);
     if (fault) return codeOf(fault);
     publish(project, tracks, solo);
     return forced ? kFormatForced : S_OK;
@@ -98,15 +95,14 @@ HRESULT CGrooveSampler::loadForm(RiffStream& stream, Solo solo, LoadFault& fault
 void CGrooveSampler::publish(const Project& project, ProjectTracks& tracks, Solo solo) {
     // Whatever others have laid on the emptied project meanwhile goes.
     FormerProject former;
-    CAutoLock lock(*this);
+    const WritersTurn turn(*this);
+    const CAutoLock lock(*this);
     removeProject(former);
-    for (std::size_t pad = 0; pad < pads.size(); ++pad) pads[pad]->SwapPad(*tracks.pads[pad]);
-    for (auto& file : tracks.files) binFiles.Add(std::move(file));
-    for (const KeyMapRecord& keys : project.keys) {
-        keyMap.AddOrReplace({keys.pad, padAt(keys.pad), keys.lowKey, keys.highKey, keys.rootKey,
-                             keys.lowVelocity, keys.highVelocity});
-    }
-    if (solo == Solo::recomputed) recomputeAnySolo();
+    Model& model = bank_.change();
+    std::swap(model.pads, tracks.pads);
+    std::swap(model.bin, tracks.files);
+    for (const KeyMapRecord& keys : project.keys) model.keys.AddOrReplace(keys);
+    if (solo == Solo::recomputed) model.recomputeAnySolo();
 }
 
 }  // namespace marnoth

@@ -1,5 +1,4 @@
 #include <exception>
-#include <memory>
 #include <optional>
 #include <vector>
 
@@ -11,40 +10,38 @@
 namespace marnoth {
 namespace {
 
-std::vector<GrainRecord> grainsOf(const CGrooveTrack& track) {
-    std::vector<GrainRecord> grains;
+std::vector<GrainSettings> grainsOf(const CGrooveTrack& track) {
+    std::vector<GrainSettings> grains;
     grains.reserve(static_cast<std::size_t>(track.GetSize()));
-    for (std::int32_t i = 0; i < track.GetSize(); ++i) grains.push_back(track.GetAt(i).ToRecord());
+    track.grains().forEach([&](const CGrooveEvent& grain) { grains.push_back(grain); });
     return grains;
 }
 
-using BinFiles = CPreAllocArray<std::unique_ptr<CGrooveTrack>>;
-
-bool isCutFrom(const CGrooveEvent& grain, const BinFiles& files, std::int32_t file) {
-    return file >= 0 && file < files.GetSize() && files[file]->sample == grain.sample;
+bool isCutFrom(const CGrooveEvent& grain, const LoopBin& bin, std::int32_t file) {
+    return bin.has(file) && bin[file].sample == grain.sample;
 }
 
 /// The number that the file of a pad's grain has now; none when the file is gone. Undo brings back grains
 /// with the numbers that files had before one was removed.
-std::optional<std::int32_t> presentFile(const CGrooveEvent& grain, const BinFiles& files) {
-    if (isCutFrom(grain, files, grain.binFile)) return grain.binFile;
-    for (std::int32_t file = 0; file < files.GetSize(); ++file) {
-        if (isCutFrom(grain, files, file)) return file;
+std::optional<std::int32_t> presentFile(const CGrooveEvent& grain, const LoopBin& bin) {
+    if (isCutFrom(grain, bin, grain.binFile)) return grain.binFile;
+    for (std::int32_t file = 0; file < bin.size(); ++file) {
+        if (isCutFrom(grain, bin, file)) return file;
     }
     return std::nullopt;
 }
 
 /// Without the grains whose file is gone: their audio goes into no project, and a load would give them that
 /// of another file.
-std::vector<GrainRecord> padGrainsOf(const CGrooveTrack& pad, const BinFiles& files) {
-    std::vector<GrainRecord> grains;
+std::vector<GrainSettings> padGrainsOf(const CGrooveTrack& pad, const LoopBin& bin) {
+    std::vector<GrainSettings> grains;
     grains.reserve(static_cast<std::size_t>(pad.GetSize()));
-    for (std::int32_t i = 0; i < pad.GetSize(); ++i) {
-        const auto file = presentFile(pad.GetAt(i), files);
-        if (!file) continue;
-        grains.push_back(pad.GetAt(i).ToRecord());
+    pad.grains().forEach([&](const CGrooveEvent& grain) {
+        const auto file = presentFile(grain, bin);
+        if (!file) return;
+        grains.push_back(grain);
         grains.back().binFile = *file;
-    }
+    });
     return grains;
 }
 
@@ -54,10 +51,7 @@ std::vector<KeyMapRecord> keysOf(const CKeyMap& keyMap) {
     std::vector<KeyMapRecord> keys;
     KeyMapRecord last{};
     for (std::int32_t pad = 0; pad < keyMap.GetSize(); ++pad) {
-        if (const TrackKeyInfoImp* entry = keyMap.find(pad)) {
-            last = {entry->pad,     entry->lowKey,      entry->highKey,
-                    entry->rootKey, entry->lowVelocity, entry->highVelocity};
-        }
+        if (const KeyMapRecord* entry = keyMap.find(pad)) last = *entry;
         keys.push_back(last);
     }
     return keys;
@@ -65,56 +59,21 @@ std::vector<KeyMapRecord> keysOf(const CKeyMap& keyMap) {
 
 }  // namespace
 
-GrainRecord CGrooveEvent::ToRecord() const {
-    GrainRecord record;
-    record.binFile = binFile;
-    record.binGrain = binGrain;
-    record.startTicks = startTicks;
-    record.startSamples = startSamples;
-    record.lengthTicks = lengthTicks;
-    record.lengthSamples = lengthSamples;
-    record.tailLengthSamples = tailLengthSamples;
-    record.tempoLocked = tempoLocked;
-    record.pitchRatio = pitchRatio;
-    record.transpose = transpose;
-    record.volume = volume;
-    record.pan = pan;
-    record.tailOn = tailOn;
-    record.sampleOffset = sampleOffset;
-    record.peakOffset = peakOffset;
-    record.peakCount = peakCount;
-    return record;
-}
-
-TrackRecord CGrooveTrack::ToRecord() const {
-    TrackRecord record;
-    record.lengthSamples = lengthSamples;
-    record.lengthTicks = lengthTicks;
-    record.looping = looping;
-    record.synced = synced;
-    record.mute = mute;
-    record.solo = solo;
-    record.oneShot = oneShot;
-    record.tailOn = tailOn;
-    record.followKey = followKey;
-    record.rootNote = rootNote;
-    record.output = output;
-    record.midiChannel = midiChannel;
-    record.volume = volume;
-    record.pan = pan;
-    return record;
-}
-
 Project CGrooveSampler::takeProject() {
-    CAutoLock lock(*this);
+    Model now;
     Project project;
-    project.auditionEnabled = auditionEnabled;
-    project.keys = keysOf(keyMap);
-    for (const auto& file : binFiles) {
-        project.files.push_back({file->ToRecord(), file->name, file->path, file->sample, grainsOf(*file)});
+    {
+        const CAutoLock lock(*this);
+        now = bank_.present();
+        project.auditionEnabled = auditionEnabled_;
     }
-    for (std::size_t pad = 0; pad < pads.size(); ++pad) {
-        project.pads[pad] = {pads[pad]->ToRecord(), padGrainsOf(*pads[pad], binFiles)};
+    project.keys = keysOf(now.keys);
+    for (const BinFile& file : now.bin) {
+        project.files.push_back(
+            {file.track, file.names->name, file.names->path, file.sample, grainsOf(file.track)});
+    }
+    for (std::size_t pad = 0; pad < now.pads.size(); ++pad) {
+        project.pads[pad] = {now.pads[pad], padGrainsOf(now.pads[pad], now.bin)};
     }
     return project;
 }

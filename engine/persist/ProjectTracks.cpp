@@ -1,10 +1,15 @@
 #include "engine/persist/ProjectTracks.h"
 
 #include <algorithm>
+#include <array>
+#include <memory>
 #include <new>
+#include <optional>
 #include <utility>
+#include <vector>
 
 #include "engine/persist/TailPlan.h"
+#include "platform/system/Overflow.h"
 #include "platform/system/Parallel.h"
 #include "project/ProjectReader.h"
 #include "project/ProjectScale.h"
@@ -25,18 +30,18 @@ void holdToPeakTable(CGrooveEvent& grain) {
     grain.peakCount = std::min(grain.peakCount, kEntries - grain.peakOffset);
 }
 
-/// A grain of `wave` after a scaled record that lies within it.
-std::unique_ptr<CGrooveEvent> makeGrain(const GrainRecord& record, const RefPtr<CWaveMem>& wave) {
-    auto grain = std::make_unique<CGrooveEvent>();
-    grain->FromRecord(record);
-    grain->tailLengthSamples = 0;
-    grain->AttachSample(wave, record.sampleOffset);
-    holdToPeakTable(*grain);
+/// A grain of `wave` after scaled settings that lie within it.
+CGrooveEvent makeGrain(const GrainSettings& settings, const RefPtr<CWaveMem>& wave) {
+    CGrooveEvent grain;
+    static_cast<GrainSettings&>(grain) = settings.sanitized();
+    grain.tailLengthSamples = 0;
+    grain.AttachSample(wave, settings.sampleOffset);
+    holdToPeakTable(grain);
     return grain;
 }
 
 /// What a file says of its own grains is taken as far as the file reaches.
-GrainRecord heldTo(GrainRecord record, std::int64_t frames) {
+GrainSettings heldTo(GrainSettings record, std::int64_t frames) {
     record.sampleOffset = std::clamp<std::int64_t>(record.sampleOffset, 0, frames);
     record.lengthSamples = std::clamp<std::int64_t>(record.lengthSamples, 0, frames - record.sampleOffset);
     return record;
@@ -44,7 +49,7 @@ GrainRecord heldTo(GrainRecord record, std::int64_t frames) {
 
 /// The place in the wave of a pad's grain. Places and ends are rounded each for itself when the rate changes:
 /// a frame too many is cut then.
-bool fitInto(GrainRecord& record, std::int64_t frames, bool rateChanged) {
+bool fitInto(GrainSettings& record, std::int64_t frames, bool rateChanged) {
     record.lengthSamples = std::max<std::int64_t>(record.lengthSamples, 0);
     const std::int64_t excess = rateChanged ? 1 : 0;
     if (record.sampleOffset < 0 || frames < 1 || record.sampleOffset >= frames + excess) return false;
@@ -55,11 +60,20 @@ bool fitInto(GrainRecord& record, std::int64_t frames, bool rateChanged) {
     return true;
 }
 
+/// The grains of one track, each in its place from the beginning, since tails are built for many at a time.
+using Grains = std::vector<CGrooveEvent>;
+
+GrainList listOf(Grains& grains) {
+    std::vector<RefPtr<const GrainPart>> parts;
+    parts.reserve(grains.size());
+    for (CGrooveEvent& grain : grains) parts.push_back(GrainList::part(std::move(grain)));
+    return GrainList(std::move(parts));
+}
+
 class TrackBuilding {
 public:
-    TrackBuilding(Project& project, const WAVEFORMATEX& format, CPziSynthContext* context,
-                  ProjectTracks& tracks)
-        : project_(project), format_(format), context_(context), tracks_(tracks) {}
+    TrackBuilding(Project& project, const EngineRates& rates, ProjectTracks& tracks)
+        : project_(project), rates_(rates), tracks_(tracks) {}
 
     LoadFault build() {
         if (FAILED(prepareWaves())) return {.kind = FaultKind::noMemory};
@@ -70,6 +84,7 @@ public:
         if (tails_.frames() > mostTails)
             return badValue(FaultQuantity::tailFrames, tails_.frames(), 0, mostTails);
         if (FAILED(tails_.build())) return {.kind = FaultKind::noMemory};
+        putGrains();
         return {};
     }
 
@@ -78,22 +93,25 @@ private:
     HRESULT prepareWaves();
     HRESULT prepareWave(CWaveMem& wave) const;
     void addFile(ProjectFile& file);
-    void addFileGrain(CGrooveTrack& track, const GrainRecord& saved);
+    CGrooveEvent makeFileGrain(const RefPtr<CWaveMem>& wave, const GrainSettings& saved,
+                               std::int32_t index) const;
     void addPad(std::size_t pad);
-    const CGrooveTrack* fileOf(const GrainRecord& record) const;
-    double ratioOfPad(const CGrooveTrack& pad) const;
-    std::unique_ptr<CGrooveEvent> makePadGrain(const GrainRecord& saved);
+    /// Once they have their tails.
+    void putGrains();
+    double ratioOfPad(const Grains& grains) const;
+    std::optional<CGrooveEvent> makePadGrain(const GrainSettings& saved) const;
 
     Project& project_;
-    const WAVEFORMATEX& format_;
-    CPziSynthContext* context_;
+    const EngineRates& rates_;
     ProjectTracks& tracks_;
+    std::array<Grains, kBinFiles> fileGrains_;
+    std::array<Grains, kPads> padGrains_;
     TailPlan tails_;
     std::int64_t audioFrames_ = 0;
 };
 
 HRESULT TrackBuilding::prepareWave(CWaveMem& wave) const {
-    if (const HRESULT result = wave.Resample(format_); FAILED(result)) return result;
+    if (const HRESULT result = wave.Resample(rates_.format); FAILED(result)) return result;
     return wave.BuildPeaks(0, CWaveMem::kPeakPoints);
 }
 
@@ -104,7 +122,7 @@ std::int64_t TrackBuilding::countFrames() const {
 }
 
 HRESULT TrackBuilding::prepareWaves() {
-    std::array<HRESULT, 16> results{};
+    std::array<HRESULT, kBinFiles> results{};
     const auto prepareAt = [&](std::size_t i) { results.at(i) = prepareWave(*project_.files[i].wave); };
     if (countFrames() >= kWorthThreads) {
         forEachInParallel(project_.files.size(), prepareAt);
@@ -119,62 +137,73 @@ HRESULT TrackBuilding::prepareWaves() {
 }
 
 void TrackBuilding::addFile(ProjectFile& file) {
-    auto track = std::make_unique<CGrooveTrack>(context_);
-    track->sample = std::move(file.wave);
-    track->FromRecord(scaledTrack(file.settings, track->sample->rateRatio));
-    track->name = std::move(file.name);
-    track->path = std::move(file.path);
-    for (const GrainRecord& saved : file.grains) addFileGrain(*track, saved);
-    tracks_.files.push_back(std::move(track));
+    BinFile built;
+    built.sample = std::move(file.wave);
+    static_cast<TrackSettings&>(built.track) =
+        scaledTrack(file.settings, built.sample->rateRatio).sanitized();
+    built.track.RecomputeTempo(rates_.sampleRate);
+    built.names =
+        std::make_shared<const BinFile::Names>(BinFile::Names{std::move(file.name), std::move(file.path)});
+    Grains& grains = fileGrains_[static_cast<std::size_t>(tracks_.files.size())];
+    grains.reserve(file.grains.size());
+    for (const GrainSettings& saved : file.grains) {
+        grains.push_back(makeFileGrain(built.sample, saved, static_cast<std::int32_t>(grains.size())));
+        tails_.add(grains.back());
+    }
+    tracks_.files.add(std::move(built));
 }
 
-void TrackBuilding::addFileGrain(CGrooveTrack& track, const GrainRecord& saved) {
-    const CWaveMem& wave = *track.sample;
-    auto grain = makeGrain(heldTo(scaledGrain(saved, wave.rateRatio), wave.frames), track.sample);
+CGrooveEvent TrackBuilding::makeFileGrain(const RefPtr<CWaveMem>& wave, const GrainSettings& saved,
+                                          std::int32_t index) const {
+    CGrooveEvent grain = makeGrain(heldTo(scaledGrain(saved, wave->rateRatio), wave->frames), wave);
     // A grain from nowhere would come back from a pad as one that no project may hold.
-    if (grain->binFile < 0) grain->binFile = static_cast<std::int32_t>(tracks_.files.size());
-    if (grain->binGrain < 0) grain->binGrain = track.GetSize();
-    tails_.add(*grain);
-    track.append(std::move(grain));
+    if (grain.binFile < 0) grain.binFile = tracks_.files.size();
+    if (grain.binGrain < 0) grain.binGrain = index;
+    return grain;
+}
+
+void TrackBuilding::putGrains() {
+    for (std::int32_t file = 0; file < tracks_.files.size(); ++file)
+        tracks_.files[file].track.SetGrains(listOf(fileGrains_[static_cast<std::size_t>(file)]));
+    for (std::size_t pad = 0; pad < tracks_.pads.size(); ++pad)
+        tracks_.pads[pad].SetGrains(listOf(padGrains_[pad]));
 }
 
 void TrackBuilding::addPad(std::size_t pad) {
     const ProjectPad& saved = project_.pads[pad];
-    auto track = std::make_unique<CGrooveTrack>(context_);
-    for (const GrainRecord& record : saved.grains) {
-        if (auto grain = makePadGrain(record)) track->append(std::move(grain));
+    Grains& grains = padGrains_[pad];
+    grains.reserve(saved.grains.size());
+    for (const GrainSettings& settings : saved.grains) {
+        auto grain = makePadGrain(settings);
+        if (!grain) continue;
+        grains.push_back(std::move(*grain));
+        tails_.add(grains.back());
     }
-    track->FromRecord(scaledTrack(saved.settings, ratioOfPad(*track)));
-    tracks_.pads[pad] = std::move(track);
+    CGrooveTrack& track = tracks_.pads[pad];
+    static_cast<TrackSettings&>(track) = scaledTrack(saved.settings, ratioOfPad(grains)).sanitized();
+    track.RecomputeTempo(rates_.sampleRate);
 }
 
-const CGrooveTrack* TrackBuilding::fileOf(const GrainRecord& record) const {
-    const auto file = static_cast<std::size_t>(record.binFile);
-    return file < tracks_.files.size() ? tracks_.files[file].get() : nullptr;
+double TrackBuilding::ratioOfPad(const Grains& grains) const {
+    if (!grains.empty()) return grains.front().sample->rateRatio;
+    return tracks_.files.size() == 0 ? 1.0 : tracks_.files[0].sample->rateRatio;
 }
 
-double TrackBuilding::ratioOfPad(const CGrooveTrack& pad) const {
-    if (pad.GetSize() > 0) return pad.GetAt(0).sample->rateRatio;
-    return tracks_.files.empty() ? 1.0 : tracks_.files.front()->sample->rateRatio;
-}
-
-std::unique_ptr<CGrooveEvent> TrackBuilding::makePadGrain(const GrainRecord& saved) {
-    const CGrooveTrack* const file = fileOf(saved);
-    if (!file || saved.binGrain >= file->GetSize()) return nullptr;
-    const RefPtr<CWaveMem>& wave = file->GetAt(saved.binGrain).sample;
-    GrainRecord record = scaledGrain(saved, wave->rateRatio);
-    if (!fitInto(record, wave->frames, wave->rateRatio != 1.0)) return nullptr;
-    auto grain = makeGrain(record, wave);
-    tails_.add(*grain);
-    return grain;
+std::optional<CGrooveEvent> TrackBuilding::makePadGrain(const GrainSettings& saved) const {
+    if (!tracks_.files.has(saved.binFile)) return std::nullopt;
+    const Grains& grains = fileGrains_[static_cast<std::size_t>(saved.binFile)];
+    if (saved.binGrain >= static_cast<std::int32_t>(grains.size())) return std::nullopt;
+    const RefPtr<CWaveMem>& wave = grains[static_cast<std::size_t>(saved.binGrain)].sample;
+    GrainSettings settings = scaledGrain(saved, wave->rateRatio);
+    if (!fitInto(settings, wave->frames, wave->rateRatio != 1.0)) return std::nullopt;
+    return makeGrain(settings, wave);
 }
 
 }  // namespace
 
-LoadFault buildTracks(Project& project, const WAVEFORMATEX& format, CPziSynthContext* context,
-                      ProjectTracks& tracks) {
+LoadFault buildTracks(Project& project, const EngineRates& rates, ProjectTracks& tracks) {
     try {
-        return TrackBuilding(project, format, context, tracks).build();
+        return TrackBuilding(project, rates, tracks).build();
     } catch (const std::bad_alloc&) {
         return {.kind = FaultKind::noMemory};
     }

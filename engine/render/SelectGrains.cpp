@@ -1,84 +1,134 @@
+#include "engine/render/SelectGrains.h"
+
 #include <algorithm>
 
-#include "engine/GrooveSampler.h"
 #include "platform/system/Overflow.h"
 
 namespace marnoth {
 namespace {
 
-/// The end of a grain that starts at `start`, in `kind`. A grain that isn't cut on the beat, or plays its
-/// tail, keeps its natural duration at any tempo.
-std::int64_t endOf(const CGrooveEvent& grain, std::int64_t start, std::uint32_t kind,
-                   CPziSynthContext& context) {
-    const bool keepsDuration = kind == kTicks16 && (!grain.tempoLocked || grain.playsTail());
-    if (!keepsDuration) return plus(start, grain.GetLength(kind, 1));
-    return context.SamplesToTicks(plus(context.TicksToSamples(start), grain.GetLength(kSamples, 1)));
+/// By what a track's times are read.
+std::uint32_t kindOf(const CGrooveTrack& track) {
+    return track.synced ? kTicks16 : kSamples;
 }
+
+/// Goes through the grains of one cycle.
+class CycleWalk {
+public:
+    CycleWalk(StreamEvents& events, const GrainReach& all, std::uint32_t kind, TimeRange range,
+              std::int64_t base, BlockTime& time)
+        : events_(events), kind_(kind), range_(range), base_(base), time_(time) {
+        if (kind == kTicks16 && all.lastKeptStart != GrainReach::kBefore) keptFrom_ = earliestKept(all);
+    }
+
+    /// False at the end of the walk: the first grain that starts behind the range.
+    bool walk(const GrainPart& part) {
+        if (part.isGrain()) return takeGrain(part.grain());
+        // None of them sounds; but a late start among them ends the walk all the same.
+        if (!maySound(part.reach)) return part.reach.in(kind_).lastStart <= range_.to;
+        for (const auto& inner : part)
+            if (!walk(*inner)) return false;
+        return true;
+    }
+    bool found() const { return found_; }
+
+private:
+    bool takeGrain(const CGrooveEvent& grain) {
+        const std::int64_t start = grain.GetStart(kind_);
+        if (start > range_.to) return false;
+        const std::int64_t end = endOf(grain, start);
+        if (end <= range_.from || start >= range_.to) return true;
+        events_.Add({&grain, plus(start, base_), plus(end, base_), plus(std::max(range_.from, start), base_),
+                     plus(std::min(end, range_.to), base_)});
+        found_ = true;
+        return true;
+    }
+
+    std::int64_t endOf(const CGrooveEvent& grain, std::int64_t start) {
+        if (kind_ == kTicks16 && grain.keepsDuration()) return keptEnd(start, grain.GetLength(kSamples, 1));
+        return plus(start, grain.GetLength(kind_, 1));
+    }
+
+    /// Where a grain that keeps its duration ends at the tempo in force.
+    std::int64_t keptEnd(std::int64_t start, std::int64_t samples) {
+        return time_.toTicks(plus(time_.toSamples(start), samples));
+    }
+
+    /// Of the grains that keep their duration, those that start before this have ended before the range. It
+    /// saves most parts the conversions; the margin is far beyond what these round.
+    std::int64_t earliestKept(const GrainReach& all) {
+        constexpr std::int64_t kMarginSamples = 64;
+        constexpr std::int64_t kMarginTicks = 1 << 16;
+        const std::int64_t latestEnd = minus(time_.toSamples(range_.from), kMarginSamples);
+        return minus(time_.toTicks(minus(latestEnd, all.longestKept)), kMarginTicks);
+    }
+
+    /// False only when no grain of the part can sound. Conversions of time never run backward, so the last
+    /// start with the longest duration ends behind all of them.
+    bool maySound(const GrainReach& reach) {
+        const GrainReach::Span& span = reach.in(kind_);
+        if (span.firstStart >= range_.to) return false;
+        if (span.lastEnd > range_.from) return true;
+        if (kind_ != kTicks16 || reach.lastKeptStart < keptFrom_) return false;
+        return keptEnd(reach.lastKeptStart, reach.longestKept) > range_.from;
+    }
+
+    StreamEvents& events_;
+    const std::uint32_t kind_;
+    const TimeRange range_;
+    const std::int64_t base_;
+    BlockTime& time_;
+    std::int64_t keptFrom_ = GrainReach::kNever;  ///< 16.16 ticks; without such grains none is late enough
+    bool found_ = false;
+};
 
 }  // namespace
 
-std::int32_t CGrooveSampler::SelectGrains(CGrooveTrack& track, std::int64_t rangeStart, std::int64_t rangeEnd,
-                                          VoiceState& voice) {
-    streamEvents.RemoveAll();
+std::int32_t selectGrains(StreamEvents& events, const CGrooveTrack& track, const PadPhase& phase,
+                          const VoiceSpan& voice, bool ignoreLength, TimeRange range, BlockTime& time) {
+    events.RemoveAll();
     const std::int64_t loop = track.lengthTicks;
-    if (loop < 1 || silencedBySolo(track)) return 0;
-
-    VoiceLane lane = track.oneShot ? voice.shot : voice.gate;
-    std::uint32_t kind = kTicks16;
-    std::int64_t origin = minus(lane.start % loop, loop);
-    if (!track.synced) {
-        kind = kSamples;
-        origin = lane.from = voice.sampleFrom;
-        lane.end = voice.sampleEnd;
-        lane.length = voice.sampleLength;
-    }
-    const std::int64_t lower = std::max(rangeStart, lane.from);
-    const std::int64_t upper = std::min(rangeEnd, lane.end);
-    if (lane.length < 1 || lower >= upper) return 0;
-    const bool hasLength = !track.looping && !voice.ignoreLength;
-    if (hasLength && lower > plus(track.GetLength(kind), lane.from)) return -1;
-
-    track.SelectRange(streamEvents, origin, lower, upper, kind);
-    return streamEvents.GetSize();
+    if (loop < 1) return 0;
+    const std::int64_t origin = track.synced ? minus(voice.start % loop, loop) : voice.from;
+    const TimeRange heard{std::max(range.from, voice.from), std::min(range.to, voice.end)};
+    if (voice.length < 1 || heard.from >= heard.to) return 0;
+    const bool hasLength = !track.looping && !ignoreLength;
+    if (hasLength && heard.from > plus(track.GetLength(kindOf(track)), voice.from)) return -1;
+    selectRange(events, track, phase, origin, heard, time);
+    return events.GetSize();
 }
 
-std::int32_t CGrooveTrack::SelectRange(CPreAllocArray<StreamEventInfo>& events, std::int64_t origin,
-                                       std::int64_t from, std::int64_t to, std::uint32_t kind) {
+std::int32_t selectRange(StreamEvents& events, const CGrooveTrack& track, const PadPhase& phase,
+                         std::int64_t origin, TimeRange range, BlockTime& time) {
     // Only the pad that has just set the common zero counts from its own voice's start.
-    if (synced && !phaseOwner) origin = phaseOrigin;
+    if (track.synced && !phase.owner) origin = phase.origin;
     // A block longer than the loop plays the loop once.
-    const std::int64_t period = std::max(GetLength(kind), minus(to, from));
+    const std::int64_t period = std::max(track.GetLength(kindOf(track)), minus(range.to, range.from));
     if (period < 1) return 0;
-    const std::int64_t cycle = minus(from, origin) / period;
-    const std::int64_t a = minus(from, origin) % period;
-    const std::int64_t b = minus(to, origin) % period;
+    const std::int64_t cycle = minus(range.from, origin) / period;
+    const std::int64_t a = minus(range.from, origin) % period;
+    const std::int64_t b = minus(range.to, origin) % period;
     const bool crossesEnd = b <= a;
 
-    if (!looping) {
+    if (!track.looping) {
         if (crossesEnd ? cycle != 0 : cycle >= 1) return 0;
-        return CollectCycle(events, origin, a, crossesEnd ? period : b, cycle, kind);
+        return collectCycle(events, track, origin, {a, crossesEnd ? period : b}, cycle, time);
     }
-    if (!crossesEnd) return CollectCycle(events, origin, a, b, cycle, kind);
-    const std::int32_t before = CollectCycle(events, origin, a, period, cycle, kind);
-    const std::int32_t behind = CollectCycle(events, origin, 0, b, plus(cycle, 1), kind);
+    if (!crossesEnd) return collectCycle(events, track, origin, {a, b}, cycle, time);
+    const std::int32_t before = collectCycle(events, track, origin, {a, period}, cycle, time);
+    const std::int32_t behind = collectCycle(events, track, origin, {0, b}, plus(cycle, 1), time);
     return before | behind;
 }
 
-std::int32_t CGrooveTrack::CollectCycle(CPreAllocArray<StreamEventInfo>& events, std::int64_t origin,
-                                        std::int64_t from, std::int64_t to, std::int64_t cycle,
-                                        std::uint32_t kind) {
-    const std::int64_t base = plus(times(cycle, GetLength(kind)), origin);
-    std::int32_t found = 0;
-    for (const auto& grain : grains_) {
-        const std::int64_t start = grain->GetStart(kind);
-        if (start > to) break;
-        const std::int64_t end = endOf(*grain, start, kind, *context);
-        if (end <= from || start >= to) continue;
-        events.Add({grain.get(), plus(start, base), plus(end, base), plus(std::max(from, start), base),
-                    plus(std::min(end, to), base)});
-        found = 1;
-    }
-    return found;
+std::int32_t collectCycle(StreamEvents& events, const CGrooveTrack& track, std::int64_t origin,
+                          TimeRange range, std::int64_t cycle, BlockTime& time) {
+    const GrainPart* const grains = track.grains().root();
+    if (!grains) return 0;
+    const std::uint32_t kind = kindOf(track);
+    const std::int64_t base = plus(times(cycle, track.GetLength(kind)), origin);
+    CycleWalk walk(events, grains->reach, kind, range, base, time);
+    walk.walk(*grains);
+    return walk.found() ? 1 : 0;
 }
 
 }  // namespace marnoth

@@ -18,18 +18,16 @@ enum class PlayKind : std::uint32_t { binAudition = 0, pad = 1, grainAudition = 
 /// One pad (or Loop Bin file, or auditioned grain) that a voice is to play in this block.
 struct TrackPlayInfo {
     PlayKind kind = PlayKind::pad;
-    std::uint32_t oneShot = 0;      ///< the track's own, when the entry came from the key map; else 0
-    std::int32_t pad = 0;           ///< meaningful for `PlayKind::pad` only
-    CGrooveTrack* track = nullptr;  ///< not owned
-    std::int32_t semitones = 0;     ///< note minus root key; 0 for everything but notes
-    float gain = 1.0f;
+    std::int32_t pad = 0;                 ///< meaningful for `PlayKind::pad` only
+    const CGrooveTrack* track = nullptr;  ///< of the model that the block plays; not owned
+    std::int32_t semitones = 0;           ///< note minus root key; 0 for everything but notes
 };
 
 /// One grain to render in this block. The four times lie on the block's timeline, loop repetitions
 /// added: 16.16 ticks on a synced pad, samples on any other.
 struct StreamEventInfo {
-    CGrooveEvent* grain = nullptr;  ///< not owned
-    std::int64_t start = 0;         ///< of this occurrence of the grain
+    const CGrooveEvent* grain = nullptr;  ///< of the model that the block plays; not owned
+    std::int64_t start = 0;               ///< of this occurrence of the grain
     std::int64_t end = 0;
     std::int64_t clipStart = 0;  ///< the part to render now
     std::int64_t clipEnd = 0;
@@ -47,6 +45,8 @@ struct VoiceLane {
     void openEnd() { end = length = kOpenEnded; }
     /// The lane plays no more.
     void kill() { end = length = 0; }
+    /// The lane's end is known and reached. An end of 0 is that of a dead lane.
+    bool ranOut() const { return position >= end && end >= 1; }
 };
 
 /// The playing state of a voice: a note, a pad played from the page, an auditioned file, or an auditioned
@@ -61,10 +61,20 @@ struct VoiceState {
     std::uint32_t ignoreLength = 0;  ///< keeps a track that doesn't loop alive past its length (auditions)
     VoiceLane gate;
     VoiceLane shot;
-    std::int64_t sampleFrom = 0;  ///< samples; derived in each block for unsynced pads
-    std::int64_t sampleEnd = 0;
-    std::int64_t sampleLength = 0;
+
+    /// Both lanes begin at `ticks16`, with no end in sight.
+    void startBoth(std::int64_t ticks16);
+    void endBoth();
+    /// Both positions move on by the length of a block.
+    void advance(std::int64_t ticks16);
+    /// The pad, or the file, is to be started by the next block.
+    void requestStart();
+    /// The same for an audition, which plays on past the length of its track.
+    void requestAudition();
 };
+
+/// Reads a request and takes it away.
+bool take(std::uint32_t& request);
 
 /// The toggle of a one-shot pad that is played from notes.
 struct PadGate {

@@ -2,6 +2,8 @@
 
 #ifdef _WIN32
 #include <windows.h>
+
+#include <cstdint>
 #else
 #include <pthread.h>
 
@@ -32,16 +34,24 @@ public:
     void Unlock() {
         LeaveCriticalSection(&section_);
     }
+    /// True on the thread that holds it.
+    bool isHeldHere() const {
+        return reinterpret_cast<std::uintptr_t>(section_.OwningThread) == GetCurrentThreadId();
+    }
 
 private:
     CRITICAL_SECTION section_;
 #else
     void Lock() {
-        if (owner_.load(std::memory_order_relaxed) != pthread_self()) lockFirst();
+        if (!isHeldHere()) lockFirst();
         ++depth_;
     }
     void Unlock() {
         if (--depth_ == 0) unlockLast();
+    }
+    /// True on the thread that holds it.
+    bool isHeldHere() const {
+        return owner_.load(std::memory_order_relaxed) == pthread_self();
     }
 
 private:

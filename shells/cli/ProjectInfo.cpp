@@ -28,7 +28,7 @@ struct Loop {
     std::optional<double> tempo;
 };
 
-Loop loopOf(const TrackRecord& settings, std::uint32_t rate) {
+Loop loopOf(const TrackSettings& settings, std::uint32_t rate) {
     Loop loop{static_cast<double>(settings.lengthTicks) / kTicks16PerBeat, {}};
     if (settings.lengthSamples > 0)
         loop.tempo = loop.beats * 60.0 * rate / static_cast<double>(settings.lengthSamples);
@@ -57,7 +57,7 @@ struct PadView {
 
     /// Whether an empty project has it otherwise.
     bool isWorthTelling() const {
-        const TrackRecord& it = pad.settings;
+        const TrackSettings& it = pad.settings;
         const bool flagged = it.looping || it.synced || it.mute || it.solo || it.tailOn || it.followKey;
         const bool set = it.output || it.midiChannel != kOmni || it.rootNote != kNoRoot ||
                          it.volume != 1.0f || it.pan != 0.5f;
@@ -65,7 +65,7 @@ struct PadView {
     }
 
     std::vector<const char*> flags() const {
-        const TrackRecord& it = pad.settings;
+        const TrackSettings& it = pad.settings;
         const std::array<std::pair<std::uint32_t, const char*>, 7> all{{{it.looping, "looping"},
                                                                         {it.synced, "synced"},
                                                                         {it.oneShot, "one-shot"},
@@ -113,7 +113,7 @@ void printFile(const ProjectFile& file, std::size_t number, std::ostream& out) {
 }
 
 void printPad(const PadView& view, std::ostream& out) {
-    const TrackRecord& it = view.pad.settings;
+    const TrackSettings& it = view.pad.settings;
     const std::size_t grains = view.pad.grains.size();
     out << column(static_cast<std::size_t>(view.number)) << grains << (grains == 1 ? " grain, " : " grains, ")
         << fixed(loopOf(it, 0).beats, 4) << " beats";
@@ -165,7 +165,7 @@ Json fileJson(const ProjectFile& file) {
 }
 
 Json padJson(const PadView& view) {
-    const TrackRecord& it = view.pad.settings;
+    const TrackSettings& it = view.pad.settings;
     return {{"pad", view.number},
             {"grains", view.pad.grains.size()},
             {"beats", loopOf(it, 0).beats},

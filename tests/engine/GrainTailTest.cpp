@@ -10,14 +10,15 @@ namespace {
 
 /// A file of four grains of a quarter beat each, as a Loop Bin entry.
 struct LoadedLoop {
-    FakeSynthContext context;
-    CGrooveTrack file{&context};
+    CGrooveTrack file;
 
     LoadedLoop() {
         const TempPath path = WaveFile().floats().values(ramp(22050)).acid({.beats = 1}).writeTemp();
         CAcidWave wave;
         EXPECT_EQ(wave.Open(path.c_str()), S_OK);
-        EXPECT_FALSE(file.LoadFromWave(wave, L"loop", L"loop.wav", 0, floatFormat(44100, 1)));
+        BinFile bin;
+        EXPECT_FALSE(bin.LoadFromWave(wave, L"loop", L"loop.wav", 0, floatFormat(44100, 1), 44100));
+        file = bin.track;
         EXPECT_EQ(file.GetSize(), 4);
     }
 };
@@ -44,8 +45,8 @@ TEST(GrainTails, AreTwiceAsLongAsTheirGrainsWhateverTheTailFlag) {
 
 TEST(GrainTails, AreSharedByTheGrainsThatAPadCopies) {
     LoadedLoop it;
-    CGrooveTrack pad(&it.context);
-    ASSERT_EQ(pad.CopyGrainsFrom(it.file), S_OK);
+    CGrooveTrack pad;
+    pad.CopyGrainsFrom(it.file);
     for (std::int32_t i = 0; i < 4; ++i) EXPECT_EQ(pad.GetAt(i).tailWave, it.file.GetAt(i).tailWave);
 }
 

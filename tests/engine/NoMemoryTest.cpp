@@ -1,3 +1,4 @@
+#include <functional>
 #include <new>
 
 #include "engine/EditRig.h"
@@ -49,27 +50,84 @@ TEST(NoMemory, WithoutStorageForTheSamplesTheLoadSaysSo) {
     EXPECT_TRUE(said);
 }
 
-TEST(NoMemory, AFailedPushLeavesUndoAndPadsAsTheyWere) {
+TEST(NoMemory, UndoNeedsNone) {
     EditRig rig;
     rig.lay(0, loopFile(1, 8000));
-    rig.engine.PushUndoState();
-    rig.engine.SetPadRootNote(0, 9);
-    for (const std::int64_t call : {1, 5, 18}) {
-        const FailingAllocation failing(call);
-        EXPECT_THROW(rig.engine.PushUndoState(), std::bad_alloc);
+    {
+        const FailingAllocation failing(1);
+        EXPECT_EQ(rig.engine.PushUndoState(), S_OK);
+        rig.engine.SetPadRootNote(0, 9);
+        EXPECT_EQ(rig.engine.Undo(), S_OK);
+        EXPECT_FALSE(failing.happened());
     }
     EXPECT_EQ(rig.count(kPadLoop, 0), 4);
-    EXPECT_EQ(rig.engine.Redo(), S_FALSE);
-    EXPECT_EQ(rig.engine.Undo(), S_OK);
     EXPECT_EQ(rig.get(&IGrooveSampler::GetPadRootNote, 0), (((60 + 3) % 12) + 3) % 12);
     EXPECT_EQ(rig.engine.Undo(), S_FALSE);
 }
 
-TEST(NoMemory, AFileThatCantBeCopiedToAPadFails) {
+TEST(NoMemory, LayingAFileOnAPadNeedsNone) {
     EditRig rig;
     rig.load(loopFile(1, 8000));
-    const FailingAllocation failing(2);
-    EXPECT_EQ(rig.engine.LoadPadFromBin(0, 0), E_FAIL);
+    {
+        const FailingAllocation failing(1);
+        EXPECT_EQ(rig.engine.LoadPadFromBin(0, 0), S_OK);
+        EXPECT_FALSE(failing.happened());
+    }
+    EXPECT_EQ(rig.count(kPadLoop, 0), 4);
+}
+
+/// What can be seen of the pads 0 and 1.
+std::vector<std::int64_t> seen(EditRig& rig) {
+    std::vector<std::int64_t> all;
+    for (const std::int32_t pad : {0, 1}) {
+        const std::uint32_t index = static_cast<std::uint32_t>(pad);
+        for (const GrainListEntry& grain : rig.padGrains(pad))
+            all.insert(all.end(), {grain.startTicks, grain.endTicks, grain.transpose, grain.extra});
+        all.insert(all.end(), {rig.count(kPadLoop, index), rig.length(kPadLoop, index)});
+    }
+    return all;
+}
+
+TEST(NoMemory, AnEditThatRunsOutAnywhereLeavesEverythingAsItWas) {
+    using Edit = std::function<void(IGrooveSampler&)>;
+    std::int32_t newIndex = 0;
+    const std::vector<Edit> edits{
+        [](IGrooveSampler& engine) { engine.SetGrainTranspose(0, 2, 5); },
+        [](IGrooveSampler& engine) { engine.SetPadTail(0, 1); },
+        [](IGrooveSampler& engine) { engine.AddGrain(0, 1, 1, 5 * kBeat); },
+        [](IGrooveSampler& engine) { engine.ReplaceGrain(0, 3, 0, 0); },
+        [](IGrooveSampler& engine) { engine.DeleteGrain(0, 0, 0); },
+        [&](IGrooveSampler& engine) { engine.MoveGrain(0, 1, 1, 0, &newIndex, 0); },
+        [&](IGrooveSampler& engine) { engine.CopyGrain(0, 1, 0, 9 * kBeat, &newIndex); },
+        [](IGrooveSampler& engine) { engine.CommitGrainEdits(); },
+        [](IGrooveSampler& engine) { engine.RemoveBinFile(0); },
+    };
+    for (std::size_t which = 0; which < edits.size(); ++which) {
+        EditRig rig;
+        rig.lay(0, loopFile(1, 8000));
+        // Two grains that are out of order, so that there is something to commit.
+        rig.engine.CopyGrain(0, 0, 1, 3 * kBeat, &newIndex);
+        rig.engine.CopyGrain(0, 0, 1, 1 * kBeat, &newIndex);
+        const std::vector<std::int64_t> before = seen(rig);
+        int failures = 0;
+        for (std::int64_t call = 1;; ++call) {
+            ASSERT_LT(call, 1000);
+            bool threw = false;
+            {
+                const FailingAllocation failing(call);
+                try {
+                    edits[which](rig.engine);
+                } catch (const std::bad_alloc&) {
+                    threw = true;
+                }
+            }
+            if (!threw) break;
+            ++failures;
+            ASSERT_EQ(seen(rig), before) << "edit " << which << ", call " << call;
+        }
+        EXPECT_GT(failures, 0) << "edit " << which;
+        EXPECT_NE(seen(rig), before) << "edit " << which;
+    }
 }
 
 TEST(NoMemory, ASaveThatRunsOutAnywhereKeepsTheFormerProject) {

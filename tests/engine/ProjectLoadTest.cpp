@@ -339,11 +339,11 @@ Bytes saved(ProjectRig& rig) {
     return stream.bytes;
 }
 
-void expectSame(const TrackRecord& a, const TrackRecord& b) {
+void expectSame(const TrackSettings& a, const TrackSettings& b) {
     EXPECT_EQ(encode(a), encode(b));
 }
 
-void expectSame(const std::vector<GrainRecord>& a, const std::vector<GrainRecord>& b) {
+void expectSame(const std::vector<GrainSettings>& a, const std::vector<GrainSettings>& b) {
     ASSERT_EQ(a.size(), b.size());
     for (std::size_t i = 0; i < a.size(); ++i) EXPECT_EQ(encode(a[i]), encode(b[i]));
 }
@@ -418,8 +418,8 @@ TEST(ProjectLoad, TenTripsBetweenTwoRatesLoseNothing) {
     Project last;
     ASSERT_EQ(readBytes(before, first), S_OK);
     ASSERT_EQ(readBytes(now, last), S_OK);
-    const auto compare = [](const TrackRecord& a, const TrackRecord& b, const std::vector<GrainRecord>& ga,
-                            const std::vector<GrainRecord>& gb) {
+    const auto compare = [](const TrackSettings& a, const TrackSettings& b,
+                            const std::vector<GrainSettings>& ga, const std::vector<GrainSettings>& gb) {
         EXPECT_EQ(a.lengthTicks, b.lengthTicks);
         // Up by 160/147 and back: a rounding of at most half a frame comes back as less than half a frame.
         EXPECT_EQ(a.lengthSamples, b.lengthSamples);

@@ -17,16 +17,15 @@ std::int64_t scaled(std::int64_t n, std::int64_t from, std::int64_t to) {
 /// The tracks of a project at a rate.
 struct Tracks {
     explicit Tracks(const ProjectBytes& bytes, std::uint32_t rate = 44100) {
-        context.rate = static_cast<std::int32_t>(rate);
         Project project;
         EXPECT_EQ(readBytes(bytes.bytes(), project), S_OK);
-        fault = buildTracks(project, floatFormat(rate, 2), &context, tracks);
+        fault = buildTracks(project, {floatFormat(rate, 2), static_cast<std::int32_t>(rate)}, tracks);
         result = codeOf(fault);
     }
-    CGrooveTrack& file(std::size_t index) { return *tracks.files.at(index); }
-    CGrooveTrack& pad(std::size_t index) { return *tracks.pads.at(index); }
+    const BinFile& bin(std::int32_t index) { return tracks.files[index]; }
+    const CGrooveTrack& file(std::int32_t index) { return tracks.files[index].track; }
+    const CGrooveTrack& pad(std::size_t index) { return tracks.pads.at(index); }
 
-    FakeSynthContext context;
     ProjectTracks tracks;
     LoadFault fault;
     HRESULT result = E_UNEXPECTED;
@@ -49,10 +48,10 @@ TEST(ProjectTracks, AtTheSameRateEverythingStays) {
     const ProjectBytes bytes = twoFilesFourPads(1000);
     Tracks now(bytes);
     ASSERT_EQ(now.result, S_OK);
-    ASSERT_EQ(now.tracks.files.size(), 2u);
-    EXPECT_EQ(now.file(0).name, L"file 0");
-    EXPECT_EQ(now.file(1).path, L"C:\\loops\\file 1.wav");
-    EXPECT_EQ(now.file(0).sample->peakPoints, 544);
+    ASSERT_EQ(now.tracks.files.size(), 2);
+    EXPECT_EQ(now.bin(0).names->name, L"file 0");
+    EXPECT_EQ(now.bin(1).names->path, L"C:\\loops\\file 1.wav");
+    EXPECT_EQ(now.bin(0).sample->peakPoints, 544);
     EXPECT_EQ(now.pad(2).GetSize(), 4);
     for (std::int32_t i = 0; i < 4; ++i) {
         const CGrooveEvent& grain = now.pad(2).GetAt(i);
@@ -63,7 +62,7 @@ TEST(ProjectTracks, AtTheSameRateEverythingStays) {
         EXPECT_EQ(grain.lengthTicks, saved.lengthTicks);
         EXPECT_EQ(grain.lengthSamples, 250);
         EXPECT_EQ(grain.sampleOffset, saved.sampleOffset);
-        EXPECT_EQ(grain.sample, now.file(0).sample);
+        EXPECT_EQ(grain.sample, now.bin(0).sample);
         EXPECT_EQ(grain.format.nSamplesPerSec, 44100u);
         EXPECT_EQ(grain.peakOffset, saved.peakOffset);
         EXPECT_EQ(grain.peakCount, saved.peakCount);
@@ -103,10 +102,10 @@ TEST(ProjectTracks, AtAnotherRateAllFrameNumbersAreScaledAndTicksStay) {
             bytes.pads[0] = padOf(bytes.files[0]);
             Tracks now(bytes, to);
             ASSERT_EQ(now.result, S_OK);
-            const CWaveMem& wave = *now.file(0).sample;
+            const CWaveMem& wave = *now.bin(0).sample;
             EXPECT_EQ(wave.format.nSamplesPerSec, to);
             EXPECT_EQ(wave.frames, scaled(10007, from, to));
-            for (CGrooveTrack* track : {&now.file(0), &now.pad(0)}) {
+            for (const CGrooveTrack* track : {&now.file(0), &now.pad(0)}) {
                 EXPECT_EQ(track->lengthSamples, scaled(10007, from, to));
                 EXPECT_EQ(track->lengthTicks, 7 * kBeat);
                 EXPECT_DOUBLE_EQ(track->tempo, 7.0 * 60 * to / static_cast<double>(scaled(10007, from, to)));
@@ -263,7 +262,7 @@ TEST(ProjectTracks, PeaksOfGrainsStayWithinTheTable) {
     grains[3].peakOffset = 1, grains[3].peakCount = 0xFFFFFFFF;
     bytes.pads[0] = padOf(bytes.files[0]);
     Tracks now(bytes);
-    for (CGrooveTrack* track : {&now.file(0), &now.pad(0)}) {
+    for (const CGrooveTrack* track : {&now.file(0), &now.pad(0)}) {
         for (std::int32_t i = 0; i < 4; ++i) {
             const CGrooveEvent& grain = track->GetAt(i);
             EXPECT_LE(std::uint64_t{grain.peakOffset} + grain.peakCount, 545u);
@@ -289,7 +288,7 @@ TEST(ProjectTracks, TimesThatCannotBeAreNone) {
     EXPECT_EQ(now.pad(0).GetAt(0).startTicks, 0);
     EXPECT_EQ(now.pad(0).GetAt(0).lengthTicks, 0);
     EXPECT_EQ(now.pad(0).GetAt(0).startSamples, 0);
-    for (CGrooveTrack* track : {&now.file(0), &now.pad(0)}) {
+    for (const CGrooveTrack* track : {&now.file(0), &now.pad(0)}) {
         EXPECT_EQ(track->lengthTicks, 0);
         EXPECT_EQ(track->rootNote, -1);
         EXPECT_EQ(track->output, 0u);
@@ -369,7 +368,7 @@ TEST(ProjectTracks, FileWithoutFramesIsAFile) {
     for (const std::uint32_t rate : {44100u, 48000u}) {
         Tracks now(bytes, rate);
         EXPECT_EQ(now.result, S_OK);
-        EXPECT_EQ(now.file(0).sample->frames, 0);
+        EXPECT_EQ(now.bin(0).sample->frames, 0);
         EXPECT_EQ(now.file(0).tempo, 100.0);
     }
 }

@@ -2,6 +2,7 @@
 
 #include "dsp/Stretch.h"
 #include "engine/VoiceRig.h"
+#include "engine/render/SelectGrains.h"
 
 namespace marnoth::test::selection_test {
 namespace {
@@ -86,22 +87,32 @@ TEST(Selection, BlockOf100GrainsIsWhole) {
 /// per minute.
 struct TwoGrains {
     FakeSynthContext context;
-    CGrooveTrack track{&context};
-    CPreAllocArray<StreamEventInfo> events{kStreamEvents};
+    BlockTime time{context};
+    CGrooveTrack track;
+    PadPhase phase;
+    StreamEvents events{kStreamEvents};
 
     TwoGrains() {
         context.rate = 48000;
         for (const std::int64_t beat : {0, 2}) {
-            auto grain = std::make_unique<CGrooveEvent>();
-            grain->lengthTicks = kBeat;
-            grain->lengthSamples = 24000;
-            grain->tempoLocked = 1;
-            track.AppendGrain(std::move(grain), beat * kBeat, false);
+            CGrooveEvent grain;
+            grain.lengthTicks = kBeat;
+            grain.lengthSamples = 24000;
+            grain.tempoLocked = 1;
+            track.AppendGrain(grain, beat * kBeat, false, 48000);
         }
         track.SetLength(4 * kBeat, kTicks16);
         track.SetLength(96000, kSamples);
         track.looping = 1;
-        track.GetAt(1).startSamples = 48000;
+        track.ChangeAt(1, [](CGrooveEvent& grain) { grain.startSamples = 48000; });
+    }
+    std::int32_t select(std::int64_t origin, std::int64_t from, std::int64_t to) {
+        time.begin(0, 1);
+        return selectRange(events, track, phase, origin, {from, to}, time);
+    }
+    std::int32_t collect(std::int64_t origin, std::int64_t from, std::int64_t to, std::int64_t cycle) {
+        time.begin(0, 1);
+        return collectCycle(events, track, origin, {from, to}, cycle, time);
     }
     void expectEvent(std::int32_t index, std::int32_t grain, std::int64_t start, std::int64_t end,
                      std::int64_t clipStart, std::int64_t clipEnd) {
@@ -114,9 +125,14 @@ struct TwoGrains {
     }
 };
 
+/// The same, played by its ticks.
+struct TwoSyncedGrains : TwoGrains {
+    TwoSyncedGrains() { track.synced = 1; }
+};
+
 TEST(SelectRange, ClipsGrainsToTheRange) {
     TwoGrains it;
-    EXPECT_EQ(it.track.SelectRange(it.events, 1000, 11000, 51000, kSamples), 1);
+    EXPECT_EQ(it.select(1000, 11000, 51000), 1);
     ASSERT_EQ(it.events.GetSize(), 2);
     it.expectEvent(0, 0, 1000, 25000, 11000, 25000);
     it.expectEvent(1, 1, 49000, 73000, 49000, 51000);
@@ -124,13 +140,13 @@ TEST(SelectRange, ClipsGrainsToTheRange) {
 
 TEST(SelectRange, GrainThatOnlyTouchesTheRangeIsLeftOut) {
     TwoGrains it;
-    EXPECT_EQ(it.track.SelectRange(it.events, 0, 24000, 48000, kSamples), 0);
+    EXPECT_EQ(it.select(0, 24000, 48000), 0);
     EXPECT_EQ(it.events.GetSize(), 0);
 }
 
 TEST(SelectRange, CrossesTheLoopsEnd) {
     TwoGrains it;
-    EXPECT_EQ(it.track.SelectRange(it.events, 0, 96000 + 60000, 2 * 96000 + 500, kSamples), 1);
+    EXPECT_EQ(it.select(0, 96000 + 60000, 2 * 96000 + 500), 1);
     ASSERT_EQ(it.events.GetSize(), 2);
     it.expectEvent(0, 1, 144000, 168000, 156000, 168000);
     it.expectEvent(1, 0, 192000, 216000, 192000, 192500);
@@ -139,9 +155,9 @@ TEST(SelectRange, CrossesTheLoopsEnd) {
 TEST(SelectRange, WithoutALoopNothingComesBehindTheFirstLength) {
     TwoGrains it;
     it.track.looping = 0;
-    EXPECT_EQ(it.track.SelectRange(it.events, 0, 96000, 97000, kSamples), 0);
-    EXPECT_EQ(it.track.SelectRange(it.events, 0, 2 * 96000 - 10, 2 * 96000 + 10, kSamples), 0);
-    EXPECT_EQ(it.track.SelectRange(it.events, 0, 60000, 97000, kSamples), 1);
+    EXPECT_EQ(it.select(0, 96000, 97000), 0);
+    EXPECT_EQ(it.select(0, 2 * 96000 - 10, 2 * 96000 + 10), 0);
+    EXPECT_EQ(it.select(0, 60000, 97000), 1);
     ASSERT_EQ(it.events.GetSize(), 1);
     it.expectEvent(0, 1, 48000, 72000, 60000, 72000);
 }
@@ -149,35 +165,33 @@ TEST(SelectRange, WithoutALoopNothingComesBehindTheFirstLength) {
 TEST(SelectRange, WithoutALoopNothingComesAheadOfTheZero) {
     TwoGrains it;
     it.track.looping = 0;
-    EXPECT_EQ(it.track.SelectRange(it.events, 0, -96000 - 100, -96000 + 400, kSamples), 0);
-    EXPECT_EQ(it.track.SelectRange(it.events, 0, -100, 400, kSamples), 1);
+    EXPECT_EQ(it.select(0, -96000 - 100, -96000 + 400), 0);
+    EXPECT_EQ(it.select(0, -100, 400), 1);
     ASSERT_EQ(it.events.GetSize(), 1);
     it.expectEvent(0, 0, 0, 24000, 0, 400);
 }
 
 TEST(SelectRange, SyncedTrackCountsFromTheCommonZero) {
-    TwoGrains it;
-    it.track.synced = 1;
-    it.track.phaseOrigin = kBeat;
-    EXPECT_EQ(it.track.SelectRange(it.events, 0, kBeat, 2 * kBeat, kTicks16), 1);
+    TwoSyncedGrains it;
+    it.phase.origin = kBeat;
+    EXPECT_EQ(it.select(0, kBeat, 2 * kBeat), 1);
     ASSERT_EQ(it.events.GetSize(), 1);
     it.expectEvent(0, 0, kBeat, 2 * kBeat, kBeat, 2 * kBeat);
 }
 
 TEST(SelectRange, PadThatSetTheZeroCountsFromItsOwnStart) {
-    TwoGrains it;
-    it.track.synced = 1;
-    it.track.phaseOrigin = kBeat;
-    it.track.phaseOwner = 1;
-    EXPECT_EQ(it.track.SelectRange(it.events, 0, 2 * kBeat, 3 * kBeat, kTicks16), 1);
+    TwoSyncedGrains it;
+    it.phase.origin = kBeat;
+    it.phase.owner = 1;
+    EXPECT_EQ(it.select(0, 2 * kBeat, 3 * kBeat), 1);
     ASSERT_EQ(it.events.GetSize(), 1);
     it.expectEvent(0, 1, 2 * kBeat, 3 * kBeat, 2 * kBeat, 3 * kBeat);
 }
 
 TEST(SelectRange, UnsyncedTrackIgnoresTheCommonZero) {
     TwoGrains it;
-    it.track.phaseOrigin = kBeat;
-    it.track.SelectRange(it.events, 0, 0, 100, kSamples);
+    it.phase.origin = kBeat;
+    it.select(0, 0, 100);
     ASSERT_EQ(it.events.GetSize(), 1);
     it.expectEvent(0, 0, 0, 24000, 0, 100);
 }
@@ -185,71 +199,72 @@ TEST(SelectRange, UnsyncedTrackIgnoresTheCommonZero) {
 TEST(SelectRange, TrackWithoutALengthPlaysOnlyWhatLiesAtItsZero) {
     TwoGrains it;
     it.track.lengthSamples = 0;
-    EXPECT_EQ(it.track.SelectRange(it.events, 0, 0, 0, kSamples), 0);
+    EXPECT_EQ(it.select(0, 0, 0), 0);
 }
 
 TEST(CollectCycle, GrainBehindOneThatStartsTooLateIsNotLookedAt) {
-    TwoGrains it;
-    auto late = std::make_unique<CGrooveEvent>();
-    late->lengthTicks = kBeat;
-    late->tempoLocked = 1;
-    it.track.AppendGrain(std::move(late), 0, false);
-    it.track.CollectCycle(it.events, 0, 0, kBeat, 0, kTicks16);
+    TwoSyncedGrains it;
+    CGrooveEvent late;
+    late.lengthTicks = kBeat;
+    late.tempoLocked = 1;
+    it.track.AppendGrain(late, 0, false, 48000);
+    it.collect(0, 0, kBeat, 0);
     EXPECT_EQ(it.events.GetSize(), 1);
     it.track.PurgeAndSort();
     it.events.RemoveAll();
-    it.track.CollectCycle(it.events, 0, 0, kBeat, 0, kTicks16);
+    it.collect(0, 0, kBeat, 0);
     EXPECT_EQ(it.events.GetSize(), 2);
 }
 
 TEST(CollectCycle, CycleIsCountedInTheTracksLength) {
     TwoGrains it;
-    EXPECT_EQ(it.track.CollectCycle(it.events, 7, 0, 10, 3, kSamples), 1);
+    EXPECT_EQ(it.collect(7, 0, 10, 3), 1);
     ASSERT_EQ(it.events.GetSize(), 1);
     it.expectEvent(0, 0, 3 * 96000 + 7, 3 * 96000 + 24007, 3 * 96000 + 7, 3 * 96000 + 17);
 }
 
 TEST(CollectCycle, GrainNotCutOnTheBeatKeepsItsDurationAtAnyTempo) {
-    TwoGrains it;
-    it.track.GetAt(0).tempoLocked = 0;
+    TwoSyncedGrains it;
+    it.track.ChangeAt(0, [](CGrooveEvent& grain) { grain.tempoLocked = 0; });
     it.context.tempo = 60;
-    it.track.CollectCycle(it.events, 0, 0, 4 * kBeat, 0, kTicks16);
+    it.collect(0, 0, 4 * kBeat, 0);
     ASSERT_EQ(it.events.GetSize(), 2);
     it.expectEvent(0, 0, 0, kBeat / 2, 0, kBeat / 2);
     it.expectEvent(1, 1, 2 * kBeat, 3 * kBeat, 2 * kBeat, 3 * kBeat);
 }
 
 TEST(CollectCycle, TailRingsForItsOwnLengthEvenOnTheBeat) {
-    TwoGrains it;
+    TwoSyncedGrains it;
     it.track.SetTail(1);
-    it.track.GetAt(0).tailLengthSamples = 48000;
-    it.track.GetAt(1).tailLengthSamples = 36000;
-    it.track.GetAt(0).tailWave = it.track.GetAt(1).tailWave = CWaveMem::make();
-    it.track.CollectCycle(it.events, 0, 0, 4 * kBeat, 0, kTicks16);
+    for (const auto& [index, frames] : {std::pair{0, 48000}, std::pair{1, 36000}})
+        it.track.ChangeAt(index, [frames = frames](CGrooveEvent& grain) {
+            grain.tailLengthSamples = frames;
+            grain.tailWave = CWaveMem::make();
+        });
+    it.collect(0, 0, 4 * kBeat, 0);
     ASSERT_EQ(it.events.GetSize(), 2);
     it.expectEvent(0, 0, 0, 2 * kBeat, 0, 2 * kBeat);
     it.expectEvent(1, 1, 2 * kBeat, 2 * kBeat + kBeat * 3 / 2, 2 * kBeat, 2 * kBeat + kBeat * 3 / 2);
 }
 
 TEST(CollectCycle, TailThatIsNotThereLeavesTheGrainOnTheBeat) {
-    TwoGrains it;
+    TwoSyncedGrains it;
     it.track.SetTail(1);
     it.context.tempo = 60;
-    it.track.CollectCycle(it.events, 0, 0, 4 * kBeat, 0, kTicks16);
+    it.collect(0, 0, 4 * kBeat, 0);
     ASSERT_EQ(it.events.GetSize(), 2);
     it.expectEvent(0, 0, 0, kBeat, 0, kBeat);
 }
 
 TEST(CollectCycle, FarOutTimesDoNoHarm) {
-    TwoGrains it;
+    TwoSyncedGrains it;
     constexpr std::int64_t most = INT64_MAX;
     it.track.SetLength(most, kTicks16);
-    it.track.GetAt(1).startTicks = most;
-    it.track.GetAt(1).lengthTicks = most;
+    it.track.ChangeAt(1, [](CGrooveEvent& grain) { grain.startTicks = grain.lengthTicks = most; });
     for (const std::int64_t origin : {-most, std::int64_t{0}, most}) {
-        it.track.SelectRange(it.events, origin, -most, most, kTicks16);
-        it.track.SelectRange(it.events, origin, most - 10, most, kTicks16);
-        it.track.CollectCycle(it.events, origin, 0, most, most, kTicks16);
+        it.select(origin, -most, most);
+        it.select(origin, most - 10, most);
+        it.collect(origin, 0, most, most);
     }
 }
 

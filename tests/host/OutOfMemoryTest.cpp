@@ -112,15 +112,18 @@ TEST(MemoryEnds, WhileTheProjectIsLoaded) {
     LoopHost host;
     FaultyStream stream;
     ASSERT_EQ(host.filter->Save(&stream, TRUE), S_OK);
+    int failures = 0;
     failEach(
         [&] {
             stream.position = 0;
             return host.filter->Load(&stream);
         },
         [&](HRESULT hr, int number) {
-            EXPECT_TRUE(FAILED(hr)) << "allocation " << number;
-            EXPECT_EQ(host.grains(), 0) << "allocation " << number;
+            // Room for another undo history is a comfort: without it the present one is emptied in place.
+            failures += FAILED(hr);
+            EXPECT_EQ(host.grains(), FAILED(hr) ? 0 : host.grainsOfLoop) << "allocation " << number;
         });
+    EXPECT_GT(failures, 10);
     EXPECT_EQ(host.grains(), host.grainsOfLoop);
 }
 

@@ -91,7 +91,7 @@ TEST(ProjectLimits, OfMoreThanTwoChannelsTheFirstTwoAreSaved) {
 TEST(ProjectLimits, AFileAt192kHzIsSavedAt96WithAllItsFrameNumbers) {
     Project project = projectOf({countingWave(1001, 192000), countingWave(1000, 44100)});
     project.files[0].settings.lengthSamples = 1001;
-    GrainRecord grain = wholeGrain(0, 500);
+    GrainSettings grain = wholeGrain(0, 500);
     grain.startSamples = grain.sampleOffset = 501;
     project.files[0].grains.push_back(grain);
     project.pads[0].grains = {grain};
@@ -101,7 +101,7 @@ TEST(ProjectLimits, AFileAt192kHzIsSavedAt96WithAllItsFrameNumbers) {
     EXPECT_EQ(project.files[0].wave->format.nAvgBytesPerSec, 96000u * 4);
     EXPECT_EQ(project.files[0].wave->frames, 501) << "500.5 and a half, without its fraction";
     EXPECT_EQ(project.files[0].settings.lengthSamples, 501);
-    for (const GrainRecord& half : {project.files[0].grains[1], project.pads[0].grains[0]}) {
+    for (const GrainSettings& half : {project.files[0].grains[1], project.pads[0].grains[0]}) {
         EXPECT_EQ(half.startSamples, 251) << "501 / 2 = 250.5";
         EXPECT_EQ(half.lengthSamples, 250) << "from 251 to 1001 / 2 = 500.5, which is 501";
         EXPECT_EQ(half.sampleOffset, 251);

@@ -41,7 +41,7 @@ TEST(ProjectReader, GivesEverySettingAsItStands) {
     EXPECT_EQ(project.keys[0].highVelocity, 40);
     EXPECT_EQ(project.keys[1].lowKey, 100);
     EXPECT_EQ(project.keys[1].rootKey, -3);
-    const TrackRecord& pad = project.pads[4].settings;
+    const TrackSettings& pad = project.pads[4].settings;
     EXPECT_EQ(pad.lengthSamples, 1000);
     EXPECT_EQ(pad.lengthTicks, 2000);
     EXPECT_EQ(pad.looping, 1u);
@@ -76,7 +76,7 @@ TEST(ProjectReader, GivesAFileWithItsGrainsAndItsAudio) {
     EXPECT_TRUE(
         std::equal(bytes.files[0].data.begin(), bytes.files[0].data.begin() + 200, file.wave->samples.get()));
     ASSERT_EQ(file.grains.size(), 1u);
-    const GrainRecord& grain = file.grains[0];
+    const GrainSettings& grain = file.grains[0];
     EXPECT_EQ(grain.binFile, 3);
     EXPECT_EQ(grain.binGrain, 4);
     EXPECT_EQ(grain.startTicks, 5);

@@ -99,8 +99,8 @@ inline std::vector<KeyMapRecord> sixteenKeys() {
 }
 
 /// One grain over all of a file's wave.
-inline GrainRecord wholeGrain(std::int32_t binFile, std::int64_t frames) {
-    GrainRecord grain;
+inline GrainSettings wholeGrain(std::int32_t binFile, std::int64_t frames) {
+    GrainSettings grain;
     grain.binFile = binFile;
     grain.lengthSamples = frames;
     grain.lengthTicks = kTicks16PerBeat;

@@ -1,0 +1,112 @@
+#include "engine/render/BlockRenderer.h"
+
+#include <algorithm>
+
+#include "engine/render/NoteStage.h"
+#include "engine/render/PageStages.h"
+#include "platform/system/Overflow.h"
+
+namespace marnoth {
+namespace {
+
+constexpr std::uint32_t kFadeInMilliseconds = 1;
+constexpr std::uint32_t kFadeOutMilliseconds = 20;
+constexpr std::uint32_t kMillisecondsPerSecond = 1000;
+
+std::int32_t countOf(const PadFlags& flags) {
+    return static_cast<std::int32_t>(
+        std::count_if(flags.begin(), flags.end(), [](std::uint32_t flag) { return flag != 0; }));
+}
+
+}  // namespace
+
+std::int64_t Block::fadeOutEnd() const {
+    return time.toTicks(plus(fades.out, time.startSamples()));
+}
+
+void BlockRenderer::render(const Model& model, const Job& job) {
+    const float* const input = job.input.silent ? nullptr : GetBufferData(job.input);
+    const std::int32_t frames = job.input.frames;
+    BlockPins pins(job.pins, pins_, job.format);
+    Block block{model, time_, pins, job.format, fades_};
+    placeBlock(block, job.position, frames);
+    pins.clearMix(frames);
+    pins.passInput(input, frames);
+    runStages(block, job.notes);
+    pins.sumIntoMix(frames);
+    playing_.runningPosition = plus(playing_.runningPosition, frames);
+}
+
+void BlockRenderer::placeBlock(Block& block, std::int64_t position, std::int32_t frames) {
+    if (playing_.runningPosition == -1) playing_.runningPosition = position;
+    block.transportRuns = context_.IsTransportRunning() != 0;
+    // The graph's position may jump while the transport runs; music doesn't.
+    time_.begin(block.transportRuns ? playing_.runningPosition : position, frames);
+    const std::int64_t middle = time_.toTicks(plus(position, frames / 2));
+    block.projectKey = static_cast<std::int32_t>(context_.GetKeyAtTime(middle));
+    block.positionSkew = std::max<std::int64_t>(minus(time_.startTicks(), time_.toTicks(position)), 0);
+    block.activePads = countOf(playing_.padSounded);
+}
+
+void BlockRenderer::runStages(const Block& block, NoteQueue* notes) {
+    playing_.padNoteSounded = {};
+    if (notes) NoteStage(block, playing_, phase_, renderer_).render(*notes, stopAll_);
+    if (notes) stopAll_ = false;
+    PageStages page(block, playing_, phase_, renderer_);
+    page.renderPads();
+    page.renderBinAuditions();
+    page.renderGrainAudition();
+    for (std::size_t pad = 0; pad < playing_.padSounded.size(); ++pad)
+        playing_.padSounded[pad] = playing_.padAuditionSounded[pad] | playing_.padNoteSounded[pad];
+}
+
+HRESULT BlockRenderer::createVoice(QueuedEvent& note) {
+    note.voice = voices_.take();
+    if (!note.voice) return E_OUTOFMEMORY;
+    VoiceState& voice = *note.voice;
+    voice.startPending = 1;
+    // A note never reports its end: it goes when its lanes have run out.
+    voice.finished = 1;
+    const std::int64_t start = std::int64_t{note.event.time} * 65536;
+    voice.startBoth(start);
+    if (note.event.duration != kDurationOpen) {
+        voice.gate.length = std::int64_t{note.event.duration} * 65536;
+        voice.gate.end = start + voice.gate.length;
+    }
+    return S_OK;
+}
+
+bool BlockRenderer::releaseVoice(QueuedEvent& note, bool flush) {
+    if (!note.voice) return true;
+    const VoiceState& voice = *note.voice;
+    const bool plays = voice.gate.position < voice.gate.end || voice.shot.position < voice.shot.end;
+    if (!flush && plays) return false;
+    for (PadGate& gate : playing_.padGates) {
+        if (gate.owner == note.voice) gate.owner = nullptr;
+    }
+    voices_.give(note.voice);
+    note.voice = nullptr;
+    return true;
+}
+
+void BlockRenderer::startPad(std::int32_t pad) {
+    playing_.padVoice(pad).requestStart();
+    playing_.padVoice(pad).ignoreLength = 0;
+}
+
+void BlockRenderer::stopAllPads() {
+    for (VoiceState& voice : playing_.padVoices) voice.stopRequest = 1;
+    stopAll_ = true;
+}
+
+bool BlockRenderer::binFilePlays(std::int32_t bin) const {
+    const VoiceState& voice = playing_.binVoices[static_cast<std::size_t>(bin)];
+    return voice.startPending || voice.gate.length != 0;
+}
+
+void BlockRenderer::setRate(std::uint32_t sampleRate) {
+    fades_.in = std::int64_t{sampleRate} * kFadeInMilliseconds / kMillisecondsPerSecond;
+    fades_.out = std::int64_t{sampleRate} * kFadeOutMilliseconds / kMillisecondsPerSecond;
+}
+
+}  // namespace marnoth

@@ -1,0 +1,128 @@
+#include "engine/render/NoteStage.h"
+
+#include "platform/system/Overflow.h"
+
+namespace marnoth {
+
+void NoteStage::render(NoteQueue& notes, bool stopAll) {
+    for (QueuedEvent& note : notes) {
+        if (note.event.type == SynthEventType::note && note.voice) renderNote(note, stopAll);
+    }
+}
+
+void NoteStage::renderNote(QueuedEvent& note, bool stopAll) {
+    VoiceState& voice = *note.voice;
+    SynthEvent& event = note.event;
+    const PlayList playList = findPads(event);
+    if (take(voice.startPending)) startNote(voice, event, playList);
+    const bool held = holdsGate(voice, playList);
+    if (event.duration == kDurationOff) takeNoteOff(voice, event);
+    if (voice.gate.ranOut()) {
+        voice.releasing = 1;
+        voice.gate.kill();
+    }
+    endShotLane(voice, held);
+    if (stopAll || (voice.releasing && voice.shot.position >= voice.shot.end)) {
+        voice.shot.kill();
+        event.duration = kDurationOff;
+    }
+    renderer_.render(block_, playList, voice, playing_, phase_, &playing_.padNoteSounded);
+    // From its note-off on, the gate lane has exactly one block.
+    if (voice.releasing) voice.gate.kill();
+    voice.advance(block_.time.lengthTicks());
+}
+
+NoteStage::PlayList NoteStage::findPads(const SynthEvent& event) {
+    CKeyMap::Answers room;
+    const Pads& pads = block_.model.pads;
+    std::size_t found = 0;
+    for (const auto& [pad, semitones] :
+         block_.model.keys.FindPads(room, pads, event.note, event.channel, event.velocity))
+        playList_[found++] = {PlayKind::pad, pad, &pads[static_cast<std::size_t>(pad)], semitones};
+    return {playList_.data(), found};
+}
+
+void NoteStage::startNote(VoiceState& voice, const SynthEvent& event, PlayList playList) {
+    if (event.duration == kDurationOpen) {
+        voice.startBoth(block_.time.startTicks());
+    } else {
+        moveLater(voice);
+    }
+    for (const TrackPlayInfo& entry : playList) {
+        switchGate(playing_.gate(entry.pad), voice, *entry.track);
+        setPhase(entry.pad, *entry.track, voice);
+    }
+}
+
+void NoteStage::moveLater(VoiceState& voice) {
+    const std::int64_t ticks = block_.positionSkew;
+    for (VoiceLane* lane : {&voice.gate, &voice.shot}) {
+        lane->start = plus(lane->start, ticks);
+        lane->position = plus(lane->position, ticks);
+        lane->from = plus(lane->from, ticks);
+    }
+    voice.gate.end = plus(voice.gate.end, ticks);
+}
+
+void NoteStage::switchGate(PadGate& gate, const VoiceState& voice, const CGrooveTrack& track) {
+    if (track.GetSize() == 0) {
+        gate = {};
+        return;
+    }
+    gate.previous = gate.active;
+    if (!track.oneShot) return;
+    if (track.looping && gate.previous) {
+        // A second note switches a latched loop off; the owner fades.
+        gate.active = 0;
+    } else {
+        gate.active = 1;
+        gate.owner = &voice;
+    }
+}
+
+void NoteStage::setPhase(std::int32_t pad, const CGrooveTrack& track, const VoiceState& voice) {
+    phase_.of(pad) = {};
+    if (!track.synced) return;
+    if (!block_.transportRuns && block_.activePads == 0) {
+        phase_.setZero(pad, voice.gate.start);
+        return;
+    }
+    if (block_.transportRuns) phase_.anchor = 0;
+    phase_.join(pad);
+}
+
+bool NoteStage::holdsGate(const VoiceState& voice, PlayList playList) {
+    for (const TrackPlayInfo& entry : playList) {
+        const PadGate& gate = playing_.gate(entry.pad);
+        if (entry.track->oneShot && gate.active && gate.owner == &voice) return true;
+    }
+    return false;
+}
+
+void NoteStage::takeNoteOff(VoiceState& voice, SynthEvent& event) {
+    if (voice.gate.position == 0) {
+        voice.shot.kill();
+        return;
+    }
+    voice.releasing = 1;
+    voice.gate.end = block_.fadeOutEnd();
+    voice.gate.length = minus(voice.gate.end, voice.gate.start);
+    event.duration = kDurationReleased;
+}
+
+void NoteStage::endShotLane(VoiceState& voice, bool held) {
+    VoiceLane& shot = voice.shot;
+    const bool told = (!voice.releasing || held) && voice.stopRequest;
+    const bool released = voice.releasing && !held && (shot.end == kOpenEnded || voice.stopRequest);
+    if (!told && !released) return;
+    voice.releasing = 1;
+    voice.stopRequest = 0;
+    shot.end = block_.fadeOutEnd();
+    shot.length = minus(shot.end, shot.start);
+    if (shot.end < shot.position) {
+        shot.end = plus(shot.end, block_.time.lengthTicks());
+        shot.length = plus(shot.length, block_.time.lengthTicks());
+    }
+}
+
+}  // namespace marnoth

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <span>
+
+#include "engine/render/Block.h"
+#include "engine/render/PlayState.h"
+#include "engine/render/SyncPhase.h"
+#include "engine/render/VoiceRenderer.h"
+#include "seam/Pzi.h"
+
+namespace marnoth {
+
+/// The first stage of a block: the notes of the host's queue, each of them a voice.
+///
+/// Made for one block. Streaming thread, under the engine's lock.
+class NoteStage {
+public:
+    NoteStage(const Block& block, PlayState& playing, SyncPhase& phase, VoiceRenderer& renderer)
+        : block_(block), playing_(playing), phase_(phase), renderer_(renderer) {}
+
+    /// `stopAll`: every voice's shot lane ends with this block.
+    void render(NoteQueue& notes, bool stopAll);
+
+private:
+    using PlayList = std::span<const TrackPlayInfo>;
+
+    void renderNote(QueuedEvent& note, bool stopAll);
+    /// The pads that the note sounds.
+    PlayList findPads(const SynthEvent& event);
+    void startNote(VoiceState& voice, const SynthEvent& event, PlayList playList);
+    void moveLater(VoiceState& voice);
+    void switchGate(PadGate& gate, const VoiceState& voice, const CGrooveTrack& track);
+    void setPhase(std::int32_t pad, const CGrooveTrack& track, const VoiceState& voice);
+    bool holdsGate(const VoiceState& voice, PlayList playList);
+    void takeNoteOff(VoiceState& voice, SynthEvent& event);
+    void endShotLane(VoiceState& voice, bool held);
+
+    const Block& block_;
+    PlayState& playing_;
+    SyncPhase& phase_;
+    VoiceRenderer& renderer_;
+    std::array<TrackPlayInfo, kPads> playList_;  ///< room for the pads of one note
+};
+
+}  // namespace marnoth
