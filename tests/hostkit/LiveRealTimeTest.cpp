@@ -93,18 +93,15 @@ TEST(LiveRealTime, StartsJumpsStopsTemposAndCommandsTakeNoMemory) {
     EXPECT_GT(rig.loudest(), 0.1f);
 }
 
-TEST(LiveRealTime, NotesTakeNoMemoryButForWhatTheInstrumentKeepsOfEach) {
+TEST(LiveRealTime, NotesTakeNoMemory) {
     BusyRig rig;
-    int allocations = 0, frees = 0;
     for (int i = 0; i < 1000; ++i) {
         const auto offences = rig.block();
-        allocations += offences.allocations;
-        frees += offences.frees;
+        ASSERT_EQ(offences.allocations, 0) << "in block " << i;
+        ASSERT_EQ(offences.frees, 0) << "in block " << i;
     }
     EXPECT_GT(rig.loudest(), 0.1f);
     EXPECT_GT(rig.noteOns(), 500);
-    EXPECT_LE(allocations, rig.noteOns());
-    EXPECT_LE(frees, rig.noteOns());
 }
 
 TEST(LiveRealTime, ATempoThatRunsForMinutesTakesNoMemory) {
