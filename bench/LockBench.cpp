@@ -16,7 +16,7 @@
 #include "hostkit/HostRig.h"
 #include "seam/MusicalTime.h"
 #include "seam/Pzi.h"
-#include "support/MemoryStream.h"
+#include "support/FaultyStream.h"
 #include "support/WaveFile.h"
 
 /// How long each operation holds the instrument's lock, at most, with 4096 grains on each of the sixteen
@@ -91,7 +91,7 @@ public:
     test::TempPath copy{".mrn"};
     test::TempPath secondFile =
         test::WaveFile().frames(245'760).acid({.beats = 64}).strc(6, markers()).writeTemp();
-    test::MemoryStream saved;
+    test::FaultyStream saved;
     std::vector<SynthEvent> notes;
     int call = 0;
     // What operations write to.
@@ -341,7 +341,7 @@ std::vector<Operation> hostOperations() {
     return {
         {"Save",
          [](Studio& s) {
-             test::MemoryStream stream;
+             test::FaultyStream stream;
              return s.rig.save(stream);
          }},
         {"Load",
