@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstddef>
 
 #include "editor/Truncate.h"
 #include "editor/padeditor/EventSelection.h"
