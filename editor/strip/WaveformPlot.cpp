@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstddef>
 
 #include "editor/Truncate.h"
 #include "editor/padeditor/EventSelection.h"
