@@ -37,11 +37,14 @@ public:
     /// Takes parts of one level, at least one.
     explicit PartGroup(std::span<Part> parts)
         : GrainPart(parts.front()->level + 1, sizeOf(parts), reachOf(parts)), count(parts.size()) {
+        std::transform(parts.begin(), parts.end(), reaches.begin(),
+                       [](const Part& part) { return part->reach; });
         std::move(parts.begin(), parts.end(), inner.begin());
     }
 
     const std::size_t count;
     std::array<Part, kMostParts> inner;
+    std::array<GrainReach, kMostParts> reaches;
 };
 
 Part group(std::span<Part> parts) {
@@ -177,6 +180,10 @@ const Part* GrainPart::begin() const {
 
 const Part* GrainPart::end() const {
     return begin() + static_cast<const PartGroup*>(this)->count;
+}
+
+const GrainReach* GrainPart::reaches() const {
+    return static_cast<const PartGroup*>(this)->reaches.data();
 }
 
 Part GrainList::part(CGrooveEvent grain) {

@@ -27,6 +27,8 @@ public:
     /// The parts of a part that isn't a grain, in order.
     const RefPtr<const GrainPart>* begin() const;
     const RefPtr<const GrainPart>* end() const;
+    /// The reach of each of them, side by side: whoever passes over most of them touches nothing else.
+    const GrainReach* reaches() const;
 
     const std::int32_t level;  ///< 0 a grain; each part is one below the part that holds it
     const std::int32_t size;   ///< grains

@@ -18,6 +18,9 @@ namespace marnoth {
 /// in their place.
 class CGrooveEvent : public GrainSettings {
 public:
+    /// All that a project keeps of the grain but its audio.
+    const GrainSettings& settings() const { return *this; }
+
     /// `kind` is a `TimeKind`. Negative values are not written.
     std::int64_t GetStart(std::uint32_t kind) const;
     void SetStart(std::int64_t value, std::uint32_t kind);

@@ -20,6 +20,8 @@ class CGrooveTrack : public TrackSettings {
 public:
     double tempo = kDefaultTrackTempo;  ///< beats per minute, at which both lengths agree
 
+    /// All that a project keeps of the track but its grains.
+    const TrackSettings& settings() const { return *this; }
     const GrainList& grains() const { return grains_; }
     std::int32_t GetSize() const { return grains_.size(); }
     /// The grain at `index`. Throws `std::invalid_argument` when there is none.

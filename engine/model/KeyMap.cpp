@@ -31,10 +31,10 @@ std::span<const AnsweringPad> CKeyMap::FindPads(Answers& room, const Pads& pads,
                                                 std::int32_t channel, std::int32_t velocity) const {
     std::size_t found = 0;
     for (const KeyMapRecord& entry : entries()) {
-        const std::int32_t own = pads[static_cast<std::size_t>(entry.pad)].midiChannel;
-        if (own != -1 && own != channel) continue;
         if (!within(key, entry.lowKey, entry.highKey)) continue;
         if (velocity != -1 && !within(velocity, entry.lowVelocity, entry.highVelocity)) continue;
+        const std::int32_t own = pads[static_cast<std::size_t>(entry.pad)].midiChannel;
+        if (own != -1 && own != channel) continue;
         room[found++] = {entry.pad, static_cast<std::int32_t>(std::int64_t{key} - entry.rootKey)};
     }
     return {room.data(), found};

@@ -13,7 +13,7 @@ namespace {
 std::vector<GrainSettings> grainsOf(const CGrooveTrack& track) {
     std::vector<GrainSettings> grains;
     grains.reserve(static_cast<std::size_t>(track.GetSize()));
-    track.grains().forEach([&](const CGrooveEvent& grain) { grains.push_back(grain); });
+    track.grains().forEach([&](const CGrooveEvent& grain) { grains.push_back(grain.settings()); });
     return grains;
 }
 
@@ -39,7 +39,7 @@ std::vector<GrainSettings> padGrainsOf(const CGrooveTrack& pad, const LoopBin& b
     pad.grains().forEach([&](const CGrooveEvent& grain) {
         const auto file = presentFile(grain, bin);
         if (!file) return;
-        grains.push_back(grain);
+        grains.push_back(grain.settings());
         grains.back().binFile = *file;
     });
     return grains;
@@ -70,10 +70,10 @@ Project CGrooveSampler::takeProject() {
     project.keys = keysOf(now.keys);
     for (const BinFile& file : now.bin) {
         project.files.push_back(
-            {file.track, file.names->name, file.names->path, file.sample, grainsOf(file.track)});
+            {file.track.settings(), file.names->name, file.names->path, file.sample, grainsOf(file.track)});
     }
     for (std::size_t pad = 0; pad < now.pads.size(); ++pad) {
-        project.pads[pad] = {now.pads[pad], padGrainsOf(now.pads[pad], now.bin)};
+        project.pads[pad] = {now.pads[pad].settings(), padGrainsOf(now.pads[pad], now.bin)};
     }
     return project;
 }

@@ -47,7 +47,7 @@ GrainSettings heldTo(GrainSettings record, std::int64_t frames) {
     return record;
 }
 
-/// The place in the wave of a pad's grain. Places and ends are rounded each for itself when the rate changes:
+/// The place in the wave of a pad's grain. A place and an end are rounded separately when the rate changes:
 /// a frame too many is cut then.
 bool fitInto(GrainSettings& record, std::int64_t frames, bool rateChanged) {
     record.lengthSamples = std::max<std::int64_t>(record.lengthSamples, 0);

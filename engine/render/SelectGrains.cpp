@@ -24,10 +24,13 @@ public:
     /// False at the end of the walk: the first grain that starts behind the range.
     bool walk(const GrainPart& part) {
         if (part.isGrain()) return takeGrain(part.grain());
-        // None of them sounds; but a late start among them ends the walk all the same.
-        if (!maySound(part.reach)) return part.reach.in(kind_).lastStart <= range_.to;
-        for (const auto& inner : part)
-            if (!walk(*inner)) return false;
+        const GrainReach* reach = part.reaches();
+        for (const auto& inner : part) {
+            // Where nothing sounds, a late start ends the walk all the same.
+            const bool goesOn = maySound(*reach) ? walk(*inner) : reach->in(kind_).lastStart <= range_.to;
+            if (!goesOn) return false;
+            ++reach;
+        }
         return true;
     }
     bool found() const { return found_; }
