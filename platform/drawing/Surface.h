@@ -8,7 +8,9 @@
 #include "platform/drawing/Font.h"
 #include "platform/drawing/Geometry.h"
 
-#ifdef TextOut
+#ifdef _WIN32
+// The system's headers have a macro of this name. Read here, they can't bring it back behind us.
+#include "platform/com/Com.h"
 #undef TextOut
 #endif
 
