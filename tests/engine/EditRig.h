@@ -4,6 +4,8 @@
 
 #include <cmath>
 #include <cstdint>
+#include <memory>
+#include <utility>
 #include <vector>
 
 #include "support/EngineHost.h"
@@ -39,6 +41,14 @@ inline RefPtr<CWaveMem> wave(std::int64_t frames, std::uint32_t rate = 44100) {
     return made;
 }
 
+/// A list of grains with the block that it came in, which holds the peaks that its entries point to.
+struct ListedGrains : std::vector<GrainListEntry> {
+    ListedGrains(GrainListEntry* list, std::int32_t count)
+        : std::vector<GrainListEntry>(list, list + count), block(list, CoTaskMemFree) {}
+
+    std::shared_ptr<void> block;
+};
+
 /// An engine that is edited by its control surface.
 struct EditRig : EngineHost {
     using EngineHost::EngineHost;
@@ -62,17 +72,17 @@ struct EditRig : EngineHost {
     }
     Loaded lay(std::int32_t pad, const WaveFile& file) { return lay(pad, file.writeTemp()); }
 
-    std::vector<GrainListEntry> padGrains(std::int32_t pad) {
+    ListedGrains padGrains(std::int32_t pad) {
         GrainListEntry* list = nullptr;
         std::int32_t count = 0;
         EXPECT_EQ(engine.GetPadGrainList(pad, &list, &count), S_OK);
-        return take(list, count);
+        return {list, count};
     }
-    std::vector<GrainListEntry> binGrains(std::int32_t bin) {
+    ListedGrains binGrains(std::int32_t bin) {
         GrainListEntry* list = nullptr;
         std::int32_t count = 0;
         EXPECT_EQ(engine.GetBinGrainList(bin, &list, &count), S_OK);
-        return take(list, count);
+        return {list, count};
     }
     std::vector<std::int64_t> starts(std::int32_t pad) {
         std::vector<std::int64_t> all;
@@ -106,13 +116,6 @@ struct EditRig : EngineHost {
         T value{};
         EXPECT_EQ((engine.*getter)(pad, &value), S_OK);
         return value;
-    }
-
-private:
-    static std::vector<GrainListEntry> take(GrainListEntry* list, std::int32_t count) {
-        std::vector<GrainListEntry> all(list, list + count);
-        CoTaskMemFree(list);
-        return all;
     }
 };
 

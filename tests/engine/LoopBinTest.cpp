@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "engine/EditRig.h"
 
 namespace marnoth::test::loop_bin_test {
@@ -198,6 +200,31 @@ TEST(LoopBin, LayingAFileReplacesTheGrainsAndLeavesThePadsOwnSettings) {
     EXPECT_EQ(rig.padGrains(3)[0].extra, 0u) << "the grains come as the file has them";
 }
 
+TEST(LoopBin, AListKeepsItsPeaksWhateverBecomesOfTheGrains) {
+    EditRig rig;
+    rig.lay(0, loopFile(1));
+    const auto before = rig.padGrains(0);
+    const std::vector<float> peaks(before[0].plotData, before[0].plotData + 544 * 2);
+    rig.engine.RemoveBinFile(0);
+    rig.engine.ClearProject();
+    EXPECT_TRUE(std::equal(peaks.begin(), peaks.end(), before[0].plotData));
+    EXPECT_GT(peaks[1], 0.1f) << "a maximum of the sine";
+}
+
+TEST(LoopBin, AListHoldsEachPeakTableOnce) {
+    EditRig rig;
+    rig.lay(0, loopFile(1));
+    rig.load(loopFile(2));
+    rig.engine.AddGrain(1, 0, 0, 9 * kBeat);
+    rig.engine.AddGrain(0, 2, 0, 10 * kBeat);
+    const auto grains = rig.padGrains(0);
+    ASSERT_EQ(grains.size(), 6u);
+    const float* const first = grains[0].plotData;
+    EXPECT_EQ(grains[3].plotData, first + 3 * 136 * 2);
+    EXPECT_EQ(grains[5].plotData, first + 2 * 136 * 2) << "the third grain of the first file once more";
+    EXPECT_EQ(grains[4].plotData, first + 545 * 2) << "the other file's table, behind the spare entry";
+}
+
 TEST(LoopBin, LaidGrainsShareSampleAndPeaksWithTheFile) {
     EditRig rig;
     rig.lay(0, loopFile(1));
@@ -205,8 +232,12 @@ TEST(LoopBin, LaidGrainsShareSampleAndPeaksWithTheFile) {
     const auto file = rig.binGrains(0);
     for (const std::int32_t pad : {0, 1}) {
         const auto grains = rig.padGrains(pad);
-        for (std::size_t i = 0; i < 4; ++i) EXPECT_EQ(grains[i].plotData, file[i].plotData);
+        for (std::size_t i = 0; i < 4; ++i) {
+            ASSERT_EQ(grains[i].plotLength, 136);
+            EXPECT_TRUE(std::equal(grains[i].plotData, grains[i].plotData + 136 * 2, file[i].plotData));
+        }
     }
+    EXPECT_LT(file[0].plotData[0], file[0].plotData[1]) << "there is something to plot";
     EXPECT_EQ(file[1].plotData, file[0].plotData + 136 * 2) << "a quarter of 544 entries of two values";
 }
 
