@@ -7,7 +7,7 @@
 namespace marnoth {
 
 FileStream::FileStream(std::unique_ptr<ByteStream> bytes, FileMode mode)
-    : Implements(nullptr), bytes_(std::move(bytes)), mode_(mode) {}
+    : bytes_(std::move(bytes)), mode_(mode) {}
 
 HRESULT FileStream::open(const std::filesystem::path& path, FileMode mode, RefPtr<FileStream>* out) {
     auto bytes = openFileBytes(path, mode);
@@ -77,27 +77,6 @@ HRESULT FileStream::Stat(STATSTG* out, DWORD) {
 }
 
 HRESULT FileStream::SetSize(ULARGE_INTEGER) {
-    return STG_E_INVALIDFUNCTION;
-}
-
-HRESULT FileStream::CopyTo(IStream*, ULARGE_INTEGER, ULARGE_INTEGER*, ULARGE_INTEGER*) {
-    return STG_E_INVALIDFUNCTION;
-}
-
-HRESULT FileStream::Revert() {
-    return STG_E_INVALIDFUNCTION;
-}
-
-HRESULT FileStream::LockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) {
-    return STG_E_INVALIDFUNCTION;
-}
-
-HRESULT FileStream::UnlockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) {
-    return STG_E_INVALIDFUNCTION;
-}
-
-HRESULT FileStream::Clone(IStream** out) {
-    if (out) *out = nullptr;
     return STG_E_INVALIDFUNCTION;
 }
 

@@ -3,9 +3,9 @@
 #include <filesystem>
 #include <memory>
 
+#include "hostkit/PlainStream.h"
 #include "platform/bytes/ByteStream.h"
 #include "platform/com/RefPtr.h"
-#include "platform/com/Unknown.h"
 
 #ifndef _WIN32
 inline constexpr HRESULT STG_E_FILENOTFOUND = static_cast<HRESULT>(0x80030002);
@@ -19,7 +19,7 @@ namespace marnoth {
 /// them. Reading and seeking work in both modes, writing only in a new file (`STG_E_ACCESSDENIED`). One
 /// thread at a time. What a file can't do (locking regions, cloning, reverting) gives
 /// `STG_E_INVALIDFUNCTION`.
-class FileStream : public Implements<CUnknown, IStream> {
+class FileStream : public PlainStream {
 public:
     /// Opens the file with the position at its beginning. `FileMode::create` empties a file that is there.
     /// `STG_E_FILENOTFOUND` when there is no such file to read, `STG_E_ACCESSDENIED` for everything else that
@@ -36,15 +36,9 @@ public:
     /// To a place before the beginning: `STG_E_INVALIDFUNCTION`. Behind the end is allowed.
     HRESULT Seek(LARGE_INTEGER move, DWORD origin, ULARGE_INTEGER* position) override;
     HRESULT SetSize(ULARGE_INTEGER size) override;
-    HRESULT CopyTo(IStream* target, ULARGE_INTEGER count, ULARGE_INTEGER* read,
-                   ULARGE_INTEGER* written) override;
     HRESULT Commit(DWORD flags) override;
-    HRESULT Revert() override;
-    HRESULT LockRegion(ULARGE_INTEGER offset, ULARGE_INTEGER count, DWORD kind) override;
-    HRESULT UnlockRegion(ULARGE_INTEGER offset, ULARGE_INTEGER count, DWORD kind) override;
     /// Size and mode; there is no name, whatever the flags ask for.
     HRESULT Stat(STATSTG* out, DWORD flags) override;
-    HRESULT Clone(IStream** out) override;
 
 private:
     FileStream(std::unique_ptr<ByteStream> bytes, FileMode mode);

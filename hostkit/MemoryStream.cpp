@@ -78,25 +78,4 @@ HRESULT MemoryStream::Stat(STATSTG* out, DWORD) {
     return S_OK;
 }
 
-HRESULT MemoryStream::CopyTo(IStream*, ULARGE_INTEGER, ULARGE_INTEGER*, ULARGE_INTEGER*) {
-    return STG_E_INVALIDFUNCTION;
-}
-
-HRESULT MemoryStream::Revert() {
-    return STG_E_INVALIDFUNCTION;
-}
-
-HRESULT MemoryStream::LockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) {
-    return STG_E_INVALIDFUNCTION;
-}
-
-HRESULT MemoryStream::UnlockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) {
-    return STG_E_INVALIDFUNCTION;
-}
-
-HRESULT MemoryStream::Clone(IStream** out) {
-    if (out) *out = nullptr;
-    return STG_E_INVALIDFUNCTION;
-}
-
 }  // namespace marnoth

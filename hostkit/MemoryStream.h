@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "platform/com/Unknown.h"
+#include "hostkit/PlainStream.h"
 
 namespace marnoth {
 
@@ -12,11 +12,10 @@ namespace marnoth {
 ///
 /// Reads, writes and seeks; a write behind the end fills what lies between with zeros. One thread at a time.
 /// What it can't do (copying, locking regions, cloning, reverting) gives `STG_E_INVALIDFUNCTION`.
-class MemoryStream : public Implements<CUnknown, IStream> {
+class MemoryStream : public PlainStream {
 public:
     /// Stands at the beginning of `content`.
-    explicit MemoryStream(std::vector<std::uint8_t> content = {})
-        : Implements(nullptr), bytes_(std::move(content)) {}
+    explicit MemoryStream(std::vector<std::uint8_t> content = {}) : bytes_(std::move(content)) {}
 
     const std::vector<std::uint8_t>& bytes() const { return bytes_; }
     /// Gives all bytes away; the stream is empty then and stands at its beginning.
@@ -30,15 +29,9 @@ public:
     HRESULT Seek(LARGE_INTEGER move, DWORD origin, ULARGE_INTEGER* position) override;
     /// Cuts, or fills with zeros. The position stays. `STG_E_MEDIUMFULL`.
     HRESULT SetSize(ULARGE_INTEGER size) override;
-    HRESULT CopyTo(IStream* target, ULARGE_INTEGER count, ULARGE_INTEGER* read,
-                   ULARGE_INTEGER* written) override;
     HRESULT Commit(DWORD) override { return S_OK; }
-    HRESULT Revert() override;
-    HRESULT LockRegion(ULARGE_INTEGER offset, ULARGE_INTEGER count, DWORD kind) override;
-    HRESULT UnlockRegion(ULARGE_INTEGER offset, ULARGE_INTEGER count, DWORD kind) override;
     /// Size and mode; there is no name, whatever the flags ask for.
     HRESULT Stat(STATSTG* out, DWORD flags) override;
-    HRESULT Clone(IStream** out) override;
 
 private:
     IUnknown* FindInterface(REFIID iid) override;

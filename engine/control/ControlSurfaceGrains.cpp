@@ -23,6 +23,11 @@ void removeGrain(CGrooveTrack& pad, std::int32_t grain, std::uint32_t markOnly) 
     }
 }
 
+HRESULT layOn(CGrooveTrack& pad, const CGrooveTrack& file, std::int32_t sampleRate) {
+    pad.LayOn(file, sampleRate);
+    return S_OK;
+}
+
 }  // namespace
 
 HRESULT CGrooveSampler::CommitGrainEdits() {
@@ -87,10 +92,7 @@ HRESULT CGrooveSampler::AddGrain(std::int32_t bin, std::int32_t binGrain, std::i
 }
 
 HRESULT CGrooveSampler::LoadPadFromBin(std::int32_t pad, std::int32_t bin) {
-    return editPadFromBin(pad, bin, [](CGrooveTrack& track, const CGrooveTrack& file, std::int32_t rate) {
-        track.LayOn(file, rate);
-        return S_OK;
-    });
+    return editPadFromBin(pad, bin, layOn);
 }
 
 HRESULT CGrooveSampler::LoadFileToPad(std::int32_t pad, const char* title, const char* path,
@@ -99,13 +101,7 @@ HRESULT CGrooveSampler::LoadFileToPad(std::int32_t pad, const char* title, const
     if (!isPad(pad)) return E_INVALIDARG;
     const HRESULT loaded = LoadFileToBin(title, path, bin, status);
     if (FAILED(loaded) || *status == kBinFull) return loaded;
-    const HRESULT laid = editPadFromBin(
-        pad, *bin,
-        [](CGrooveTrack& track, const CGrooveTrack& file, std::int32_t rate) {
-            track.LayOn(file, rate);
-            return S_OK;
-        },
-        E_FAIL);
+    const HRESULT laid = editPadFromBin(pad, *bin, layOn, E_FAIL);
     return FAILED(laid) ? laid : loaded;
 }
 
