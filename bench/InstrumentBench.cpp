@@ -72,6 +72,8 @@ public:
     void play(const OnBlock& onBlock) {
         check(rig.synth().StopPlayback(), "StopPlayback");
         check(rig.synth().StartPlayback(0), "StartPlayback");
+        // Every pass from frame 0 on, so that its blocks are those of the pass before.
+        rig.setDiscontinuity(0);
         check(rig.queueEvents(0, notes), "queueEvents");
         for (std::int64_t i = 0; i < scene.blocks(); ++i) onBlock(i);
     }

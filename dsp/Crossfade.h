@@ -2,6 +2,7 @@
 
 #include <cstdint>
 
+#include "dsp/CrossfadeGains.h"
 #include "dsp/MixKernels.h"
 #include "dsp/SourceWave.h"
 
@@ -10,15 +11,18 @@ namespace marnoth {
 
 /// Adds `count` frames from frame `from` of `wave` on under the ramp of `out`, and as many from frame `to` on
 /// under that of `in`, to the destination that both name: the bits of two ramped calls of `mixRun`, one
-/// behind the other, edges of the wave included.
+/// behind the other, edges of the wave included. `known` remembers the gains for the next crossfade like it;
+/// may be null.
 void mixCrossfade(const SourceWave& wave, std::int64_t from, std::int64_t to, std::int64_t count,
-                  std::int32_t destChannels, const MixArgs& out, const MixArgs& in);
+                  std::int32_t destChannels, const MixArgs& out, const MixArgs& in,
+                  CrossfadeGains* known = nullptr);
 
 #if defined(__x86_64__)
-/// The same for sources of one or two channels into two, all inside the wave: `out` and `in` name them, one
-/// destination and one count. Each gain of a ramp waits for the one before it, so that both ramps at once
-/// take hardly longer than one. For processors where `has256` says so.
-void crossfadeTogether(const MixArgs& out, const MixArgs& in, std::int32_t sourceChannels);
+/// Works out the `frames` frames of `ramp` from where they `begin`, and meanwhile adds as many frames at
+/// `out` and `in`, of one or two channels, to the stereo frames at `dest`. Both ramps at once take hardly
+/// longer than one, since each gain waits for the one before it. For processors where `has256` says so.
+void crossfadeAndRecord(CrossfadeGains::Ramp& ramp, float* dest, const float* out, const float* in,
+                        std::int32_t channels);
 #endif
 
 }  // namespace marnoth

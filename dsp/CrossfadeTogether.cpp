@@ -1,6 +1,8 @@
+#include <algorithm>
 #include <cstddef>
 
 #include "dsp/Crossfade.h"
+#include "dsp/CrossfadeGains.h"
 
 #if defined(__x86_64__)
 
@@ -24,11 +26,24 @@ struct Gains {
     }
 };
 
-Gains gainsOf(const MixArgs& out, const MixArgs& in) {
-    return {_mm256_setr_pd(out.gainL, out.gainR, in.gainL, in.gainR),
-            _mm256_setr_pd(out.stepL, out.stepR, in.stepL, in.stepR),
-            _mm256_setr_pd(out.curveL, out.curveR, in.curveL, in.curveR)};
+Gains gainsOf(const FadeState& state) {
+    return {_mm256_loadu_pd(state.gain.data()), _mm256_loadu_pd(state.step.data()),
+            _mm256_loadu_pd(state.curve.data())};
 }
+
+FadeState stateOf(const Gains& gains) {
+    FadeState state;
+    _mm256_storeu_pd(state.gain.data(), gains.value);
+    _mm256_storeu_pd(state.step.data(), gains.step);
+    _mm256_storeu_pd(state.curve.data(), gains.curve);
+    return state;
+}
+
+/// Where the gains are written down: those of two frames go to each side at once.
+struct Record {
+    double* out;
+    double* in;
+};
 
 /// Both sides of two frames.
 template <int channels>
@@ -48,41 +63,49 @@ __m128d loadOne(const float* src) {
 }
 
 template <int channels>
-void addTwo(float* dest, const float* out, const float* in, Gains& gains) {
+void addTwo(float* dest, const float* out, const float* in, Gains& gains, const Record& record) {
     const __m256d first = gains.next();
     const __m256d second = gains.next();
     const __m256d outGains = _mm256_permute2f128_pd(first, second, 0x20);
     const __m256d inGains = _mm256_permute2f128_pd(first, second, 0x31);
+    _mm256_storeu_pd(record.out, outGains);
+    _mm256_storeu_pd(record.in, inGains);
     const __m128 fallen = _mm256_cvtpd_ps(loadTwo<channels>(out) * outGains);
     const __m128 risen = _mm256_cvtpd_ps(loadTwo<channels>(in) * inGains);
     _mm_storeu_ps(dest, (_mm_loadu_ps(dest) + fallen) + risen);
 }
 
 template <int channels>
-void addOne(float* dest, const float* out, const float* in, Gains& gains) {
+void addOne(float* dest, const float* out, const float* in, Gains& gains, const Record& record) {
     const __m256d present = gains.next();
-    const __m128 fallen = _mm_cvtpd_ps(loadOne<channels>(out) * _mm256_castpd256_pd128(present));
-    const __m128 risen = _mm_cvtpd_ps(loadOne<channels>(in) * _mm256_extractf128_pd(present, 1));
+    const __m128d outGains = _mm256_castpd256_pd128(present);
+    const __m128d inGains = _mm256_extractf128_pd(present, 1);
+    _mm_storeu_pd(record.out, outGains);
+    _mm_storeu_pd(record.in, inGains);
+    const __m128 fallen = _mm_cvtpd_ps(loadOne<channels>(out) * outGains);
+    const __m128 risen = _mm_cvtpd_ps(loadOne<channels>(in) * inGains);
     const __m128 before = _mm_castsi128_ps(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(dest)));
     _mm_storel_pi(reinterpret_cast<__m64*>(dest), (before + fallen) + risen);
 }
 
+/// Adds the frames while it works the ramp out.
 template <int channels>
-void addAll(const MixArgs& outArgs, const MixArgs& inArgs) {
-    Gains gains = gainsOf(outArgs, inArgs);
-    auto* dest = static_cast<float*>(outArgs.dest);
-    const auto* out = static_cast<const float*>(outArgs.src);
-    const auto* in = static_cast<const float*>(inArgs.src);
-    std::int32_t left = outArgs.count;
+void addAll(CrossfadeGains::Ramp& ramp, float* dest, const float* out, const float* in) {
+    Gains gains = gainsOf(ramp.begin);
+    Record record{ramp.out.data(), ramp.in.data()};
+    std::int32_t left = ramp.frames;
     constexpr auto two = std::ptrdiff_t{2} * channels;
-    for (; left >= 2; left -= 2, dest += 4, out += two, in += two) addTwo<channels>(dest, out, in, gains);
-    if (left > 0) addOne<channels>(dest, out, in, gains);
+    for (; left >= 2; left -= 2, dest += 4, out += two, in += two, record.out += 4, record.in += 4)
+        addTwo<channels>(dest, out, in, gains, record);
+    if (left > 0) addOne<channels>(dest, out, in, gains, record);
+    ramp.end = stateOf(gains);
 }
 
 }  // namespace
 
-void crossfadeTogether(const MixArgs& out, const MixArgs& in, std::int32_t sourceChannels) {
-    sourceChannels == 2 ? addAll<2>(out, in) : addAll<1>(out, in);
+void crossfadeAndRecord(CrossfadeGains::Ramp& ramp, float* dest, const float* out, const float* in,
+                        std::int32_t channels) {
+    channels == 2 ? addAll<2>(ramp, dest, out, in) : addAll<1>(ramp, dest, out, in);
 }
 
 }  // namespace marnoth

@@ -135,14 +135,15 @@ bool isPlayable(const StretchRequest& request, double speed, double ratio) {
 }  // namespace
 
 void renderShifted(const StretchSource& source, const StretchSpan& span, const StretchDest& dest,
-                   StereoGain gain, std::int32_t semitones, double pitchRatio) {
+                   StereoGain gain, std::int32_t semitones, double pitchRatio, CrossfadeGains* known) {
     const auto request = checkRequest(source, span);
     if (!request || !std::isfinite(pitchRatio) || !(pitchRatio > 0)) return;
     const double speed = speeds.of(semitones) * pitchRatio;
     const double ratio = static_cast<double>(request->target) / static_cast<double>(request->source) * speed;
     if (!isPlayable(*request, speed, ratio)) return;
     const bool unchanged = ratio >= kLeastUnchanged && ratio <= kMostUnchanged;
-    if (unchanged && request->target == request->source) return renderStretched(source, span, dest, gain);
+    if (unchanged && request->target == request->source)
+        return renderStretched(source, span, dest, gain, known);
 
     if (source.wave.channels != 1 && source.wave.channels != 2) return;
     const Playhead playhead(speed);

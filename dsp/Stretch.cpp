@@ -41,8 +41,9 @@ RampSide fadeIn(float g, FadePlace fade) {
 /// The render of one span: turns runs of source frames into kernel calls.
 class RunMixer {
 public:
-    RunMixer(const StretchSource& source, const StretchDest& dest, StereoGain gain, std::int64_t begin)
-        : source(source), dest(dest), gain(gain), begin(begin) {}
+    RunMixer(const StretchSource& source, const StretchDest& dest, StereoGain gain, std::int64_t begin,
+             CrossfadeGains* known)
+        : source(source), dest(dest), gain(gain), begin(begin), known(known) {}
 
     /// `count` frames from source frame `from` on, at constant gain, to target frame `at`; the source's end
     /// cuts it.
@@ -61,7 +62,7 @@ public:
                    FadePlace fade) const {
         mixCrossfade(source.wave, source.first + from, source.first + to, count, destChannels(),
                      ramped(at, fadeOut(gain.left, fade), fadeOut(gain.right, fade)),
-                     ramped(at, fadeIn(gain.left, fade), fadeIn(gain.right, fade)));
+                     ramped(at, fadeIn(gain.left, fade), fadeIn(gain.right, fade)), known);
     }
 
 private:
@@ -89,6 +90,7 @@ private:
     const StretchDest& dest;
     StereoGain gain;
     std::int64_t begin;
+    CrossfadeGains* known;
 };
 
 void renderPasses(const RunMixer& mixer, const StretchRequest& request) {
@@ -133,10 +135,10 @@ StereoGain grainGain(float padVolume, float padPan, double grainVolume, double g
 }
 
 void renderStretched(const StretchSource& source, const StretchSpan& span, const StretchDest& dest,
-                     StereoGain gain) {
+                     StereoGain gain, CrossfadeGains* known) {
     const auto request = checkRequest(source, span);
     if (!request) return;
-    const RunMixer mixer(source, dest, gain, request->begin);
+    const RunMixer mixer(source, dest, gain, request->begin, known);
     if (request->target == request->source) {
         mixer.plain(request->begin, request->begin, request->end - request->begin);
     } else if (request->target > request->source) {

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 
+#include "dsp/CrossfadeGains.h"
 #include "dsp/SourceWave.h"
 
 namespace marnoth {
@@ -46,16 +47,17 @@ StereoGain grainGain(float padVolume, float padPan, double grainVolume, double g
 
 /// Renders untransposed: fills `targetFrames` without a change of pitch. A longer target replays the source
 /// in passes with crossfades at each jump, a shorter one plays the head and crossfades to the tail, an equal
-/// one is a plain copy under the gain. Keeps no state: any target frame can be rendered at any time. Audio
-/// thread; no allocation.
+/// one is a plain copy under the gain. Keeps no state: any target frame can be rendered at any time; what
+/// `known` remembers saves time and changes no bit; it may be null. Audio thread; no allocation.
 void renderStretched(const StretchSource& source, const StretchSpan& span, const StretchDest& dest,
-                     StereoGain gain);
+                     StereoGain gain, CrossfadeGains* known = nullptr);
 
 /// Renders transposed by a change of playback speed: 2 ^ (semitones / 12) * pitchRatio, with linear
 /// interpolation; the length on the timeline stays `targetFrames`, by the same passes counted in source
 /// frames. A `pitchRatio` that isn't a finite number above 0 renders nothing. A stereo source into mono is
 /// halved here.
 void renderShifted(const StretchSource& source, const StretchSpan& span, const StretchDest& dest,
-                   StereoGain gain, std::int32_t semitones, double pitchRatio);
+                   StereoGain gain, std::int32_t semitones, double pitchRatio,
+                   CrossfadeGains* known = nullptr);
 
 }  // namespace marnoth

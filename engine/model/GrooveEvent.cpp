@@ -8,19 +8,6 @@
 namespace marnoth {
 namespace {
 
-std::int64_t readTime(std::int64_t ticks16, std::int64_t samples, std::uint32_t kind) {
-    switch (kind) {
-        case kWholeTicks:
-            return ticks16 >> 16;
-        case kTicks16:
-            return ticks16;
-        case kSamples:
-            return samples;
-        default:
-            return 0;
-    }
-}
-
 void writeTime(std::int64_t& ticks16, std::int64_t& samples, std::int64_t value, std::uint32_t kind) {
     if (value < 0) return;
     if (kind == kTicks16) ticks16 = value;
@@ -29,16 +16,8 @@ void writeTime(std::int64_t& ticks16, std::int64_t& samples, std::int64_t value,
 
 }  // namespace
 
-std::int64_t CGrooveEvent::GetStart(std::uint32_t kind) const {
-    return readTime(startTicks, startSamples, kind);
-}
-
 void CGrooveEvent::SetStart(std::int64_t value, std::uint32_t kind) {
     writeTime(startTicks, startSamples, value, kind);
-}
-
-std::int64_t CGrooveEvent::GetLength(std::uint32_t kind, std::uint32_t useTail) const {
-    return readTime(lengthTicks, useTail && playsTail() ? tailLengthSamples : lengthSamples, kind);
 }
 
 void CGrooveEvent::SetLength(std::int64_t value, std::uint32_t kind) {
@@ -84,19 +63,20 @@ StretchSource CGrooveEvent::source() const {
 
 HRESULT CGrooveEvent::Render(std::int64_t pos, std::int64_t destFrame, std::int32_t frames,
                              std::int64_t targetFrames, float* dest, const WAVEFORMATEX* destFormat,
-                             float padVolume, float padPan) const {
+                             float padVolume, float padPan, CrossfadeGains* known) const {
     const std::int32_t channels = destFormat->nChannels;
     renderStretched(source(), {pos, frames, targetFrames}, {dest + destFrame * channels, channels},
-                    grainGain(padVolume, padPan, volume, pan));
+                    grainGain(padVolume, padPan, volume, pan), known);
     return S_OK;
 }
 
 HRESULT CGrooveEvent::RenderShifted(std::int64_t pos, std::int64_t destFrame, std::int32_t frames,
                                     std::int64_t targetFrames, float* dest, const WAVEFORMATEX* destFormat,
-                                    float padVolume, float padPan, std::int32_t semitones) const {
+                                    float padVolume, float padPan, std::int32_t semitones,
+                                    CrossfadeGains* known) const {
     const std::int32_t channels = destFormat->nChannels;
     renderShifted(source(), {pos, frames, targetFrames}, {dest + destFrame * channels, channels},
-                  grainGain(padVolume, padPan, volume, pan), semitones, pitchRatio);
+                  grainGain(padVolume, padPan, volume, pan), semitones, pitchRatio, known);
     return S_OK;
 }
 

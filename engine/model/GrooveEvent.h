@@ -22,10 +22,12 @@ public:
     const GrainSettings& settings() const { return *this; }
 
     /// `kind` is a `TimeKind`. Negative values are not written.
-    std::int64_t GetStart(std::uint32_t kind) const;
+    std::int64_t GetStart(std::uint32_t kind) const { return read(startTicks, startSamples, kind); }
     void SetStart(std::int64_t value, std::uint32_t kind);
     /// In samples, the tail's length when `useTail` is set and the grain plays its tail.
-    std::int64_t GetLength(std::uint32_t kind, std::uint32_t useTail) const;
+    std::int64_t GetLength(std::uint32_t kind, std::uint32_t useTail) const {
+        return read(lengthTicks, useTail && playsTail() ? tailLengthSamples : lengthSamples, kind);
+    }
     void SetLength(std::int64_t value, std::uint32_t kind);
     std::int64_t GetEnd(std::uint32_t kind, std::uint32_t useTail) const;
 
@@ -41,13 +43,16 @@ public:
 
     /// Renders `frames` frames from target frame `pos` of a grain that fills `targetFrames` (below 1: its own
     /// length), and adds them to the interleaved `dest` at `destFrame`. Only `nChannels` of `destFormat` is
-    /// read. `padVolume` 0 to 2, `padPan` 0 to 1. Audio thread. Always 0.
+    /// read. `padVolume` 0 to 2, `padPan` 0 to 1. What `known` remembers of other grains saves time and
+    /// changes nothing else. Audio thread. Always 0.
     HRESULT Render(std::int64_t pos, std::int64_t destFrame, std::int32_t frames, std::int64_t targetFrames,
-                   float* dest, const WAVEFORMATEX* destFormat, float padVolume, float padPan) const;
+                   float* dest, const WAVEFORMATEX* destFormat, float padVolume, float padPan,
+                   CrossfadeGains* known = nullptr) const;
     /// The same transposed by `semitones`, with the length on the timeline unchanged.
     HRESULT RenderShifted(std::int64_t pos, std::int64_t destFrame, std::int32_t frames,
                           std::int64_t targetFrames, float* dest, const WAVEFORMATEX* destFormat,
-                          float padVolume, float padPan, std::int32_t semitones) const;
+                          float padVolume, float padPan, std::int32_t semitones,
+                          CrossfadeGains* known = nullptr) const;
 
     RefPtr<CWaveMem> sample;
     RefPtr<CWaveMem> tailWave;  ///< may be null
@@ -55,6 +60,18 @@ public:
     std::uint32_t deleted = 0;  ///< goes with the next `PurgeAndSort`
 
 private:
+    static std::int64_t read(std::int64_t ticks16, std::int64_t samples, std::uint32_t kind) {
+        switch (kind) {
+            case kWholeTicks:
+                return ticks16 >> 16;
+            case kTicks16:
+                return ticks16;
+            case kSamples:
+                return samples;
+            default:
+                return 0;
+        }
+    }
     StretchSource source() const;
 };
 

@@ -30,7 +30,7 @@ public:
     std::span<const AnsweringPad> FindPads(Answers& room, const Pads& pads, std::int32_t key,
                                            std::int32_t channel, std::int32_t velocity) const;
 
-    void RemoveAll() { count_ = 0; }
+    void RemoveAll() { *this = {}; }
     /// The entry of `pad`, or null.
     const KeyMapRecord* find(std::int32_t pad) const;
     std::int32_t GetSize() const { return count_; }
@@ -40,7 +40,15 @@ private:
         return {entries_.data(), static_cast<std::size_t>(count_)};
     }
 
+    static constexpr std::int32_t kKeys = 128;
+    using EntrySet = std::uint16_t;  ///< bit n: entry n
+
+    void put(std::size_t at, const KeyMapRecord& entry);
+    /// The entries in whose range the key lies.
+    EntrySet entriesOf(std::int32_t key) const;
+
     std::array<KeyMapRecord, kPads> entries_{};
+    std::array<EntrySet, kKeys> answering_{};  ///< for each key of a keyboard, so that a note needn't look
     std::int32_t count_ = 0;
 };
 

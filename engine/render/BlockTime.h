@@ -21,8 +21,12 @@ public:
     /// Another block: `frames` frames from `start` on, in samples. What was known is forgotten.
     void begin(std::int64_t start, std::int32_t frames);
 
-    std::int64_t toSamples(std::int64_t ticks16);
-    std::int64_t toTicks(std::int64_t samples);
+    std::int64_t toSamples(std::int64_t ticks16) {
+        return samples_.answer(ticks16, [this](std::int64_t ticks) { return askSamples(ticks); });
+    }
+    std::int64_t toTicks(std::int64_t samples) {
+        return ticks_.answer(samples, [this](std::int64_t frames) { return askTicks(frames); });
+    }
 
     // The block's own place.
     std::int64_t startSamples() const { return startSamples_; }
@@ -35,7 +39,14 @@ private:
     public:
         void forget() { ++block_; }
         template <class Ask>
-        std::int64_t answer(std::int64_t question, Ask ask);
+        std::int64_t answer(std::int64_t question, Ask ask) {
+            // Multiplicative hashing: the golden ratio spreads times that differ by a constant.
+            const std::uint64_t spread = static_cast<std::uint64_t>(question) * 0x9E3779B97F4A7C15u;
+            Entry& entry = entries_[static_cast<std::size_t>(spread >> (64 - kBits))];
+            if (entry.block != block_ || entry.question != question)
+                entry = {question, ask(question), block_};
+            return entry.answer;
+        }
 
     private:
         struct Entry {
@@ -48,6 +59,9 @@ private:
         std::array<Entry, std::size_t{1} << kBits> entries_{};
         std::uint64_t block_ = 1;
     };
+
+    std::int64_t askSamples(std::int64_t ticks16);
+    std::int64_t askTicks(std::int64_t samples);
 
     CPziSynthContext& context_;
     Memo samples_;

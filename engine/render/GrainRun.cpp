@@ -10,13 +10,14 @@ GrainRun GrainRun::part(std::int64_t first, std::int64_t frames) const {
     return run;
 }
 
-void GrainRun::render(float* dest, const WAVEFORMATEX& format, const CGrooveTrack& track) const {
+void GrainRun::render(float* dest, const WAVEFORMATEX& format, const CGrooveTrack& track,
+                      CrossfadeGains& known) const {
     const auto frames = static_cast<std::int32_t>(count);
     if (semitones == 0) {
-        grain->Render(pos, destFrame, frames, targetFrames, dest, &format, track.volume, track.pan);
+        grain->Render(pos, destFrame, frames, targetFrames, dest, &format, track.volume, track.pan, &known);
     } else {
         grain->RenderShifted(pos, destFrame, frames, targetFrames, dest, &format, track.volume, track.pan,
-                             semitones);
+                             semitones, &known);
     }
 }
 

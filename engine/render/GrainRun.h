@@ -19,7 +19,8 @@ struct GrainRun {
     /// `frames` of its frames from `first` on.
     GrainRun part(std::int64_t first, std::int64_t frames) const;
     /// Adds it to the block that begins at `dest`, at the level and pan of its pad.
-    void render(float* dest, const WAVEFORMATEX& format, const CGrooveTrack& track) const;
+    void render(float* dest, const WAVEFORMATEX& format, const CGrooveTrack& track,
+                CrossfadeGains& known) const;
 };
 
 }  // namespace marnoth

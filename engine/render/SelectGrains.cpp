@@ -12,12 +12,13 @@ std::uint32_t kindOf(const CGrooveTrack& track) {
     return track.synced ? kTicks16 : kSamples;
 }
 
-/// Goes through the grains of one cycle.
+/// Goes through the grains of one cycle, by one kind of time.
+template <std::uint32_t kind>
 class CycleWalk {
 public:
-    CycleWalk(StreamEvents& events, const GrainReach& all, std::uint32_t kind, TimeRange range,
-              std::int64_t base, BlockTime& time)
-        : events_(events), kind_(kind), range_(range), base_(base), time_(time) {
+    CycleWalk(StreamEvents& events, const GrainReach& all, TimeRange range, std::int64_t base,
+              BlockTime& time)
+        : events_(events), range_(range), base_(base), time_(time) {
         if (kind == kTicks16 && all.lastKeptStart != GrainReach::kBefore) keptFrom_ = earliestKept(all);
     }
 
@@ -25,11 +26,11 @@ public:
     bool walk(const GrainPart& part) {
         if (part.isGrain()) return takeGrain(part.grain());
         const GrainReach* reach = part.reaches();
-        for (const auto& inner : part) {
+        const auto* const end = part.end();
+        for (const auto* inner = part.begin(); inner != end; ++inner, ++reach) {
             // Where nothing sounds, a late start ends the walk all the same.
-            const bool goesOn = maySound(*reach) ? walk(*inner) : reach->in(kind_).lastStart <= range_.to;
+            const bool goesOn = maySound(*reach) ? walk(**inner) : reach->in(kind).lastStart <= range_.to;
             if (!goesOn) return false;
-            ++reach;
         }
         return true;
     }
@@ -37,7 +38,7 @@ public:
 
 private:
     bool takeGrain(const CGrooveEvent& grain) {
-        const std::int64_t start = grain.GetStart(kind_);
+        const std::int64_t start = grain.GetStart(kind);
         if (start > range_.to) return false;
         const std::int64_t end = endOf(grain, start);
         if (end <= range_.from || start >= range_.to) return true;
@@ -48,8 +49,8 @@ private:
     }
 
     std::int64_t endOf(const CGrooveEvent& grain, std::int64_t start) {
-        if (kind_ == kTicks16 && grain.keepsDuration()) return keptEnd(start, grain.GetLength(kSamples, 1));
-        return plus(start, grain.GetLength(kind_, 1));
+        if (kind == kTicks16 && grain.keepsDuration()) return keptEnd(start, grain.GetLength(kSamples, 1));
+        return plus(start, grain.GetLength(kind, 1));
     }
 
     /// Where a grain that keeps its duration ends at the tempo in force.
@@ -69,21 +70,28 @@ private:
     /// False only when no grain of the part can sound. Conversions of time never run backward, so the last
     /// start with the longest duration ends behind all of them.
     bool maySound(const GrainReach& reach) {
-        const GrainReach::Span& span = reach.in(kind_);
+        const GrainReach::Span& span = reach.in(kind);
         if (span.firstStart >= range_.to) return false;
         if (span.lastEnd > range_.from) return true;
-        if (kind_ != kTicks16 || reach.lastKeptStart < keptFrom_) return false;
+        if (kind != kTicks16 || reach.lastKeptStart < keptFrom_) return false;
         return keptEnd(reach.lastKeptStart, reach.longestKept) > range_.from;
     }
 
     StreamEvents& events_;
-    const std::uint32_t kind_;
     const TimeRange range_;
     const std::int64_t base_;
     BlockTime& time_;
     std::int64_t keptFrom_ = GrainReach::kNever;  ///< 16.16 ticks; without such grains none is late enough
     bool found_ = false;
 };
+
+template <std::uint32_t kind>
+bool walkCycle(StreamEvents& events, const GrainPart& grains, TimeRange range, std::int64_t base,
+               BlockTime& time) {
+    CycleWalk<kind> walk(events, grains.reach, range, base, time);
+    walk.walk(grains);
+    return walk.found();
+}
 
 }  // namespace
 
@@ -127,11 +135,10 @@ std::int32_t collectCycle(StreamEvents& events, const CGrooveTrack& track, std::
                           TimeRange range, std::int64_t cycle, BlockTime& time) {
     const GrainPart* const grains = track.grains().root();
     if (!grains) return 0;
-    const std::uint32_t kind = kindOf(track);
-    const std::int64_t base = plus(times(cycle, track.GetLength(kind)), origin);
-    CycleWalk walk(events, grains->reach, kind, range, base, time);
-    walk.walk(*grains);
-    return walk.found() ? 1 : 0;
+    const std::int64_t base = plus(times(cycle, track.GetLength(kindOf(track))), origin);
+    const bool found = track.synced ? walkCycle<kTicks16>(events, *grains, range, base, time)
+                                    : walkCycle<kSamples>(events, *grains, range, base, time);
+    return found ? 1 : 0;
 }
 
 }  // namespace marnoth

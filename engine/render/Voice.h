@@ -1,7 +1,9 @@
 #pragma once
 
 #include <cstdint>
+#include <utility>
 
+#include "platform/system/Overflow.h"
 #include "seam/MusicalTime.h"
 
 namespace marnoth {
@@ -66,7 +68,10 @@ struct VoiceState {
     void startBoth(std::int64_t ticks16);
     void endBoth();
     /// Both positions move on by the length of a block.
-    void advance(std::int64_t ticks16);
+    void advance(std::int64_t ticks16) {
+        gate.position = plus(gate.position, ticks16);
+        shot.position = plus(shot.position, ticks16);
+    }
     /// The pad, or the file, is to be started by the next block.
     void requestStart();
     /// The same for an audition, which plays on past the length of its track.
@@ -74,7 +79,9 @@ struct VoiceState {
 };
 
 /// Reads a request and takes it away.
-bool take(std::uint32_t& request);
+inline bool take(std::uint32_t& request) {
+    return std::exchange(request, 0) != 0;
+}
 
 /// The toggle of a one-shot pad that is played from notes.
 struct PadGate {

@@ -55,11 +55,13 @@ struct ClipTimes {
     std::int64_t clipEnd;
 };
 
+}  // namespace
+
 /// One pad of a voice in one block: where its sound goes, and between which fades.
-class PadRender {
+class VoiceRenderer::PadRender {
 public:
     PadRender(const Block& block, const TrackPlayInfo& entry, const VoiceLane& lane, PinBuffer& pin,
-              float* dest, bool fadeNow, float* scratch)
+              float* dest, bool fadeNow, Workspace& workspace)
         : block_(block),
           track_(*entry.track),
           entry_(entry),
@@ -68,7 +70,7 @@ public:
           from_(toSamples(lane.from, block.time)),
           end_(toSamples(lane.end, block.time)),
           fadeNow_(fadeNow),
-          scratch_(scratch) {}
+          workspace_(workspace) {}
 
     /// Fills `events`; gives their count, or -1 when a track that doesn't loop has played out.
     std::int32_t select(StreamEvents& events, const VoiceState& voice, const PadPhase& phase) const {
@@ -97,7 +99,7 @@ public:
         } else if (fadeOutStart() < clip.clipEnd && end_ > clip.clipStart) {
             renderFadeOut(run, clip);
         } else {
-            run.render(dest_, block_.format, track_);
+            run.render(dest_, block_.format, track_, workspace_.gains);
         }
     }
 
@@ -135,7 +137,8 @@ private:
         const double step = 1.0 / static_cast<double>(block_.fades.in);
         const double gain = static_cast<double>(first - from_) / static_cast<double>(block_.fades.in);
         renderFaded(run.part(0, frames), first - block_.time.startSamples(), gain, step);
-        if (run.count > frames) run.part(frames, run.count - frames).render(dest_, block_.format, track_);
+        if (run.count > frames)
+            run.part(frames, run.count - frames).render(dest_, block_.format, track_, workspace_.gains);
     }
 
     void renderFadeOut(const GrainRun& run, const ClipTimes& clip) const {
@@ -144,7 +147,7 @@ private:
         const std::int64_t frames = std::min<std::int64_t>(last - first, frames_);
         if (frames <= 0) return;
         const std::int64_t plain = run.count - frames;
-        if (plain > 0) run.part(0, plain).render(dest_, block_.format, track_);
+        if (plain > 0) run.part(0, plain).render(dest_, block_.format, track_, workspace_.gains);
         // Down to 0 at the end of the clip even where the fade goes on into the next block.
         const double step = -1.0 / static_cast<double>(block_.fades.out);
         const double gain = static_cast<double>(last - first) / static_cast<double>(block_.fades.out);
@@ -160,14 +163,15 @@ private:
         const std::int64_t first = std::min(offset, run.destFrame);
         const std::int64_t span = std::max(offset, run.destFrame) + run.count - first;
         if (channels < 1 || span > kScratchValues / channels) return;
-        std::fill_n(scratch_, span * channels, 0.0f);
+        float* const scratch = workspace_.scratch.get();
+        std::fill_n(scratch, span * channels, 0.0f);
         GrainRun inScratch = run;
         inScratch.destFrame -= first;
-        inScratch.render(scratch_, block_.format, track_);
+        inScratch.render(scratch, block_.format, track_, workspace_.gains);
 
         MixArgs args;
         args.dest = dest_ + offset * channels;
-        args.src = scratch_ + (offset - first) * channels;
+        args.src = scratch + (offset - first) * channels;
         args.count = static_cast<std::int32_t>(run.count);
         args.gainL = args.gainR = gain;
         args.stepL = args.stepR = step;
@@ -184,8 +188,10 @@ private:
     const std::int64_t from_;    ///< samples; the voice's start
     const std::int64_t end_;     ///< samples; the voice's end
     const bool fadeNow_;         ///< the gate has just been switched off: this block is the last
-    float* const scratch_;
+    Workspace& workspace_;
 };
+
+namespace {
 
 /// How the tracks of one voice stand.
 struct VoiceTally {
@@ -218,12 +224,12 @@ public:
         if (!dest) return;
 
         const VoiceLane& lane = track.oneShot ? voice_.shot : voice_.gate;
-        const PadRender pad(block_, entry, lane, *pin, dest, pass == GatePass::fading, owner_.scratch_.get());
+        const PadRender pad(block_, entry, lane, *pin, dest, pass == GatePass::fading, owner_.workspace_);
         const std::int32_t selected = select(pad, entry);
         ++(!track.oneShot || track.looping ? tally_.lasting : tally_.shots);
         if (selected == -1) ++tally_.ended;
         if (selected < 1 || track.mute) return;
-        for (const StreamEventInfo& event : owner_.events_) pad.render(event);
+        for (const StreamEventInfo& event : owner_.workspace_.events) pad.render(event);
     }
 
     /// Every one-shot track of the voice has played out, and none lasts.
@@ -236,7 +242,8 @@ private:
         const bool isPad = entry.kind == PlayKind::pad;
         const bool silencedBySolo = block_.model.anySolo && !entry.track->solo;
         const PadPhase origin = isPad ? phase_.of(entry.pad) : PadPhase{};
-        const std::int32_t selected = silencedBySolo ? 0 : pad.select(owner_.events_, voice_, origin);
+        const std::int32_t selected =
+            silencedBySolo ? 0 : pad.select(owner_.workspace_.events, voice_, origin);
         if (!isPad || selected == -1) return selected;
         if (soundedFlags_ && !silencedBySolo) (*soundedFlags_)[static_cast<std::size_t>(entry.pad)] = 1;
         // Counting from its own start serves exactly one selection.
@@ -252,9 +259,6 @@ private:
     PadFlags* const soundedFlags_;
     VoiceTally tally_;
 };
-
-VoiceRenderer::VoiceRenderer()
-    : events_(kStreamEvents), scratch_(std::make_unique<float[]>(kScratchValues)) {}
 
 void VoiceRenderer::render(const Block& block, std::span<const TrackPlayInfo> playList, VoiceState& voice,
                            PlayState& playing, SyncPhase& phase, PadFlags* soundedFlags) {

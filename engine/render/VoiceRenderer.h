@@ -4,6 +4,7 @@
 #include <memory>
 #include <span>
 
+#include "dsp/CrossfadeGains.h"
 #include "engine/render/Block.h"
 #include "engine/render/PlayState.h"
 #include "engine/render/SelectGrains.h"
@@ -21,7 +22,7 @@ inline constexpr std::int32_t kScratchValues = 96000;
 /// Owns the storage that this needs, all of it taken in advance. Streaming thread, under the engine's lock.
 class VoiceRenderer {
 public:
-    VoiceRenderer();
+    VoiceRenderer() = default;
     VoiceRenderer(const VoiceRenderer&) = delete;
     VoiceRenderer& operator=(const VoiceRenderer&) = delete;
 
@@ -31,10 +32,17 @@ public:
                 PlayState& playing, SyncPhase& phase, PadFlags* soundedFlags);
 
 private:
+    class PadRender;
     class Pass;
 
-    StreamEvents events_;               ///< the grains of one pad in one block
-    std::unique_ptr<float[]> scratch_;  ///< one block, for fades
+    /// Where the render of a pad keeps what it works with.
+    struct Workspace {
+        StreamEvents events{kStreamEvents};  ///< the grains of one pad in one block
+        std::unique_ptr<float[]> scratch = std::make_unique<float[]>(kScratchValues);  ///< for fades
+        CrossfadeGains gains;
+    };
+
+    Workspace workspace_;
 };
 
 }  // namespace marnoth

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <array>
 #include <bit>
 #include <random>
 #include <vector>
@@ -78,10 +79,10 @@ std::vector<float> inTurn(const SourceWave& wave, Crossfade fade) {
     return dest;
 }
 
-std::vector<float> together(const SourceWave& wave, Crossfade fade) {
+std::vector<float> together(const SourceWave& wave, Crossfade fade, CrossfadeGains* known = nullptr) {
     std::vector<float> dest = destinationOf(fade);
     fade.out.dest = fade.in.dest = dest.data();
-    mixCrossfade(wave, fade.from, fade.to, fade.count, fade.destChannels, fade.out, fade.in);
+    mixCrossfade(wave, fade.from, fade.to, fade.count, fade.destChannels, fade.out, fade.in, known);
     return dest;
 }
 
@@ -101,6 +102,38 @@ TEST(Crossfade, BothSidesAtOnceGiveTheBitsOfTwoRampedKernelsInTurn) {
             << "crossfade " << i << ": " << fade.count << " frames from " << fade.from << " and " << fade.to
             << ", " << wave.channels << " channels into " << fade.destChannels;
     }
+}
+
+TEST(Crossfade, RememberedGainsGiveTheBitsOfThoseWorkedOutAnew) {
+    const TestWave waves[] = {{4000, 1, noise}, {4000, 2, noise}};
+    Crossfades fades(31);
+    CrossfadeGains known;
+    // More ramps than are remembered, most of them met again, at other places of the wave and in other
+    // lengths.
+    std::vector<Crossfade> ramps;
+    for (int i = 0; i < 6; ++i) ramps.push_back(fades.over(1000));
+    for (int i = 0; i < 3000; ++i) {
+        const TestWave& wave = waves[i % 2];
+        Crossfade fade = ramps[static_cast<std::size_t>(fades.between(0, i % 3 == 0 ? 5 : 2))];
+        fade.destChannels = 2;
+        fade.count = std::array{64, 64, 63, 1, 512, 513, 1300}[static_cast<std::size_t>(fades.between(0, 6))];
+        fade.from = fades.between(0, wave.frames - fade.count);
+        fade.to = fades.between(0, wave.frames - fade.count);
+        ASSERT_EQ(bitsOf(together(wave.view(), fade, &known)), bitsOf(inTurn(wave.view(), fade)))
+            << "crossfade " << i << ": " << fade.count << " frames of " << wave.channels << " channels";
+    }
+}
+
+TEST(Crossfade, GainsThatDifferInTheSignOfAZeroAloneAreToldApart) {
+    CrossfadeGains known;
+    FadeState state;
+    CrossfadeGains::Ramp& ramp = known.replaceOldest();
+    ramp.begin = state;
+    ramp.frames = 10;
+    EXPECT_EQ(known.find(state, 10), &ramp);
+    EXPECT_EQ(known.find(state, 11), nullptr);
+    state.step[2] = -0.0;
+    EXPECT_EQ(known.find(state, 10), nullptr);
 }
 
 TEST(Crossfade, GainsRunOnFromFrameToFrame) {
