@@ -1,19 +1,34 @@
 #include "dsp/Crossfade.h"
 
 #include <algorithm>
+#include <cstddef>
 
+#include "dsp/MixKernels.h"
 #include "dsp/MixRun.h"
 #include "dsp/WideRegisters.h"
 
 namespace marnoth {
 namespace {
 
-void mixInTurn(const SourceWave& wave, std::int64_t from, std::int64_t to, std::int64_t count,
-               std::int32_t destChannels, const MixArgs& out, const MixArgs& in) {
-    const MixKernel ramped = GetMixKernel(32, static_cast<std::uint32_t>(wave.channels),
-                                          static_cast<std::uint32_t>(destChannels), 0, 1, 0);
-    mixRun(ramped, wave, from, count, destChannels, out);
-    mixRun(ramped, wave, to, count, destChannels, in);
+/// The gains of one side, which are two of four.
+MixArgs argsOf(const CrossfadeRun& run, const FadeState& gains, std::size_t left) {
+    MixArgs args;
+    args.dest = run.dest;
+    args.gainL = gains.gain[left];
+    args.gainR = gains.gain[left + 1];
+    args.stepL = gains.step[left];
+    args.stepR = gains.step[left + 1];
+    args.curveL = gains.curve[left];
+    args.curveR = gains.curve[left + 1];
+    args.sampleBytes = sizeof(float);
+    return args;
+}
+
+void mixInTurn(const CrossfadeRun& run, const FadeState& gains) {
+    const MixKernel ramped = GetMixKernel(32, static_cast<std::uint32_t>(run.wave.channels),
+                                          static_cast<std::uint32_t>(run.destChannels), 0, 1, 0);
+    mixRun(ramped, run.wave, run.from, run.count, run.destChannels, argsOf(run, gains, 0));
+    mixRun(ramped, run.wave, run.to, run.count, run.destChannels, argsOf(run, gains, 2));
 }
 
 #if defined(__x86_64__)
@@ -22,61 +37,49 @@ bool isInside(const SourceWave& wave, std::int64_t frame, std::int64_t count) {
     return frame >= 0 && count <= wave.frames + 1 - frame;
 }
 
-FadeState stateOf(const MixArgs& out, const MixArgs& in) {
-    return {{out.gainL, out.gainR, in.gainL, in.gainR},
-            {out.stepL, out.stepR, in.stepL, in.stepR},
-            {out.curveL, out.curveR, in.curveL, in.curveR}};
+bool canGoTogether(const CrossfadeRun& run) {
+    return run.destChannels == 2 && run.wave.channels <= 2 && isInside(run.wave, run.from, run.count) &&
+           isInside(run.wave, run.to, run.count) && has256();
 }
 
 /// Adds the next `frames` frames; gives where the gains stand behind them.
-FadeState addFrames(CrossfadeGains* known, const FadeState& state, std::int32_t frames, float* dest,
+FadeState addFrames(CrossfadeGains* known, const FadeState& begin, std::int32_t frames, float* dest,
                     const float* out, const float* in, std::int32_t channels) {
-    if (const CrossfadeGains::Ramp* ramp = known ? known->find(state, frames) : nullptr) {
+    if (const CrossfadeGains::Ramp* ramp = known ? known->find(begin, frames) : nullptr) {
         crossfadeBy(*ramp, dest, out, in, channels);
         return ramp->end;
     }
     CrossfadeGains::Ramp unknown;
     CrossfadeGains::Ramp& ramp = known ? known->replaceOldest() : unknown;
-    ramp.begin = state;
+    ramp.begin = begin;
     ramp.frames = frames;
     crossfadeAndRecord(ramp, dest, out, in, channels);
     return ramp.end;
 }
 
-void mixTogether(const SourceWave& wave, std::int64_t from, std::int64_t to, std::int64_t count,
-                 const MixArgs& out, const MixArgs& in, CrossfadeGains* known) {
-    FadeState state = stateOf(out, in);
-    auto* dest = static_cast<float*>(out.dest);
-    while (count > 0) {
-        const std::int64_t frames = std::min<std::int64_t>(count, CrossfadeGains::kFrames);
-        state =
-            addFrames(known, state, static_cast<std::int32_t>(frames), dest,
-                      wave.samples + from * wave.channels, wave.samples + to * wave.channels, wave.channels);
+void mixTogether(const CrossfadeRun& run, FadeState gains, CrossfadeGains* known) {
+    const std::int64_t channels = run.wave.channels;
+    const float* out = run.wave.samples + run.from * channels;
+    const float* in = run.wave.samples + run.to * channels;
+    float* dest = run.dest;
+    for (std::int64_t left = run.count, frames = 0; left > 0; left -= frames) {
+        frames = std::min<std::int64_t>(left, CrossfadeGains::kFrames);
+        gains = addFrames(known, gains, static_cast<std::int32_t>(frames), dest, out, in, run.wave.channels);
         dest += frames * 2;
-        from += frames;
-        to += frames;
-        count -= frames;
+        out += frames * channels;
+        in += frames * channels;
     }
-}
-
-bool canGoTogether(const SourceWave& wave, std::int64_t from, std::int64_t to, std::int64_t count,
-                   std::int32_t destChannels) {
-    return destChannels == 2 && wave.channels <= 2 && isInside(wave, from, count) &&
-           isInside(wave, to, count) && has256();
 }
 
 #endif
 
 }  // namespace
 
-void mixCrossfade(const SourceWave& wave, std::int64_t from, std::int64_t to, std::int64_t count,
-                  std::int32_t destChannels, const MixArgs& out, const MixArgs& in,
-                  [[maybe_unused]] CrossfadeGains* known) {
+void mixCrossfade(const CrossfadeRun& run, const FadeState& gains, [[maybe_unused]] CrossfadeGains* known) {
 #if defined(__x86_64__)
-    if (canGoTogether(wave, from, to, count, destChannels))
-        return mixTogether(wave, from, to, count, out, in, known);
+    if (canGoTogether(run)) return mixTogether(run, gains, known);
 #endif
-    mixInTurn(wave, from, to, count, destChannels, out, in);
+    mixInTurn(run, gains);
 }
 
 }  // namespace marnoth

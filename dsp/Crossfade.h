@@ -3,19 +3,24 @@
 #include <cstdint>
 
 #include "dsp/CrossfadeGains.h"
-#include "dsp/MixKernels.h"
 #include "dsp/SourceWave.h"
 
 /// Both sides of a crossfade. Internal to the renders of this folder.
 namespace marnoth {
 
-/// Adds `count` frames from frame `from` of `wave` on under the ramp of `out`, and as many from frame `to` on
-/// under that of `in`, to the destination that both name: the bits of two ramped calls of `mixRun`, one
-/// behind the other, edges of the wave included. `known` remembers the gains for the next crossfade like it;
-/// may be null.
-void mixCrossfade(const SourceWave& wave, std::int64_t from, std::int64_t to, std::int64_t count,
-                  std::int32_t destChannels, const MixArgs& out, const MixArgs& in,
-                  CrossfadeGains* known = nullptr);
+/// Frames of a wave of which some fade out while others fade in.
+struct CrossfadeRun {
+    const SourceWave& wave;
+    std::int64_t from = 0;   ///< the frame with which those that fade out begin
+    std::int64_t to = 0;     ///< the same of those that fade in
+    std::int64_t count = 0;  ///< frames of each; 0 or fewer: none
+    float* dest = nullptr;   ///< what they are added to, interleaved
+    std::int32_t destChannels = 0;
+};
+
+/// Adds the run under gains that begin so: the bits of two ramped calls of `mixRun`, out and then in, edges
+/// of the wave included. `known` remembers the gains for the next crossfade like it; may be null.
+void mixCrossfade(const CrossfadeRun& run, const FadeState& gains, CrossfadeGains* known = nullptr);
 
 #if defined(__x86_64__)
 /// Works out the `frames` frames of `ramp` from where they `begin`, and meanwhile adds as many frames at

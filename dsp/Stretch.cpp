@@ -16,26 +16,21 @@ struct FadePlace {
     double place;   ///< frames that lie before the run
 };
 
-struct RampSide {
-    double gain;
-    double step;
-    double curve;
-};
-
-/// g * (1 - x * x) as start value and forward differences.
-RampSide fadeOut(float g, FadePlace fade) {
+/// Both sides' gains at `fade.place` as start values and forward differences. With x the part of the
+/// crossfade that lies behind, it fades out by 1 - x * x and in by 1 - (1 - x) * (1 - x). Their sum rises
+/// to 1.5 in the middle, and is meant to.
+FadeState gainsOf(StereoGain gain, FadePlace fade) {
     const double x = fade.place / fade.length;
     const double n = 1.0 / (fade.length * fade.length);
-    return {g * (1.0 - x * x), -g * n - g * n * fade.place * 2.0, (g * -2.0f) * n};
-}
-
-/// g * (1 - (1 - x) * (1 - x)) likewise. The sum with the fade-out rises to 1.5 in the middle, and is meant
-/// to.
-RampSide fadeIn(float g, FadePlace fade) {
-    const double x = fade.place / fade.length;
-    const double n = 1.0 / (fade.length * fade.length);
-    return {g * (1.0 - (1.0 - x) * (1.0 - x)), (g * 2.0f) * (fade.length - fade.place) * n - g * n,
-            (g * -2.0f) * n};
+    const double out = 1.0 - x * x;
+    const double in = 1.0 - (1.0 - x) * (1.0 - x);
+    const auto outStep = [&](float g) { return -g * n - g * n * fade.place * 2.0; };
+    const auto inStep = [&](float g) { return (g * 2.0f) * (fade.length - fade.place) * n - g * n; };
+    const auto curve = [&](float g) { return (g * -2.0f) * n; };
+    const auto [l, r] = gain;
+    return {{l * out, r * out, l * in, r * in},
+            {outStep(l), outStep(r), inStep(l), inStep(r)},
+            {curve(l), curve(r), curve(l), curve(r)}};
 }
 
 /// The render of one span: turns runs of source frames into kernel calls.
@@ -48,7 +43,9 @@ public:
     /// `count` frames from source frame `from` on, at constant gain, to target frame `at`; the source's end
     /// cuts it.
     void plain(std::int64_t at, std::int64_t from, std::int64_t count) const {
-        MixArgs args = argsAt(at);
+        MixArgs args;
+        args.dest = placeOf(at);
+        args.sampleBytes = (static_cast<std::uint32_t>(source.sampleBits) + 7) / 8;
         args.gainL = gain.left;
         args.gainR = gain.right;
         const MixKernel kernel = GetMixKernel(32, static_cast<std::uint32_t>(source.wave.channels),
@@ -60,31 +57,15 @@ public:
     /// `count` frames to target frame `at` that fade out of the source at frame `from` and in at frame `to`.
     void crossfade(std::int64_t at, std::int64_t from, std::int64_t to, std::int64_t count,
                    FadePlace fade) const {
-        mixCrossfade(source.wave, source.first + from, source.first + to, count, destChannels(),
-                     ramped(at, fadeOut(gain.left, fade), fadeOut(gain.right, fade)),
-                     ramped(at, fadeIn(gain.left, fade), fadeIn(gain.right, fade)), known);
+        mixCrossfade(
+            {source.wave, source.first + from, source.first + to, count, placeOf(at), destChannels()},
+            gainsOf(gain, fade), known);
     }
 
 private:
     std::int32_t destChannels() const { return dest.channels == 2 ? 2 : 1; }
 
-    MixArgs argsAt(std::int64_t at) const {
-        MixArgs args;
-        args.dest = dest.frames + (at - begin) * destChannels();
-        args.sampleBytes = (static_cast<std::uint32_t>(source.sampleBits) + 7) / 8;
-        return args;
-    }
-
-    MixArgs ramped(std::int64_t at, RampSide left, RampSide right) const {
-        MixArgs args = argsAt(at);
-        args.gainL = left.gain;
-        args.gainR = right.gain;
-        args.stepL = left.step;
-        args.stepR = right.step;
-        args.curveL = left.curve;
-        args.curveR = right.curve;
-        return args;
-    }
+    float* placeOf(std::int64_t at) const { return dest.frames + (at - begin) * destChannels(); }
 
     const StretchSource& source;
     const StretchDest& dest;

@@ -19,7 +19,6 @@ constexpr double kFadeOutSeconds = 0.1;
 struct TailRamp {
     double gain = 0;
     double step = 0;
-    double curve = 0;
 };
 
 class TailRender {
@@ -93,19 +92,24 @@ private:
         const double squared = length * length;
         const double out = passGain(numberOf(pass));
         const double in = passGain(numberOf(pass) + 1);
-        mixCrossfade(source, first + from, first + from - plan.step, count, source.channels,
-                     argsFor(pos, {out, -out / squared, -2 * out / squared}),
-                     argsFor(pos, {0, 2 * in / length - in / squared, -2 * in / squared}));
+        const double outStep = -out / squared;
+        const double inStep = 2 * in / length - in / squared;
+        const double outCurve = -2 * out / squared;
+        const double inCurve = -2 * in / squared;
+        mixCrossfade(
+            {source, first + from, first + from - plan.step, count, placeOf(pos), source.channels},
+            {{out, out, 0, 0}, {outStep, outStep, inStep, inStep}, {outCurve, outCurve, inCurve, inCurve}});
     }
 
     std::int64_t available() const { return source.frames - first; }
 
+    float* placeOf(std::int64_t at) const { return dest + at * source.channels; }
+
     MixArgs argsFor(std::int64_t at, const TailRamp& ramp) const {
         MixArgs args;
-        args.dest = dest + at * source.channels;
+        args.dest = placeOf(at);
         args.gainL = args.gainR = ramp.gain;
         args.stepL = args.stepR = ramp.step;
-        args.curveL = args.curveR = ramp.curve;
         args.sampleBytes = sizeof(float);
         return args;
     }

@@ -79,10 +79,18 @@ std::vector<float> inTurn(const SourceWave& wave, Crossfade fade) {
     return dest;
 }
 
+FadeState stateOf(const Crossfade& fade) {
+    const MixArgs& out = fade.out;
+    const MixArgs& in = fade.in;
+    return {{out.gainL, out.gainR, in.gainL, in.gainR},
+            {out.stepL, out.stepR, in.stepL, in.stepR},
+            {out.curveL, out.curveR, in.curveL, in.curveR}};
+}
+
 std::vector<float> together(const SourceWave& wave, Crossfade fade, CrossfadeGains* known = nullptr) {
     std::vector<float> dest = destinationOf(fade);
-    fade.out.dest = fade.in.dest = dest.data();
-    mixCrossfade(wave, fade.from, fade.to, fade.count, fade.destChannels, fade.out, fade.in, known);
+    mixCrossfade({wave, fade.from, fade.to, fade.count, dest.data(), fade.destChannels}, stateOf(fade),
+                 known);
     return dest;
 }
 
@@ -149,8 +157,7 @@ TEST(Crossfade, GainsRunOnFromFrameToFrame) {
     fade.in.stepR = 2;
     fade.in.curveR = 2;
     std::vector<float> dest(12, 0.0f);
-    fade.out.dest = fade.in.dest = dest.data();
-    mixCrossfade(ones.view(), fade.from, fade.to, fade.count, 2, fade.out, fade.in);
+    mixCrossfade({ones.view(), fade.from, fade.to, fade.count, dest.data(), 2}, stateOf(fade));
     EXPECT_EQ(dest,
               (std::vector<float>{8, 4, 7 + 16, 4 + 2, 6 + 32, 4 + 6, 5 + 48, 4 + 12, 4 + 64, 4 + 20, 0, 0}));
 }
