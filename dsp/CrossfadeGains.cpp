@@ -32,7 +32,9 @@ template <int channels>
 }  // namespace
 
 const CrossfadeGains::Ramp* CrossfadeGains::find(const FadeState& begin, std::int32_t frames) const {
-    for (const Ramp& ramp : ramps_) {
+    // The next pad in step wants what the last one had.
+    for (std::size_t back = 1; back <= ramps_.size(); ++back) {
+        const Ramp& ramp = ramps_[(oldest_ + ramps_.size() - back) % ramps_.size()];
         if (ramp.frames == frames && sameBits(ramp.begin, begin)) return &ramp;
     }
     return nullptr;
