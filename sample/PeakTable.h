@@ -6,11 +6,11 @@
 
 namespace marnoth {
 
-/// Fills a peak table while its wave grows, so that frames are folded as long as they are near.
+/// Fills a peak table while the frames of its wave come in, so that they are folded as long as they are near.
 ///
 /// The table has `points` entries of 2 * channels values, which are 0 before: the minimum and maximum of the
 /// first channel, then of the second when there are two. Values beyond those stay 0, and so do entries that
-/// no frame reaches. Wave and table are the caller's.
+/// no frame reaches. The table is the caller's.
 class PeakFolder {
 public:
     /// Extremes of a run of frames. A value beyond the full scale counts; no run has a minimum above 1 or a
@@ -23,17 +23,20 @@ public:
         void fold(int channel, float lowest, float highest);
     };
 
-    PeakFolder(const SourceWave& wave, std::int32_t points, float* table);
+    /// For a wave of `frames` frames.
+    PeakFolder(std::int64_t frames, std::int32_t channels, std::int32_t points, float* table);
 
-    /// Folds the frames before `frame` that aren't folded yet. An entry's first frame is folded with the
-    /// extremes of the entry before, and isn't part of the extremes that its later frames leave there.
-    void foldUpTo(std::int64_t frame);
+    /// Folds the next `count` frames of the wave. An entry's first frame is folded with the extremes of the
+    /// entry before, and isn't part of the extremes that its later frames leave there.
+    void fold(const float* next, std::int64_t count);
 
 private:
+    std::int64_t endOfRun() const;
     void beginNextEntry();
-    void foldTo(std::int64_t end);
+    void foldRun(const float* run, std::int64_t count);
 
-    SourceWave wave_;
+    std::int64_t frames_;
+    std::int32_t channels_;
     std::int32_t points_;
     float* entry_;
     double step_ = 0;

@@ -3,16 +3,18 @@
 #include <algorithm>
 #include <cstring>
 #include <limits>
+#include <optional>
 #include <vector>
 
 #include "sample/PeakTable.h"
+#include "sample/Resample.h"
 #include "sample/SampleConvert.h"
 
 namespace marnoth {
 namespace {
 
 constexpr std::uint32_t kLengthInFrames = 3;
-/// Whole values of every depth, and enough to pass by the buffer of the file.
+/// Near enough to stay at hand, and enough to pass by the buffer of the file.
 constexpr std::int64_t kBytesAtOnce = 0x18000;
 
 bool canConvert(const WAVEFORMATEX& format) {
@@ -65,26 +67,58 @@ void convert(float* dest, const std::byte* source, std::int64_t count, int bits)
     }
 }
 
-/// Fills the wave and its peak table from the beginning of the audio; what the file doesn't supply is
-/// silence.
-void readValues(CAcidWave& file, CWaveMem& wave) {
-    const std::int64_t width = file.format.wBitsPerSample / 8;
-    const std::int64_t count = wave.frames * file.format.nChannels;
-    float* const samples = wave.samples.get();
-    PeakFolder peaks(wave.view(), wave.peakPoints, wave.peaks.get());
-    std::vector<std::byte> block(static_cast<std::size_t>(std::min(count * width, kBytesAtOnce)));
-    bool more = SUCCEEDED(file.SeekFrame(0));
-    std::int64_t done = 0;
-    while (done < count && more) {
-        const std::int64_t bytes = std::min((count - done) * width, kBytesAtOnce);
-        std::fill(block.begin(), block.end(), std::byte{});
-        more = file.ReadData(block.data(), static_cast<std::uint32_t>(bytes)) == bytes;
-        convert(samples + done, block.data(), bytes / width, file.format.wBitsPerSample);
-        done += bytes / width;
-        peaks.foldUpTo(done / file.format.nChannels);
+/// A wave, and its peak table, that the frames of its file come into block by block.
+class WaveFill {
+public:
+    WaveFill(CWaveMem& wave, std::int64_t fileFrames, std::int64_t blockFrames)
+        : wave_(wave),
+          next_(wave.samples.get()),
+          peaks_(fileFrames, wave.format.nChannels, wave.peakPoints, wave.peaks.get()) {
+        if (wave.rateRatio != 1.0)
+            rateChange_.emplace(next_, wave.frames, wave.rateRatio, wave.format.nChannels, blockFrames);
     }
-    std::fill(samples + done, samples + count, 0.0f);
-    peaks.foldUpTo(wave.frames);
+
+    /// Where the next frames are put.
+    float* block() { return rateChange_ ? rateChange_->block() : next_; }
+
+    void take(std::int64_t frames) {
+        peaks_.fold(block(), frames);
+        if (rateChange_) {
+            rateChange_->take(frames);
+        } else {
+            next_ += frames * wave_.format.nChannels;
+        }
+    }
+
+    void finish() {
+        if (rateChange_) rateChange_->finish();
+        wave_.writeGuardFrame();
+    }
+
+private:
+    CWaveMem& wave_;
+    float* next_;
+    PeakFolder peaks_;
+    std::optional<RateChange> rateChange_;
+};
+
+/// Fills the wave from the beginning of the audio; what the file doesn't supply is silence.
+void readFrames(CAcidWave& file, CWaveMem& wave) {
+    const WAVEFORMATEX& format = file.format;
+    const std::int64_t frames = file.GetLength(kLengthInFrames);
+    const std::int64_t blockFrames = std::min(frames, kBytesAtOnce / format.nBlockAlign);
+    WaveFill fill(wave, frames, blockFrames);
+    std::vector<std::byte> bytes(static_cast<std::size_t>(blockFrames * format.nBlockAlign));
+    bool more = SUCCEEDED(file.SeekFrame(0));
+    for (std::int64_t left = frames, count = 0; left > 0; left -= count) {
+        count = std::min(left, blockFrames);
+        const auto wanted = static_cast<std::uint32_t>(count * format.nBlockAlign);
+        std::fill(bytes.begin(), bytes.end(), std::byte{});
+        more = more && file.ReadData(bytes.data(), wanted) == wanted;
+        convert(fill.block(), bytes.data(), count * format.nChannels, format.wBitsPerSample);
+        fill.take(count);
+    }
+    fill.finish();
 }
 
 void becomeFloat(WAVEFORMATEX& format) {
@@ -96,15 +130,14 @@ void becomeFloat(WAVEFORMATEX& format) {
 
 }  // namespace
 
-LoadFault readSamples(CAcidWave& file, RefPtr<CWaveMem>& wave) {
+LoadFault readSamples(CAcidWave& file, std::uint32_t rate, RefPtr<CWaveMem>& wave) {
     if (const LoadFault fault = faultOf(file)) return fault;
-    const std::int64_t frames = file.GetLength(kLengthInFrames);
     wave = CWaveMem::make();
-    if (FAILED(wave->Create(frames, file.format))) return {};
+    if (FAILED(wave->createForRate(file.GetLength(kLengthInFrames), file.format, rate))) return {};
     if (FAILED(wave->PreparePeaks(CWaveMem::kPeakPoints))) return {.kind = FaultKind::noMemory};
-    readValues(file, *wave);
-    wave->writeGuardFrame();
+    readFrames(file, *wave);
     becomeFloat(wave->format);
+    wave->format.nSamplesPerSec = rate;
     return {};
 }
 

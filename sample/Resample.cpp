@@ -1,11 +1,12 @@
 #include "sample/Resample.h"
 
 #include <algorithm>
+#include <cstddef>
 
 #include "dsp/WideRegisters.h"
 
 #if defined(__x86_64__)
-#include <emmintrin.h>
+#include <immintrin.h>
 #endif
 
 namespace marnoth {
@@ -15,8 +16,8 @@ constexpr double kRoot = 1.41421356237309504880;
 /// What is prepared together, so that the compiler takes several at once.
 constexpr int kFramesAtOnce = 256;
 
-/// Where a run of new frames lies in the source: whole frames, and the weights of the four points from two
-/// frames before there on. The outer two points share a weight.
+/// Where a run of new frames lies in a piece of the source: whole frames, and the weights of the four points
+/// from two frames before there on. The outer two points share a weight.
 struct Positions {
     std::int32_t frame[kFramesAtOnce];
     double outer[kFramesAtOnce];
@@ -24,11 +25,12 @@ struct Positions {
     double right[kFramesAtOnce];
 };
 
-/// A run of new frames from `first` on.
+/// A run of new frames from `first` on, out of a piece that begins at frame `pieceStart` of the source.
 struct Run {
     std::int64_t first;
     int count;
     double ratio;
+    std::int64_t pieceStart;
 };
 
 [[gnu::always_inline]] inline void prepare(Positions* const& positions, const Run& run) {
@@ -36,11 +38,12 @@ struct Run {
     const auto start = static_cast<double>(run.first);
     const double ratio = run.ratio;
     const int count = run.count;
+    const auto pieceStart = static_cast<std::int32_t>(run.pieceStart);
     for (int i = 0; i < count; ++i) {
         const double t = (start + i) / ratio;
         const auto frame = static_cast<std::int32_t>(t);
         const double f = t - frame;
-        at.frame[i] = frame;
+        at.frame[i] = frame - pieceStart;
         at.outer[i] = kRoot * f * f - f * f - kRoot * f + f;
         at.left[i] = kRoot / 2 - kRoot * f * f + f * f;
         at.right[i] = 1 - kRoot / 2 + (2 * kRoot - 2) * f + (1 - kRoot) * f * f;
@@ -93,56 +96,95 @@ void blendMono(const SourceWave& source, const Positions& at, int count, float* 
     }
 }
 
-/// Both sides of a frame, left first.
-using Sides [[gnu::vector_size(16)]] = double;
-
 #if defined(__x86_64__)
-[[gnu::always_inline]] inline Sides sidesAt(const float* frame) {
-    return _mm_cvtps_pd(_mm_castsi128_ps(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(frame))));
+/// Both sides of a frame and of the one behind it.
+[[gnu::target("avx2")]] inline __m256d twoFrames(const float* frame) {
+    return _mm256_cvtps_pd(_mm_loadu_ps(frame));
 }
 
-[[gnu::always_inline]] inline void put(float* frame, Sides sides) {
-    _mm_storel_pi(reinterpret_cast<__m64*>(frame), _mm_cvtpd_ps(sides));
-}
-#else
-Sides sidesAt(const float* frame) {
-    return Sides{frame[0], frame[1]};
+/// Weights of two new frames, each for both sides.
+[[gnu::target("avx2")]] inline __m256d twoWeights(const double* weight) {
+    return _mm256_permute4x64_pd(_mm256_castpd128_pd256(_mm_loadu_pd(weight)), 0x50);
 }
 
-void put(float* frame, Sides sides) {
-    frame[0] = static_cast<float>(sides[0]);
-    frame[1] = static_cast<float>(sides[1]);
+/// Two new frames at a time. For processors where `has256` says so.
+[[gnu::target("avx2")]] void blendStereo(const SourceWave& source, const Positions& at, int count,
+                                         float* dest) {
+    int i = 0;
+    for (; count - i >= 2; i += 2, dest += 4) {
+        const float* a = source.samples + (std::int64_t{at.frame[i]} - 2) * 2;
+        const float* b = source.samples + (std::int64_t{at.frame[i + 1]} - 2) * 2;
+        const __m256d a01 = twoFrames(a), a23 = twoFrames(a + 4);
+        const __m256d b01 = twoFrames(b), b23 = twoFrames(b + 4);
+        const __m256d x0 = _mm256_permute2f128_pd(a01, b01, 0x20);
+        const __m256d x1 = _mm256_permute2f128_pd(a01, b01, 0x31);
+        const __m256d x2 = _mm256_permute2f128_pd(a23, b23, 0x20);
+        const __m256d x3 = _mm256_permute2f128_pd(a23, b23, 0x31);
+        const __m256d sum = (x0 + x3) * twoWeights(at.outer + i) + x1 * twoWeights(at.left + i) +
+                            x2 * twoWeights(at.right + i);
+        _mm_storeu_ps(dest, _mm256_cvtpd_ps(sum));
+    }
+    if (i < count) blendInside(source, at, i, dest);
 }
 #endif
-
-/// Both sides of a frame share their weights.
-[[gnu::always_inline]] inline void blendStereo(const SourceWave& source, const Positions& at,
-                                               const int& count, float* const& to) {
-    float* dest = to;
-    for (int i = 0; i < count; ++i, dest += 2) {
-        const float* x = source.samples + (std::int64_t{at.frame[i]} - 2) * 2;
-        const Sides sum = (sidesAt(x) + sidesAt(x + 6)) * at.outer[i] + sidesAt(x + 2) * at.left[i] +
-                          sidesAt(x + 4) * at.right[i];
-        put(dest, sum);
-    }
-}
 
 void blendRun(const SourceWave& source, const Positions& at, int count, float* dest) {
     const bool inside = isInside(source, at.frame[0]) && isInside(source, at.frame[count - 1]);
     if (inside && source.channels == 1) return blendMono(source, at, count, dest);
-    if (inside && source.channels == 2) return withWidest<blendStereo>(source, at, count, dest);
+#if defined(__x86_64__)
+    if (inside && source.channels == 2 && has256()) return blendStereo(source, at, count, dest);
+#endif
     blend(source, at, count, dest);
+}
+
+/// The new frames from `begin` to `end`, into their places in `dest`.
+void resamplePiece(const SourceWave& piece, std::int64_t pieceStart, double ratio, std::int64_t begin,
+                   std::int64_t end, float* dest) {
+    Positions at;
+    for (std::int64_t first = begin; first < end; first += kFramesAtOnce) {
+        const auto count = static_cast<int>(std::min<std::int64_t>(end - first, kFramesAtOnce));
+        withWidest<prepare>(&at, Run{first, count, ratio, pieceStart});
+        blendRun(piece, at, count, dest + first * piece.channels);
+    }
 }
 
 }  // namespace
 
 void resample(const SourceWave& source, float* dest, std::int64_t frames, double ratio) {
-    Positions at;
-    for (std::int64_t first = 0; first < frames; first += kFramesAtOnce) {
-        const auto count = static_cast<int>(std::min<std::int64_t>(frames - first, kFramesAtOnce));
-        withWidest<prepare>(&at, Run{first, count, ratio});
-        blendRun(source, at, count, dest + first * source.channels);
-    }
+    resamplePiece(source, 0, ratio, 0, frames, dest);
+}
+
+RateChange::RateChange(float* dest, std::int64_t frames, double ratio, std::int32_t channels,
+                       std::int64_t blockFrames)
+    : dest_(dest),
+      frames_(frames),
+      ratio_(ratio),
+      channels_(channels),
+      window_(static_cast<std::size_t>((kReach + blockFrames) * channels)) {}
+
+void RateChange::take(std::int64_t count) {
+    taken_ += count;
+    writeUpTo(firstBeyond(taken_ - 1), kReach + count);
+    std::copy_n(window_.data() + count * channels_, kReach * channels_, window_.data());
+}
+
+void RateChange::finish() {
+    writeUpTo(frames_, kReach);
+}
+
+void RateChange::writeUpTo(std::int64_t end, std::int64_t windowFrames) {
+    const std::int64_t windowStart = taken_ - windowFrames;
+    resamplePiece({window_.data(), windowFrames, channels_}, windowStart, ratio_, written_, end, dest_);
+    written_ = std::max(written_, end);
+}
+
+/// The first new frame that doesn't lie before a frame of the source.
+std::int64_t RateChange::firstBeyond(std::int64_t sourceFrame) const {
+    const auto place = static_cast<double>(sourceFrame);
+    auto frame = std::min(static_cast<std::int64_t>(place * ratio_), frames_);
+    while (frame > 0 && static_cast<double>(frame - 1) / ratio_ >= place) --frame;
+    while (frame < frames_ && static_cast<double>(frame) / ratio_ < place) ++frame;
+    return frame;
 }
 
 }  // namespace marnoth

@@ -57,6 +57,15 @@ HRESULT CWaveMem::Create(std::int64_t frameCount, const WAVEFORMATEX& newFormat)
     return S_OK;
 }
 
+HRESULT CWaveMem::createForRate(std::int64_t sourceFrames, const WAVEFORMATEX& sourceFormat,
+                                std::uint32_t rate) {
+    if (rate == sourceFormat.nSamplesPerSec) return Create(sourceFrames, sourceFormat);
+    format = sourceFormat;
+    samples.reset();
+    if (sourceFrames < 0 || sourceFrames > kFrameLimit) return E_OUTOFMEMORY;
+    return allocateForRate(sourceFrames, rate);
+}
+
 void CWaveMem::writeGuardFrame() {
     if (!samples || frames <= 0) return;
     float* guard = samples.get() + frames * format.nChannels;
@@ -68,13 +77,24 @@ void CWaveMem::writeGuardFrame() {
 HRESULT CWaveMem::Resample(const WAVEFORMATEX& newFormat) {
     if (!samples) return E_FAIL;
     if (newFormat.nSamplesPerSec == format.nSamplesPerSec) return S_OK;
-    const int channels = format.nChannels;
-    const double ratio = static_cast<double>(newFormat.nSamplesPerSec) / format.nSamplesPerSec;
-
-    const double newFrames = static_cast<double>(frames) * ratio + 0.5;
-    const double mostValues = std::max(kResampleLimit, static_cast<double>(frames * channels) * kMostGrowth);
     const Samples old = std::exchange(samples, nullptr);
-    const std::int64_t oldFrames = std::exchange(frames, 0);
+    const SourceWave source{old.get(), frames, format.nChannels};
+    if (const HRESULT result = allocateForRate(frames, newFormat.nSamplesPerSec); FAILED(result))
+        return result;
+    resample(source, samples.get(), frames, rateRatio);
+    writeGuardFrame();
+    format.nSamplesPerSec = newFormat.nSamplesPerSec;
+    return S_OK;
+}
+
+/// Exactly the frames and a silent guard frame.
+HRESULT CWaveMem::allocateForRate(std::int64_t sourceFrames, std::uint32_t rate) {
+    const int channels = format.nChannels;
+    const double ratio = static_cast<double>(rate) / format.nSamplesPerSec;
+    const double newFrames = static_cast<double>(sourceFrames) * ratio + 0.5;
+    const double mostValues =
+        std::max(kResampleLimit, static_cast<double>(sourceFrames * channels) * kMostGrowth);
+    frames = 0;
     byteSize = 0;
     if (!(newFrames * channels <= mostValues)) return E_OUTOFMEMORY;
 
@@ -83,10 +103,7 @@ HRESULT CWaveMem::Resample(const WAVEFORMATEX& newFormat) {
     samples = allocate((frames + 1) * channels);
     if (!samples) return E_OUTOFMEMORY;
     byteSize = static_cast<std::uint64_t>((frames + 1) * channels) * sizeof(float);
-    resample({old.get(), oldFrames, channels}, samples.get(), frames, ratio);
     std::fill_n(samples.get() + frames * channels, channels, 0.0f);
-    writeGuardFrame();
-    format.nSamplesPerSec = newFormat.nSamplesPerSec;
     return S_OK;
 }
 

@@ -44,6 +44,10 @@ public:
     /// `E_OUTOFMEMORY`, with no samples held, or `S_OK`.
     HRESULT Create(std::int64_t frameCount, const WAVEFORMATEX& newFormat);
 
+    /// The same for a source of `sourceFrames` frames that is brought to `rate` while it comes in: frames,
+    /// storage and `rateRatio` are those that `Resample` would leave, the format is the source's still.
+    HRESULT createForRate(std::int64_t sourceFrames, const WAVEFORMATEX& sourceFormat, std::uint32_t rate);
+
     /// Repeats the last frame behind it. Of more than two channels only the first.
     void writeGuardFrame();
 
@@ -80,6 +84,9 @@ public:
     std::int32_t peakCapacity = 0;  ///< values in `peaks`, which has one spare entry behind them
     std::uint64_t byteSize = 0;     ///< bytes of `samples`
     double rateRatio = 1.0;         ///< new rate / the file's rate
+
+private:
+    HRESULT allocateForRate(std::int64_t sourceFrames, std::uint32_t rate);
 };
 
 }  // namespace marnoth

@@ -26,12 +26,11 @@ struct BinFile {
     RefPtr<CWaveMem> sample;
     std::shared_ptr<const Names> names = unnamed();
 
-    /// Reads a whole file as float into `sample`, at the file's rate, with its peak table; sets the loop
-    /// length in frames. `sampleRate` is the host's, here as below.
-    LoadFault ReadSamples(CAcidWave& wave, std::int32_t sampleRate);
-    /// Becomes the Loop Bin entry of a file: reads it, brings it to the rate of `format` and cuts it into
-    /// grains. `badValue` of beats, seconds or the rate when the file breaks a limit. After a fault it is
-    /// empty.
+    /// Reads a whole file as float into `sample`, at the rate of `format`, with its peak table; sets the loop
+    /// length in frames of the file. `sampleRate` is the host's, here as below.
+    LoadFault ReadSamples(CAcidWave& wave, const WAVEFORMATEX& format, std::int32_t sampleRate);
+    /// Becomes the Loop Bin entry of a file: reads it at the rate of `format` and cuts it into grains.
+    /// `badValue` of beats, seconds or the rate when the file breaks a limit. After a fault it is empty.
     LoadFault LoadFromWave(CAcidWave& wave, const std::wstring& name, const std::wstring& path,
                            std::int32_t binIndex, const WAVEFORMATEX& format, std::int32_t sampleRate);
 

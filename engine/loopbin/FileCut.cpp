@@ -131,8 +131,8 @@ const std::shared_ptr<const BinFile::Names>& BinFile::unnamed() {
     return none;
 }
 
-LoadFault BinFile::ReadSamples(CAcidWave& wave, std::int32_t sampleRate) {
-    if (const LoadFault fault = readSamples(wave, sample)) return fault;
+LoadFault BinFile::ReadSamples(CAcidWave& wave, const WAVEFORMATEX& format, std::int32_t sampleRate) {
+    if (const LoadFault fault = readSamples(wave, format.nSamplesPerSec, sample)) return fault;
     track.lengthSamples = wave.GetLength(kSamples);
     track.RecomputeTempo(sampleRate);
     return {};
@@ -156,8 +156,8 @@ LoadFault BinFile::readAndCut(CAcidWave& wave, std::int32_t binIndex, const WAVE
                               std::int32_t sampleRate) {
     if (const LoadFault fault = brokenLimit(wave)) return fault;
     if (!hasGrains(wave, format.nSamplesPerSec)) return {.kind = FaultKind::noGrains};
-    if (const LoadFault fault = ReadSamples(wave, sampleRate)) return fault;
-    if (!sample->samples || FAILED(sample->Resample(format))) return {.kind = FaultKind::noMemory};
+    if (const LoadFault fault = ReadSamples(wave, format, sampleRate)) return fault;
+    if (!sample->samples) return {.kind = FaultKind::noMemory};
     track.SetGrains(
         GrainList(isLoop(wave) ? cutSegments(wave, sample, binIndex) : cutWhole(sample, binIndex)));
     if (isLoop(wave)) {

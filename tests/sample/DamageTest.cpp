@@ -29,11 +29,9 @@ HRESULT load(CAcidWave& reader, const TempPath& file) {
     const HRESULT opened = reader.Open(file.c_str());
     if (FAILED(opened)) return opened;
     RefPtr<CWaveMem> wave;
-    const HRESULT read = codeOf(readSamples(reader, wave));
+    const HRESULT read = codeOf(readSamples(reader, 48000, wave));
     if (FAILED(read)) return read;
-    WAVEFORMATEX format = wave->format;
-    format.nSamplesPerSec = 48000;
-    return wave->Resample(format);
+    return wave->samples ? S_OK : E_OUTOFMEMORY;
 }
 
 struct Attempt {

@@ -1,11 +1,12 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <random>
 #include <vector>
 
 #include "sample/PeakTable.h"
 
-/// The peak table beside its rule for one frame at a time, for waves that grow in pieces made at random.
+/// The peak table beside its rule for one frame at a time, for waves that come in pieces made at random.
 namespace marnoth::test::peak_table_test {
 namespace {
 
@@ -35,7 +36,7 @@ std::vector<float> byFrames(const SourceWave& wave, std::int32_t points) {
     return table;
 }
 
-TEST(PeakTable, WavesThatGrowInPiecesHaveTheTableOfTheRule) {
+TEST(PeakTable, WavesThatComeInPiecesHaveTheTableOfTheRule) {
     std::mt19937 random(60);
     std::uniform_real_distribution<float> level(-1.2f, 1.2f);
     for (int turn = 0; turn < 400; ++turn) {
@@ -46,10 +47,12 @@ TEST(PeakTable, WavesThatGrowInPiecesHaveTheTableOfTheRule) {
         for (float& sample : samples) sample = level(random);
         const SourceWave wave{samples.data(), frames, channels};
         std::vector<float> table(static_cast<std::size_t>(points * channels) * 2, 0.0f);
-        PeakFolder folder(wave, points, table.data());
+        PeakFolder folder(frames, channels, points, table.data());
         const std::uint32_t most = turn % 5 == 0 ? 3 : 400;
-        for (std::int64_t at = 0; at < frames;) folder.foldUpTo(at += 1 + random() % most);
-        folder.foldUpTo(frames);
+        for (std::int64_t at = 0, count = 0; at < frames; at += count) {
+            count = std::min<std::int64_t>(frames - at, random() % (most + 1));
+            folder.fold(samples.data() + at * channels, count);
+        }
         ASSERT_EQ(table, byFrames(wave, points))
             << frames << " frames, " << points << " points, " << channels;
     }
@@ -58,8 +61,8 @@ TEST(PeakTable, WavesThatGrowInPiecesHaveTheTableOfTheRule) {
 TEST(PeakTable, NothingIsStoredForNoFramesAndNoPoints) {
     const float sample = 0.5f;
     float table[4] = {0, 0, 0, 0};
-    PeakFolder({&sample, 0, 1}, 2, table).foldUpTo(1);
-    PeakFolder({&sample, 1, 1}, 0, table).foldUpTo(1);
+    PeakFolder(0, 1, 2, table).fold(&sample, 1);
+    PeakFolder(1, 1, 0, table).fold(&sample, 1);
     for (float value : table) EXPECT_EQ(value, 0.0f);
 }
 

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstring>
 
 #include "sample/OpenedWave.h"
 #include "sample/ReadWave.h"
@@ -9,9 +10,14 @@
 namespace marnoth::test::read_wave_test {
 namespace {
 
+/// Reads at the file's own rate.
+LoadFault read(const OpenedWave& opened, RefPtr<CWaveMem>& wave) {
+    return readSamples(*opened, opened->format.nSamplesPerSec, wave);
+}
+
 struct ReadFile {
     explicit ReadFile(const WaveFile& content) : opened(content) {
-        if (SUCCEEDED(opened.result)) result = codeOf(readSamples(*opened, wave));
+        if (SUCCEEDED(opened.result)) result = codeOf(read(opened, wave));
     }
     std::vector<float> values(std::int64_t count) const {
         return {wave->samples.get(), wave->samples.get() + count};
@@ -78,6 +84,59 @@ TEST(ReadWave, LongFileIsReadWholeAtEveryDepth) {
     }
 }
 
+WAVEFORMATEX formatOf(const CWaveMem& wave, std::uint32_t rate) {
+    WAVEFORMATEX format = wave.format;
+    format.nSamplesPerSec = rate;
+    return format;
+}
+
+void expectSameBits(const CWaveMem& wave, const CWaveMem& expected) {
+    ASSERT_EQ(wave.frames, expected.frames);
+    ASSERT_EQ(wave.byteSize, expected.byteSize);
+    EXPECT_EQ(wave.rateRatio, expected.rateRatio);
+    EXPECT_EQ(wave.format.nSamplesPerSec, expected.format.nSamplesPerSec);
+    EXPECT_EQ(wave.format.nAvgBytesPerSec, expected.format.nAvgBytesPerSec);
+    EXPECT_EQ(std::memcmp(wave.samples.get(), expected.samples.get(), expected.byteSize), 0);
+    ASSERT_EQ(wave.peakCapacity, expected.peakCapacity);
+    const std::size_t peakBytes = static_cast<std::size_t>(expected.peakCapacity) * sizeof(float);
+    EXPECT_EQ(std::memcmp(wave.peaks.get(), expected.peaks.get(), peakBytes), 0);
+}
+
+TEST(ReadWave, AtAnotherRateItIsTheWaveThatIsReadWholeAndThenResampled) {
+    const auto value = [](std::int64_t i, int c) { return std::sin(0.11 * static_cast<double>(i) + c); };
+    for (const std::uint16_t channels : {1, 2, 3}) {
+        for (const std::int64_t frames : {1, 2, 5, 24575, 24577, 60000}) {
+            const WaveFile content = WaveFile().rate(48000).channels(channels).frames(frames, value);
+            for (const std::uint32_t rate : {44100, 48000, 96000, 1}) {
+                const ReadFile whole(content);
+                ASSERT_EQ(whole.wave->Resample(formatOf(*whole.wave, rate)), S_OK);
+                const OpenedWave opened(content);
+                RefPtr<CWaveMem> wave;
+                ASSERT_EQ(codeOf(readSamples(*opened, rate, wave)), S_OK);
+                expectSameBits(*wave, *whole.wave);
+            }
+        }
+    }
+}
+
+TEST(ReadWave, AtAnotherRateTheFileIsNeverHeldAsAWhole) {
+    const OpenedWave opened(WaveFile().rate(96000).channels(2).frames(1 << 20));
+    RefPtr<CWaveMem> wave;
+    const AllocationMeter meter;
+    ASSERT_EQ(codeOf(readSamples(*opened, 24000, wave)), S_OK);
+    EXPECT_LT(meter.peakBytes(), wave->byteSize + (1u << 20));
+}
+
+TEST(ReadWave, AtAnotherRateAWaveBeyondEveryLoopHasNoSamples) {
+    const OpenedWave opened(WaveFile().rate(1).channels(256).frames(40));
+    RefPtr<CWaveMem> wave;
+    const AllocationMeter meter;
+    EXPECT_EQ(codeOf(readSamples(*opened, 44100, wave)), S_OK);
+    EXPECT_FALSE(wave->samples);
+    EXPECT_EQ(wave->byteSize, 0u);
+    EXPECT_LT(meter.peakBytes(), 4096u);
+}
+
 TEST(ReadWave, PeakTableHas544Points) {
     const ReadFile file(WaveFile().channels(2).frames(20000, [](auto i, int) { return std::sin(i * 0.1); }));
     EXPECT_EQ(file.wave->peakPoints, 544);
@@ -95,7 +154,7 @@ TEST(ReadWave, OldWaveIsLetGo) {
     const OpenedWave opened(WaveFile().frames(10));
     RefPtr<CWaveMem> wave = CWaveMem::make();
     const RefPtr<CWaveMem> old = wave;
-    ASSERT_EQ(codeOf(readSamples(*opened, wave)), S_OK);
+    ASSERT_EQ(codeOf(read(opened, wave)), S_OK);
     EXPECT_FALSE(wave == old);
     EXPECT_EQ(old->refCount, 1u);
 }
@@ -105,7 +164,7 @@ void expectRefused(const WaveFile& content) {
     ASSERT_EQ(opened.result, S_OK);
     RefPtr<CWaveMem> wave = CWaveMem::make();
     const RefPtr<CWaveMem> old = wave;
-    EXPECT_EQ(codeOf(readSamples(*opened, wave)), E_FAIL);
+    EXPECT_EQ(codeOf(read(opened, wave)), E_FAIL);
     EXPECT_TRUE(wave == old);
 }
 
@@ -155,7 +214,7 @@ TEST(ReadWave, ClaimFarBeyondTheFileIsRefusedBeforeItIsAllocated) {
     const OpenedWave opened(WaveFile().frames(500).claim("data", 0xFFFFFFF0));
     RefPtr<CWaveMem> wave;
     AllocationMeter meter;
-    EXPECT_EQ(codeOf(readSamples(*opened, wave)), E_FAIL);
+    EXPECT_EQ(codeOf(read(opened, wave)), E_FAIL);
     EXPECT_LT(meter.peakBytes(), 4096u);
     EXPECT_EQ(ReadFile(WaveFile().frames(500).claim("data", 1 << 20)).result, S_OK);
     EXPECT_EQ(ReadFile(WaveFile().frames(500).claim("data", (1 << 20) + 2)).result, E_FAIL);
@@ -168,7 +227,17 @@ TEST(ReadWave, WithoutMemoryForTheSamplesTheWaveHasNone) {
     RefPtr<CWaveMem> wave;
     AllocationMeter meter;
     meter.refuseFrom(400000);
-    EXPECT_EQ(codeOf(readSamples(*opened, wave)), S_OK);
+    EXPECT_EQ(codeOf(read(opened, wave)), S_OK);
+    ASSERT_TRUE(wave);
+    EXPECT_FALSE(wave->samples);
+}
+
+TEST(ReadWave, WithoutMemoryForTheSamplesAtAnotherRateTheWaveHasNone) {
+    const OpenedWave opened(WaveFile().rate(44100).frames(100000));
+    RefPtr<CWaveMem> wave;
+    AllocationMeter meter;
+    meter.refuseFrom(800000);
+    EXPECT_EQ(codeOf(readSamples(*opened, 88200, wave)), S_OK);
     ASSERT_TRUE(wave);
     EXPECT_FALSE(wave->samples);
 }
@@ -178,7 +247,7 @@ TEST(ReadWave, WithoutMemoryForThePeaksTheLoadFails) {
     RefPtr<CWaveMem> wave;
     AllocationMeter meter;
     meter.refuseFrom(544 * 2 * 4);
-    EXPECT_EQ(codeOf(readSamples(*opened, wave)), E_OUTOFMEMORY);
+    EXPECT_EQ(codeOf(read(opened, wave)), E_OUTOFMEMORY);
 }
 
 }  // namespace

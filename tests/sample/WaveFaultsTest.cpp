@@ -31,7 +31,7 @@ LoadFault audioFault(const WaveFile& content) {
     const OpenedWave opened(content);
     EXPECT_EQ(opened.result, S_OK);
     RefPtr<CWaveMem> wave;
-    return readSamples(*opened, wave);
+    return readSamples(*opened, opened->format.nSamplesPerSec, wave);
 }
 
 WaveFile plain(std::int64_t frames = 100) {
