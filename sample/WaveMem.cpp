@@ -13,21 +13,21 @@
 namespace marnoth {
 namespace {
 
-using Samples = std::unique_ptr<float[]>;
+using Values = std::unique_ptr<float[]>;
 
 /// Storage with unspecified contents; null when there is none, or `count` is beyond reason.
-Samples allocate(std::int64_t count) {
+Values allocate(std::int64_t count) {
     constexpr std::int64_t kMost = std::numeric_limits<std::int64_t>::max() / 64;
     if (count < 0 || count > kMost) return nullptr;
-    Samples samples(new (std::nothrow) float[static_cast<std::size_t>(count)]);
-    expectFilling(samples.get(), static_cast<std::size_t>(count) * sizeof(float));
-    return samples;
+    Values values(new (std::nothrow) float[static_cast<std::size_t>(count)]);
+    expectFilling(values.get(), static_cast<std::size_t>(count) * sizeof(float));
+    return values;
 }
 
-Samples allocateSilence(std::int64_t count) {
-    Samples samples = allocate(count);
-    if (samples) std::fill_n(samples.get(), count, 0.0f);
-    return samples;
+Values allocateSilence(std::int64_t count) {
+    Values values = allocate(count);
+    if (values) std::fill_n(values.get(), count, 0.0f);
+    return values;
 }
 
 }  // namespace
@@ -126,14 +126,15 @@ HRESULT CWaveMem::BuildPeaks(std::int32_t mode, std::int32_t points) {
     return prepared;
 }
 
-HRESULT CWaveMem::CreateTail(const CWaveMem& source, std::int64_t firstFrame, std::int64_t length) {
+HRESULT CWaveMem::CreateTail(const CWaveMem& source, std::int64_t firstFrame, std::int64_t length,
+                             Samples silence) {
     if (length <= 0 || !source.samples) return E_FAIL;
     if (length > kFrameLimit) return E_OUTOFMEMORY;
     format = source.format;
     tailDecay = tailDecayPerFrame(length);
     tailFrames = 2 * length;
     frames = tailFrames;
-    samples = allocateSilence(format.nChannels * (tailFrames + 1));
+    samples = silence ? std::move(silence) : allocateSilence(tailValues(format.nChannels, length));
     if (!samples) return E_OUTOFMEMORY;
     renderTail(source.view(), firstFrame, length, static_cast<std::int32_t>(format.nSamplesPerSec),
                samples.get());

@@ -7,6 +7,7 @@
 #include "dsp/SourceWave.h"
 #include "platform/com/Com.h"
 #include "platform/com/RefPtr.h"
+#include "sample/Samples.h"
 
 namespace marnoth {
 
@@ -65,13 +66,19 @@ public:
 
     /// Makes this the tail wave of the grain of `length` frames at `firstFrame` of `source`: twice as long,
     /// the grain repeated in passes that fall to 0.15 over each grain length. `E_FAIL`, with nothing changed,
-    /// for a grain without frames or a source without samples; `E_OUTOFMEMORY` or `S_OK`.
-    HRESULT CreateTail(const CWaveMem& source, std::int64_t firstFrame, std::int64_t length);
+    /// for a grain without frames or a source without samples; `E_OUTOFMEMORY` or `S_OK`. `silence` is
+    /// `tailValues` zeros to put it in; null for storage of its own.
+    HRESULT CreateTail(const CWaveMem& source, std::int64_t firstFrame, std::int64_t length,
+                       Samples silence = nullptr);
+    /// Values of the tail of a grain of `length` frames, with its guard frame.
+    static std::int64_t tailValues(std::int32_t channels, std::int64_t length) {
+        return channels * (2 * length + 1);
+    }
 
     SourceWave view() const { return {samples.get(), frames, format.nChannels}; }
 
     WAVEFORMATEX format{};
-    std::unique_ptr<float[]> samples;  ///< (frames + 1) * channels values at least
+    Samples samples;  ///< (frames + 1) * channels values at least
     /// Per point the minimum and maximum of the left channel, then of the right one; may be null.
     std::unique_ptr<float[]> peaks;
     /// Atomic, since what a save holds and what a load has replaced is let go outside the engine's lock,

@@ -5,6 +5,7 @@
 #include "engine/loopbin/BinFile.h"
 #include "sample/AcidWave.h"
 #include "sample/ReadWave.h"
+#include "sample/TailStore.h"
 #include "seam/Limits.h"
 
 namespace marnoth {
@@ -58,7 +59,8 @@ bool hasGrains(const CAcidWave& wave, std::uint32_t newRate) {
 }
 
 /// A grain that plays a cut of `wave`, at the same place of a loop of `beats` beats.
-CGrooveEvent makeLoopGrain(const RefPtr<CWaveMem>& wave, const Cut& cut, std::uint32_t beats) {
+CGrooveEvent makeLoopGrain(const RefPtr<CWaveMem>& wave, const Cut& cut, std::uint32_t beats,
+                           Samples tailStorage) {
     const auto total = static_cast<double>(wave->frames);
     const auto toTicks = [&](std::int64_t frame) {
         return roundHalfUp(static_cast<double>(frame) / total * beats * kTicks16PerBeat);
@@ -74,7 +76,7 @@ CGrooveEvent makeLoopGrain(const RefPtr<CWaveMem>& wave, const Cut& cut, std::ui
     grain.lengthTicks = toTicks(cut.length);
     grain.lengthSamples = cut.length;
     grain.AttachSample(wave, cut.start);
-    grain.BuildTail();
+    grain.BuildTail(std::move(tailStorage));
     grain.peakOffset = toPeaks(cut.start);
     grain.peakCount = toPeaks(cut.length);
     return grain;
@@ -93,14 +95,32 @@ CGrooveEvent makeWholeGrain(const RefPtr<CWaveMem>& wave) {
 
 using Grains = std::vector<RefPtr<const GrainPart>>;
 
+/// The file's segments as far as they lie in the wave.
+std::vector<Cut> cutsOf(const CAcidWave& file, const CWaveMem& wave) {
+    std::vector<Cut> cuts;
+    for (std::int32_t i = 0; i < file.GetSegmentCount(); ++i) {
+        const Cut cut(file.GetSegment(i), wave.rateRatio);
+        if (!cut.fitsIn(wave.frames)) break;
+        cuts.push_back(cut);
+    }
+    return cuts;
+}
+
+TailStore tailsFor(const std::vector<Cut>& cuts, const CWaveMem& wave) {
+    std::vector<std::int64_t> values;
+    values.reserve(cuts.size());
+    for (const Cut& cut : cuts) values.push_back(CWaveMem::tailValues(wave.format.nChannels, cut.length));
+    return TailStore(std::move(values));
+}
+
 Grains cutSegments(const CAcidWave& wave, const RefPtr<CWaveMem>& sample, std::int32_t binIndex) {
+    const std::vector<Cut> cuts = cutsOf(wave, *sample);
+    TailStore tails = tailsFor(cuts, *sample);
     Grains grains;
-    for (std::int32_t i = 0; i < wave.GetSegmentCount(); ++i) {
-        const Cut cut(wave.GetSegment(i), sample->rateRatio);
-        if (!cut.fitsIn(sample->frames)) break;
-        CGrooveEvent grain = makeLoopGrain(sample, cut, wave.beats);
+    for (const Cut& cut : cuts) {
+        CGrooveEvent grain = makeLoopGrain(sample, cut, wave.beats, tails.next());
         grain.binFile = binIndex;
-        grain.binGrain = i;
+        grain.binGrain = static_cast<std::int32_t>(grains.size());
         grains.push_back(GrainList::part(std::move(grain)));
     }
     return grains;

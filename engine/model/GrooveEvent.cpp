@@ -34,13 +34,12 @@ void CGrooveEvent::AttachSample(RefPtr<CWaveMem> wave, std::int64_t offset) {
     format = sample->format;
 }
 
-HRESULT CGrooveEvent::BuildTail() {
+HRESULT CGrooveEvent::BuildTail(Samples silence) {
     if (!sample) return E_FAIL;
     if (lengthSamples < 1) return S_OK;
     RefPtr<CWaveMem> tail = CWaveMem::make();
-    if (const HRESULT result = tail->CreateTail(*sample, sampleOffset, lengthSamples); result != S_OK) {
-        return result;
-    }
+    const HRESULT result = tail->CreateTail(*sample, sampleOffset, lengthSamples, std::move(silence));
+    if (result != S_OK) return result;
     tailLengthSamples = tail->frames;
     tailWave = std::move(tail);
     return S_OK;

@@ -33,9 +33,9 @@ public:
 
     /// Shares `wave` and takes its format; the grain begins at frame `offset`, at most the wave's length.
     void AttachSample(RefPtr<CWaveMem> wave, std::int64_t offset);
-    /// Renders the grain's own tail wave. `E_FAIL` without a sample, `E_OUTOFMEMORY`, or `S_OK`; a grain of 0
-    /// frames has no tail.
-    HRESULT BuildTail();
+    /// Renders the grain's own tail wave, into `silence` as `CWaveMem::CreateTail` has it. `E_FAIL` without a
+    /// sample, `E_OUTOFMEMORY`, or `S_OK`; a grain of 0 frames has no tail.
+    HRESULT BuildTail(Samples silence = nullptr);
     /// True when the render is to read the tail: the flag is set and there is one.
     bool playsTail() const { return tailOn && tailWave; }
     /// True for a grain that lasts as long at any tempo: it isn't cut on the beat, or plays its tail.

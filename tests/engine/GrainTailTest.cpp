@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <set>
 
 #include "engine/VoiceRig.h"
@@ -40,6 +41,32 @@ TEST(GrainTails, AreTwiceAsLongAsTheirGrainsWhateverTheTailFlag) {
             EXPECT_EQ(grain.tailWave->frames, 2 * grain.lengthSamples);
             EXPECT_EQ(grain.tailLengthSamples, 2 * grain.lengthSamples);
         }
+    }
+}
+
+TEST(GrainTails, AreThoseOfGrainsThatWereCutByHand) {
+    LoadedLoop it;
+    for (std::int32_t i = 0; i < it.file.GetSize(); ++i) {
+        const CGrooveEvent& grain = it.file.GetAt(i);
+        CGrooveEvent alone;
+        alone.AttachSample(grain.sample, grain.sampleOffset);
+        alone.lengthSamples = grain.lengthSamples;
+        ASSERT_EQ(alone.BuildTail(), S_OK);
+        const float* const tail = alone.tailWave->samples.get();
+        EXPECT_TRUE(std::equal(tail, tail + grain.tailLengthSamples + 1, grain.tailWave->samples.get()));
+    }
+}
+
+TEST(GrainTails, OutliveTheFileTheyCameWith) {
+    CGrooveTrack pad;
+    {
+        LoadedLoop it;
+        pad.CopyGrainsFrom(it.file);
+    }
+    for (std::int32_t i = 0; i < 4; ++i) {
+        const CGrooveEvent& grain = pad.GetAt(i);
+        // Behind the fade of 2 ms comes the grain itself.
+        EXPECT_EQ(grain.tailWave->samples[100], grain.sample->samples[grain.sampleOffset + 100]);
     }
 }
 
