@@ -14,6 +14,7 @@
 #include "bench/LockMeter.h"
 #include "host/CreateInstance.h"
 #include "hostkit/HostRig.h"
+#include "platform/system/CritSec.h"
 #include "seam/MusicalTime.h"
 #include "seam/Pzi.h"
 #include "support/FaultyStream.h"
@@ -357,6 +358,22 @@ std::vector<Operation> hostOperations() {
     };
 }
 
+/// Holds as short and as many as those of queueing, with nothing to do in them: what lasts longer there is
+/// the machine's own doing, an interrupt as a rule.
+std::vector<Operation> machineOperations() {
+    constexpr int kHolds = kEvents / 16;
+    constexpr std::chrono::microseconds kHold{3};
+    return {{"holds_of_3_us", [=](Studio& s) {
+                 for (int i = 0; i < kHolds; ++i) {
+                     CAutoLock lock(dynamic_cast<CPzi&>(s.it));
+                     const auto end = std::chrono::steady_clock::now() + kHold;
+                     while (std::chrono::steady_clock::now() < end) {
+                     }
+                 }
+                 return S_OK;
+             }}};
+}
+
 void add(const std::string& group, const std::vector<Operation>& operations) {
     for (const Operation& operation : operations) {
         benchmark::RegisterBenchmark((group + operation.name).c_str(),
@@ -373,6 +390,7 @@ void addAll() {
         add("Lock/IGrooveSampler/", operations);
     }
     add("Lock/host/", hostOperations());
+    add("Lock/machine/", machineOperations());
 }
 
 [[maybe_unused]] const bool kAdded = (addAll(), true);
