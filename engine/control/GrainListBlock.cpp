@@ -60,50 +60,68 @@ private:
     std::size_t last_ = 0;
 };
 
-bool isPlotted(const CGrooveEvent& grain) {
-    return grain.sample && grain.sample->peaks && plotLengthOf(grain) > 0;
-}
+/// The entries of a list before its block is made: as long as that isn't there, they tell by number where
+/// their peaks lie.
+class Listing {
+public:
+    explicit Listing(std::int32_t grains) { entries_.reserve(static_cast<std::size_t>(grains)); }
 
-GrainListEntry describe(const CGrooveEvent& grain, TailFlags tails) {
-    GrainListEntry entry{};
-    entry.startTicks = grain.startTicks;
-    entry.endTicks = grain.GetEnd(kTicks16, 0);
-    entry.transpose = grain.transpose;
-    entry.volume = static_cast<float>(grain.volume);
-    entry.extra = tails == TailFlags::told ? grain.tailOn : 0;
-    if (!grain.sample) return entry;
-    entry.channels = grain.sample->format.nChannels;
-    if (grain.sample->peaks) entry.plotLength = plotLengthOf(grain);
-    return entry;
-}
+    void add(const CGrooveEvent& grain, TailFlags tails) {
+        Entry& entry = entries_.emplace_back();
+        GrainListEntry& told = entry.told;
+        told.startTicks = grain.startTicks;
+        told.endTicks = grain.GetEnd(kTicks16, 0);
+        told.transpose = grain.transpose;
+        told.volume = static_cast<float>(grain.volume);
+        told.extra = tails == TailFlags::told ? grain.tailOn : 0;
+        if (grain.sample) addPlot(entry, grain);
+    }
+
+    /// Null without memory.
+    GrainListEntry* makeBlock() const {
+        const std::size_t entryBytes = entries_.size() * sizeof(GrainListEntry);
+        if (tables_.values() > (std::numeric_limits<std::size_t>::max() - entryBytes) / sizeof(float))
+            return nullptr;
+        auto* const block =
+            static_cast<GrainListEntry*>(CoTaskMemAlloc(entryBytes + tables_.values() * sizeof(float)));
+        if (!block) return nullptr;
+        float* const peaks = reinterpret_cast<float*>(block + entries_.size());
+        tables_.copyTo(peaks);
+        std::transform(entries_.begin(), entries_.end(), block, [=](const Entry& entry) {
+            GrainListEntry told = entry.told;
+            if (told.plotLength > 0) told.plotData = peaks + entry.firstPeak;
+            return told;
+        });
+        return block;
+    }
+
+private:
+    struct Entry {
+        GrainListEntry told{};
+        std::size_t firstPeak = 0;  ///< in values
+    };
+
+    void addPlot(Entry& entry, const CGrooveEvent& grain) {
+        const CWaveMem& wave = *grain.sample;
+        entry.told.channels = wave.format.nChannels;
+        if (!wave.peaks) return;
+        entry.told.plotLength = plotLengthOf(grain);
+        if (entry.told.plotLength > 0)
+            entry.firstPeak = tables_.place(wave) + grain.peakOffset * valuesPerEntry(wave);
+    }
+
+    std::vector<Entry> entries_;
+    PeakTables tables_;
+};
 
 }  // namespace
 
 HRESULT listGrains(const GrainList& grains, TailFlags tails, GrainListEntry** list, std::int32_t* count) try {
-    const auto size = static_cast<std::size_t>(grains.size());
-    if (size == 0) return S_OK;
-    PeakTables tables;
-    grains.forEach([&](const CGrooveEvent& grain) {
-        if (isPlotted(grain)) tables.place(*grain.sample);
-    });
-    const std::size_t entryBytes = size * sizeof(GrainListEntry);
-    if (tables.values() > (std::numeric_limits<std::size_t>::max() - entryBytes) / sizeof(float))
-        return E_OUTOFMEMORY;
-    auto* const entries =
-        static_cast<GrainListEntry*>(CoTaskMemAlloc(entryBytes + tables.values() * sizeof(float)));
-    if (!entries) return E_OUTOFMEMORY;
-    float* const peaks = reinterpret_cast<float*>(entries + size);
-    tables.copyTo(peaks);
-    GrainListEntry* entry = entries;
-    grains.forEach([&](const CGrooveEvent& grain) {
-        *entry = describe(grain, tails);
-        if (isPlotted(grain)) {
-            const CWaveMem& wave = *grain.sample;
-            entry->plotData = peaks + tables.place(wave) + grain.peakOffset * valuesPerEntry(wave);
-        }
-        ++entry;
-    });
-    *list = entries;
+    if (grains.size() == 0) return S_OK;
+    Listing listing(grains.size());
+    grains.forEach([&](const CGrooveEvent& grain) { listing.add(grain, tails); });
+    *list = listing.makeBlock();
+    if (!*list) return E_OUTOFMEMORY;
     *count = grains.size();
     return S_OK;
 } catch (const std::bad_alloc&) {
