@@ -23,6 +23,10 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
     target_compile_options(marnoth_flags INTERFACE
         -Wno-unknown-pragmas -Wno-delete-non-abstract-non-virtual-dtor)
 endif()
+if(CMAKE_UNITY_BUILD AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    # To GCC a source that is included is a header: what it makes of unnamed namespaces in one, it says of each.
+    target_compile_options(marnoth_flags INTERFACE -Wno-subobject-linkage)
+endif()
 target_include_directories(marnoth_flags INTERFACE ${PROJECT_SOURCE_DIR})
 if(WIN32)
     target_compile_definitions(marnoth_flags INTERFACE UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN)
@@ -38,10 +42,14 @@ if(MARNOTH_SANITIZE)
     target_compile_definitions(marnoth_flags INTERFACE MARNOTH_SANITIZED)
 endif()
 
+# Where sources of a folder are compiled together (CMAKE_UNITY_BUILD), no two of them may define the same name.
+set(MARNOTH_TOGETHER UNITY_BUILD_CODE_BEFORE_INCLUDE "// NOLINTNEXTLINE(bugprone-suspicious-include)")
+
 # marnoth_library(NAME SOURCES a.cpp ... DEPENDS lib ...): a static library of one folder.
 function(marnoth_library name)
     cmake_parse_arguments(ARG "" "" "SOURCES;DEPENDS" ${ARGN})
     add_library(${name} STATIC ${ARG_SOURCES})
+    set_target_properties(${name} PROPERTIES ${MARNOTH_TOGETHER})
     target_link_libraries(${name} PUBLIC marnoth_flags ${ARG_DEPENDS})
 endfunction()
 
@@ -49,6 +57,7 @@ endfunction()
 function(marnoth_program name)
     cmake_parse_arguments(ARG "" "" "SOURCES;DEPENDS" ${ARGN})
     add_executable(${name} ${ARG_SOURCES})
+    set_target_properties(${name} PROPERTIES ${MARNOTH_TOGETHER})
     target_link_libraries(${name} PRIVATE marnoth_flags ${ARG_DEPENDS})
 endfunction()
 

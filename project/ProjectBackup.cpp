@@ -10,8 +10,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::int64_t kChunkHeaderBytes = 8;
-
 bool isFile(const fs::path& path) {
     std::error_code error;
     return fs::is_regular_file(path, error);

@@ -16,7 +16,7 @@ namespace {
 
 constexpr std::size_t kGrainEntryBytes = 4 + kGrainRecordBytes;  ///< behind a running index
 constexpr std::size_t kEntriesAtOnce = 64;
-constexpr std::int64_t kFormatBytes = 16;  ///< a format without the count of its extra bytes
+constexpr std::int64_t kShortestFormatBytes = 16;  ///< a format without the count of its extra bytes
 
 // Where a value has a limit on one side alone.
 constexpr std::int64_t kLowest = std::numeric_limits<std::int64_t>::min();
@@ -282,7 +282,7 @@ bool ProjectReading::readFormat(const ChunkInfo& form, WAVEFORMATEX& format) {
     std::uint16_t tag;
     std::uint16_t channels;
     std::uint32_t rate;
-    if (!enter(chunk, form, fourCC("fmt ")) || chunk.bytes() < kFormatBytes) return false;
+    if (!enter(chunk, form, fourCC("fmt ")) || chunk.bytes() < kShortestFormatBytes) return false;
     if (!chunk.number(tag) || !chunk.number(channels) || !chunk.number(rate)) return false;
     format = floatFormat(channels, rate);
     return isWithin(FaultQuantity::channels, channels, 1, 2) &&

@@ -12,7 +12,6 @@ namespace {
 
 static_assert(std::endian::native == std::endian::little, "audio goes out as it lies in memory");
 
-constexpr std::int64_t kChunkHeaderBytes = 8;
 constexpr std::int64_t kFormHeaderBytes = 12;  ///< with the form type
 constexpr std::int64_t kFormatBytes = 18;
 

@@ -11,8 +11,6 @@ namespace marnoth {
 namespace {
 
 constexpr std::size_t kMaxPathCharacters = 255;
-constexpr std::uint32_t kLengthInMilliseconds = 2;
-constexpr std::uint32_t kLengthInFrames = 3;
 
 constexpr std::int64_t kFormatBytes = 16;
 constexpr std::int64_t kAcidBytes = 24;

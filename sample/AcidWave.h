@@ -13,6 +13,10 @@
 
 namespace marnoth {
 
+/// Kinds of `CAcidWave::GetLength`.
+inline constexpr std::uint32_t kLengthInMilliseconds = 2;
+inline constexpr std::uint32_t kLengthInFrames = 3;
+
 /// A run of frames of a file, one future grain. As the file says it: it needn't lie inside the audio.
 struct WaveSegment {
     std::uint32_t start = 0;   ///< frames
@@ -55,7 +59,7 @@ public:
     /// `ReadData`; `E_FAIL` otherwise, with the reason in `fault` and `lastError` and the file closed.
     HRESULT Open(const char* path);
 
-    /// Kind 2: `durationMs`. Kind 3: `frameCount`. Any other: 0.
+    /// `durationMs` or `frameCount`; of any kind but these two 0.
     std::int64_t GetLength(std::uint32_t kind) const;
 
     /// Positions the reader at a frame behind the beginning of the first `data` chunk. `S_OK` or `E_FAIL`.

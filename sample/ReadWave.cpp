@@ -13,7 +13,6 @@
 namespace marnoth {
 namespace {
 
-constexpr std::uint32_t kLengthInFrames = 3;
 /// Near enough to stay at hand, and enough to pass by the buffer of the file.
 constexpr std::int64_t kBytesAtOnce = 0x18000;
 

@@ -9,8 +9,6 @@ namespace marnoth {
 
 namespace {
 
-constexpr Color kText = kPalette[4];
-constexpr Color kGround = kPalette[1];
 constexpr int kLeftMargin = 2;
 constexpr int kRightMargin = 1;  ///< room for the caret behind the last character
 
@@ -204,8 +202,8 @@ int EditLine::scrollFor(int width) const {
 void EditLine::paint(Surface& surface, const Rect& room, bool focused) {
     scroll_ = focused ? scrollFor(room.width()) : 0;
     surface.SelectClipRgn(room);
-    surface.SelectPen({kGround});
-    surface.SelectBrush(kGround);
+    surface.SelectPen({kFieldGround});
+    surface.SelectBrush(kFieldGround);
     surface.Rectangle(room);
     if (font_) paintText(surface, {room.left + kLeftMargin - scroll_, room.top}, focused);
     if (focused && !hasSelection()) paintCaret(surface, room);
@@ -224,16 +222,15 @@ void EditLine::paintText(Surface& surface, Point at, bool focused) const {
         at.x += font_->widthOf(part);
     };
     surface.SelectFont(font_);
-    write(text.substr(0, begin), kText, kGround);
-    write(text.substr(begin, end - begin), kGround, kText);
-    write(text.substr(end), kText, kGround);
+    write(text.substr(0, begin), kFieldText, kFieldGround);
+    write(text.substr(begin, end - begin), kFieldGround, kFieldText);
+    write(text.substr(end), kFieldText, kFieldGround);
 }
 
 void EditLine::paintCaret(Surface& surface, const Rect& room) const {
     const int x = room.left + kLeftMargin - scroll_ + widthTo(caret_);
-    surface.SelectPen({kText});
-    surface.MoveTo({x, room.top + 1});
-    surface.LineTo({x, room.bottom - 1});
+    surface.SelectPen({kFieldText});
+    drawLine(surface, {x, room.top + 1}, {x, room.bottom - 1});
 }
 
 }  // namespace marnoth

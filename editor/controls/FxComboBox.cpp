@@ -12,8 +12,6 @@ namespace marnoth {
 
 namespace {
 
-constexpr Color kText = kPalette[4];
-constexpr Color kGround = kPalette[1];
 constexpr int kArrowWidth = 7;  ///< the longest text of the page just fits beside it
 constexpr int kBorder = 1;
 
@@ -236,8 +234,8 @@ bool CFxComboBox::handle(const ControlEvent& event) {
 void CFxComboBox::paint(Surface& surface) {
     const Rect& all = place();
     line_.paint(surface, {all.left, all.top, all.right - kArrowWidth, all.bottom}, parent().hasFocus(*this));
-    surface.SelectPen({kGround});
-    surface.SelectBrush(kGround);
+    surface.SelectPen({kFieldGround});
+    surface.SelectBrush(kFieldGround);
     surface.Rectangle({all.right - kArrowWidth, all.top, all.right, all.bottom});
     paintArrow(surface);
 }
@@ -245,17 +243,15 @@ void CFxComboBox::paint(Surface& surface) {
 void CFxComboBox::paintArrow(Surface& surface) const {
     const int middle = place().right - kArrowWidth / 2 - 1;
     const int top = place().top + place().height() / 2 - 1;
-    surface.SelectPen({kText});
-    for (int row = 0; row < 3; ++row) {
-        surface.MoveTo({middle - 2 + row, top + row});
-        surface.LineTo({middle + 3 - row, top + row});
-    }
+    surface.SelectPen({kFieldText});
+    for (int row = 0; row < 3; ++row)
+        drawLine(surface, {middle - 2 + row, top + row}, {middle + 3 - row, top + row});
 }
 
 void CFxComboBox::paintOverlay(Surface& surface) {
     if (!open_) return;
-    surface.SelectPen({kText});
-    surface.SelectBrush(kGround);
+    surface.SelectPen({kFieldText});
+    surface.SelectBrush(kFieldGround);
     surface.Rectangle(overlay());
     surface.SelectFont(font_);
     for (int row = 0; row < static_cast<int>(items_.size()); ++row) paintRow(surface, row);
@@ -264,13 +260,13 @@ void CFxComboBox::paintOverlay(Surface& surface) {
 
 void CFxComboBox::paintRow(Surface& surface, int row) const {
     const Rect rect = rowRect(row);
-    const Color ground = row == hover_ ? kText : kGround;
+    const Color ground = row == hover_ ? kFieldText : kFieldGround;
     surface.SelectClipRgn(rect);
     surface.SelectPen({ground});
     surface.SelectBrush(ground);
     surface.Rectangle(rect);
     if (!font_) return;
-    surface.SetTextColor(row == hover_ ? kGround : kText);
+    surface.SetTextColor(row == hover_ ? kFieldGround : kFieldText);
     surface.SetGroundColor(ground);
     surface.TextOut({rect.left + 1, rect.top}, items_[static_cast<std::size_t>(row)]);
 }

@@ -65,10 +65,8 @@ void drawGrain(Surface& surface, const Rect& rect, bool tail, GrainState state) 
 void drawLengthMarker(Surface& surface, int x, int top, int bottom) {
     const int middle = top + (bottom - top) / 2;
     surface.SelectPen({kPalette[2]});
-    surface.MoveTo({x, middle - 3});
-    surface.LineTo({x, middle + 4});
-    surface.MoveTo({x + 1, middle - 2});
-    surface.LineTo({x + 1, middle + 3});
+    drawLine(surface, {x, middle - 3}, {x, middle + 4});
+    drawLine(surface, {x + 1, middle - 2}, {x + 1, middle + 3});
     surface.SelectBrush(kPalette[2]);
     surface.Ellipse({x + 2, middle - 3, x + 8, middle + 4});
 }

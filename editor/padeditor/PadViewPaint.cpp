@@ -15,11 +15,6 @@ namespace {
 /// Rows lower than this have no room for the large font.
 constexpr int kLargeFontRow = 13;
 
-void drawLine(Surface& surface, Point from, Point to) {
-    surface.MoveTo(from);
-    surface.LineTo(to);
-}
-
 void drawPadName(Surface& surface, const TimeScale& scale, int pad, bool lit) {
     const int top = scale.topOf(pad);
     surface.SelectPen({kPalette[4]});

@@ -12,14 +12,14 @@ namespace marnoth {
 
 namespace {
 
-constexpr int kGround = 290;
+constexpr int kGroundImage = 290;
 constexpr Rect kGroundPlace = Rect::at(135, 2, 360, 232);
 constexpr int kFirstPlaying = 240;  ///< pad by pad: playing, idle
 
 }  // namespace
 
 void PadBlock::paint(Surface& surface) {
-    surface.BitBlt(kGroundPlace, skinBitmap(kGround), {0, 0});
+    surface.BitBlt(kGroundPlace, skinBitmap(kGroundImage), {0, 0});
     for (int pad = 0; pad < kPads; ++pad) {
         const bool playing = page_.engine().isOn(&IGrooveSampler::GetPadPlaying, pad);
         surface.BitBlt(padImage(pad), skinBitmap(kFirstPlaying + 2 * pad + (playing ? 0 : 1)), {0, 0});

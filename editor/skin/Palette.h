@@ -19,4 +19,8 @@ inline constexpr std::array<Color, 9> kPalette{{
     {206, 255, 202},  // bright green: current list row, hover, pad ring
 }};
 
+/// Of fields to type or choose in.
+inline constexpr Color kFieldText = kPalette[4];
+inline constexpr Color kFieldGround = kPalette[1];
+
 }  // namespace marnoth

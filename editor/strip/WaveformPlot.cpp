@@ -28,11 +28,6 @@ bool beginsCharacter(char c) {
     return (static_cast<unsigned char>(c) & 0xC0u) != 0x80u;
 }
 
-void drawLine(Surface& surface, Point from, Point to) {
-    surface.MoveTo(from);
-    surface.LineTo(to);
-}
-
 /// The columns of a lane that lie in the plot: from the first to the second value of each.
 void drawColumn(Surface& surface, int x, const float* values, const Lane& lane) {
     const float* pair = values + std::ptrdiff_t{2} * lane.channel;

@@ -21,7 +21,7 @@ namespace {
 /// exhaust the memory goes: grains that share place and length share their tail.
 constexpr std::int64_t kMostTailsPerAudio = 16;
 /// Frames of audio that are worth starting threads for.
-constexpr std::int64_t kWorthThreads = 1 << 16;
+constexpr std::int64_t kAudioWorthThreads = 1 << 16;
 
 /// Offset and count within the peak table and the one spare entry behind it.
 void holdToPeakTable(CGrooveEvent& grain) {
@@ -61,9 +61,9 @@ bool fitInto(GrainSettings& record, std::int64_t frames, bool rateChanged) {
 }
 
 /// The grains of one track, each in its place from the beginning, since tails are built for many at a time.
-using Grains = std::vector<CGrooveEvent>;
+using TrackGrains = std::vector<CGrooveEvent>;
 
-GrainList listOf(Grains& grains) {
+GrainList listOf(TrackGrains& grains) {
     std::vector<RefPtr<const GrainPart>> parts;
     parts.reserve(grains.size());
     for (CGrooveEvent& grain : grains) parts.push_back(GrainList::part(std::move(grain)));
@@ -98,14 +98,14 @@ private:
     void addPad(std::size_t pad);
     /// Once they have their tails.
     void putGrains();
-    double ratioOfPad(const Grains& grains) const;
+    double ratioOfPad(const TrackGrains& grains) const;
     std::optional<CGrooveEvent> makePadGrain(const GrainSettings& saved) const;
 
     Project& project_;
     const EngineRates& rates_;
     ProjectTracks& tracks_;
-    std::array<Grains, kBinFiles> fileGrains_;
-    std::array<Grains, kPads> padGrains_;
+    std::array<TrackGrains, kBinFiles> fileGrains_;
+    std::array<TrackGrains, kPads> padGrains_;
     TailPlan tails_;
     std::int64_t audioFrames_ = 0;
 };
@@ -124,7 +124,7 @@ std::int64_t TrackBuilding::countFrames() const {
 HRESULT TrackBuilding::prepareWaves() {
     std::array<HRESULT, kBinFiles> results{};
     const auto prepareAt = [&](std::size_t i) { results.at(i) = prepareWave(*project_.files[i].wave); };
-    if (countFrames() >= kWorthThreads) {
+    if (countFrames() >= kAudioWorthThreads) {
         forEachInParallel(project_.files.size(), prepareAt);
     } else {
         for (std::size_t i = 0; i < project_.files.size(); ++i) prepareAt(i);
@@ -144,7 +144,7 @@ void TrackBuilding::addFile(ProjectFile& file) {
     built.track.RecomputeTempo(rates_.sampleRate);
     built.names =
         std::make_shared<const BinFile::Names>(BinFile::Names{std::move(file.name), std::move(file.path)});
-    Grains& grains = fileGrains_[static_cast<std::size_t>(tracks_.files.size())];
+    TrackGrains& grains = fileGrains_[static_cast<std::size_t>(tracks_.files.size())];
     grains.reserve(file.grains.size());
     for (const GrainSettings& saved : file.grains) {
         grains.push_back(makeFileGrain(built.sample, saved, static_cast<std::int32_t>(grains.size())));
@@ -171,7 +171,7 @@ void TrackBuilding::putGrains() {
 
 void TrackBuilding::addPad(std::size_t pad) {
     const ProjectPad& saved = project_.pads[pad];
-    Grains& grains = padGrains_[pad];
+    TrackGrains& grains = padGrains_[pad];
     grains.reserve(saved.grains.size());
     for (const GrainSettings& settings : saved.grains) {
         auto grain = makePadGrain(settings);
@@ -184,14 +184,14 @@ void TrackBuilding::addPad(std::size_t pad) {
     track.RecomputeTempo(rates_.sampleRate);
 }
 
-double TrackBuilding::ratioOfPad(const Grains& grains) const {
+double TrackBuilding::ratioOfPad(const TrackGrains& grains) const {
     if (!grains.empty()) return grains.front().sample->rateRatio;
     return tracks_.files.size() == 0 ? 1.0 : tracks_.files[0].sample->rateRatio;
 }
 
 std::optional<CGrooveEvent> TrackBuilding::makePadGrain(const GrainSettings& saved) const {
     if (!tracks_.files.has(saved.binFile)) return std::nullopt;
-    const Grains& grains = fileGrains_[static_cast<std::size_t>(saved.binFile)];
+    const TrackGrains& grains = fileGrains_[static_cast<std::size_t>(saved.binFile)];
     if (saved.binGrain >= static_cast<std::int32_t>(grains.size())) return std::nullopt;
     const RefPtr<CWaveMem>& wave = grains[static_cast<std::size_t>(saved.binGrain)].sample;
     GrainSettings settings = scaledGrain(saved, wave->rateRatio);

@@ -10,7 +10,7 @@ namespace marnoth {
 namespace {
 
 /// Frames of tails that are worth starting threads for.
-constexpr std::int64_t kWorthThreads = 1 << 16;
+constexpr std::int64_t kTailsWorthThreads = 1 << 16;
 
 HRESULT buildTail(CGrooveEvent& grain) {
     try {
@@ -37,7 +37,7 @@ void TailPlan::add(CGrooveEvent& grain) {
 HRESULT TailPlan::build() {
     std::vector<HRESULT> results(distinct_.size(), S_OK);
     const auto buildAt = [&](std::size_t i) { results[i] = buildTail(*distinct_[i]); };
-    if (frames_ >= kWorthThreads) {
+    if (frames_ >= kTailsWorthThreads) {
         forEachInParallel(distinct_.size(), buildAt);
     } else {
         for (std::size_t i = 0; i < distinct_.size(); ++i) buildAt(i);

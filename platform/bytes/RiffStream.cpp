@@ -16,7 +16,6 @@ int costOfPassing(const ChunkInfo& chunk) {
     return 1 + static_cast<int>(std::min(chunk.cksize, kFarBytes) / kBytesAtNoCost);
 }
 
-constexpr std::int64_t kHeaderBytes = 8;
 constexpr std::int64_t kTypeBytes = 4;
 
 std::uint32_t loadU32(const std::uint8_t* from) {
@@ -77,8 +76,8 @@ RiffError RiffStream::close() {
 }
 
 bool RiffStream::readHeader(ChunkInfo& chunk) {
-    std::array<std::uint8_t, kHeaderBytes> header;
-    if (!readExactly(header.data(), kHeaderBytes)) return false;
+    std::array<std::uint8_t, kChunkHeaderBytes> header;
+    if (!readExactly(header.data(), kChunkHeaderBytes)) return false;
     chunk = {};
     chunk.ckid = loadU32(header.data());
     chunk.cksize = loadU32(header.data() + 4);
@@ -130,7 +129,7 @@ RiffError RiffStream::ascend(ChunkInfo& chunk) {
 RiffError RiffStream::createChunk(ChunkInfo& chunk, RiffCreate kind) {
     if (kind == RiffCreate::riff) chunk.ckid = kRiffId;
     if (kind == RiffCreate::list) chunk.ckid = kListId;
-    chunk.dataOffset = position() + kHeaderBytes;
+    chunk.dataOffset = position() + kChunkHeaderBytes;
     chunk.flags = ChunkInfo::kDirty;
     const bool written = write(storeU32(chunk.ckid).data(), 4) && write(storeU32(chunk.cksize).data(), 4) &&
                          (kind == RiffCreate::chunk || write(storeU32(chunk.fccType).data(), 4));

@@ -33,6 +33,7 @@ constexpr std::uint32_t fourCC(const char (&text)[5]) {
 
 inline constexpr std::uint32_t kRiffId = fourCC("RIFF");
 inline constexpr std::uint32_t kListId = fourCC("LIST");
+inline constexpr std::int64_t kChunkHeaderBytes = 8;  ///< id and size
 
 /// One chunk of a RIFF stream. The size is what its header says, which in a damaged file may be anything.
 struct ChunkInfo {

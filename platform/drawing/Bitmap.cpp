@@ -11,7 +11,7 @@ namespace {
 // lays them out; numbers are little-endian.
 constexpr std::uint64_t kFileHeaderBytes = 14;
 constexpr std::uint64_t kInformationBytes = 40;
-constexpr std::uint64_t kHeaderBytes = kFileHeaderBytes + kInformationBytes;
+constexpr std::uint64_t kBothHeadersBytes = kFileHeaderBytes + kInformationBytes;
 constexpr std::uint32_t kPixelsPerMeter = 2835;  // 72 to the inch
 
 std::uint32_t numberAt(std::span<const std::byte> bytes, std::size_t at, int size) {
@@ -38,7 +38,7 @@ struct Layout {
 };
 
 std::optional<Layout> readLayout(std::span<const std::byte> file) {
-    if (file.size() < kHeaderBytes || numberAt(file, 0, 2) != 0x4D42) return {};
+    if (file.size() < kBothHeadersBytes || numberAt(file, 0, 2) != 0x4D42) return {};
     const std::uint64_t pixels = numberAt(file, 10, 4);
     const std::uint64_t informationBytes = numberAt(file, 14, 4);
     const auto width = static_cast<std::int32_t>(numberAt(file, 18, 4));
@@ -82,11 +82,11 @@ std::vector<std::byte> writeBmp(const Bitmap& bitmap) {
     const std::uint64_t stride = bytesPerRow(static_cast<std::uint64_t>(bitmap.width()));
     const std::uint64_t pixelBytes = stride * static_cast<std::uint64_t>(bitmap.height());
     std::vector<std::byte> file;
-    file.reserve(kHeaderBytes + pixelBytes);
+    file.reserve(kBothHeadersBytes + pixelBytes);
     putNumber(file, 0x4D42, 2);
-    putNumber(file, kHeaderBytes + pixelBytes, 4);
+    putNumber(file, kBothHeadersBytes + pixelBytes, 4);
     putNumber(file, 0, 4);
-    putNumber(file, kHeaderBytes, 4);
+    putNumber(file, kBothHeadersBytes, 4);
     putNumber(file, kInformationBytes, 4);
     putNumber(file, static_cast<std::uint64_t>(bitmap.width()), 4);
     putNumber(file, static_cast<std::uint64_t>(bitmap.height()), 4);

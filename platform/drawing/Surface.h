@@ -61,4 +61,10 @@ public:
     virtual void BitBlt(const Rect& dest, const Bitmap& source, Point from) = 0;
 };
 
+/// A line with the selected pen.
+inline void drawLine(Surface& surface, Point from, Point to) {
+    surface.MoveTo(from);
+    surface.LineTo(to);
+}
+
 }  // namespace marnoth

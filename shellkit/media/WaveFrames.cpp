@@ -12,8 +12,6 @@ namespace marnoth {
 
 namespace {
 
-constexpr std::uint16_t kFloatTag = 3;
-constexpr std::uint16_t kExtensibleTag = 0xFFFE;
 constexpr std::int64_t kFormatBytes = 16;
 constexpr std::int64_t kSubFormatOffset = 24;  ///< of the tag inside an extensible format
 
@@ -48,10 +46,10 @@ private:
             std::memcpy(&value, body.data() + offset, sizeof value);
             return value;
         };
-        const std::uint16_t tag = word(0) == kExtensibleTag ? word(kSubFormatOffset) : word(0);
+        const std::uint16_t tag = word(0) == WAVE_FORMAT_EXTENSIBLE ? word(kSubFormatOffset) : word(0);
         wave.channels = word(2);
         std::memcpy(&wave.rate, body.data() + 4, sizeof wave.rate);
-        if (tag != kFloatTag || word(14) != 32) fail("it isn't 32-bit float, as the pin is");
+        if (tag != WAVE_FORMAT_IEEE_FLOAT || word(14) != 32) fail("it isn't 32-bit float, as the pin is");
         if (wave.channels < 1 || wave.channels > 2) fail("it is neither mono nor stereo");
         stream_.ascend(format);
     }

@@ -9,12 +9,11 @@ namespace marnoth {
 
 namespace {
 
-constexpr std::uint16_t kFloatTag = 3;
 /// A RIFF file's sizes have 32 bits; the headers take less than the rest.
 constexpr std::int64_t kMostDataBytes = 0xFFFFFFFFLL - 1024;
 
 struct FormatBody {
-    std::uint16_t tag = kFloatTag;
+    std::uint16_t tag = WAVE_FORMAT_IEEE_FLOAT;
     std::uint16_t channels;
     std::uint32_t rate;
     std::uint32_t bytesPerSecond;

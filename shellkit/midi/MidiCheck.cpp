@@ -12,7 +12,6 @@ constexpr std::uint32_t kTrackId = 0x4D54726B;   // "MTrk"
 constexpr std::uint32_t kHeaderBytes = 6;
 constexpr std::size_t kChunkHeadBytes = 8;
 constexpr int kLongestVariableNumber = 4;  // bytes
-constexpr std::uint8_t kMeta = 0xFF;
 constexpr std::uint8_t kSystem = 0xF0;
 constexpr std::uint8_t kEndOfTrack = 0x2F;
 
@@ -97,12 +96,12 @@ private:
         // These end a running status.
         running_.reset();
         // Escapes (0xF7) are sound, but the library stumbles over them.
-        if (status != kMeta && status != kSystem) return bytes_.fail();
-        ended_ = status == kMeta && bytes_.peek() == kEndOfTrack;
-        if (status == kMeta && bytes_.byte() >= 0x80) return bytes_.fail();
+        if (status != kMetaStatus && status != kSystem) return bytes_.fail();
+        ended_ = status == kMetaStatus && bytes_.peek() == kEndOfTrack;
+        if (status == kMetaStatus && bytes_.byte() >= 0x80) return bytes_.fail();
         const std::uint32_t length = bytes_.variableNumber();
         // A system message without bytes doesn't count as one.
-        if (status != kMeta && length == 0) return bytes_.fail();
+        if (status != kMetaStatus && length == 0) return bytes_.fail();
         bytes_.take(length);
     }
 

@@ -7,6 +7,8 @@
 
 namespace marnoth {
 
+inline constexpr std::uint8_t kMetaStatus = 0xFF;  ///< the first byte of an event that is no message
+
 /// What is used of a standard MIDI file; the tracks point into the file's own bytes.
 struct MidiChunks {
     std::uint16_t format = 0;    ///< 0 one track, 1 tracks of one piece, 2 a piece in each track

@@ -24,7 +24,6 @@ namespace {
 constexpr double kMicrosecondsPerMinute = 60e6;
 constexpr int kNoteOff = 0x80;
 constexpr int kNoteOn = 0x90;
-constexpr unsigned char kMeta = 0xFF;
 constexpr unsigned char kTempoMeta = 0x51;
 constexpr unsigned char kSignatureMeta = 0x58;
 constexpr int kLargestDenominatorExponent = 8;
@@ -51,7 +50,7 @@ public:
         now_ = ticks(event.time_pulses);
         const std::span<const unsigned char> bytes(event.midi_buffer,
                                                    static_cast<std::size_t>(event.midi_buffer_length));
-        if (bytes.size() >= 3 && bytes[0] == kMeta)
+        if (bytes.size() >= 3 && bytes[0] == kMetaStatus)
             takeMeta(bytes);
         else if (bytes.size() >= 3 && bytes[0] < 0xF0)
             takeNote(bytes);

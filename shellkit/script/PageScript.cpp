@@ -21,10 +21,6 @@ namespace {
 constexpr std::int64_t kFarthest = 100000;
 constexpr std::int64_t kLastKey = 255;
 
-std::string done() {
-    return printResult(S_OK);
-}
-
 /// Carries a command out on the page that is open; gives what stands behind the result.
 using PageAction = std::function<std::string(HeadlessPage&, ScriptSession&, Arguments)>;
 
@@ -33,7 +29,7 @@ ScriptCommand onPage(std::string_view name, std::string_view form, PageAction ac
         HeadlessPage& page = session.page();
         const std::string out = action(page, session, words);
         page.window().settle();
-        return done() + (out.empty() ? "" : " ") + out;
+        return printResult(S_OK) + (out.empty() ? "" : " ") + out;
     };
     return {name, form, run};
 }
@@ -82,7 +78,7 @@ std::string page(ScriptSession& session, Arguments words) {
         session.closePage();
     else
         throw ScriptError("\"" + words[0] + "\" is neither open nor close");
-    return done();
+    return printResult(S_OK);
 }
 
 std::string key(HeadlessPage& page, ScriptSession&, Arguments words) {

@@ -18,7 +18,7 @@ namespace marnoth {
 namespace {
 
 constexpr std::uint32_t kRate = 44100;
-constexpr std::uint32_t kChannels = 2;
+constexpr std::uint32_t kStereo = 2;
 
 constexpr Point kFirstBinRow{kBinList.left + 6, kBinList.top + 6};
 constexpr Point kOnKeyMapTab{(kKeyMapTab.left + kKeyMapTab.right) / 2,
@@ -27,7 +27,7 @@ constexpr Point kOnKeyMapTab{(kKeyMapTab.left + kKeyMapTab.right) / 2,
 /// Projects are loaded at the rate of a connection.
 void connect(HostRig& rig) {
     const std::array<int, 1> mix{0};
-    const HRESULT result = rig.connect(kRate, kChannels, mix);
+    const HRESULT result = rig.connect(kRate, kStereo, mix);
     if (FAILED(result))
         throw FileFailure("connecting the instrument failed with code " + printResult(result));
 }

@@ -135,7 +135,7 @@ void printKeys(const KeyMapRecord& keys, std::ostream& out) {
     out << '\n';
 }
 
-void printText(const Project& project, std::int64_t bytes, const std::string& file, std::ostream& out) {
+void printProject(const Project& project, std::int64_t bytes, const std::string& file, std::ostream& out) {
     out << "project   " << file << '\n'
         << "size      " << bytes << " bytes, " << audioBytes(project) << " of them audio\n"
         << "audition  " << (project.auditionEnabled ? "on" : "off") << '\n'
@@ -192,7 +192,8 @@ Json keysJson(const KeyMapRecord& keys) {
             {"highVelocity", keys.highVelocity}};
 }
 
-void printJson(const Project& project, std::int64_t bytes, const std::string& file, std::ostream& out) {
+void printProjectJson(const Project& project, std::int64_t bytes, const std::string& file,
+                      std::ostream& out) {
     Json info{{"file", file},
               {"bytes", bytes},
               {"audioBytes", audioBytes(project)},
@@ -209,7 +210,7 @@ void printJson(const Project& project, std::int64_t bytes, const std::string& fi
 void tellProject(const std::string& file, bool json, std::ostream& out) {
     const Project project = readProjectFile(file);
     const auto bytes = static_cast<std::int64_t>(std::filesystem::file_size(pathFromUtf8(file)));
-    (json ? printJson : printText)(project, bytes, file, out);
+    (json ? printProjectJson : printProject)(project, bytes, file, out);
 }
 
 }  // namespace marnoth

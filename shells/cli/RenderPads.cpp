@@ -8,7 +8,7 @@ namespace marnoth {
 
 namespace {
 
-constexpr std::int32_t kOmni = -1;
+constexpr std::int32_t kAnyChannel = -1;
 constexpr std::int32_t kMiddleC = 60;
 
 void need(HRESULT result) {
@@ -39,7 +39,7 @@ void RenderPads::hold() {
     // Pads that aren't loaded make no sound, whatever they answer.
     for (const int pad : loaded()) {
         // A pad without an entry leaves the record as it is: one that no velocity fits.
-        Own own{0, kOmni, {pad, 0, 0, 0, kHighestVelocity, 0}};
+        Own own{0, kAnyChannel, {pad, 0, 0, 0, kHighestVelocity, 0}};
         need(sampler_.GetPadOneShot(pad, &own.oneShot));
         need(sampler_.GetPadChannel(pad, &own.channel));
         need(sampler_.GetKeyMapEntry(&own.keys));
@@ -47,7 +47,7 @@ void RenderPads::hold() {
         const std::int32_t note = heldNote(pad);
         const KeyMapRecord keys{pad, note, note, note, 0, kHighestVelocity};
         need(sampler_.SetPadOneShot(pad, 0));
-        need(sampler_.SetPadChannel(pad, kOmni));
+        need(sampler_.SetPadChannel(pad, kAnyChannel));
         need(sampler_.SetKeyMapEntry(&keys));
     }
 }
