@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cmath>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
@@ -14,23 +13,17 @@
 #include <vector>
 
 #include "bench/Bounds.h"
+#include "bench/Check.h"
+#include "bench/StretchedLoops.h"
 #include "host/CreateInstance.h"
 #include "hostkit/HostRig.h"
-#include "support/WaveFile.h"
 
 /// The whole instrument as a host drives it, pins and all: pads that play loops of 16 grains, each stretched
 /// to 1.25 of its length.
 namespace marnoth::bench {
 namespace {
 
-constexpr int kRate = 44100;
 constexpr int kGrains = 16;
-constexpr int kBeats = 4;
-/// A loop made at 125 beats per minute and played at 100.
-constexpr double kHostTempo = 100.0;
-constexpr std::int64_t kLoopFrames = kRate * kBeats * 60 / 125;
-/// Two rounds of the stretched loop.
-constexpr std::int64_t kPassFrames = 2 * kLoopFrames * 5 / 4;
 
 struct Scene {
     int pads;
@@ -39,22 +32,6 @@ struct Scene {
 
     std::int64_t blocks() const { return kPassFrames / block; }
 };
-
-void check(HRESULT result, const char* what) {
-    if (result != S_OK) throw std::runtime_error(what);
-}
-
-/// A stereo loop of a pitch of its own.
-test::TempPath writeLoop(int pad) {
-    const double left = 0.01 * (pad + 2), right = 0.013 * (pad + 2);
-    return test::WaveFile()
-        .rate(kRate)
-        .channels(2)
-        .bits(16)
-        .frames(kLoopFrames, [&](std::int64_t i, int c) { return 0.3 * std::sin((c ? right : left) * i); })
-        .acid({.beats = kBeats, .tempo = 125})
-        .writeTemp();
-}
 
 /// A host with the pads of a scene, each with a file of its own.
 class Stage {
@@ -100,7 +77,7 @@ public:
 private:
     void load(int pad) {
         IGrooveSampler& sampler = rig.sampler();
-        files.push_back(writeLoop(pad));
+        files.push_back(writeLoop(0.3, 0.01 * (pad + 2), 0.013 * (pad + 2)));
         std::int32_t bin = -1, grains = 0;
         std::uint32_t status = 0;
         check(sampler.LoadFileToPad(pad, "loop", files.back().c_str(), &bin, &status), "LoadFileToPad");

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <cstdint>
 #include <cstdio>
 #include <limits>
@@ -13,22 +12,17 @@
 #include <vector>
 
 #include "bench/Bounds.h"
+#include "bench/Check.h"
+#include "bench/StretchedLoops.h"
 #include "host/CreateInstance.h"
 #include "hostkit/HostRig.h"
 #include "hostkit/LiveHost.h"
-#include "support/WaveFile.h"
 
 /// The live host beside the rig that renders offline: the same sixteen pads, the same blocks cut at the same
 /// frames, the audio of both put into separate channels.
 namespace marnoth::bench {
 namespace {
 
-constexpr std::uint32_t kRate = 44100;
-constexpr double kTempo = 100.0;
-constexpr int kBeats = 4;
-/// A loop made at 125 beats per minute and played at 100.
-constexpr std::int64_t kLoopFrames = kRate * kBeats * 60 / 125;
-constexpr std::int64_t kPassFrames = 2 * kLoopFrames * 5 / 4;
 constexpr std::uint8_t kFirstKey = 48;
 
 struct Scene {
@@ -49,24 +43,12 @@ struct Scene {
     }
 };
 
-void check(HRESULT result, const char* what) {
-    if (result != S_OK) throw std::runtime_error(what);
-}
-
-/// A stereo loop for each pad, of a pitch of its own.
+/// A loop for each pad, of a pitch of its own.
 std::vector<test::TempPath> writeLoops() {
     std::vector<test::TempPath> files;
     for (int pad = 0; pad < kPads; ++pad) {
-        const double step = 0.01 * (pad + 2);
-        files.push_back(
-            test::WaveFile()
-                .rate(kRate)
-                .channels(2)
-                .bits(16)
-                .frames(kLoopFrames,
-                        [&](std::int64_t i, int c) { return 0.05 * std::sin((step + 0.003 * c) * i); })
-                .acid({.beats = kBeats, .tempo = 125})
-                .writeTemp());
+        const double left = 0.01 * (pad + 2);
+        files.push_back(writeLoop(0.05, left, left + 0.003));
     }
     return files;
 }
@@ -110,7 +92,7 @@ public:
             for (int pad = 0; pad < kPads; ++pad)
                 host_.addMessage(0, 0x90, static_cast<std::uint8_t>(kFirstKey + pad), 100);
         }
-        const LiveTransport transport{true, block * scene_.block, {}, kTempo};
+        const LiveTransport transport{true, block * scene_.block, {}, kHostTempo};
         check(host_.process(scene_.block, transport, channels.pointers), "process");
     }
 
@@ -126,7 +108,7 @@ public:
     RigStage(const Scene& scene, const std::vector<test::TempPath>& files) : channels(scene), scene_(scene) {
         check(rig_.connect(kRate, 2, scene.pins()), "connect");
         check(rig_.setBlock(scene.block), "setBlock");
-        check(rig_.attach({.tempo = kTempo, .key = {}}), "attach");
+        check(rig_.attach({.tempo = kHostTempo, .key = {}}), "attach");
         layPads(rig_.sampler(), files, scene.outputs);
         for (int pin : scene.pins())
             rig_.setTaker(pin, [this, pin](std::span<const float> samples, bool silent) {

@@ -3,10 +3,10 @@
 #include <array>
 #include <cstdint>
 #include <memory>
-#include <stdexcept>
 #include <vector>
 
 #include "bench/Bounds.h"
+#include "bench/Check.h"
 #include "editor/GrooveSamplerPropPage.h"
 #include "editor/PageLayout.h"
 #include "editor/PageRig.h"
@@ -28,10 +28,6 @@ namespace {
 constexpr int kGrainsOfPad = 256;
 constexpr std::int64_t kQuarterBeat = kTicks16PerBeat / 4;
 constexpr int kCalls = 5;
-
-void check(HRESULT result, const char* what) {
-    if (result != S_OK) throw std::runtime_error(what);
-}
 
 /// Two bars in sixteenths.
 test::TempPath writeLoop() {

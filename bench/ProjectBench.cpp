@@ -12,6 +12,7 @@
 #include <string>
 
 #include "bench/Bounds.h"
+#include "bench/Check.h"
 #include "bench/LockWait.h"
 #include "support/WaveFile.h"
 
@@ -25,10 +26,6 @@ constexpr int kSeconds = 30;
 constexpr int kBeats = 60;
 constexpr int kFiles = 16;
 constexpr double kMega = 1e6;
-
-void check(HRESULT result, const char* what) {
-    if (result != S_OK) throw std::runtime_error(what);
-}
 
 /// A stereo loop of a pitch of its own.
 test::TempPath writeLoop(int number) {

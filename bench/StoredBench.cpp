@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "bench/Bounds.h"
+#include "bench/Check.h"
 #include "bench/LargeProject.h"
 #include "seam/MusicalTime.h"
 #include "support/EngineHost.h"
@@ -35,10 +36,6 @@ struct Scene {
 
     std::int64_t blocks() const { return kTurnFrames / block; }
 };
-
-void check(HRESULT result, const char* what) {
-    if (result != S_OK) throw std::runtime_error(what);
-}
 
 float peakOf(const std::vector<float>& audio) {
     return *std::max_element(audio.begin(), audio.end());
