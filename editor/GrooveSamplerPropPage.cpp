@@ -58,7 +58,7 @@ std::unique_ptr<Surface> CGrooveSamplerPropPage::drawInto(Bitmap& bitmap) {
 }
 
 void CGrooveSamplerPropPage::bind(std::span<IUnknown* const> objects) {
-    cancelQuestion();
+    questions().cancel();
     m_wheelRun.end();
     m_pGrooveSampler.bind(objects);
     if (!m_pGrooveSampler || !m_isOpen) return;
@@ -121,21 +121,6 @@ void CGrooveSamplerPropPage::RefreshGrainReadouts() {
 
 void CGrooveSamplerPropPage::invalidateGrainPlaces() {
     for (const Rect& area : kGrainPlaces) invalidate(area);
-}
-
-void CGrooveSamplerPropPage::askMessage(std::string_view text, MessageKind kind,
-                                        std::function<void(PageAnswer)> then) {
-    PageFrame::askMessage(text, kind, std::move(then));
-}
-
-void CGrooveSamplerPropPage::askFile(std::string_view filter, FileKind kind,
-                                     std::function<void(std::optional<std::string>)> then) {
-    PageFrame::askFile(filter, kind, std::move(then));
-}
-
-void CGrooveSamplerPropPage::askMenu(Point at, std::span<const MenuItem> items,
-                                     std::function<void(int)> then) {
-    PageFrame::askMenu(at, items, std::move(then));
 }
 
 void CGrooveSamplerPropPage::paintPage(Surface& backBuffer) {
@@ -235,15 +220,15 @@ void CGrooveSamplerPropPage::beginWheelRun(const Control& control, int steps) {
 }
 
 DropEffect CGrooveSamplerPropPage::dragEnter(bool hasFiles) {
-    return hasFiles && !isAsking() ? DropEffect::copy : DropEffect::none;
+    return hasFiles && !questions().isOpen() ? DropEffect::copy : DropEffect::none;
 }
 
 DropEffect CGrooveSamplerPropPage::dragOver(Point) {
-    return isAsking() ? DropEffect::none : DropEffect::copy;
+    return questions().isOpen() ? DropEffect::none : DropEffect::copy;
 }
 
 DropEffect CGrooveSamplerPropPage::drop(Point at, std::optional<std::span<const std::string>> paths) {
-    if (!paths || isAsking()) return DropEffect::none;
+    if (!paths || questions().isOpen()) return DropEffect::none;
     carryOut([&] {
         // Nothing is painted while files load, nor behind the message that ends a drop.
         ++m_paintBlock;

@@ -60,10 +60,7 @@ public:
     void SelectPad(int pad) override;
     void RefreshGrainReadouts() override;
     void SyncLoopToggles(int pad) override { m_strips.SyncLoopToggles(pad); }
-    void askMessage(std::string_view text, MessageKind kind, std::function<void(PageAnswer)> then) override;
-    void askFile(std::string_view filter, FileKind kind,
-                 std::function<void(std::optional<std::string>)> then) override;
-    void askMenu(Point at, std::span<const MenuItem> items, std::function<void(int)> then) override;
+    PageQuestions& questions() override { return PageFrame::questions(); }
 
     // The view, for scripts and tests.
     int currentPad() const { return m_view.currentPad; }

@@ -50,11 +50,10 @@ PageFrame::PageFrame(PageWindow& window, const Bitmap& ground, SurfaceMaker make
       m_makeSurface(std::move(makeSurface)),
       m_backBuffer(ground),
       m_page(ground),
-      m_screen(ground) {}
-
-PageFrame::~PageFrame() {
-    if (isAsking()) m_window.cancelQuestion();
-}
+      m_screen(ground),
+      m_questions(
+          window, [this] { loseMouseToQuestion(); },
+          [this](const std::function<void()>& answer) { carryOutAnswer(answer); }) {}
 
 Control* PageFrame::controlOf(int id) const {
     const auto found =
@@ -89,7 +88,7 @@ Control* PageFrame::targetOf(Point at) const {
 
 bool PageFrame::admits(Modifiers held) {
     m_held = held;
-    return !isAsking();
+    return !m_questions.isOpen();
 }
 
 void PageFrame::route(ControlEventKind kind, Point at, Modifiers held, void (PageFrame::*toPage)(Point)) {
@@ -156,7 +155,8 @@ void PageFrame::sendKey(const ControlEvent& event) {
 }
 
 bool PageFrame::keyDown(int key, Modifiers held) {
-    m_actedOnKey = m_focus && m_focus->takesText() && !isAsking() && !held.control && makesCharacter(key);
+    m_actedOnKey =
+        m_focus && m_focus->takesText() && !m_questions.isOpen() && !held.control && makesCharacter(key);
     sendKey({ControlEventKind::keyDown, {}, key, 0, held});
     return m_actedOnKey;
 }
@@ -171,7 +171,7 @@ void PageFrame::character(char32_t character, Modifiers held) {
 
 void PageFrame::focusLost() {
     // A question takes the keyboard, and gives it back.
-    if (isAsking()) return;
+    if (m_questions.isOpen()) return;
     carryOut([&] { focus(nullptr); });
 }
 
@@ -193,50 +193,18 @@ void PageFrame::giveMouseBack() {
         m_window.releaseCapture();
 }
 
-template <class Answer>
-std::function<void(Answer)> PageFrame::opened(Answer cancelled, std::function<void(Answer)> then) {
-    if (m_captured || m_pageCaptured) {
-        loseMouse();
-        giveMouseBack();
-    }
-    m_question = std::make_shared<OpenQuestion>();
-    std::function<void(Answer)> answer = [this, question = std::weak_ptr(m_question),
-                                          then = std::move(then)](Answer given) {
-        // It has its answer already, or the page is gone.
-        if (question.expired()) return;
-        m_question.reset();
-        const auto go = [&] { then(std::move(given)); };
-        // Within the event that asked, what is posted waits for that one's end.
-        if (m_underWay > 0)
-            guarded(go);
-        else
-            carryOut(go);
-    };
-    m_question->cancel = [answer, cancelled] { answer(cancelled); };
-    return answer;
+void PageFrame::loseMouseToQuestion() {
+    if (!m_captured && !m_pageCaptured) return;
+    loseMouse();
+    giveMouseBack();
 }
 
-void PageFrame::cancelQuestion() {
-    const std::shared_ptr<OpenQuestion> question = m_question;
-    if (!question) return;
-    m_window.cancelQuestion();
-    question->cancel();
-}
-
-void PageFrame::askMessage(std::string_view text, MessageKind kind, std::function<void(PageAnswer)> then) {
-    if (isAsking()) return then(PageAnswer::cancel);
-    m_window.askMessage(text, kind, opened(PageAnswer::cancel, std::move(then)));
-}
-
-void PageFrame::askFile(std::string_view filter, FileKind kind,
-                        std::function<void(std::optional<std::string>)> then) {
-    if (isAsking()) return then({});
-    m_window.askFile(filter, kind, opened(std::optional<std::string>(), std::move(then)));
-}
-
-void PageFrame::askMenu(Point at, std::span<const MenuItem> items, std::function<void(int)> then) {
-    if (isAsking()) return then(0);
-    m_window.askMenu(at, items, opened(0, std::move(then)));
+void PageFrame::carryOutAnswer(const std::function<void()>& answer) {
+    // Within the event that asked, what is posted waits for that one's end.
+    if (m_underWay > 0)
+        guarded(answer);
+    else
+        carryOut(answer);
 }
 
 void PageFrame::captureMouse(Control& control) {

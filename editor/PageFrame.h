@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "editor/PageQuestions.h"
 #include "editor/controls/Control.h"
 #include "platform/drawing/Bitmap.h"
 #include "platform/drawing/PageWindow.h"
@@ -35,7 +36,6 @@ public:
     /// `window` outlives the frame. `ground` is what the page shows before anything was drawn, and gives its
     /// size.
     PageFrame(PageWindow& window, const Bitmap& ground, SurfaceMaker makeSurface);
-    ~PageFrame() override;
     PageFrame(const PageFrame&) = delete;
     PageFrame& operator=(const PageFrame&) = delete;
 
@@ -93,16 +93,9 @@ protected:
     /// All mouse events go to the page, also from over controls.
     void captureForPage();
 
-    // Questions to the user, whose answers come to `then` as an event does: at once, or later. Whoever has
-    // the mouse loses it, since the button may be let go over the question, and then nobody here hears of it.
-    // A question while another one is open is cancelled.
-    void askMessage(std::string_view text, MessageKind kind, std::function<void(PageAnswer)> then);
-    void askFile(std::string_view filter, FileKind kind,
-                 std::function<void(std::optional<std::string>)> then);
-    void askMenu(Point at, std::span<const MenuItem> items, std::function<void(int)> then);
-    bool isAsking() const { return m_question != nullptr; }
-    /// A question that is open is taken back and counts as cancelled, for what it was about goes.
-    void cancelQuestion();
+    /// Questions to the user, whose answers come as an event does. Whoever has the mouse loses it, since the
+    /// button may be let go over the question, and then nobody here hears of it.
+    PageQuestions& questions() { return m_questions; }
 
     /// The modifiers of the event that was last.
     Modifiers held() const { return m_held; }
@@ -157,10 +150,6 @@ private:
         int& events_;
     };
 
-    struct OpenQuestion {
-        std::function<void()> cancel;  ///< goes on as if the user had cancelled it
-    };
-
     void post(std::function<void()> what) { m_posted.push_back(std::move(what)); }
     void drain();
     void wakeUp() { m_window.requestPaint(); }
@@ -173,9 +162,8 @@ private:
     bool admits(Modifiers held);
     void route(ControlEventKind kind, Point at, Modifiers held, void (PageFrame::*toPage)(Point));
     void sendKey(const ControlEvent& event);
-    /// What a window is to call with the answer of the question that begins here.
-    template <class Answer>
-    std::function<void(Answer)> opened(Answer cancelled, std::function<void(Answer)> then);
+    void loseMouseToQuestion();
+    void carryOutAnswer(const std::function<void()>& answer);
 
     void paintInvalid();
     void compose(const std::vector<Rect>& stale);
@@ -198,8 +186,8 @@ private:
     bool m_actedOnKey = false;
     int m_acts = 0;
     int m_underWay = 0;                                       ///< events within each other
-    std::shared_ptr<OpenQuestion> m_question;                 ///< null while none is open
     std::shared_ptr<char> m_life = std::make_shared<char>();  ///< as long as the frame
+    PageQuestions m_questions;
 };
 
 }  // namespace marnoth

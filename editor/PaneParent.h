@@ -1,13 +1,7 @@
 #pragma once
 
-#include <functional>
-#include <optional>
-#include <span>
-#include <string>
-#include <string_view>
-
+#include "editor/PageQuestions.h"
 #include "platform/drawing/Geometry.h"
-#include "platform/drawing/PageWindow.h"
 
 namespace marnoth {
 
@@ -35,14 +29,8 @@ public:
     /// Shows what the engine says of a pad's looping.
     virtual void SyncLoopToggles(int pad) = 0;
 
-    // Questions to the user, whose answers come to `then` as an event does: at once, or later. Whoever has
-    // the mouse loses it, since the button may be let go over the question, and then nobody here hears of it.
-    // A question while another one is open is cancelled.
-    virtual void askMessage(std::string_view text, MessageKind kind,
-                            std::function<void(PageAnswer)> then) = 0;
-    virtual void askFile(std::string_view filter, FileKind kind,
-                         std::function<void(std::optional<std::string>)> then) = 0;
-    virtual void askMenu(Point at, std::span<const MenuItem> items, std::function<void(int)> then) = 0;
+    /// Questions to the user. Whoever has the mouse loses it to one that opens.
+    virtual PageQuestions& questions() = 0;
 };
 
 }  // namespace marnoth

@@ -67,14 +67,14 @@ void FileCommands::RunFileCommand(FileTarget target, bool save, std::function<vo
         page_.engine().requestRefresh();
         then();
     };
-    page_.askFile(filter, save ? FileKind::save : FileKind::open,
-                  [this, target, save, done](const std::optional<std::string>& path) {
-                      if (!path) return done();
-                      page_.view().clearSelections();
-                      page_.view().currentBinFile = -1;
-                      if (target == FileTarget::project) return runProject(*path, save, done);
-                      loadChosen(target, *path, done);
-                  });
+    page_.questions().askFile(filter, save ? FileKind::save : FileKind::open,
+                              [this, target, save, done](const std::optional<std::string>& path) {
+                                  if (!path) return done();
+                                  page_.view().clearSelections();
+                                  page_.view().currentBinFile = -1;
+                                  if (target == FileTarget::project) return runProject(*path, save, done);
+                                  loadChosen(target, *path, done);
+                              });
 }
 
 LoadResult FileCommands::load(FileTarget target, const std::string& path) {
@@ -110,7 +110,7 @@ void FileCommands::report(const LoadResult& result, const std::function<void()>&
     const char* const text = result.status == kBinFull              ? kBinIsFull
                              : result.status == kLoadedFormatForced ? kNotPatched
                                                                     : kLoadFailed;
-    page_.askMessage(text, MessageKind::note, [then](PageAnswer) { then(); });
+    page_.questions().askMessage(text, MessageKind::note, [then](PageAnswer) { then(); });
 }
 
 void FileCommands::runProject(const std::string& path, bool save, const std::function<void()>& then) {
@@ -125,8 +125,8 @@ void FileCommands::runProject(const std::string& path, bool save, const std::fun
     }
     if (result == S_OK) return then();
     // A project that loads and has to set the format gives 1: its user is told as well.
-    page_.askMessage(save ? kSaveProjectFailed : kLoadProjectFailed, MessageKind::note,
-                     [then](PageAnswer) { then(); });
+    page_.questions().askMessage(save ? kSaveProjectFailed : kLoadProjectFailed, MessageKind::note,
+                                 [then](PageAnswer) { then(); });
 }
 
 void FileCommands::projectCommand(bool save) {
@@ -156,7 +156,7 @@ void FileCommands::openForBin() {
 
 void FileCommands::clearProject() {
     poll_(false);
-    page_.askMessage(kAskClearProject, MessageKind::yesNo, [this](PageAnswer answer) {
+    page_.questions().askMessage(kAskClearProject, MessageKind::yesNo, [this](PageAnswer answer) {
         if (answer == PageAnswer::yes) {
             page_.view().currentBinFile = -1;
             page_.SelectPad(0);

@@ -120,9 +120,10 @@ void LoopBinPane::invalidateTracks() {
 
 void LoopBinPane::askToDelete() {
     if (page_.view().currentBinFile < 0)
-        return page_.askMessage(kSelectFileFirst, MessageKind::note,
-                                [this](PageAnswer) { controls_.toggle(kDeleteFromBin).setDown(false); });
-    page_.askMessage(kAskDeleteFile, MessageKind::yesNo, [this](PageAnswer answer) {
+        return page_.questions().askMessage(kSelectFileFirst, MessageKind::note, [this](PageAnswer) {
+            controls_.toggle(kDeleteFromBin).setDown(false);
+        });
+    page_.questions().askMessage(kAskDeleteFile, MessageKind::yesNo, [this](PageAnswer answer) {
         if (answer == PageAnswer::yes) removeCurrentFile();
         controls_.toggle(kDeleteFromBin).setDown(false);
         page_.engine().requestRefresh();

@@ -18,7 +18,7 @@ void PadMenu::ShowPadMenu(Point at, int pad) {
          {kLoopingCommand, "Looping", engine.isOn(&IGrooveSampler::GetPadLooping, pad)},
          {kSyncedCommand, "Synced Playback", engine.isOn(&IGrooveSampler::GetPadSynced, pad)},
          {kClearPadCommand, "Clear Pad"}}};
-    page_.askMenu(at, items, [this](int chosen) {
+    page_.questions().askMenu(at, items, [this](int chosen) {
         if (chosen) commands_.postCommand(chosen);
     });
 }
