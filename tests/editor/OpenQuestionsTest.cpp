@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "editor/LateWindow.h"
-#include "editor/LoadMessages.h"
+#include "editor/files/LoadMessages.h"
 
 /// The page in a window that doesn't wait for its user's answers: what happens while a question is open, when
 /// the answer comes, and when it comes too late.

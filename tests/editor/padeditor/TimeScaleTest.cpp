@@ -2,8 +2,8 @@
 
 #include <limits>
 
-#include "editor/PadView.h"
 #include "editor/Truncate.h"
+#include "editor/padeditor/PadView.h"
 #include "editor/padeditor/TimeScale.h"
 
 namespace marnoth::test::time_scale_test {

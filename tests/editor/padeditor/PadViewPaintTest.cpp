@@ -2,10 +2,10 @@
 
 #include <algorithm>
 
-#include "editor/PadView.h"
 #include "editor/PlainFont.h"
 #include "editor/Truncate.h"
 #include "editor/padeditor/GrainShape.h"
+#include "editor/padeditor/PadView.h"
 #include "editor/padeditor/PadViewPaint.h"
 #include "platform/drawing/RecordingSurface.h"
 #include "seam/IGrooveSampler.h"

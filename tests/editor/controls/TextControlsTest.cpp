@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "TestPage.h"
+#include "editor/TestPage.h"
 #include "editor/controls/BitmapToggleCtrl.h"
 #include "editor/controls/FxComboBox.h"
 #include "editor/controls/FxEdit.h"

@@ -2,7 +2,7 @@
 
 #include <limits>
 
-#include "TestPage.h"
+#include "editor/TestPage.h"
 #include "editor/controls/BitmapKnobCtrl.h"
 #include "editor/controls/BitmapToggleCtrl.h"
 #include "editor/controls/ZoomButton.h"

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "editor/LoadMessages.h"
 #include "editor/PageRig.h"
+#include "editor/files/LoadMessages.h"
 #include "editor/skin/Palette.h"
 
 /// Files that are dropped onto the page from outside.

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "editor/LoadMessages.h"
 #include "editor/PageRig.h"
+#include "editor/files/LoadMessages.h"
 
 /// The commands that ask for a file: audio files into the Loop Bin and onto pads, and projects.
 namespace marnoth::test::file_commands_test {
