@@ -1,6 +1,8 @@
 #include "dsp/CrossfadeGains.h"
 
-#include <cstring>
+#include <array>
+#include <bit>
+#include <cstdint>
 
 #include "dsp/WideRegisters.h"
 
@@ -9,7 +11,8 @@ namespace {
 
 /// Both zeros count as different: a product has the sign of its gain.
 bool sameBits(const FadeState& a, const FadeState& b) {
-    return std::memcmp(&a, &b, sizeof a) == 0;
+    using Bits = std::array<std::uint64_t, sizeof(FadeState) / sizeof(std::uint64_t)>;
+    return std::bit_cast<Bits>(a) == std::bit_cast<Bits>(b);
 }
 
 template <int channels>
