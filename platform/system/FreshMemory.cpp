@@ -1,6 +1,7 @@
 #include "platform/system/FreshMemory.h"
 
 #include <cstdint>
+#include <cstring>
 #include <new>
 
 #ifdef __linux__
@@ -62,15 +63,23 @@ FreshMemory takeZeros(std::size_t bytes) {
 }
 
 #else
+namespace {
+
+/// A line of the cache.
+constexpr std::align_val_t kAlignment{64};
+
+}  // namespace
 
 void expectFilling(void*, std::size_t) {}
 
 void FreshMemoryRelease::operator()(std::byte* memory) const {
-    delete[] memory;
+    ::operator delete[](memory, kAlignment);
 }
 
 FreshMemory takeZeros(std::size_t bytes) {
-    return FreshMemory(new (std::nothrow) std::byte[bytes](), {bytes});
+    auto* const memory = static_cast<std::byte*>(::operator new[](bytes, kAlignment, std::nothrow));
+    if (memory) std::memset(memory, 0, bytes);
+    return FreshMemory(memory, {bytes});
 }
 
 #endif

@@ -18,7 +18,8 @@ struct FreshMemoryRelease {
 using FreshMemory = std::unique_ptr<std::byte[], FreshMemoryRelease>;
 
 /// `bytes`, 1 to 2^62, straight from the system, which has filled them with zeros: they are about to be
-/// filled by adding to them. From 2 MiB on they begin at a large page. Null when there is no memory.
+/// filled by adding to them. They begin at a multiple of 64; from 2 MiB on at a large page where there are
+/// such pages. Null when there is no memory.
 FreshMemory takeZeros(std::size_t bytes);
 
 }  // namespace marnoth
