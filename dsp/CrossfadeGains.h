@@ -14,6 +14,14 @@ struct FadeState {
     FadeSides gain{};   ///< of the present frame
     FadeSides step{};   ///< from it to the next
     FadeSides curve{};  ///< by which the step changes
+
+    /// To the next frame.
+    void advance() {
+        for (std::size_t side = 0; side < gain.size(); ++side) {
+            gain[side] += step[side];
+            step[side] += curve[side];
+        }
+    }
 };
 
 /// The gains of crossfades frame by frame, as long as they may be of use again. Each gain waits for the one

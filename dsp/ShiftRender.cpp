@@ -135,7 +135,7 @@ bool isPlayable(const StretchRequest& request, double speed, double ratio) {
 }  // namespace
 
 void renderShifted(const StretchSource& source, const StretchSpan& span, const StretchDest& dest,
-                   StereoGain gain, std::int32_t semitones, double pitchRatio, CrossfadeGains* known) {
+                   StereoGain gain, std::int32_t semitones, double pitchRatio, Ramps ramps) {
     const auto request = checkRequest(source, span);
     if (!request || !std::isfinite(pitchRatio) || !(pitchRatio > 0)) return;
     const double speed = speeds.of(semitones) * pitchRatio;
@@ -143,7 +143,7 @@ void renderShifted(const StretchSource& source, const StretchSpan& span, const S
     if (!isPlayable(*request, speed, ratio)) return;
     const bool unchanged = ratio >= kLeastUnchanged && ratio <= kMostUnchanged;
     if (unchanged && request->target == request->source)
-        return renderStretched(source, span, dest, gain, known);
+        return renderStretched(source, span, dest, gain, ramps);
 
     if (source.wave.channels != 1 && source.wave.channels != 2) return;
     const Playhead playhead(speed);

@@ -33,12 +33,15 @@ FadeState gainsOf(StereoGain gain, FadePlace fade) {
             {curve(l), curve(r), curve(l), curve(r)}};
 }
 
+/// Of a crossfade whose gains are worked out from fixed places.
+constexpr std::int64_t kFramesBetweenPlaces = 64;
+
 /// The render of one span: turns runs of source frames into kernel calls.
 class RunMixer {
 public:
     RunMixer(const StretchSource& source, const StretchDest& dest, StereoGain gain, std::int64_t begin,
-             CrossfadeGains* known)
-        : source(source), dest(dest), gain(gain), begin(begin), known(known) {}
+             Ramps ramps)
+        : source(source), dest(dest), gain(gain), begin(begin), ramps(ramps) {}
 
     /// `count` frames from source frame `from` on, at constant gain, to target frame `at`; the source's end
     /// cuts it.
@@ -57,12 +60,25 @@ public:
     /// `count` frames to target frame `at` that fade out of the source at frame `from` and in at frame `to`.
     void crossfade(std::int64_t at, std::int64_t from, std::int64_t to, std::int64_t count,
                    FadePlace fade) const {
-        mixCrossfade(
-            {source.wave, source.first + from, source.first + to, count, placeOf(at), destChannels()},
-            gainsOf(gain, fade), known);
+        if (ramps.from == RampsFrom::runs) return add(at, from, to, count, gainsOf(gain, fade));
+        for (std::int64_t done = 0, frames = 0; done < count; done += frames) {
+            const auto place = static_cast<std::int64_t>(fade.place) + done;
+            const std::int64_t behind = place % kFramesBetweenPlaces;
+            frames = std::min(count - done, kFramesBetweenPlaces - behind);
+            FadeState gains = gainsOf(gain, {fade.length, static_cast<double>(place - behind)});
+            for (std::int64_t i = 0; i < behind; ++i) gains.advance();
+            add(at + done, from + done, to + done, frames, gains);
+        }
     }
 
 private:
+    void add(std::int64_t at, std::int64_t from, std::int64_t to, std::int64_t count,
+             const FadeState& gains) const {
+        mixCrossfade(
+            {source.wave, source.first + from, source.first + to, count, placeOf(at), destChannels()}, gains,
+            ramps.known);
+    }
+
     std::int32_t destChannels() const { return dest.channels == 2 ? 2 : 1; }
 
     float* placeOf(std::int64_t at) const { return dest.frames + (at - begin) * destChannels(); }
@@ -71,7 +87,7 @@ private:
     const StretchDest& dest;
     StereoGain gain;
     std::int64_t begin;
-    CrossfadeGains* known;
+    Ramps ramps;
 };
 
 void renderPasses(const RunMixer& mixer, const StretchRequest& request) {
@@ -116,10 +132,10 @@ StereoGain grainGain(float padVolume, float padPan, double grainVolume, double g
 }
 
 void renderStretched(const StretchSource& source, const StretchSpan& span, const StretchDest& dest,
-                     StereoGain gain, CrossfadeGains* known) {
+                     StereoGain gain, Ramps ramps) {
     const auto request = checkRequest(source, span);
     if (!request) return;
-    const RunMixer mixer(source, dest, gain, request->begin, known);
+    const RunMixer mixer(source, dest, gain, request->begin, ramps);
     if (request->target == request->source) {
         mixer.plain(request->begin, request->begin, request->end - request->begin);
     } else if (request->target > request->source) {

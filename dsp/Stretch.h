@@ -45,19 +45,28 @@ struct StereoGain {
 /// likewise with pan in place of 1 - pan. Everything behind the first rounding is computed in f64.
 StereoGain grainGain(float padVolume, float padPan, double grainVolume, double grainPan);
 
+/// From where the gains of a crossfade are worked out frame by frame: from the beginning of each run, or from
+/// fixed places of the crossfade, so that a frame has the same bits in whatever run it is rendered.
+enum class RampsFrom { runs, places };
+
+/// How crossfades are rendered.
+struct Ramps {
+    CrossfadeGains* known = nullptr;  ///< what it remembers saves time and changes no bit; may be null
+    RampsFrom from = RampsFrom::runs;
+};
+
 /// Renders untransposed: fills `targetFrames` without a change of pitch. A longer target replays the source
 /// in passes with crossfades at each jump, a shorter one plays the head and crossfades to the tail, an equal
-/// one is a plain copy under the gain. Keeps no state: any target frame can be rendered at any time; what
-/// `known` remembers saves time and changes no bit; it may be null. Audio thread; no allocation.
+/// one is a plain copy under the gain. Keeps no state: any target frame can be rendered at any time; Audio
+/// thread; no allocation.
 void renderStretched(const StretchSource& source, const StretchSpan& span, const StretchDest& dest,
-                     StereoGain gain, CrossfadeGains* known = nullptr);
+                     StereoGain gain, Ramps ramps = {});
 
 /// Renders transposed by a change of playback speed: 2 ^ (semitones / 12) * pitchRatio, with linear
 /// interpolation; the length on the timeline stays `targetFrames`, by the same passes counted in source
 /// frames. A `pitchRatio` that isn't a finite number above 0 renders nothing. A stereo source into mono is
 /// halved here.
 void renderShifted(const StretchSource& source, const StretchSpan& span, const StretchDest& dest,
-                   StereoGain gain, std::int32_t semitones, double pitchRatio,
-                   CrossfadeGains* known = nullptr);
+                   StereoGain gain, std::int32_t semitones, double pitchRatio, Ramps ramps = {});
 
 }  // namespace marnoth

@@ -53,6 +53,8 @@ CGrooveSampler::CGrooveSampler(CPziSynthContext* synthContext) : renderer_(*synt
 CGrooveSampler::~CGrooveSampler() {
     // Undo goes before the pads, and those before the files that they share their samples with.
     const CAutoLock lock(*this);
+    // Nothing is heard of it any more, and its context may be half gone.
+    renderer_.setSteady(false);
     ResetVoices();
     undo_.reset();
 }
@@ -128,7 +130,20 @@ HRESULT CGrooveSampler::ReleaseVoice(QueuedEvent* event, std::int32_t flush) {
 
 void CGrooveSampler::ResetVoices() {
     const CAutoLock lock(*this);
-    renderer_.resetVoices();
+    renderer_.resetVoices(bank_.present());
+}
+
+HRESULT CGrooveSampler::SetSteady(std::uint32_t on) {
+    const CAutoLock lock(*this);
+    renderer_.setSteady(on != 0);
+    return S_OK;
+}
+
+HRESULT CGrooveSampler::GetSteady(std::uint32_t* on) {
+    if (!on) return E_POINTER;
+    const CAutoLock lock(*this);
+    *on = renderer_.isSteady() ? 1 : 0;
+    return S_OK;
 }
 
 void CGrooveSampler::ClearPhaseAnchor() {

@@ -13,6 +13,7 @@
 #include "project/Project.h"
 #include "seam/IGrooveSampler.h"
 #include "seam/IMarnothFaults.h"
+#include "seam/IMarnothOptions.h"
 #include "seam/Limits.h"
 #include "seam/Pzi.h"
 
@@ -35,7 +36,10 @@ struct ProjectTracks;
 /// beside the present state and hold the engine's lock only to put the next one in place. An edit that comes
 /// in under the engine's lock, as from a pin downstream, waits for nobody's turn: whoever was building then
 /// builds anew.
-class CGrooveSampler : public IGrooveSampler, public IMarnothFaults, public virtual CPzi {
+class CGrooveSampler : public IGrooveSampler,
+                       public IMarnothFaults,
+                       public IMarnothOptions,
+                       public virtual CPzi {
 public:
     explicit CGrooveSampler(CPziSynthContext* synthContext);
     CGrooveSampler(const CGrooveSampler&) = delete;
@@ -58,6 +62,7 @@ public:
     HRESULT LoadState(IStream* stream) override;
     HRESULT SaveState(IStream* stream) override;
     void ResetVoices() override;
+    bool IsSteady() const override { return renderer_.isSteady(); }
 
     /// Makes the output pin "Chan N" of a pad, N = pad + 1. 1 when the pad has its pin already;
     /// `E_INVALIDARG` for a bad pad.
@@ -144,6 +149,10 @@ public:
     HRESULT SetPadChannel(std::int32_t pad, std::int32_t channel) override;
     HRESULT GetPadOneShot(std::int32_t pad, std::uint32_t* value) override;
     HRESULT SetPadOneShot(std::int32_t pad, std::uint32_t value) override;
+
+    // IMarnothOptions.
+    HRESULT SetSteady(std::uint32_t on) override;
+    HRESULT GetSteady(std::uint32_t* on) override;
 
     // IMarnothFaults.
     HRESULT GetLoadFault(LoadFault* fault) override;

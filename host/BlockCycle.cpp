@@ -63,6 +63,7 @@ public:
     ~BlockScope() {
         block.buffers.clear();
         block.pins.clear();
+        block.pieces.clear();
         BlockBuffers& spare = filter_.m_spareBuffers;
         if (spare.buffers.capacity() < block.buffers.capacity()) spare = std::move(block);
     }
@@ -91,9 +92,7 @@ HRESULT CFilter::Receive(IMediaSample* in) {
     const HRESULT hr = renderReceived(scope.block, input, flags);
     // Whoever gave the buffers of a failed block doesn't get them back yet.
     if (FAILED(hr)) abandonSamples(scope.block);
-    if (FAILED(hr)) return hr;
-    advance(frames);
-    return RetireEvents(position(), 0);
+    return hr;
 }
 
 /// A failure of the render itself costs the block and is no failure here.
@@ -101,12 +100,49 @@ HRESULT CFilter::renderReceived(BlockBuffers& block, PinBuffer& input, const Sam
     if (const HRESULT hr = prepareBuffers(block, flags); FAILED(hr)) return hr;
     const LONG bytes = input.sample->GetActualDataLength();
     if (const HRESULT hr = fitBuffers(block, input.frames, bytes); FAILED(hr)) return hr;
+    return IsSteady() ? renderPieces(block, input) : renderWhole(block, input);
+}
+
+HRESULT CFilter::renderWhole(BlockBuffers& block, PinBuffer& input) {
     if (const HRESULT hr = DrainEvents(position(), input.frames); FAILED(hr)) return hr;
     const HRESULT rendered =
         ProcessBlock(m_streamPosition, &input, block.buffers.data(),
                      static_cast<std::int32_t>(block.buffers.size()), position(), &eventQueue());
     deliverBlock(block, rendered);
+    advance(input.frames);
+    return RetireEvents(position(), 0);
+}
+
+/// Each piece begins with the events of its first frame and ends where the next one comes.
+HRESULT CFilter::renderPieces(BlockBuffers& block, PinBuffer& input) {
+    if (!input.silent) input.data = GetBufferData(input);
+    for (std::int64_t from = 0, to = 0; from < input.frames; from = to) {
+        if (const HRESULT hr = DrainEvents(position(), 1); FAILED(hr)) return hr;
+        const std::int64_t next = nextEventTime(position() + 1, position() + (input.frames - from));
+        to = from + std::clamp<std::int64_t>(next - position(), 1, input.frames - from);
+        PinBuffer piece = pieceOf(input, from, to);
+        piece.data = input.silent ? nullptr : input.data + piece.wholeFrom;
+        piece.silent = input.silent;
+        block.pieces.clear();
+        for (PinBuffer& buffer : block.buffers) block.pieces.push_back(pieceOf(buffer, from, to));
+        ProcessBlock(m_streamPosition, &piece, block.pieces.data(),
+                     static_cast<std::int32_t>(block.pieces.size()), position(), &eventQueue());
+        advance(piece.frames);
+        if (const HRESULT hr = RetireEvents(position(), 0); FAILED(hr)) return hr;
+    }
+    deliverBlock(block, S_OK);
     return S_OK;
+}
+
+PinBuffer CFilter::pieceOf(PinBuffer& whole, std::int64_t from, std::int64_t to) const {
+    PinBuffer piece;
+    piece.frames = static_cast<std::int32_t>(to - from);
+    piece.pinId = whole.pinId;
+    piece.silent = 1;
+    piece.whole = &whole;
+    piece.wholeFrom = from * inputFormat.nChannels;
+    piece.wholeValues = std::int64_t{whole.frames} * inputFormat.nChannels;
+    return piece;
 }
 
 HRESULT CFilter::prepareBuffers(BlockBuffers& block, const SampleFlags& flags) {

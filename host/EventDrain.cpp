@@ -23,7 +23,7 @@ HRESULT CSoftSynth::DrainEvents(std::int64_t position, std::int32_t count) try {
     // What is earlier than the block came too late: it stays where it is until the transport stops or starts.
     while (const auto event = m_events->take(position, end))
         if (const HRESULT hr = drainOne(*event); FAILED(hr)) return hr;
-    pairNoteOffs();
+    if (!m_pzi->IsSteady()) pairNoteOffs();
     return S_OK;
 } catch (const std::bad_alloc&) {
     return E_OUTOFMEMORY;
@@ -31,6 +31,10 @@ HRESULT CSoftSynth::DrainEvents(std::int64_t position, std::int32_t count) try {
 
 HRESULT CSoftSynth::drainOne(QueuedEvent event) {
     if (!m_portTransforms.apply(static_cast<std::int32_t>(event.port), event.event)) return S_OK;
+    if (m_pzi->IsSteady() && isNoteWith(event, kDurationOff)) {
+        endOldestNote(event.event.note);
+        return S_OK;
+    }
     // Queued first, so that running out of memory can't lose a voice.
     NoteQueue& queue = eventQueue();
     queue.push_back(event);
@@ -38,6 +42,14 @@ HRESULT CSoftSynth::drainOne(QueuedEvent event) {
     const HRESULT hr = sounds ? m_pzi->CreateVoice(&queue.back()) : S_OK;
     if (hr != S_OK) queue.pop_back();
     return hr;
+}
+
+void CSoftSynth::endOldestNote(std::uint8_t key) {
+    for (QueuedEvent& held : eventQueue()) {
+        if (!isNoteWith(held, kDurationOpen) || held.event.note % kKeys != key % kKeys) continue;
+        held.event.duration = kDurationOff;
+        return;
+    }
 }
 
 /// One note-off ends the oldest held note of its key, whatever its channel and port. A note-off without one

@@ -40,6 +40,8 @@ public:
     /// The earliest event that waits for a time from `begin` up to but not including `end`, if there is one;
     /// of several the one that came first. It waits no longer, and a place in the queue is free for it.
     std::optional<QueuedEvent> take(std::int64_t begin, std::int64_t end);
+    /// The time of the earliest event that waits for a time from `begin` on, or `end` when that is earlier.
+    std::int64_t nextTime(std::int64_t begin, std::int64_t end) const;
 
     /// Events in play, in order of draining. Whoever erases one has released its voice.
     NoteQueue& queue() { return queue_; }

@@ -45,6 +45,7 @@ CFilter::~CFilter() {
 IUnknown* CFilter::FindInterface(REFIID iid) {
     if (iid == IID_IGrooveSampler || iid == IID_IDispatch) return static_cast<IGrooveSampler*>(this);
     if (iid == IID_IMarnothFaults) return static_cast<IMarnothFaults*>(this);
+    if (iid == IID_IMarnothOptions) return static_cast<IMarnothOptions*>(this);
     if (iid == IID_IKvxSoftSynth || iid == IID_IKvxSoftSynth2) return static_cast<IKvxSoftSynth2*>(this);
     if (iid == IID_IKvxNotify) return static_cast<IKvxNotify*>(this);
     if (iid == IID_IKvxInputPort) return static_cast<IKvxInputPort*>(this);

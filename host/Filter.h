@@ -107,6 +107,7 @@ private:
     struct BlockBuffers {
         std::vector<PinBuffer> buffers;
         std::vector<RefPtr<CFilterOutputPin>> pins;  ///< of `buffers`, index for index
+        std::vector<PinBuffer> pieces;               ///< likewise, those of the present piece
     };
     class BlockScope;
     struct SampleFlags;
@@ -121,6 +122,9 @@ private:
     HRESULT prepareBuffer(CFilterOutputPin* pin, PinBuffer* buffer, const SampleFlags& flags);
     HRESULT fitBuffers(BlockBuffers& block, std::int32_t frames, LONG bytes);
     HRESULT renderReceived(BlockBuffers& block, PinBuffer& input, const SampleFlags& flags);
+    HRESULT renderWhole(BlockBuffers& block, PinBuffer& input);
+    HRESULT renderPieces(BlockBuffers& block, PinBuffer& input);
+    PinBuffer pieceOf(PinBuffer& whole, std::int64_t from, std::int64_t to) const;
     void deliverBlock(BlockBuffers& block, HRESULT rendered);
     HRESULT deliverBuffer(CFilterOutputPin& pin, PinBuffer& buffer);
     HRESULT renderRest(BlockBuffers& block, std::int32_t frames);

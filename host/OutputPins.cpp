@@ -48,6 +48,7 @@ HRESULT CFilter::AddOutputPin(const char* name, std::uint32_t* id) try {
     // A block must find room for every pin without asking for memory.
     m_spareBuffers.buffers.reserve(m_outputPins.size() + 1);
     m_spareBuffers.pins.reserve(m_outputPins.size() + 1);
+    m_spareBuffers.pieces.reserve(m_outputPins.size() + 1);
     m_abandonedSamples.reserve(kFailedBlocks * (m_outputPins.size() + 1));
     m_outputPins.push_back(std::move(pin));
     m_outputPinCount = count;

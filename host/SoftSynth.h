@@ -73,6 +73,8 @@ public:
 
     /// Moves the events of the block of `count` frames at `position` of the timeline into the event queue,
     /// then pairs note-offs with held notes. Once before every block. The failure of `CreateVoice` ends it.
+    /// Where the instrument is steady, a note-off ends the oldest held note that was drained before it, and
+    /// each of them counts.
     HRESULT DrainEvents(std::int64_t position, std::int32_t count);
     /// Drops from the event queue what has been played; with `flush` not 0 every note.
     HRESULT RetireEvents(std::int64_t position, std::int32_t flush);
@@ -92,6 +94,10 @@ protected:
     IKvxPinHost* pinHost() const { return m_pinHost.get(); }
     std::int64_t position() const { return m_position; }
     NoteQueue& eventQueue() { return m_events->queue(); }
+    /// The time of the next event that waits for a time from `begin` on; `end` when none is earlier.
+    std::int64_t nextEventTime(std::int64_t begin, std::int64_t end) const {
+        return m_events->nextTime(begin, end);
+    }
     void advancePosition(std::int32_t frames);
 
 private:
@@ -105,6 +111,7 @@ private:
     void rememberPort(std::uint32_t port);
     HRESULT drainOne(QueuedEvent event);
     void pairNoteOffs();
+    void endOldestNote(std::uint8_t key);
     void freeVoice(QueuedEvent& event);
     std::uint32_t inputRate() const { return m_pzi->GetInputFormat()->nSamplesPerSec; }
     bool convert(SynthTimeValue& value, std::uint32_t format);

@@ -1,5 +1,6 @@
 #include "seam/Pzi.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "platform/com/RefPtr.h"
@@ -13,9 +14,21 @@ bool clearsItself(IMediaSample& sample) {
     return SUCCEEDED(sample.QueryInterface(IID_IKvxSampleSilence, silence.putVoid()));
 }
 
+float* openPiece(PinBuffer& piece) {
+    PinBuffer& whole = *piece.whole;
+    const bool wasSilent = whole.silent != 0;
+    float* const memory = GetBufferData(whole);
+    if (!memory) return nullptr;
+    if (wasSilent) std::fill_n(memory, piece.wholeValues, 0.0f);
+    whole.data = memory;
+    piece.silent = 0;
+    return memory + piece.wholeFrom;
+}
+
 }  // namespace
 
 float* GetBufferData(PinBuffer& buffer) {
+    if (buffer.whole) return openPiece(buffer);
     if (buffer.data) {
         buffer.silent = 0;
         return buffer.data;

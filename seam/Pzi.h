@@ -83,6 +83,11 @@ struct PinBuffer {
     IMediaSample* sample = nullptr;  ///< one reference held by the descriptor
     float* data = nullptr;  ///< null at the start of a block; memory given here is used instead of `sample`'s
     std::int32_t silent = 0;  ///< not 0: no valid audio in it, it counts as silence
+    /// The buffer that this one is a piece of, from value `wholeFrom` on; null: it is whole. Opening the
+    /// piece opens the whole, which counts as silent until then and is cleared first.
+    PinBuffer* whole = nullptr;
+    std::int64_t wholeFrom = 0;
+    std::int64_t wholeValues = 0;
 };
 
 /// The block's memory, for reading and writing; from then on the buffer isn't silent.
@@ -154,6 +159,8 @@ public:
     virtual HRESULT SaveState(IStream* stream) = 0;
     /// Ends every voice at once, without a fade, and unsets the running position.
     virtual void ResetVoices() = 0;
+    /// Whether blocks are to be rendered in pieces that end at events.
+    virtual bool IsSteady() const { return false; }
 
     /// Set by the shell when a connection is made, under the lock. The engine's audio format is the input
     /// format.

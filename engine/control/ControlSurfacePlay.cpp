@@ -83,9 +83,9 @@ HRESULT CGrooveSampler::StopBinAudition(std::int32_t bin) {
     if (bin < kAll || bin >= kBinFiles) return E_INVALIDARG;
     CAutoLock lock(*this);
     if (bin == kAll) {
-        renderer_.stopAllBinFiles();
+        renderer_.stopAllBinFiles(bank_.present());
     } else {
-        renderer_.stopBinFile(bin);
+        renderer_.stopBinFile(bank_.present(), bin);
     }
     return S_OK;
 }

@@ -62,20 +62,20 @@ StretchSource CGrooveEvent::source() const {
 
 HRESULT CGrooveEvent::Render(std::int64_t pos, std::int64_t destFrame, std::int32_t frames,
                              std::int64_t targetFrames, float* dest, const WAVEFORMATEX* destFormat,
-                             float padVolume, float padPan, CrossfadeGains* known) const {
+                             float padVolume, float padPan, Ramps ramps) const {
     const std::int32_t channels = destFormat->nChannels;
     renderStretched(source(), {pos, frames, targetFrames}, {dest + destFrame * channels, channels},
-                    grainGain(padVolume, padPan, volume, pan), known);
+                    grainGain(padVolume, padPan, volume, pan), ramps);
     return S_OK;
 }
 
 HRESULT CGrooveEvent::RenderShifted(std::int64_t pos, std::int64_t destFrame, std::int32_t frames,
                                     std::int64_t targetFrames, float* dest, const WAVEFORMATEX* destFormat,
                                     float padVolume, float padPan, std::int32_t semitones,
-                                    CrossfadeGains* known) const {
+                                    Ramps ramps) const {
     const std::int32_t channels = destFormat->nChannels;
     renderShifted(source(), {pos, frames, targetFrames}, {dest + destFrame * channels, channels},
-                  grainGain(padVolume, padPan, volume, pan), semitones, pitchRatio, known);
+                  grainGain(padVolume, padPan, volume, pan), semitones, pitchRatio, ramps);
     return S_OK;
 }
 

@@ -43,16 +43,15 @@ public:
 
     /// Renders `frames` frames from target frame `pos` of a grain that fills `targetFrames` (below 1: its own
     /// length), and adds them to the interleaved `dest` at `destFrame`. Only `nChannels` of `destFormat` is
-    /// read. `padVolume` 0 to 2, `padPan` 0 to 1. What `known` remembers of other grains saves time and
-    /// changes nothing else. Audio thread. Always 0.
+    /// read. `padVolume` 0 to 2, `padPan` 0 to 1.
+    /// Audio thread. Always 0.
     HRESULT Render(std::int64_t pos, std::int64_t destFrame, std::int32_t frames, std::int64_t targetFrames,
                    float* dest, const WAVEFORMATEX* destFormat, float padVolume, float padPan,
-                   CrossfadeGains* known = nullptr) const;
+                   Ramps ramps = {}) const;
     /// The same transposed by `semitones`, with the length on the timeline unchanged.
     HRESULT RenderShifted(std::int64_t pos, std::int64_t destFrame, std::int32_t frames,
                           std::int64_t targetFrames, float* dest, const WAVEFORMATEX* destFormat,
-                          float padVolume, float padPan, std::int32_t semitones,
-                          CrossfadeGains* known = nullptr) const;
+                          float padVolume, float padPan, std::int32_t semitones, Ramps ramps = {}) const;
 
     RefPtr<CWaveMem> sample;
     RefPtr<CWaveMem> tailWave;  ///< may be null

@@ -5,10 +5,10 @@
 #include "engine/model/PadBank.h"
 #include "engine/render/BlockPins.h"
 #include "engine/render/BlockTime.h"
+#include "engine/render/PadLevels.h"
+#include "engine/render/Semitones.h"
 
 namespace marnoth {
-
-inline constexpr std::int32_t kNoKey = -1;  ///< 0xFFFFFFFF: no project key, no root note
 
 /// Lengths of the fades at the ends of a voice, in frames; 0 until there is a format.
 struct FadeLengths {
@@ -24,9 +24,11 @@ struct Block {
     const WAVEFORMATEX& format;  ///< of the audio, interleaved 32-bit float
     FadeLengths fades;
     bool transportRuns = false;
-    std::int32_t activePads = 0;    ///< pads that sounded in the last block
-    std::int32_t projectKey = 0;    ///< the host's key at the middle of the block; `kNoKey` none
-    std::int64_t positionSkew = 0;  ///< 16.16 ticks by which the block is ahead of the host's position
+    const PadLevels* levels = nullptr;  ///< of the steady mode, else null
+    bool steady = false;                ///< the block is a piece of time in which nothing but its end happens
+    std::int32_t activePads = 0;        ///< pads that sounded in the last block
+    std::int32_t projectKey = 0;        ///< the host's key at the middle of the block; `kNoKey` none
+    std::int64_t positionSkew = 0;      ///< 16.16 ticks by which the block is ahead of the host's position
 
     /// Where a fade-out that begins with this block ends, 16.16 ticks.
     std::int64_t fadeOutEnd() const;

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "engine/render/NoteStage.h"
+#include "engine/render/PadsOfNote.h"
 #include "engine/render/PageStages.h"
 #include "platform/system/Overflow.h"
 
@@ -33,13 +34,75 @@ void BlockRenderer::render(const Model& model, const Job& job) {
     pins.clearMix(frames);
     pins.passInput(input, frames);
     runStages(block, job.notes);
+    renderer_.cuts().play(pins, frames, job.format.nChannels);
+    levels_.endBlock(frames);
     pins.sumIntoMix(frames);
     playing_.runningPosition = plus(playing_.runningPosition, frames);
+    format_ = job.format;
+    end_ = plus(time_.startSamples(), frames);
+    notes_ = job.notes;
+}
+
+template <class Cut>
+void BlockRenderer::cutInNextBlock(const Model& model, Cut cut) {
+    if (!steady_ || format_.nChannels == 0) return;
+    BlockPins none({}, pins_, format_);
+    time_.begin(end_, 0);
+    Block block{model, time_, none, format_, fades_};
+    block.steady = true;
+    block.levels = &levels_;
+    cut(block);
+}
+
+void BlockRenderer::cutNotes(const Block& block, const NoteQueue& notes) {
+    PadsOfNote pads;
+    for (const QueuedEvent& note : notes) {
+        if (note.event.type != SynthEventType::note || !note.voice) continue;
+        for (const TrackPlayInfo& entry : pads.find(block.model, note.event)) {
+            if (!entry.track->oneShot || playing_.gate(entry.pad).active)
+                renderer_.cut(block, entry, *note.voice, phase_);
+        }
+    }
+}
+
+void BlockRenderer::cutAll(const Block& block) {
+    if (notes_) cutNotes(block, *notes_);
+    for (std::int32_t pad = 0; pad < kPads; ++pad) {
+        const CGrooveTrack& track = block.model.pads[static_cast<std::size_t>(pad)];
+        renderer_.cut(block, {PlayKind::pad, pad, &track, 0}, playing_.padVoice(pad), phase_);
+    }
+    for (std::int32_t bin = 0; bin < block.model.bin.size(); ++bin) cutBinFile(block, bin);
+    renderer_.cut(block, {PlayKind::grainAudition, 0, &block.model.audition, 0}, playing_.auditionVoice,
+                  phase_);
+}
+
+void BlockRenderer::cutBinFile(const Block& block, std::int32_t bin) {
+    if (!block.model.bin.has(bin)) return;
+    renderer_.cut(block, {PlayKind::binAudition, 0, &block.model.bin[bin].track, 0}, playing_.binVoice(bin),
+                  phase_);
+}
+
+void BlockRenderer::resetVoices(const Model& model) {
+    cutInNextBlock(model, [this](const Block& block) { cutAll(block); });
+    playing_ = {};
+    notes_ = nullptr;
+}
+
+void BlockRenderer::stopBinFile(const Model& model, std::int32_t bin) {
+    cutInNextBlock(model, [&](const Block& block) { cutBinFile(block, bin); });
+    playing_.binVoice(bin) = {};
+}
+
+void BlockRenderer::stopAllBinFiles(const Model& model) {
+    for (std::int32_t bin = 0; bin < kBinFiles; ++bin) stopBinFile(model, bin);
 }
 
 void BlockRenderer::placeBlock(Block& block, std::int64_t position, std::int32_t frames) {
     if (playing_.runningPosition == -1) playing_.runningPosition = position;
     block.transportRuns = context_.IsTransportRunning() != 0;
+    block.steady = steady_;
+    if (steady_) block.levels = &levels_;
+    if (steady_) levels_.beginBlock(block.model, playing_.padSounded, fades_.out);
     // The graph's position may jump while the transport runs; music doesn't.
     time_.begin(block.transportRuns ? playing_.runningPosition : position, frames);
     const std::int64_t middle = time_.toTicks(plus(position, frames / 2));
@@ -104,9 +167,15 @@ bool BlockRenderer::binFilePlays(std::int32_t bin) const {
     return voice.startPending || voice.gate.length != 0;
 }
 
+void BlockRenderer::setSteady(bool on) {
+    if (on != steady_) levels_.forget();
+    steady_ = on;
+}
+
 void BlockRenderer::setRate(std::uint32_t sampleRate) {
     fades_.in = std::int64_t{sampleRate} * kFadeInMilliseconds / kMillisecondsPerSecond;
     fades_.out = std::int64_t{sampleRate} * kFadeOutMilliseconds / kMillisecondsPerSecond;
+    renderer_.cuts().setLength(fades_.out);
 }
 
 }  // namespace marnoth

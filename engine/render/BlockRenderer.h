@@ -43,15 +43,16 @@ public:
     /// unless `flush` is set.
     bool releaseVoice(QueuedEvent& note, bool flush);
     /// Ends every voice at once and unsets the running position; notes' voices are their queue's to release.
-    void resetVoices() { playing_ = {}; }
+    /// In the steady mode what sounded of `model` fades out all the same.
+    void resetVoices(const Model& model);
 
     // Asked for from the page. Pads and files are started from the top.
     void startPad(std::int32_t pad);
     void stopPad(std::int32_t pad) { playing_.padVoice(pad).stopRequest = 1; }
     void stopAllPads();
     void startBinFile(std::int32_t bin) { playing_.binVoice(bin).requestAudition(); }
-    void stopBinFile(std::int32_t bin) { playing_.binVoice(bin) = {}; }
-    void stopAllBinFiles() { playing_.binVoices = {}; }
+    void stopBinFile(const Model& model, std::int32_t bin);
+    void stopAllBinFiles(const Model& model);
     void startAudition() { playing_.auditionVoice.requestAudition(); }
 
     std::uint32_t padSounded(std::int32_t pad) const {
@@ -63,6 +64,10 @@ public:
     PadPhases& phases() { return phase_.pads; }
     /// The common zero of synced pads goes back to 0.
     void clearPhaseAnchor() { phase_.anchor = 0; }
+    /// Whether blocks are pieces of time in which nothing but their end happens, and sound the same however
+    /// long they are.
+    void setSteady(bool on);
+    bool isSteady() const { return steady_; }
     /// Sets the lengths of the fades.
     void setRate(std::uint32_t sampleRate);
     PinIds& pins() { return pins_; }
@@ -71,6 +76,12 @@ private:
     /// Fixes the block's place in samples, the project's key and the skew.
     void placeBlock(Block& block, std::int64_t position, std::int32_t frames);
     void runStages(const Block& block, NoteQueue* notes);
+    /// Calls `cut(const Block&)` with the block that would come next.
+    template <class Cut>
+    void cutInNextBlock(const Model& model, Cut cut);
+    void cutAll(const Block& block);
+    void cutNotes(const Block& block, const NoteQueue& notes);
+    void cutBinFile(const Block& block, std::int32_t bin);
 
     CPziSynthContext& context_;
     PinIds pins_;
@@ -81,6 +92,12 @@ private:
     SyncPhase phase_;
     FadeLengths fades_;
     bool stopAll_ = false;
+    bool steady_ = false;
+    PadLevels levels_;
+    // Of the last block.
+    WAVEFORMATEX format_{};
+    std::int64_t end_ = 0;        ///< samples
+    NoteQueue* notes_ = nullptr;  ///< null once its notes have ended
 };
 
 }  // namespace marnoth

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "seam/MusicalTime.h"
 #include "seam/Pzi.h"
 
 namespace marnoth {
@@ -24,6 +25,10 @@ public:
     std::int64_t toSamples(std::int64_t ticks16) {
         return samples_.answer(ticks16, [this](std::int64_t ticks) { return askSamples(ticks); });
     }
+    /// What has no known end in ticks has none in samples.
+    std::int64_t toSamplesOrOpen(std::int64_t ticks16) {
+        return ticks16 == kOpenEnded ? kOpenEnded : toSamples(ticks16);
+    }
     std::int64_t toTicks(std::int64_t samples) {
         return ticks_.answer(samples, [this](std::int64_t frames) { return askTicks(frames); });
     }
@@ -32,6 +37,11 @@ public:
     std::int64_t startSamples() const { return startSamples_; }
     std::int64_t startTicks() const { return startTicks_; }
     std::int64_t lengthTicks() const { return lengthTicks_; }
+
+    /// The project's key at a frame.
+    std::int32_t keyAt(std::int64_t samples) {
+        return static_cast<std::int32_t>(context_.GetKeyAtTime(toTicks(samples)));
+    }
 
 private:
     /// Answers already given, each at the place that its question hashes to.

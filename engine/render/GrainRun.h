@@ -19,8 +19,9 @@ struct GrainRun {
     /// `frames` of its frames from `first` on.
     GrainRun part(std::int64_t first, std::int64_t frames) const;
     /// Adds it to the block that begins at `dest`, at the level and pan of its pad.
-    void render(float* dest, const WAVEFORMATEX& format, const CGrooveTrack& track,
-                CrossfadeGains& known) const;
+    void render(float* dest, const WAVEFORMATEX& format, const CGrooveTrack& track, Ramps ramps) const;
+    /// The same at another level and pan.
+    void render(float* dest, const WAVEFORMATEX& format, float volume, float pan, Ramps ramps) const;
 };
 
 }  // namespace marnoth

@@ -5,41 +5,45 @@
 namespace marnoth {
 
 void NoteStage::render(NoteQueue& notes, bool stopAll) {
+    notes_ = &notes;
+    if (block_.steady) startNotes(notes);
     for (QueuedEvent& note : notes) {
         if (note.event.type == SynthEventType::note && note.voice) renderNote(note, stopAll);
+    }
+}
+
+/// A note may switch off what an earlier one plays, so all of them begin before any is rendered.
+void NoteStage::startNotes(NoteQueue& notes) {
+    for (QueuedEvent& note : notes) {
+        if (note.event.type != SynthEventType::note || !note.voice) continue;
+        if (take(note.voice->startPending))
+            startNote(*note.voice, note.event, pads_.find(block_.model, note.event));
     }
 }
 
 void NoteStage::renderNote(QueuedEvent& note, bool stopAll) {
     VoiceState& voice = *note.voice;
     SynthEvent& event = note.event;
-    const PlayList playList = findPads(event);
+    const PlayList playList = pads_.find(block_.model, event);
     if (take(voice.startPending)) startNote(voice, event, playList);
     const bool held = holdsGate(voice, playList);
+    if (stopAll && block_.steady && event.duration != kDurationReleased) event.duration = kDurationOff;
     if (event.duration == kDurationOff) takeNoteOff(voice, event);
     if (voice.gate.ranOut()) {
         voice.releasing = 1;
         voice.gate.kill();
     }
     endShotLane(voice, held);
+    if (stopAll && block_.steady) cutShots(voice, playList);
     if (stopAll || (voice.releasing && voice.shot.position >= voice.shot.end)) {
         voice.shot.kill();
-        event.duration = kDurationOff;
+        event.duration = block_.steady ? kDurationReleased : kDurationOff;
     }
     renderer_.render(block_, playList, voice, playing_, phase_, &playing_.padNoteSounded);
-    // From its note-off on, the gate lane has exactly one block.
-    if (voice.releasing) voice.gate.kill();
+    // From its note-off on, the gate lane has exactly one block; where sound is steady, as many as its fade
+    // takes.
+    if (voice.releasing && !block_.steady) voice.gate.kill();
     voice.advance(block_.time.lengthTicks());
-}
-
-NoteStage::PlayList NoteStage::findPads(const SynthEvent& event) {
-    CKeyMap::Answers room;
-    const Pads& pads = block_.model.pads;
-    std::size_t found = 0;
-    for (const auto& [pad, semitones] :
-         block_.model.keys.FindPads(room, pads, event.note, event.channel, event.velocity))
-        playList_[found++] = {PlayKind::pad, pad, &pads[static_cast<std::size_t>(pad)], semitones};
-    return {playList_.data(), found};
 }
 
 void NoteStage::startNote(VoiceState& voice, const SynthEvent& event, PlayList playList) {
@@ -49,7 +53,7 @@ void NoteStage::startNote(VoiceState& voice, const SynthEvent& event, PlayList p
         moveLater(voice);
     }
     for (const TrackPlayInfo& entry : playList) {
-        switchGate(playing_.gate(entry.pad), voice, *entry.track);
+        switchGate(playing_.gate(entry.pad), voice, entry);
         setPhase(entry.pad, *entry.track, voice);
     }
 }
@@ -64,7 +68,8 @@ void NoteStage::moveLater(VoiceState& voice) {
     voice.gate.end = plus(voice.gate.end, ticks);
 }
 
-void NoteStage::switchGate(PadGate& gate, const VoiceState& voice, const CGrooveTrack& track) {
+void NoteStage::switchGate(PadGate& gate, const VoiceState& voice, const TrackPlayInfo& entry) {
+    const CGrooveTrack& track = *entry.track;
     if (track.GetSize() == 0) {
         gate = {};
         return;
@@ -73,6 +78,7 @@ void NoteStage::switchGate(PadGate& gate, const VoiceState& voice, const CGroove
     if (!track.oneShot) return;
     if (track.looping && gate.previous) {
         // A second note switches a latched loop off; the owner fades.
+        if (block_.steady) cutShotsOn(entry.pad, voice);
         gate.active = 0;
     } else {
         gate.active = 1;
@@ -89,6 +95,23 @@ void NoteStage::setPhase(std::int32_t pad, const CGrooveTrack& track, const Voic
     }
     if (block_.transportRuns) phase_.anchor = 0;
     phase_.join(pad);
+}
+
+/// Of a one-shot pad, whatever notes sound on it.
+void NoteStage::cutShotsOn(std::int32_t pad, const VoiceState& starting) {
+    PadsOfNote others;
+    for (const QueuedEvent& note : *notes_) {
+        if (note.event.type != SynthEventType::note || !note.voice || note.voice == &starting) continue;
+        for (const TrackPlayInfo& entry : others.find(block_.model, note.event))
+            if (entry.pad == pad) renderer_.cut(block_, entry, *note.voice, phase_);
+    }
+}
+
+void NoteStage::cutShots(const VoiceState& voice, PlayList playList) {
+    for (const TrackPlayInfo& entry : playList) {
+        const PadGate& gate = playing_.gate(entry.pad);
+        if (entry.track->oneShot && gate.active) renderer_.cut(block_, entry, voice, phase_);
+    }
 }
 
 bool NoteStage::holdsGate(const VoiceState& voice, PlayList playList) {
@@ -119,7 +142,7 @@ void NoteStage::endShotLane(VoiceState& voice, bool held) {
     voice.stopRequest = 0;
     shot.end = block_.fadeOutEnd();
     shot.length = minus(shot.end, shot.start);
-    if (shot.end < shot.position) {
+    if (shot.end < shot.position && !block_.steady) {
         shot.end = plus(shot.end, block_.time.lengthTicks());
         shot.length = plus(shot.length, block_.time.lengthTicks());
     }

@@ -1,10 +1,9 @@
 #pragma once
 
-#include <array>
 #include <cstdint>
-#include <span>
 
 #include "engine/render/Block.h"
+#include "engine/render/PadsOfNote.h"
 #include "engine/render/PlayState.h"
 #include "engine/render/SyncPhase.h"
 #include "engine/render/VoiceRenderer.h"
@@ -24,14 +23,15 @@ public:
     void render(NoteQueue& notes, bool stopAll);
 
 private:
-    using PlayList = std::span<const TrackPlayInfo>;
+    using PlayList = PadsOfNote::List;
 
+    void startNotes(NoteQueue& notes);
     void renderNote(QueuedEvent& note, bool stopAll);
-    /// The pads that the note sounds.
-    PlayList findPads(const SynthEvent& event);
     void startNote(VoiceState& voice, const SynthEvent& event, PlayList playList);
     void moveLater(VoiceState& voice);
-    void switchGate(PadGate& gate, const VoiceState& voice, const CGrooveTrack& track);
+    void switchGate(PadGate& gate, const VoiceState& voice, const TrackPlayInfo& entry);
+    void cutShotsOn(std::int32_t pad, const VoiceState& starting);
+    void cutShots(const VoiceState& voice, PlayList playList);
     void setPhase(std::int32_t pad, const CGrooveTrack& track, const VoiceState& voice);
     bool holdsGate(const VoiceState& voice, PlayList playList);
     void takeNoteOff(VoiceState& voice, SynthEvent& event);
@@ -41,7 +41,8 @@ private:
     PlayState& playing_;
     SyncPhase& phase_;
     VoiceRenderer& renderer_;
-    std::array<TrackPlayInfo, kPads> playList_;  ///< room for the pads of one note
+    NoteQueue* notes_ = nullptr;  ///< those that are being rendered
+    PadsOfNote pads_;
 };
 
 }  // namespace marnoth

@@ -12,24 +12,23 @@ std::uint32_t kindOf(const CGrooveTrack& track) {
     return track.synced ? kTicks16 : kSamples;
 }
 
-/// Goes through the grains of one cycle, by one kind of time.
+/// Goes through the grains of one cycle, up to the first that starts behind the range.
 template <std::uint32_t kind>
 class CycleWalk {
 public:
     CycleWalk(StreamEvents& events, const GrainReach& all, TimeRange range, std::int64_t base,
               BlockTime& time)
-        : events_(events), range_(range), base_(base), time_(time) {
-        if (kind == kTicks16 && all.lastKeptStart != GrainReach::kBefore) keptFrom_ = earliestKept(all);
-    }
+        : events_(events), search_(all, range, time), base_(base) {}
 
-    /// False at the end of the walk: the first grain that starts behind the range.
+    /// False at the end of the walk.
     bool walk(const GrainPart& part) {
         if (part.isGrain()) return takeGrain(part.grain());
         const GrainReach* reach = part.reaches();
         const auto* const end = part.end();
         for (const auto* inner = part.begin(); inner != end; ++inner, ++reach) {
             // Where nothing sounds, a late start ends the walk all the same.
-            const bool goesOn = maySound(*reach) ? walk(**inner) : reach->in(kind).lastStart <= range_.to;
+            const bool goesOn =
+                search_.maySound(*reach) ? walk(**inner) : reach->in(kind).lastStart <= search_.range().to;
             if (!goesOn) return false;
         }
         return true;
@@ -38,50 +37,20 @@ public:
 
 private:
     bool takeGrain(const CGrooveEvent& grain) {
+        const TimeRange& range = search_.range();
         const std::int64_t start = grain.GetStart(kind);
-        if (start > range_.to) return false;
-        const std::int64_t end = endOf(grain, start);
-        if (end <= range_.from || start >= range_.to) return true;
-        events_.Add({&grain, plus(start, base_), plus(end, base_), plus(std::max(range_.from, start), base_),
-                     plus(std::min(end, range_.to), base_)});
+        if (start > range.to) return false;
+        const std::int64_t end = search_.endOf(grain, start);
+        if (end <= range.from || start >= range.to) return true;
+        events_.Add({&grain, plus(start, base_), plus(end, base_), plus(std::max(range.from, start), base_),
+                     plus(std::min(end, range.to), base_)});
         found_ = true;
         return true;
     }
 
-    std::int64_t endOf(const CGrooveEvent& grain, std::int64_t start) {
-        if (kind == kTicks16 && grain.keepsDuration()) return keptEnd(start, grain.GetLength(kSamples, 1));
-        return plus(start, grain.GetLength(kind, 1));
-    }
-
-    /// Where a grain that keeps its duration ends at the tempo in force.
-    std::int64_t keptEnd(std::int64_t start, std::int64_t samples) {
-        return time_.toTicks(plus(time_.toSamples(start), samples));
-    }
-
-    /// Of the grains that keep their duration, those that start before this have ended before the range. It
-    /// saves most parts the conversions; the margin is far beyond what these round.
-    std::int64_t earliestKept(const GrainReach& all) {
-        constexpr std::int64_t kMarginSamples = 64;
-        constexpr std::int64_t kMarginTicks = 1 << 16;
-        const std::int64_t latestEnd = minus(time_.toSamples(range_.from), kMarginSamples);
-        return minus(time_.toTicks(minus(latestEnd, all.longestKept)), kMarginTicks);
-    }
-
-    /// False only when no grain of the part can sound. Conversions of time never run backward, so the last
-    /// start with the longest duration ends behind all of them.
-    bool maySound(const GrainReach& reach) {
-        const GrainReach::Span& span = reach.in(kind);
-        if (span.firstStart >= range_.to) return false;
-        if (span.lastEnd > range_.from) return true;
-        if (kind != kTicks16 || reach.lastKeptStart < keptFrom_) return false;
-        return keptEnd(reach.lastKeptStart, reach.longestKept) > range_.from;
-    }
-
     StreamEvents& events_;
-    const TimeRange range_;
+    const GrainSearch<kind> search_;
     const std::int64_t base_;
-    BlockTime& time_;
-    std::int64_t keptFrom_ = GrainReach::kNever;  ///< 16.16 ticks; without such grains none is late enough
     bool found_ = false;
 };
 

@@ -5,6 +5,7 @@
 #include "engine/model/GrooveTrack.h"
 #include "engine/model/PadPhase.h"
 #include "engine/render/BlockTime.h"
+#include "engine/render/GrainSearch.h"
 #include "engine/render/PreAllocArray.h"
 #include "engine/render/Voice.h"
 
@@ -13,12 +14,6 @@ namespace marnoth {
 inline constexpr std::int32_t kStreamEvents = 100;  ///< grains of one pad in one block
 
 using StreamEvents = CPreAllocArray<StreamEventInfo>;
-
-/// A half-open range of time, in 16.16 ticks or samples.
-struct TimeRange {
-    std::int64_t from = 0;
-    std::int64_t to = 0;
-};
 
 /// When a voice plays a track, in the time by which the track is played: 16.16 ticks, or samples.
 struct VoiceSpan {

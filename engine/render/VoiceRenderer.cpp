@@ -4,12 +4,12 @@
 
 #include "dsp/MixKernels.h"
 #include "engine/render/GrainRun.h"
+#include "engine/render/Semitones.h"
+#include "engine/render/SteadyPad.h"
 #include "platform/system/Overflow.h"
 
 namespace marnoth {
 namespace {
-
-constexpr std::int32_t kSemitonesPerOctave = 12;
 
 /// Whether a voice may sound a one-shot pad.
 enum class GatePass { shut, open, fading };
@@ -29,24 +29,6 @@ void askForEnd(VoiceState& voice) {
     voice.finished = 1;
 }
 
-/// The part before the point, kept far inside the 32-bit range.
-std::int32_t wholeSemitones(float semitones) {
-    return static_cast<std::int32_t>(std::clamp(semitones, -1e9f, 1e9f));
-}
-
-std::int64_t toSamples(std::int64_t ticks16, BlockTime& time) {
-    return ticks16 == kOpenEnded ? kOpenEnded : time.toSamples(ticks16);
-}
-
-std::int32_t keyOffset(const CGrooveTrack& track, std::int32_t projectKey) {
-    if (!track.followKey || projectKey == kNoKey || track.rootNote == kNoKey) return 0;
-    // The short way round: -6 to 5 for keys of one octave.
-    std::int64_t offset = std::int64_t{projectKey} - track.rootNote;
-    if (offset > 5) offset -= kSemitonesPerOctave;
-    if (offset < -6) offset += kSemitonesPerOctave;
-    return static_cast<std::int32_t>(offset);
-}
-
 /// A stream event in samples.
 struct ClipTimes {
     std::int64_t start;
@@ -55,22 +37,20 @@ struct ClipTimes {
     std::int64_t clipEnd;
 };
 
-}  // namespace
-
 /// One pad of a voice in one block: where its sound goes, and between which fades.
-class VoiceRenderer::PadRender {
+class PadRender {
 public:
     PadRender(const Block& block, const TrackPlayInfo& entry, const VoiceLane& lane, PinBuffer& pin,
-              float* dest, bool fadeNow, Workspace& workspace)
+              float* dest, bool fadeNow, RenderSpace& space)
         : block_(block),
           track_(*entry.track),
           entry_(entry),
           dest_(dest),
           frames_(pin.frames),
-          from_(toSamples(lane.from, block.time)),
-          end_(toSamples(lane.end, block.time)),
+          from_(block.time.toSamplesOrOpen(lane.from)),
+          end_(block.time.toSamplesOrOpen(lane.end)),
           fadeNow_(fadeNow),
-          workspace_(workspace) {}
+          space_(space) {}
 
     /// Fills `events`; gives their count, or -1 when a track that doesn't loop has played out.
     std::int32_t select(StreamEvents& events, const VoiceState& voice, const PadPhase& phase) const {
@@ -99,7 +79,7 @@ public:
         } else if (fadeOutStart() < clip.clipEnd && end_ > clip.clipStart) {
             renderFadeOut(run, clip);
         } else {
-            run.render(dest_, block_.format, track_, workspace_.gains);
+            run.render(dest_, block_.format, track_, {&space_.gains});
         }
     }
 
@@ -112,11 +92,9 @@ private:
     }
 
     GrainRun placeRun(const StreamEventInfo& event, const ClipTimes& clip) const {
-        const auto own = static_cast<float>(event.grain->transpose) +
-                         static_cast<float>(keyOffset(track_, block_.projectKey));
         GrainRun run;
         run.grain = event.grain;
-        run.semitones = static_cast<std::int32_t>(std::int64_t{wholeSemitones(own)} + entry_.semitones);
+        run.semitones = semitonesOf(*event.grain, track_, block_.projectKey, entry_.semitones);
         run.targetFrames = minus(clip.end, clip.start);
         run.pos = static_cast<std::int32_t>(minus(clip.clipStart, clip.start));
         run.destFrame = minus(clip.clipStart, block_.time.startSamples());
@@ -138,7 +116,7 @@ private:
         const double gain = static_cast<double>(first - from_) / static_cast<double>(block_.fades.in);
         renderFaded(run.part(0, frames), first - block_.time.startSamples(), gain, step);
         if (run.count > frames)
-            run.part(frames, run.count - frames).render(dest_, block_.format, track_, workspace_.gains);
+            run.part(frames, run.count - frames).render(dest_, block_.format, track_, {&space_.gains});
     }
 
     void renderFadeOut(const GrainRun& run, const ClipTimes& clip) const {
@@ -147,7 +125,7 @@ private:
         const std::int64_t frames = std::min<std::int64_t>(last - first, frames_);
         if (frames <= 0) return;
         const std::int64_t plain = run.count - frames;
-        if (plain > 0) run.part(0, plain).render(dest_, block_.format, track_, workspace_.gains);
+        if (plain > 0) run.part(0, plain).render(dest_, block_.format, track_, {&space_.gains});
         // Down to 0 at the end of the clip even where the fade goes on into the next block.
         const double step = -1.0 / static_cast<double>(block_.fades.out);
         const double gain = static_cast<double>(last - first) / static_cast<double>(block_.fades.out);
@@ -163,11 +141,11 @@ private:
         const std::int64_t first = std::min(offset, run.destFrame);
         const std::int64_t span = std::max(offset, run.destFrame) + run.count - first;
         if (channels < 1 || span > kScratchValues / channels) return;
-        float* const scratch = workspace_.scratch.get();
+        float* const scratch = space_.scratch.get();
         std::fill_n(scratch, span * channels, 0.0f);
         GrainRun inScratch = run;
         inScratch.destFrame -= first;
-        inScratch.render(scratch, block_.format, track_, workspace_.gains);
+        inScratch.render(scratch, block_.format, track_, {&space_.gains});
 
         MixArgs args;
         args.dest = dest_ + offset * channels;
@@ -188,10 +166,8 @@ private:
     const std::int64_t from_;    ///< samples; the voice's start
     const std::int64_t end_;     ///< samples; the voice's end
     const bool fadeNow_;         ///< the gate has just been switched off: this block is the last
-    Workspace& workspace_;
+    RenderSpace& space_;
 };
-
-namespace {
 
 /// How the tracks of one voice stand.
 struct VoiceTally {
@@ -215,6 +191,7 @@ public:
           soundedFlags_(soundedFlags) {}
 
     void play(const TrackPlayInfo& entry) {
+        if (block_.steady) return playSteadily(entry);
         const CGrooveTrack& track = *entry.track;
         const bool gated = track.oneShot && entry.kind == PlayKind::pad;
         const GatePass pass = gated ? passGate(playing_.gate(entry.pad), voice_) : GatePass::open;
@@ -224,26 +201,47 @@ public:
         if (!dest) return;
 
         const VoiceLane& lane = track.oneShot ? voice_.shot : voice_.gate;
-        const PadRender pad(block_, entry, lane, *pin, dest, pass == GatePass::fading, owner_.workspace_);
+        const PadRender pad(block_, entry, lane, *pin, dest, pass == GatePass::fading, owner_.space_);
         const std::int32_t selected = select(pad, entry);
         ++(!track.oneShot || track.looping ? tally_.lasting : tally_.shots);
         if (selected == -1) ++tally_.ended;
         if (selected < 1 || track.mute) return;
-        for (const StreamEventInfo& event : owner_.workspace_.events) pad.render(event);
+        for (const StreamEventInfo& event : owner_.space_.events) pad.render(event);
     }
 
     /// Every one-shot track of the voice has played out, and none lasts.
     bool hasEnded() const { return tally_.shots == tally_.ended && tally_.lasting == 0; }
 
 private:
+    void playSteadily(const TrackPlayInfo& entry) {
+        const CGrooveTrack& track = *entry.track;
+        const bool gated = track.oneShot && entry.kind == PlayKind::pad;
+        if (gated && passGate(playing_.gate(entry.pad), voice_) != GatePass::open) return;
+        PinBuffer* const pin = block_.pins.choose(track.output);
+        float* const dest = pin ? GetBufferData(*pin) : nullptr;
+        if (!dest) return;
+
+        const bool isPad = entry.kind == PlayKind::pad;
+        const bool silencedBySolo = block_.model.anySolo && !track.solo;
+        const PadPhase phase = isPad ? phase_.of(entry.pad) : PadPhase{};
+        const SteadyPad pad(block_, entry, voice_, phase, owner_.space_);
+        const std::int64_t first = block_.time.startSamples();
+        const TimeRange frames{first, plus(first, pin->frames)};
+        ++(!track.oneShot || track.looping ? tally_.lasting : tally_.shots);
+        if (!silencedBySolo && pad.hasPlayedOutAt(first)) ++tally_.ended;
+        if (isPad && soundedFlags_ && !silencedBySolo && !pad.hasPlayedOutAt(frames.to - 1))
+            (*soundedFlags_)[static_cast<std::size_t>(entry.pad)] = 1;
+        if (isPad ? block_.levels->of(entry.pad).isHeard() : !track.mute && !silencedBySolo)
+            pad.render(frames, dest);
+    }
+
     /// The count of grains in the list of the block's events, -1 for a track that has played out. A muted pad
     /// counts as sounding.
     std::int32_t select(const PadRender& pad, const TrackPlayInfo& entry) {
         const bool isPad = entry.kind == PlayKind::pad;
         const bool silencedBySolo = block_.model.anySolo && !entry.track->solo;
         const PadPhase origin = isPad ? phase_.of(entry.pad) : PadPhase{};
-        const std::int32_t selected =
-            silencedBySolo ? 0 : pad.select(owner_.workspace_.events, voice_, origin);
+        const std::int32_t selected = silencedBySolo ? 0 : pad.select(owner_.space_.events, voice_, origin);
         if (!isPad || selected == -1) return selected;
         if (soundedFlags_ && !silencedBySolo) (*soundedFlags_)[static_cast<std::size_t>(entry.pad)] = 1;
         // Counting from its own start serves exactly one selection.
@@ -259,6 +257,19 @@ private:
     PadFlags* const soundedFlags_;
     VoiceTally tally_;
 };
+
+void VoiceRenderer::cut(const Block& block, const TrackPlayInfo& entry, const VoiceState& voice,
+                        const SyncPhase& phase) {
+    const CGrooveTrack& track = *entry.track;
+    if (voice.startPending) return;
+    if (entry.kind == PlayKind::pad && !block.levels->of(entry.pad).isHeard()) return;
+    const PadPhase pad =
+        entry.kind == PlayKind::pad ? phase.pads[static_cast<std::size_t>(entry.pad)] : PadPhase{};
+    const std::int64_t first = block.time.startSamples();
+    SteadyPad(block, entry, voice, pad, space_)
+        .render({first, plus(first, cuts_.length())}, cuts_.clearedSpace());
+    cuts_.add(track.output, block.format.nChannels);
+}
 
 void VoiceRenderer::render(const Block& block, std::span<const TrackPlayInfo> playList, VoiceState& voice,
                            PlayState& playing, SyncPhase& phase, PadFlags* soundedFlags) {

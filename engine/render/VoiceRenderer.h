@@ -1,20 +1,16 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
 #include <span>
 
-#include "dsp/CrossfadeGains.h"
 #include "engine/render/Block.h"
+#include "engine/render/CutFades.h"
 #include "engine/render/PlayState.h"
-#include "engine/render/SelectGrains.h"
+#include "engine/render/RenderSpace.h"
 #include "engine/render/SyncPhase.h"
 #include "engine/render/Voice.h"
 
 namespace marnoth {
-
-/// Values of the one working buffer, which takes what is about to be faded.
-inline constexpr std::int32_t kScratchValues = 96000;
 
 /// Plays one voice for one block: on each of its pads the grains that fall into the block, with a fade-in of
 /// 1 ms at the voice's start and a fade-out of 20 ms at its end.
@@ -31,18 +27,16 @@ public:
     void render(const Block& block, std::span<const TrackPlayInfo> playList, VoiceState& voice,
                 PlayState& playing, SyncPhase& phase, PadFlags* soundedFlags);
 
+    /// In the steady mode: what the voice would go on to play on a pad fades out from the first frame of the
+    /// block on, and doesn't end with it.
+    void cut(const Block& block, const TrackPlayInfo& entry, const VoiceState& voice, const SyncPhase& phase);
+    CutFades& cuts() { return cuts_; }
+
 private:
-    class PadRender;
     class Pass;
 
-    /// Where the render of a pad keeps what it works with.
-    struct Workspace {
-        StreamEvents events{kStreamEvents};  ///< the grains of one pad in one block
-        std::unique_ptr<float[]> scratch = std::make_unique<float[]>(kScratchValues);  ///< for fades
-        CrossfadeGains gains;
-    };
-
-    Workspace workspace_;
+    RenderSpace space_;
+    CutFades cuts_;
 };
 
 }  // namespace marnoth

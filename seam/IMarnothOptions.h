@@ -1,0 +1,25 @@
+#pragma once
+
+#include <cstdint>
+
+#include "platform/com/Com.h"
+
+namespace marnoth {
+
+inline constexpr IID IID_IMarnothOptions{
+    0x5B94E0A7, 0x2C6D, 0x4F18, {0xA3, 0x71, 0x0E, 0x95, 0xD8, 0x46, 0xBC, 0x2F}};
+
+/// How an instrument departs from what its hosts know, for shells that ask for it: the instrument answers
+/// `QueryInterface` for it. Any thread but the streaming one; takes the lock.
+///
+/// It stands beside `IGrooveSampler` since the slots of that one are fixed. All options are off at first,
+/// belong to the one instrument, and are in no project.
+struct IMarnothOptions : IUnknown {
+    /// Whether sound is steady from the next block on: the same notes give the same audio however time is cut
+    /// into blocks, and what ends fades out over 20 ms wherever blocks end.
+    virtual HRESULT SetSteady(std::uint32_t on) = 0;
+    /// 1 or 0. `E_POINTER` for null.
+    virtual HRESULT GetSteady(std::uint32_t* on) = 0;
+};
+
+}  // namespace marnoth
