@@ -93,7 +93,7 @@ void PageControls::makeFileControls() {
     makeToggle(kBinPlay, {71, 27}, 273, 272);
     makeButton(kBinStop, {92, 27}, 274, 274);
     makeToggle(kAudition, {113, 27}, 218, 219);
-    makeToggle(kLoadToBin, {115, 52}, 212, 213);
+    makeToggle(kLoadToBin, {115, 52}, 214, 215);
     makeToggle(kDeleteFromBin, {98, 52}, 280, 279);
 }
 
@@ -103,7 +103,7 @@ void PageControls::makePad(int pad) {
     makeToggle(kFirstSolo + pad, {cell.x + 36, cell.y + 1}, 281, 282);
     makeToggle(kFirstSynced + pad, {cell.x + 53, cell.y + 1}, 208, 209);
     makeToggle(kFirstLooping + pad, {cell.x + 70, cell.y + 1}, 210, 211);
-    makeToggle(kFirstOpen + pad, {cell.x + 2, cell.y + 1}, 212, 213);
+    makeToggle(kFirstOpen + pad, {cell.x + 2, cell.y + 1}, 216, 217);
     makeKnob(kFirstVolumeKnob + pad, {cell.x + 47, cell.y - 37});
     makeKnob(kFirstPanKnob + pad, {cell.x + 65, cell.y - 17});
 }

@@ -13,6 +13,8 @@ namespace {
 
 constexpr int kKeyMapGround = 227;
 constexpr int kWaveformGround = 228;
+constexpr int kHint = 226;
+constexpr Rect kHintPlace = Rect::at(98, 236, 400, 10);  ///< beside the strip's heading
 constexpr int kOctavesShown = 6;
 
 }  // namespace
@@ -27,12 +29,18 @@ KeyMapRecord StripPane::keyMapEntry() const {
 
 void StripPane::paint(Surface& surface) {
     surface.BitBlt(kStripPanel, skinBitmap(showsKeyMap_ ? kKeyMapGround : kWaveformGround), {0, 0});
+    if (isEmpty()) surface.BitBlt(kHintPlace, skinBitmap(kHint), {0, 0});
     surface.SelectClipRgn(kStripPlot);
     if (showsKeyMap_)
         keyMap_.DrawKeyMap(surface, kStripPlot, keyMapEntry(), font_);
     else
         paintWaveforms(surface);
     surface.SelectClipRgn({});
+}
+
+bool StripPane::isEmpty() const {
+    // What lies on pads comes from files that are in the Loop Bin.
+    return page_.engine() && page_.engine().binFileCount() == 0;
 }
 
 void StripPane::paintWaveforms(Surface& surface) {

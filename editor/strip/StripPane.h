@@ -35,6 +35,8 @@ public:
     void endKeyMapDrag() { keyMap_.endDrag(); }
 
 private:
+    /// Nothing was loaded yet: the strip tells how to begin.
+    bool isEmpty() const;
     void paintWaveforms(Surface& surface);
     KeyMapRecord keyMapEntry() const;
 

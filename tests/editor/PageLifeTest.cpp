@@ -52,7 +52,7 @@ Calls playingReads() {
 
 /// What a paint of everything reads while no file is current.
 Calls paintReads() {
-    Calls reads = joined(playingReads(), {"GetBinFileCount"});
+    Calls reads = joined(joined({"GetBinFileCount"}, playingReads()), {"GetBinFileCount"});
     for (int pad = 0; pad < 16; ++pad)
         reads = joined(reads, {named("GetPadEndTime", pad), named("GetLoopLength 1", pad)});
     for (int pad = 0; pad < 16; ++pad)
@@ -275,6 +275,7 @@ TEST_F(PageLife, AuditionAndHelpAreOneCallEach) {
 }
 
 TEST_F(PageLife, WhereNothingLiesOnItTheSkinIsSeen) {
+    rig.addFile("loop.wav", 1);
     rig.open();
     std::vector<Rect> covered{
         kBinList,           kPadView, {100, 537, 553, 545}, {585, 350, 593, 504}, {124, 69, 132, 218},

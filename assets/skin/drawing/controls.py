@@ -22,7 +22,7 @@ def pad(number, playing):
         surround = mix(GROUND, BLACK, 0.55)
         body = sheet.gradient(mix(LINE, GROUND, 0.12), mix(LINE, GROUND, 0.45), mix(LINE, GROUND, 0.68))
         edge = sheet.gradient(mix(LINE, WHITE, 0.32), mix(LINE, GROUND, 0.25), mix(LINE, BLACK, 0.45))
-        ink, led = LIGHT, mix(GROUND, DEEP_GREEN, 0.3)
+        ink, led = mix(LIGHT, WHITE, 0.6), mix(GROUND, DEEP_GREEN, 0.3)
     sheet.rect(0, 0, 44, 38, surround, 5)
     sheet.rect(1, 1, 42, 35, body, 4)
     sheet.frame(1, 1, 42, 35, edge, 3.5)
@@ -35,10 +35,12 @@ def pad(number, playing):
 
 
 class Face:
-    """The face of a button: its sheet, and the colour that signs on it have."""
+    """The face of a button: its sheet, and the colour that signs on it have. `margin` pixels of the plate stay free at
+    its right."""
 
-    def __init__(self, width, height, down, lamp=GREEN, ground=PLATE):
+    def __init__(self, width, height, down, lamp=GREEN, ground=PLATE, margin=0):
         self.sheet = sheet = Sheet(width, height, ground)
+        width -= margin
         sheet.rect(0, 0, width, height, mix(GROUND, BLACK, 0.5), 2.5)
         if down:
             sheet.rect(1, 1, width - 2, height - 2, sheet.gradient(mix(lamp, BLACK, 0.2), mix(lamp, WHITE, 0.12)), 1.5)
@@ -50,12 +52,29 @@ class Face:
             self.ink = mix(LIGHT, WHITE, 0.45)
 
 
-def letter(words, lamp):
-    def draw(down):
-        face = Face(16, 15, down, lamp)
-        face.sheet.text(8, 11, words, face.ink, 10, "middle", font_weight="bold")
+def letter(sheet, words, ink):
+    sheet.text(8, 11, words, ink, 10, "middle", font_weight="bold")
+
+
+def mute(down):
+    """A light that went out: the key stays in, dark, and its letter is struck through."""
+    if not down:
+        face = Face(16, 15, False)
+        letter(face.sheet, "M", face.ink)
         return face.sheet
-    return draw
+    sheet = Sheet(16, 15)
+    sheet.rect(0, 0, 16, 15, mix(GROUND, BLACK, 0.5), 2.5)
+    sheet.rect(1, 1, 14, 13, sheet.gradient(mix(GROUND, BLACK, 0.75), mix(GROUND, BLACK, 0.4)), 1.5)
+    letter(sheet, "M", mix(LINE, LIGHT, 0.7))
+    sheet.stroke("M2.5,12.5 L13.5,2.5", mix(GROUND, BLACK, 0.6), 2.4)
+    sheet.stroke("M2.5,12.5 L13.5,2.5", WARM, 1.2)
+    return sheet
+
+
+def solo(down):
+    face = Face(16, 15, down, WARM)
+    letter(face.sheet, "S", face.ink)
+    return face.sheet
 
 
 def synced(down):
@@ -75,14 +94,34 @@ def looping(down):
     return face.sheet
 
 
-def open_file(down):
+def open_project(down):
+    """A folder."""
     face = Face(15, 14, down)
     face.sheet.fill("M2.5,11 V3.5 h3.6 l1.2,1.5 h4.2 v1.2 H5 L3.4,11 z", face.ink)
     face.sheet.fill("M5.6,7 h7.4 L11.4,11 H4.1 z", face.ink)
     return face.sheet
 
 
-def save_file(down):
+def load_into_bin(down):
+    """An arrow down into a tray."""
+    face = Face(15, 14, down)
+    face.sheet.stroke("M2.5,7.5 v3.5 h10 v-3.5", face.ink, 1, **CRISP)
+    face.sheet.rect(7, 2, 1, 4, face.ink)
+    face.sheet.fill("M4.5,5.4 h6 L7.5,9 z", face.ink)
+    return face.sheet
+
+
+def load_onto_pad(down):
+    """An arrow that enters a pad from its side."""
+    face = Face(15, 14, down)
+    face.sheet.stroke("M6.5,3.6 v-0.1 a1,1 0 0 1 1,-1 h4 a1,1 0 0 1 1,1 v7 a1,1 0 0 1 -1,1 h-4 a1,1 0 0 1 -1,-1 v-1.6",
+                      face.ink)
+    face.sheet.rect(2, 6, 4, 1, face.ink)
+    face.sheet.fill("M5.6,3.5 v6 L9.8,6.5 z", face.ink)
+    return face.sheet
+
+
+def save_project(down):
     face = Face(15, 14, down)
     face.sheet.fill("M3,3 h7.5 l1.5,1.5 V11 H3 z M5,3.8 v2.4 h4.6 v-2.4 z M5,8 v3 h5 v-3 z", face.ink,
                     fill_rule="evenodd")
@@ -102,11 +141,11 @@ def delete_file(down):
 
 
 def clear_project(down):
-    """An empty sheet of paper."""
+    """An eraser, and the line that it wipes out."""
     face = Face(20, 19, down, WARM)
-    face.sheet.stroke("M6.5,4 h4.5 l3,3 v8 h-7.5 z", face.ink, 1.1, stroke_linejoin="round")
-    face.sheet.stroke("M10.8,4 v3.2 h3.2", face.ink, 0.9)
-    face.sheet.stroke("M8.5,9.5 l3.4,3.4 M11.9,9.5 l-3.4,3.4", face.ink, 1.2)
+    face.sheet.fill("M10.9,3.4 L15.6,8.1 L12,11.7 L7.3,7 z", face.ink)
+    face.sheet.stroke("M6.6,7.8 L3.9,10.5 L7.1,13.7 h2.4 L11.2,12.4", face.ink, 1, stroke_linejoin="round")
+    face.sheet.rect(4, 14, 12, 1, face.ink)
     return face.sheet
 
 
@@ -124,10 +163,10 @@ def stop(_):
 
 def audition(down):
     """A loudspeaker."""
-    face = Face(21, 19, down)
-    face.sheet.fill("M4,7.5 h2.6 L10,4.4 v10.2 L6.6,11.5 H4 z", face.ink)
-    face.sheet.stroke("M12,7 a3.6,3.6 0 0 1 0,5", face.ink, 1.2)
-    face.sheet.stroke("M14,5 a6.2,6.2 0 0 1 0,9", face.ink, 1.2)
+    face = Face(21, 19, down, margin=2)
+    face.sheet.fill("M3,7.5 h2.6 L9,4.4 v10.2 L5.6,11.5 H3 z", face.ink)
+    face.sheet.stroke("M11,7 a3.6,3.6 0 0 1 0,5", face.ink, 1.2)
+    face.sheet.stroke("M13,5 a6.2,6.2 0 0 1 0,9", face.ink, 1.2)
     return face.sheet
 
 
@@ -217,12 +256,14 @@ CURSORS = [("drag-copy", drag_copy), ("size-bar-h", lambda: size_bar(False)), ("
 
 # Numbers of the two states, up and down, and what draws them.
 BUTTON_PICTURES = [
-    (205, 206, letter("M", mix(LIGHT, WHITE, 0.55))),
-    (281, 282, letter("S", WARM)),
+    (205, 206, mute),
+    (281, 282, solo),
     (208, 209, synced),
     (210, 211, looping),
-    (212, 213, open_file),
-    (286, 287, save_file),
+    (212, 213, open_project),
+    (214, 215, load_into_bin),
+    (216, 217, load_onto_pad),
+    (286, 287, save_project),
     (280, 279, delete_file),
     (288, 289, clear_project),
     (273, 272, play),

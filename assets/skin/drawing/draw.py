@@ -11,9 +11,9 @@ import raster
 
 
 def pages():
-    """The page in both views of its strip, checked."""
-    for key_map in (False, True):
-        page = panel.whole_page(key_map)
+    """The page in both views of its strip and with what it tells while it is empty, checked."""
+    for key_map, hint in ((False, False), (True, False), (False, True)):
+        page = panel.whole_page(key_map, hint)
         covered = panel.covered_labels(page)
         if covered:
             raise SystemExit("a label reaches under a control: %s" % covered)
@@ -54,10 +54,12 @@ def main():
             (words.svg / ("%s.svg" % name)).write_text(sheet.source())
         return raster.rendered(sheet)
 
-    waveform, key_map = (render(name, page) for name, page in zip(("page", "page-key-map"), pages()))
+    names = ("page", "page-key-map", "page-empty")
+    waveform, key_map, empty = (render(name, page) for name, page in zip(names, pages()))
     write(201, waveform)
     write(227, cut(key_map, places.STRIP))
     write(228, cut(waveform, places.STRIP))
+    write(226, cut(empty, places.HINT))
     write(290, cut(waveform, places.PAD_BLOCK))
     for name, sheet in drawings():
         write(name, render(name, sheet))

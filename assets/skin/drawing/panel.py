@@ -5,21 +5,22 @@ import places
 import raster
 from svg import BLACK, BLUE, BRIGHT, DEEP_GREEN, GREEN, GROUND, LIGHT, LINE, PLATE, SHADE, WARM, WHITE, Sheet, mix, paint
 
-PLAIN, NARROW = "Liberation Sans", "Liberation Sans Narrow"
+TITLES, CAPTIONS = "Liberation Sans", "Liberation Sans Narrow"
 TEXT_SIZE, HEADING_SIZE = 9.7, 11.6  # small letters are 5 and 6 whole pixels high, so that they stay sharp
-HEADING = mix(LIGHT, WHITE, 0.7)  # titles
-TEXT = mix(LIGHT, WHITE, 0.35)  # names of controls
-SOFT = mix(BLUE, LIGHT, 0.8)  # units and what only adds to a name
+HEADING = mix(LIGHT, WHITE, 0.9)  # titles
+TEXT = mix(LIGHT, WHITE, 0.7)  # captions: so light since the strokes of small letters are less than a pixel wide
+STRIP_BASELINE, STRIP_SIZE = 243, 8.7  # between the edge of the strip's plate and its well there are ten pixels
+HINT = "Drop WAV loops on pads, or gather them in the Loop Bin and drag them onto pads. Hold a pad to hear it."
 
 
-def label(sheet, x, baseline, words, colour=TEXT, anchor="start", family=PLAIN, size=TEXT_SIZE, **more):
+def label(sheet, x, baseline, words, colour=TEXT, anchor="start", family=CAPTIONS, size=TEXT_SIZE, **more):
     """Words that stay to be read: `covered_labels` looks for them."""
     sheet.text(x, baseline, words, colour, size, anchor, family, **more)
     sheet.labels.append(sheet.parts[-1])
 
 
 def heading(sheet, x, baseline, words, size=HEADING_SIZE, **more):
-    label(sheet, x, baseline, words, HEADING, size=size, font_weight="bold", **more)
+    label(sheet, x, baseline, words, HEADING, family=TITLES, size=size, font_weight="bold", **more)
 
 
 def plate(sheet, x, y, width, height):
@@ -91,8 +92,8 @@ def pad_plate(sheet):
         upright_groove(sheet, 136 + 89 * line, 6, 223)
     for pad in range(16):
         x, y = places.pad_corner(pad)
-        label(sheet, x + 66, y - 25, "Vol", SOFT)
-        label(sheet, x + 63.4, y - 5, "Pan", SOFT, "end")
+        label(sheet, x + 66, y - 25, "Vol")
+        label(sheet, x + 63.4, y - 5, "Pan", anchor="end")
 
 
 def settings_plate(sheet):
@@ -101,17 +102,17 @@ def settings_plate(sheet):
     heading(sheet, 502, 15, "Pad")
     for combo, words in zip(places.COMBOS, ("Output", "Channel", "Root")):
         well(sheet, *combo)
-        label(sheet, 501, combo[1] + 10, words, family=NARROW)
+        label(sheet, 500, combo[1] + 10, words)
     for y in (75, 115, 170):
         groove(sheet, 501, y, 93)
     for place in places.EDITS[3:]:
         well(sheet, *place)
     for baseline, words in ((92, "Velocity"), (131, "Keys")):
-        label(sheet, 501, baseline, words, family=NARROW)
+        label(sheet, 500, baseline, words)
     for baseline, words in ((92, "low"), (109, "high"), (131, "root"), (148, "low"), (165, "high")):
-        label(sheet, 550, baseline, words, SOFT, "end", NARROW)
+        label(sheet, 550, baseline, words, anchor="end")
     for x, baseline, words in ((512, 184, "Tail"), (560, 184, "One shot"), (512, 198, "Key follow")):
-        label(sheet, x, baseline, words, family=NARROW)
+        label(sheet, x, baseline, words)
     display(sheet)
 
 
@@ -124,19 +125,19 @@ def display(sheet):
         sheet.frame(left - 2, top - 2, wide + 4, high + 4, BLUE, 2, opacity=0.16)
         sheet.frame(left - 1, top - 1, wide + 2, high + 2, BLUE, 1, opacity=0.45)
         sheet.rect(left, top, wide, high, BLUE)
-        label(sheet, left, 213, words, BLUE)
+        label(sheet, left, 213, words)
 
 
 def grain_plate(sheet):
     plate(sheet, 2, 342, 94, 209)
     title_band(sheet, 2, 342, 94)
     heading(sheet, 12, 355, "Pad Editor")
-    label(sheet, 15, 376, "Selected grain", SOFT)
+    label(sheet, 15, 376, "Selected grain")
     for place, words, unit in zip(places.EDITS, ("Transpose", "Volume", "Pan"), ("st", "dB", "")):
         well(sheet, *place)
         label(sheet, 15, place[1] - 6, words)
         if unit:
-            label(sheet, 78, place[1] + 10, unit, SOFT)
+            label(sheet, 78, place[1] + 10, unit)
     groove(sheet, 9, 498, 80)
     label(sheet, 21, 510, "Snap")
     well(sheet, *places.COMBOS[3])
@@ -150,8 +151,14 @@ def view_plate(sheet):
     sheet.rect(584, 350, 1, 178, SHADE)
     for x, y, width, height in places.SCROLLERS[:2]:
         sheet.rect(x, y, width, height, BLUE)
-    sheet.circle(586, 539.5, 3, mix(BLUE, BLACK, 0.6), stroke=paint(LIGHT), stroke_width=1.3)
-    sheet.stroke("M588.3,541.8 l3.4,3.4", LIGHT, 1.9, stroke_linecap="round")
+    magnifier(sheet)
+
+
+def magnifier(sheet):
+    """Milled into the plate as the grooves are: it names what the four buttons beside it do, and is none itself."""
+    for drop, ink in ((1, mix(PLATE, WHITE, 0.1)), (0, mix(PLATE, BLACK, 0.4))):
+        sheet.element("circle", cx=586, cy=539 + drop, r=3, fill="none", stroke=paint(ink), stroke_width=1.2)
+        sheet.stroke("M588.2,%g l3.2,3.2" % (541.2 + drop), ink, 1.5)
 
 
 def tabs(sheet, key_map):
@@ -174,7 +181,7 @@ def tab(sheet, x, top, bottom, words, lit, icon):
         sheet.rect(x + 1, top + 4, 2, height - 8, GREEN, 1)
     icon(sheet, x + 5, top + 6, BRIGHT if lit else BLUE)
     cx, cy = x + 13, bottom - 6
-    label(sheet, cx, cy, words, HEADING if lit else BLUE, transform="rotate(-90 %g %g)" % (cx, cy))
+    label(sheet, cx, cy, words, HEADING if lit else TEXT, transform="rotate(-90 %g %g)" % (cx, cy))
 
 
 def keyboard_icon(sheet, x, y, ink):
@@ -189,22 +196,24 @@ def wave_icon(sheet, x, y, ink):
         sheet.rect(x + 2 * i, y + 5 - height // 2, 1, height, ink)
 
 
-def strip_plate(sheet, key_map):
-    plate(sheet, 2, 235, 596, 105)
+def strip_plate(sheet, key_map, hint):
+    plate(sheet, 2, 234, 596, 106)
     tabs(sheet, key_map)
     well(sheet, *places.STRIP_PLOT)
-    heading(sheet, 37, 244, "Key Map" if key_map else "Waveform", TEXT_SIZE)
+    heading(sheet, 37, STRIP_BASELINE, "Key Map" if key_map else "Waveform", STRIP_SIZE)
     if key_map:
         for x, colour, words in ((514, BLUE, "range"), (553, WARM, "root")):
-            sheet.rect(x, 238, 6, 6, colour)
-            label(sheet, x + 9, 244, words)
+            sheet.rect(x, STRIP_BASELINE - 6, 6, 6, colour)
+            label(sheet, x + 9, STRIP_BASELINE, words)
+    if hint:
+        label(sheet, 100, STRIP_BASELINE, HINT)
 
 
-def whole_page(key_map=False):
+def whole_page(key_map=False, hint=False):
     sheet = chassis()
     for draw in (bin_plate, pad_plate, settings_plate, grain_plate, view_plate):
         draw(sheet)
-    strip_plate(sheet, key_map)
+    strip_plate(sheet, key_map, hint)
     return sheet
 
 

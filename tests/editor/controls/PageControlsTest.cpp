@@ -111,6 +111,22 @@ TEST_F(PageControl, AKnobAtItsEndShowsItsLastFrame) {
                       skinBitmap(237).at(63 * 17 + x, y));
 }
 
+TEST_F(PageControl, ThreeJobsShowThreeSigns) {
+    open();
+    const auto shows = [&](int id, int number) {
+        const Rect place = rig.control(id).place();
+        for (int y = 0; y < place.height(); ++y)
+            for (int x = 0; x < place.width(); ++x)
+                if (rig.page->screen().at(place.left + x, place.top + y) != skinBitmap(number).at(x, y))
+                    return false;
+        return true;
+    };
+    EXPECT_TRUE(shows(kOpenProject, 212));
+    EXPECT_TRUE(shows(kLoadToBin, 214));
+    // The ring of the first pad, which is the current one, stays off its buttons.
+    for (int pad = 0; pad < 16; ++pad) EXPECT_TRUE(shows(kFirstOpen + pad, 216)) << pad;
+}
+
 TEST_F(PageControl, AKnobIsDraggedWithoutAPointerThatIsPutBack) {
     open();
     const Point at = rig.on(1099);
@@ -371,8 +387,9 @@ TEST_F(PageKeyMap, EachMoveReadsWritesAndShowsAndDrawsTheStripAgain) {
     rig.calls();
     rig.move({kD4, 300});
     // Read for the drag, written, read by each setter of the range, and read to be drawn.
-    Calls expected{"GetKeyMapEntry 0", "SetKeyMapEntry 0 50 72 60 0 127", "GetKeyMapEntry 0",
-                   "GetKeyMapEntry 0", "GetKeyMapEntry 0"};
+    Calls expected{"GetKeyMapEntry 0", "SetKeyMapEntry 0 50 72 60 0 127",
+                   "GetKeyMapEntry 0", "GetKeyMapEntry 0",
+                   "GetBinFileCount",  "GetKeyMapEntry 0"};
     for (const std::string& call : padBlockDrawn()) expected.push_back(call);
     EXPECT_EQ(rig.calls(), expected);
 }

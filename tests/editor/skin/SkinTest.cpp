@@ -20,10 +20,10 @@ struct PictureSize {
 
 /// Every picture that the page asks for, by number.
 const std::vector<PictureSize> kSizes = {
-    {201, 201, 600, 553}, {227, 228, 599, 108}, {290, 290, 360, 232}, {240, 271, 44, 38}, {205, 206, 16, 15},
-    {281, 282, 16, 15},   {208, 211, 16, 15},   {212, 213, 15, 14},   {286, 287, 15, 14}, {279, 280, 15, 14},
-    {288, 289, 20, 19},   {272, 274, 20, 19},   {218, 219, 21, 19},   {276, 277, 9, 9},   {229, 232, 10, 12},
-    {233, 236, 12, 10},   {237, 237, 1088, 17},
+    {201, 201, 600, 553}, {226, 226, 400, 10}, {227, 228, 599, 108}, {290, 290, 360, 232}, {240, 271, 44, 38},
+    {205, 206, 16, 15},   {281, 282, 16, 15},  {208, 211, 16, 15},   {212, 217, 15, 14},   {286, 287, 15, 14},
+    {279, 280, 15, 14},   {288, 289, 20, 19},  {272, 274, 20, 19},   {218, 219, 21, 19},   {276, 277, 9, 9},
+    {229, 232, 10, 12},   {233, 236, 12, 10},  {237, 237, 1088, 17},
 };
 
 Bitmap areaOf(const Bitmap& bitmap, const Rect& area) {
@@ -51,11 +51,11 @@ TEST(Skin, EveryPictureHasTheSizeThatThePageExpects) {
             EXPECT_EQ(skinBitmap(number).width(), size.width) << number;
             EXPECT_EQ(skinBitmap(number).height(), size.height) << number;
         }
-    EXPECT_EQ(pictures, 68);
+    EXPECT_EQ(pictures, 73);
 }
 
 TEST(Skin, HoldsNothingButThePicturesAndThreeCursors) {
-    EXPECT_EQ(skinFiles().size(), 68u + 3u);
+    EXPECT_EQ(skinFiles().size(), 73u + 3u);
 }
 
 TEST(Skin, UnknownNumberIsRefused) {
@@ -81,8 +81,27 @@ TEST(Skin, EveryPadCanBeToldFromTheOthers) {
 }
 
 TEST(Skin, ATogglesTwoStatesDiffer) {
-    for (int up : {205, 281, 208, 210, 212, 286, 279, 288, 272, 218, 276, 229, 231, 233, 235})
+    for (int up : {205, 281, 208, 210, 212, 214, 216, 286, 279, 288, 272, 218, 276, 229, 231, 233, 235})
         EXPECT_NE(skinBitmap(up), skinBitmap(up + 1)) << up;
+}
+
+TEST(Skin, OpeningAProjectLoadingIntoTheBinAndOntoAPadHaveSignsOfTheirOwn) {
+    for (const int state : {0, 1}) {
+        EXPECT_NE(skinBitmap(212 + state), skinBitmap(214 + state));
+        EXPECT_NE(skinBitmap(212 + state), skinBitmap(216 + state));
+        EXPECT_NE(skinBitmap(214 + state), skinBitmap(216 + state));
+    }
+}
+
+TEST(Skin, AMutedPadsButtonIsDarkAndAllOthersShineWhenTheyAreDown) {
+    EXPECT_LT(brightness(skinBitmap(206)), brightness(skinBitmap(205)) / 2);
+    // In the corner of a face, where no sign reaches.
+    const auto shine = [](int number) {
+        return brightness(areaOf(skinBitmap(number), Rect::at(2, 2, 1, 1)));
+    };
+    EXPECT_LT(shine(206), shine(205));
+    for (const int up : {281, 208, 210, 212, 214, 216, 286, 288, 218, 276})
+        EXPECT_GT(shine(up + 1), shine(up)) << up;
 }
 
 TEST(Skin, NoTwoFramesOfTheKnobAreAlike) {
