@@ -74,6 +74,11 @@ void CGrooveSamplerPropPage::open() {
     poll(true);
 }
 
+void CGrooveSamplerPropPage::setRootScale(RootScale scale) {
+    m_padPanel.setRootScale(scale);
+    if (m_isOpen) RefreshPadControls();
+}
+
 void CGrooveSamplerPropPage::timer() {
     carryOut([&] {
         const auto wanted = m_pGrooveSampler.get(&IGrooveSampler::GetRefreshRequest, std::uint32_t{0});

@@ -48,6 +48,9 @@ public:
     /// The window is there: shows everything and begins to poll.
     void open();
 
+    /// How root notes are named and set; `fromA` at first. Shells whose hosts give the project's key by the
+    /// scale of loops name roots by it too.
+    void setRootScale(RootScale scale);
     /// Reads everything from the engine and shows it. Only with an engine and a window.
     void RefreshAll();
     void showHelp() { window().showHelp(); }

@@ -15,6 +15,8 @@ namespace marnoth {
 
 namespace {
 
+constexpr std::int32_t kNoRoot = -1;
+
 int heldToKeys(int value) {
     return std::clamp(value, 0, kHighestKey);
 }
@@ -39,7 +41,7 @@ void PadPanel::refresh() {
     showKeyMapEntry(keyMapEntry());
     controls_.combo(kOutput).select(
         static_cast<int>(engine.get(&IGrooveSampler::GetPadOutput, std::uint32_t{0}, pad)));
-    controls_.combo(kRootNote).select(engine.get(&IGrooveSampler::GetPadRootNote, std::int32_t{-1}, pad) + 1);
+    controls_.combo(kRootNote).select(itemOfRoot(engine.get(&IGrooveSampler::GetPadRootNote, kNoRoot, pad)));
     controls_.combo(kMidiChannel)
         .select(engine.get(&IGrooveSampler::GetPadChannel, std::int32_t{-1}, pad) + 1);
     controls_.toggle(kFollowKey).setDown(engine.isOn(&IGrooveSampler::GetPadFollowKey, pad));
@@ -166,6 +168,15 @@ void PadPanel::applyVelocity(int id) {
     SetHighVelocity(velocity, true);
 }
 
+int PadPanel::itemOfRoot(int root) const {
+    const bool isNote = root >= 0 && root < kRootNotes;
+    return (isNote ? noteOfRoot(root, rootScale_) : root) + 1;
+}
+
+int PadPanel::rootOfItem(int item) const {
+    return item == 0 ? kNoRoot : rootOfNote(item - 1, rootScale_);
+}
+
 bool PadPanel::applyCombo(int id) {
     if (id != kOutput && id != kMidiChannel && id != kRootNote) return false;
     CFxComboBox& combo = controls_.combo(id);
@@ -177,7 +188,7 @@ bool PadPanel::applyCombo(int id) {
     else if (id == kMidiChannel)
         page_.engine().call(&IGrooveSampler::SetPadChannel, pad, selection - 1);
     else
-        page_.engine().call(&IGrooveSampler::SetPadRootNote, pad, selection - 1);
+        page_.engine().call(&IGrooveSampler::SetPadRootNote, pad, rootOfItem(selection));
     combo.select(selection);
     return true;
 }

@@ -3,6 +3,7 @@
 #include <map>
 
 #include "editor/PaneParent.h"
+#include "editor/texts/RootScale.h"
 #include "seam/IGrooveSampler.h"
 
 namespace marnoth {
@@ -19,6 +20,8 @@ public:
     /// Both outlive it.
     PadPanel(PaneParent& page, PageControls& controls) : page_(page), controls_(controls) {}
 
+    /// How root notes are named from the next refresh on; `fromA` at first.
+    void setRootScale(RootScale scale) { rootScale_ = scale; }
     /// Shows what the engine says of the current pad.
     void refresh();
     /// The three toggles alone.
@@ -43,9 +46,13 @@ private:
     void showVelocity(int id, int velocity);
     void applyNoteName(int id);
     void applyVelocity(int id);
+    // Items of the combo: none, then the notes from A on.
+    int itemOfRoot(int root) const;
+    int rootOfItem(int item) const;
 
     PaneParent& page_;
     PageControls& controls_;
+    RootScale rootScale_ = RootScale::fromA;
     std::map<int, int> shown_;  ///< by an edit's id: its value, for a text that can't be read
 };
 

@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "editor/texts/RootScale.h"
 #include "editor/texts/TextForms.h"
 
 namespace marnoth {
@@ -16,6 +17,11 @@ constexpr int kAAboveC = 9;  ///< semitones
 std::string keyName(std::int32_t key) {
     const bool isKey = key >= 0 && key < kSemitones;
     return isKey ? FormatNoteName((key + kAAboveC) % kSemitones, false) : std::to_string(key);
+}
+
+std::string rootName(std::int32_t root) {
+    const bool isNote = root >= 0 && root < kRootNotes;
+    return isNote ? keyName(noteOfRoot(root, RootScale::ofLoops)) : std::to_string(root);
 }
 
 std::optional<std::uint32_t> keyNamed(std::string_view name) {

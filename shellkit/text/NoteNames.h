@@ -12,6 +12,9 @@ namespace marnoth {
 /// The number for what is no key.
 std::string keyName(std::int32_t key);
 
+/// Of a root note as loops bring it along: 6 is "C". The number for what is no note of theirs.
+std::string rootName(std::int32_t root);
+
 /// "A", "C#" or "Bb", in letters of either case; nothing for any other text.
 std::optional<std::uint32_t> keyNamed(std::string_view name);
 

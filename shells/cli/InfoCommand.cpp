@@ -4,9 +4,12 @@
 #include <cmath>
 #include <cstdio>
 #include <filesystem>
+#include <optional>
 #include <ostream>
+#include <string>
 #include <vector>
 
+#include "editor/texts/RootScale.h"
 #include "host/CreateInstance.h"
 #include "hostkit/HostRig.h"
 #include "sample/AcidNames.h"
@@ -92,6 +95,13 @@ std::string divisionName(const CAcidWave& wave) {
                : "division " + std::to_string(wave.divisionExponent);
 }
 
+/// By the number that the loop has once it is loaded, so that a project names it alike. Nothing without one.
+std::optional<std::string> rootOf(const CAcidWave& wave) {
+    if (!wave.rootNoteSet) return {};
+    const std::int32_t root = (wave.rootNote + kLoopsAboveA) % kRootNotes;
+    return root < 0 ? keyName(wave.rootNote) : rootName(root);
+}
+
 void printLoop(const CAcidWave& wave, std::ostream& out) {
     if (!wave.hasAcid) {
         out << "loop      none\n";
@@ -99,7 +109,7 @@ void printLoop(const CAcidWave& wave, std::ostream& out) {
     }
     out << "loop      " << (wave.isLoop ? "" : "one-shot, ") << wave.beats << " beats at "
         << fixed(wave.tempo, 2) << " BPM";
-    if (wave.rootNoteSet) out << ", root note " << keyName(wave.rootNote);
+    if (const auto root = rootOf(wave)) out << ", root note " << *root;
     out << '\n';
     if (wave.hasStretch) out << "markers   " << wave.stretchMarkerCount << ", " << divisionName(wave) << '\n';
 }
@@ -131,7 +141,8 @@ Json loopJson(const CAcidWave& wave) {
     if (!wave.hasAcid) return nullptr;
     Json loop{{"oneShot", wave.isLoop == 0}, {"beats", wave.beats}};
     loop["tempo"] = std::isfinite(wave.tempo) ? Json(wave.tempo) : Json();
-    loop["rootNote"] = wave.rootNoteSet ? Json(keyName(wave.rootNote)) : Json();
+    const auto root = rootOf(wave);
+    loop["rootNote"] = root ? Json(*root) : Json();
     loop["markers"] = wave.hasStretch ? Json(wave.stretchMarkerCount) : Json();
     loop["division"] = divisionName(wave);
     return loop;

@@ -59,6 +59,7 @@ void runPage(const PageOptions& options, std::ostream& report) {
     connect(rig);
     if (!options.project.empty()) loadProjectFile(rig.sampler(), options.project);
     HeadlessPage page(rig.sampler(), {});
+    page.page().setRootScale(RootScale::ofLoops);
     arrange(page, options);
     const Bitmap picture = enlarged(page.picture(), options.scale);
     writePng(pathFromUtf8(options.out), picture);

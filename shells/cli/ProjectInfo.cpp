@@ -50,6 +50,11 @@ std::int64_t audioBytes(const Project& project) {
     return bytes;
 }
 
+/// A file that doesn't follow the key was never given a root, whatever number it holds.
+bool hasRoot(const ProjectFile& file) {
+    return file.settings.followKey != 0 && file.settings.rootNote != kNoRoot;
+}
+
 /// One pad as it is told: its number from 1, and what is set.
 struct PadView {
     int number;
@@ -107,6 +112,7 @@ void printFile(const ProjectFile& file, std::size_t number, std::ostream& out) {
         << kIndent << "length  " << wave.frames << " frames, " << fixed(secondsOf(wave), 3) << " s, "
         << fixed(loop.beats, 4) << " beats";
     if (loop.tempo) out << " at " << fixed(*loop.tempo, 2) << " BPM";
+    if (hasRoot(file)) out << ", root note " << rootName(file.settings.rootNote);
     out << '\n'
         << kIndent << "grains  " << file.grains.size() << '\n'
         << kIndent << "audio   " << audioBytes(wave) << " bytes\n";
@@ -121,7 +127,7 @@ void printPad(const PadView& view, std::ostream& out) {
     out << ", volume " << fixed(it.volume, 3) << ", pan " << fixed(it.pan, 3) << ", output "
         << (it.output ? std::to_string(it.output) : "mix") << ", channel "
         << (it.midiChannel == kOmni ? "any" : std::to_string(it.midiChannel + 1));
-    if (it.rootNote != kNoRoot) out << ", root note " << keyName(it.rootNote);
+    if (it.rootNote != kNoRoot) out << ", root note " << rootName(it.rootNote);
     out << '\n';
 }
 
@@ -160,6 +166,7 @@ Json fileJson(const ProjectFile& file) {
             {"seconds", secondsOf(wave)},
             {"beats", loop.beats},
             {"tempo", loop.tempo ? Json(*loop.tempo) : Json()},
+            {"rootNote", hasRoot(file) ? Json(rootName(file.settings.rootNote)) : Json()},
             {"grains", file.grains.size()},
             {"audioBytes", audioBytes(wave)}};
 }
@@ -180,7 +187,7 @@ Json padJson(const PadView& view) {
             {"pan", it.pan},
             {"output", it.output},
             {"channel", it.midiChannel == kOmni ? Json() : Json(it.midiChannel + 1)},
-            {"rootNote", it.rootNote == kNoRoot ? Json() : Json(keyName(it.rootNote))}};
+            {"rootNote", it.rootNote == kNoRoot ? Json() : Json(rootName(it.rootNote))}};
 }
 
 Json keysJson(const KeyMapRecord& keys) {

@@ -4,6 +4,7 @@
 
 #include "cli/Studio.h"
 #include "editor/PageLayout.h"
+#include "platform/drawing/RasterSurface.h"
 #include "shellkit/PngPicture.h"
 
 namespace marnoth::test::page_picture_test {
@@ -130,6 +131,33 @@ TEST(PagePicture, APadIsSelectedWithItsRow) {
     EXPECT_GT(difference.count(kPadBlock), 0);
     EXPECT_GT(difference.count(kPadView), 0);
     EXPECT_EQ(difference.count(kBinList), 0);
+}
+
+/// What the combo of root notes shows of a pad with that number.
+Bitmap comboOf(const Pictures& pictures, const std::string& commands, const std::string& how) {
+    pictures.studio.script("LoadProject two.mrn\n" + commands + "SaveProject root\n");
+    if (how == "page") {
+        marnoth({"page", pictures.studio.name("root.mrn"), "--out", pictures.studio.name("out/a.png")});
+    } else {
+        pictures.studio.script("connect 44100 2 mix\nLoadProject root.mrn\npage open\ntick\nshot a.png\n");
+    }
+    const Bitmap page = readPng(pictures.studio.folder / "out" / "a.png");
+    Bitmap combo(60, 12);
+    RasterSurface(combo).BitBlt(combo.bounds(), page, {534, 58});
+    return combo;
+}
+
+TEST(PagePicture, NamesRootNotesByTheScaleOfLoopsAndScriptsCountFromA) {
+    const Pictures pictures;
+    // Counted from A, 3 is the C that 6 is by the loops, and 6 the D# that they have as 9.
+    EXPECT_EQ(comboOf(pictures, "SetPadRootNote 0 6\n", "page"),
+              comboOf(pictures, "SetPadRootNote 0 3\n", "script"));
+    EXPECT_EQ(comboOf(pictures, "SetPadRootNote 0 9\n", "page"),
+              comboOf(pictures, "SetPadRootNote 0 6\n", "script"));
+    EXPECT_NE(comboOf(pictures, "SetPadRootNote 0 6\n", "page"),
+              comboOf(pictures, "SetPadRootNote 0 6\n", "script"));
+    EXPECT_EQ(comboOf(pictures, "SetPadRootNote 0 40\n", "page"),
+              comboOf(pictures, "SetPadRootNote 0 40\n", "script"));
 }
 
 #endif

@@ -121,6 +121,58 @@ TEST(ProjectInfo, TellsTheSameAsJson) {
         EXPECT_NE(run.out.find(part), std::string::npos) << part << "\n" << run.out;
 }
 
+/// Two loops, of which only the one on pad 1 has a root note, and what is told of them.
+class Roots {
+public:
+    explicit Roots(int note, const std::string& more = {}) {
+        steady(0.25)
+            .acid({.flags = 2, .root = static_cast<std::int16_t>(note), .beats = 2})
+            .write(studio.folder / "rooted.wav");
+        studio.script("connect 44100 2 mix\nLoadFileToPad 0 rooted rooted.wav\nLoadFileToBin a a.wav\n" +
+                      more + "SaveProject p\n");
+    }
+    std::string told(const std::string& file) const { return marnoth({"info", studio.name(file)}).out; }
+    /// How often the JSON of a file names a root so.
+    int named(const std::string& file, const std::string& root) const {
+        const std::string json = marnoth({"info", studio.name(file), "--json"}).out;
+        const std::string field = "\"rootNote\": " + root;
+        int count = 0;
+        for (auto at = json.find(field); at != json.npos; at = json.find(field, at + 1)) ++count;
+        return count;
+    }
+
+    Studio studio;
+};
+
+TEST(ProjectInfo, NamesTheRootOfALoopAsTheLoopItselfDoes) {
+    const char* const names[] = {"C", "C#", "D", "D#", "E", "F", "F#", "G", "G#", "A", "A#", "B"};
+    for (int above = 0; above < 12; ++above) {
+        const Roots roots(60 + above);
+        const std::string ending = std::string(", root note ") + names[above] + "\n";
+        EXPECT_NE(roots.told("rooted.wav").find(ending), std::string::npos) << roots.told("rooted.wav");
+        // The file, and the pad that it was laid on.
+        const std::string project = roots.told("p.mrn");
+        EXPECT_NE(project.find("BPM" + ending), std::string::npos) << project;
+        EXPECT_NE(project.find("channel any" + ending), std::string::npos) << project;
+        const std::string quoted = std::string("\"") + names[above] + "\"";
+        EXPECT_EQ(roots.named("rooted.wav", quoted), 1);
+        EXPECT_EQ(roots.named("p.mrn", quoted), 2);
+    }
+}
+
+TEST(ProjectInfo, NamesARootThatWasSetByHandByTheSameScale) {
+    const Roots roots(61, "SetPadRootNote 4 6\nSetPadRootNote 5 40\n");
+    EXPECT_EQ(roots.named("p.mrn", "\"C\""), 1);
+    EXPECT_EQ(roots.named("p.mrn", "\"40\""), 1) << "what is no note is its number";
+}
+
+TEST(ProjectInfo, AFileThatDoesNotFollowTheKeyHasNoRoot) {
+    const Roots roots(60);
+    EXPECT_EQ(roots.named("a.wav", "null"), 1);
+    EXPECT_EQ(roots.named("p.mrn", "null"), 1);
+    EXPECT_NE(roots.told("p.mrn").find("beats at 120.00 BPM\n"), std::string::npos) << roots.told("p.mrn");
+}
+
 TEST(ProjectInfo, AnEmptyProjectHasNoPadsInUse) {
     const Studio studio;
     studio.script("SaveProject p\n");

@@ -94,6 +94,54 @@ TEST_F(PageValues, ACombosItemsStandForTheEnginesNumbers) {
     }
 }
 
+TEST_F(PageValues, ByTheScaleOfLoopsRootSixIsC) {
+    rig.open();
+    rig.page->setRootScale(RootScale::ofLoops);
+    const char* const roots[] = {"F#", "G", "G#", "A", "A#", "B", "C", "C#", "D", "D#", "E", "F"};
+    for (int root = 0; root < 12; ++root) {
+        rig.engine.pads[0].rootNote = root;
+        refresh();
+        EXPECT_EQ(rig.text(kRootNote), roots[root]) << root;
+    }
+}
+
+TEST_F(PageValues, ByTheScaleOfLoopsAChosenNoteSetsItsNumber) {
+    rig.open();
+    rig.page->setRootScale(RootScale::ofLoops);
+    const std::pair<const char*, int> choices[] = {{"C", 6}, {"G#", 2}, {"A", 3},
+                                                   {"B", 5}, {"F", 11}, {"F#", 0}};
+    for (const auto& [note, root] : choices) {
+        dynamic_cast<CFxComboBox&>(rig.control(kRootNote)).choose(note);
+        EXPECT_EQ(rig.changes(), Calls{"SetPadRootNote 0 " + std::to_string(root)});
+        EXPECT_EQ(rig.text(kRootNote), note);
+        refresh();
+        EXPECT_EQ(rig.text(kRootNote), note);
+    }
+    dynamic_cast<CFxComboBox&>(rig.control(kRootNote)).choose("None");
+    EXPECT_EQ(rig.changes(), Calls{"SetPadRootNote 0 -1"});
+}
+
+TEST_F(PageValues, NoScaleNamesARootThatIsNoNote) {
+    rig.open();
+    for (const RootScale scale : {RootScale::fromA, RootScale::ofLoops}) {
+        rig.page->setRootScale(scale);
+        for (const auto& [root, text] : {std::pair{-1, "None"}, {12, ""}, {127, ""}}) {
+            rig.engine.pads[0].rootNote = root;
+            refresh();
+            EXPECT_EQ(rig.text(kRootNote), text) << root;
+        }
+    }
+}
+
+TEST_F(PageValues, AnotherScaleShowsAtOnceAndTellsTheEngineNothing) {
+    rig.engine.pads[0].rootNote = 6;
+    rig.open();
+    EXPECT_EQ(rig.text(kRootNote), "D#");
+    rig.page->setRootScale(RootScale::ofLoops);
+    EXPECT_EQ(rig.text(kRootNote), "C");
+    EXPECT_EQ(rig.changes(), Calls{});
+}
+
 TEST_F(PageValues, ACombosChoiceCountsWhenItsListClosesAndOnceMoreWhenItIsLeft) {
     struct Case {
         int id;

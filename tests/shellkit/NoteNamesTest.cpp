@@ -25,6 +25,14 @@ TEST(NoteNames, AKeyIsWrittenWithASharp) {
     for (std::uint32_t key = 0; key < 12; ++key) EXPECT_EQ(keyNamed(keyName(static_cast<int>(key))), key);
 }
 
+TEST(NoteNames, RootsHaveTheScaleOfLoops) {
+    // A file's A is 0 as its reader counts, and 3 once it is loaded.
+    const char* const names[] = {"F#", "G", "G#", "A", "A#", "B", "C", "C#", "D", "D#", "E", "F"};
+    for (int root = 0; root < 12; ++root) EXPECT_EQ(rootName(root), names[root]);
+    EXPECT_EQ(rootName(-1), "-1");
+    EXPECT_EQ(rootName(12), "12");
+}
+
 TEST(NoteNames, NoteSixtyIsC5) {
     EXPECT_EQ(noteName(60), "C5");
     EXPECT_EQ(noteName(0), "C0");
