@@ -13,6 +13,8 @@ namespace {
 
 constexpr std::string_view kCancel = "cancel";
 
+using Words = std::vector<std::string>;
+
 /// In double quotes, with quotes and backslashes escaped.
 std::string quoted(std::string_view text) {
     std::string result = "\"";
@@ -175,10 +177,35 @@ void HeadlessWindow::present(const Bitmap& screen, const Rect& changed) {
                           screen_.row(y).begin() + area.left);
 }
 
-std::string HeadlessWindow::nextAnswer() {
+void HeadlessWindow::answer(std::string word) {
+    if (!open_) {
+        answers_.emplace_back(std::move(word));
+        return;
+    }
+    const Question question = *std::exchange(open_, {});
+    log(question.line, word);
+    question.take(word);
+    settle();
+}
+
+void HeadlessWindow::cancelQuestion() {
+    if (open_) log(std::exchange(open_, {})->line, kCancel);
+}
+
+void HeadlessWindow::ask(Question question) {
+    const std::optional<std::string> answer = nextAnswer();
+    if (!answer) {
+        open_ = std::move(question);
+        return;
+    }
+    log(question.line, *answer);
+    question.take(*answer);
+}
+
+std::optional<std::string> HeadlessWindow::nextAnswer() {
     if (watcher_) watcher_();
     if (answers_.empty()) return std::string(kCancel);
-    std::string answer = std::move(answers_.front());
+    std::optional<std::string> answer = std::move(answers_.front());
     answers_.pop_front();
     return answer;
 }
@@ -191,33 +218,44 @@ std::vector<std::string> HeadlessWindow::takeLog() {
     return std::exchange(log_, {});
 }
 
-void HeadlessWindow::askMessage(std::string_view text, MessageKind, std::function<void(PageAnswer)> then) {
-    const std::string answer = nextAnswer();
-    log("message " + quoted(text), answer);
-    then(answer == "yes"  ? PageAnswer::yes
-         : answer == "no" ? PageAnswer::no
-         : answer == "ok" ? PageAnswer::ok
-                          : PageAnswer::cancel);
+void HeadlessWindow::askMessage(std::string_view text, MessageKind kind,
+                                std::function<void(PageAnswer)> then) {
+    const bool isNote = kind == MessageKind::note;
+    const std::vector<std::string> buttons = isNote ? Words{"OK"} : Words{"Yes", "No"};
+    ask({"message " + quoted(text),
+         {std::string(text), buttons, {}, {}},
+         [then = std::move(then)](const std::string& answer) {
+             then(answer == "yes"  ? PageAnswer::yes
+                  : answer == "no" ? PageAnswer::no
+                  : answer == "ok" ? PageAnswer::ok
+                                   : PageAnswer::cancel);
+         }});
 }
 
 void HeadlessWindow::askFile(std::string_view filter, FileKind kind,
                              std::function<void(std::optional<std::string>)> then) {
-    const std::string answer = nextAnswer();
-    log((kind == FileKind::save ? "file save " : "file open ") + quoted(filter), answer);
-    if (answer == kCancel) return then({});
-    // In the system's own spelling: a file is known by its path.
-    then(utf8FromWide(wideFromPath((folder_ / pathFromWide(wideFromUtf8(answer))).make_preferred())));
+    const bool saves = kind == FileKind::save;
+    const std::string name(filter.substr(0, filter.find('|')));
+    ask({(saves ? "file save " : "file open ") + quoted(filter),
+         {name, {saves ? "Save" : "Open", "Cancel"}, {}, {}},
+         [this, then = std::move(then)](const std::string& answer) {
+             if (answer == kCancel) return then({});
+             // In the system's own spelling: a file is known by its path.
+             then(
+                 utf8FromWide(wideFromPath((folder_ / pathFromWide(wideFromUtf8(answer))).make_preferred())));
+         }});
 }
 
-void HeadlessWindow::askMenu(Point, std::span<const MenuItem> items, std::function<void(int)> then) {
-    const std::string answer = nextAnswer();
-    std::string question = "menu";
+void HeadlessWindow::askMenu(Point at, std::span<const MenuItem> items, std::function<void(int)> then) {
+    std::string line = "menu";
     for (const MenuItem& item : items)
-        question += ' ' + std::to_string(item.id) + ':' + item.text + (item.checked ? ":checked" : "");
-    log(question, answer);
-    const std::optional<int> id = numberIn(answer);
-    const bool there = std::ranges::any_of(items, [&](const MenuItem& item) { return id == item.id; });
-    then(there ? *id : 0);
+        line += ' ' + std::to_string(item.id) + ':' + item.text + (item.checked ? ":checked" : "");
+    const std::vector<MenuItem> all(items.begin(), items.end());
+    ask({line, {{}, {}, all, at}, [all, then = std::move(then)](const std::string& answer) {
+             const std::optional<int> id = numberIn(answer);
+             const bool there = std::ranges::any_of(all, [&](const MenuItem& item) { return id == item.id; });
+             then(there ? *id : 0);
+         }});
 }
 
 }  // namespace marnoth

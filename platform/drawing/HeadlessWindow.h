@@ -3,14 +3,25 @@
 #include <deque>
 #include <filesystem>
 #include <functional>
+#include <optional>
 #include <set>
+#include <string>
 #include <utility>
+#include <vector>
 
 #include "platform/drawing/Bitmap.h"
 #include "platform/drawing/Font.h"
 #include "platform/drawing/PageWindow.h"
 
 namespace marnoth {
+
+/// A question that waits for its answer, as a user sees it.
+struct ShownQuestion {
+    std::string text;                  ///< UTF-8; empty for a menu
+    std::vector<std::string> buttons;  ///< none for a menu
+    std::vector<MenuItem> items;       ///< of a menu
+    Point at;                          ///< where a menu is wanted
+};
 
 /// A window without a screen. A test or a script is its user: it moves the pointer, presses keys, waits for
 /// the timer and answers questions in advance; what the page wanted of the window can be read back.
@@ -47,9 +58,12 @@ public:
     void tick();
     /// Files come from outside: enter, over, drop.
     void drop(Point at, std::span<const std::string> paths);
-    /// For the next question that has none yet: "yes", "no", "ok", "cancel", a menu's id or a file. A
-    /// question without an answer is cancelled, and so is one that can't be answered in that way.
-    void answer(std::string word) { answers_.push_back(std::move(word)); }
+    /// For the question that is open, or else for the next one that has no answer yet: "yes", "no", "ok",
+    /// "cancel", a menu's id or a file. A question without an answer is cancelled, and so is one that can't
+    /// be answered in that way.
+    void answer(std::string word);
+    /// The user leaves the next question that has no answer yet open, until `answer`.
+    void leaveOpen() { answers_.push_back({}); }
     /// Called at each question before it is answered, so that the user can look around; `settle` shows the
     /// page as it stands behind the question. Nothing else that a user does may come from there.
     void setWatcher(std::function<void()> watcher) { watcher_ = std::move(watcher); }
@@ -67,6 +81,8 @@ public:
     PageCursor cursor() const { return cursor_; }
     int timerPeriod() const { return timerPeriod_; }  ///< milliseconds; 0 while it stands
     bool wantsFocus() const { return wantsFocus_; }
+    /// The question that was left open; null without one.
+    const ShownQuestion* openQuestion() const { return open_ ? &open_->shown : nullptr; }
     const std::string& clipboardText() const { return clipboard_; }
     int helpShown() const { return helpShown_; }  ///< how often
     /// The questions since the last call, each as a line without its end: `? message "TEXT" -> ANSWER`,
@@ -89,16 +105,23 @@ public:
     void askFile(std::string_view filter, FileKind kind,
                  std::function<void(std::optional<std::string>)> then) override;
     void askMenu(Point at, std::span<const MenuItem> items, std::function<void(int)> then) override;
-    /// None is ever open: each is answered at once.
-    void cancelQuestion() override {}
+    void cancelQuestion() override;
     void readClipboard(std::function<void(std::string)> then) override { then(clipboard_); }
     void setClipboardText(std::string_view text) override { clipboard_ = text; }
     void showHelp() override { ++helpShown_; }
 
 private:
+    struct Question {
+        std::string line;  ///< of the log, without the answer
+        ShownQuestion shown;
+        std::function<void(const std::string&)> take;  ///< the answer
+    };
+
     template <class Event>
     void tell(Event event);
-    std::string nextAnswer();
+    void ask(Question question);
+    /// Nothing when the question is to be left open.
+    std::optional<std::string> nextAnswer();
     void log(std::string_view question, std::string_view answer);
     Modifiers held() const { return {held_.contains(kKeyShift), held_.contains(kKeyControl)}; }
 
@@ -108,7 +131,8 @@ private:
     Point pointer_;
     bool dragsRelatively_ = false;
     std::string clipboard_;
-    std::deque<std::string> answers_;
+    std::deque<std::optional<std::string>> answers_;  ///< nothing for a question that is left open
+    std::optional<Question> open_;
     std::function<void()> watcher_;
     std::filesystem::path folder_;
     std::vector<std::string> log_;

@@ -1,8 +1,20 @@
 #include "shellkit/page/HeadlessPage.h"
 
 #include <array>
+#include <stdexcept>
+#include <string>
+
+#include "editor/texts/PageTexts.h"
+#include "platform/drawing/RasterSurface.h"
+#include "shellkit/page/QuestionPicture.h"
 
 namespace marnoth {
+
+namespace {
+
+constexpr int kQuestionHeight = 14;  ///< of the texts of a question, pixels
+
+}  // namespace
 
 HeadlessPage::HeadlessPage(IUnknown& instrument, const std::filesystem::path& folder) {
     window_.setFolder(folder);
@@ -15,9 +27,17 @@ HeadlessPage::HeadlessPage(IUnknown& instrument, const std::filesystem::path& fo
     window_.settle();
 }
 
-const Bitmap& HeadlessPage::picture() {
+Bitmap HeadlessPage::picture() {
     window_.settle();
-    return page_->screen();
+    Bitmap picture = page_->screen();
+    if (const ShownQuestion* question = window_.openQuestion()) {
+        std::string error;
+        const std::unique_ptr<Font> font = window_.openFont(kFontFace, kQuestionHeight, error);
+        if (!font) throw std::runtime_error(error);
+        RasterSurface surface(picture);
+        drawQuestion(surface, *question, *font, picture.bounds());
+    }
+    return picture;
 }
 
 }  // namespace marnoth

@@ -11,6 +11,8 @@
 namespace marnoth {
 
 /// The editor page of an instrument in a window without a screen, open as a host would show it. One thread.
+///
+/// Questions are answered in advance, or left open (`HeadlessWindow::leaveOpen`).
 class HeadlessPage {
 public:
     /// `instrument` outlives it. File answers that are relative count from `folder`. Throws
@@ -22,8 +24,9 @@ public:
     /// Whatever a user does goes through it, and the page's questions come back from it.
     HeadlessWindow& window() { return window_; }
     CGrooveSamplerPropPage& page() { return *page_; }
-    /// What a user sees; nothing in it is out of date.
-    const Bitmap& picture();
+    /// What a user sees, with the list, menu or question that is open; nothing in it is out of date. Throws
+    /// `std::runtime_error` as the constructor does.
+    Bitmap picture();
 
 private:
     std::unique_ptr<FontSource> fonts_ = platformFonts();

@@ -125,7 +125,10 @@ std::string drop(HeadlessPage& page, ScriptSession& session, Arguments words) {
 }
 
 std::string answer(HeadlessPage& page, ScriptSession&, Arguments words) {
-    page.window().answer(words[0]);
+    if (words[0] == "later")
+        page.window().leaveOpen();
+    else
+        page.window().answer(words[0]);
     return {};
 }
 

@@ -70,7 +70,8 @@ constexpr const char* kPageHelp =
     "\n"
     "Examples:\n"
     "  marnoth page groove.mrn --out page.png\n"
-    "  marnoth page groove.mrn --out pad3.png --pad 3 --key-map --scale 2\n";
+    "  marnoth page groove.mrn --out pad3.png --pad 3 --key-map --scale 2\n"
+    "  marnoth page groove.mrn --out menu.png --open menu\n";
 
 /// What the arguments say, as text where CLI11 doesn't read it itself.
 struct Request {
@@ -176,6 +177,12 @@ private:
             ->check(within(1, 16))
             ->type_name("N");
         page->add_flag("--key-map", options.keyMap, "The strip shows the key map");
+        page->add_option(
+                "--open", options.open,
+                "What is open over it: a list (output, channel, root, snap), the pad's menu (menu) or a "
+                "question (clear, delete, load)")
+            ->check(CLI::IsMember(openables()))
+            ->type_name("WHAT");
         page->add_option("--scale", options.scale, "Size of a pixel, 1 to 3")
             ->check(within(1, 3))
             ->type_name("S");

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <ostream>
+#include <utility>
 
 #include "editor/PageLayout.h"
 #include "host/CreateInstance.h"
@@ -21,8 +22,6 @@ constexpr std::uint32_t kRate = 44100;
 constexpr std::uint32_t kStereo = 2;
 
 constexpr Point kFirstBinRow{kBinList.left + 6, kBinList.top + 6};
-constexpr Point kOnKeyMapTab{(kKeyMapTab.left + kKeyMapTab.right) / 2,
-                             (kKeyMapTab.top + kKeyMapTab.bottom) / 2};
 
 /// Projects are loaded at the rate of a connection.
 void connect(HostRig& rig) {
@@ -37,12 +36,34 @@ void click(HeadlessPage& page, Point at) {
     page.window().release(at);
 }
 
+Point middle(const Rect& area) {
+    return {(area.left + area.right) / 2, (area.top + area.bottom) / 2};
+}
+
+/// What opens when a control is clicked on: lists, and questions.
+constexpr std::array<std::pair<const char*, int>, 7> kOpeners{{{"output", kOutput},
+                                                               {"channel", kMidiChannel},
+                                                               {"root", kRootNote},
+                                                               {"snap", kSnap},
+                                                               {"clear", kClearProject},
+                                                               {"delete", kDeleteFromBin},
+                                                               {"load", kLoadToBin}}};
+constexpr const char* kMenu = "menu";
+
+void openOver(HeadlessPage& page, const PageOptions& options) {
+    page.window().leaveOpen();
+    if (options.open == kMenu) page.window().rightClick(middle(padImage(options.pad - 1)));
+    for (const auto& [name, id] : kOpeners)
+        if (options.open == name) click(page, middle(page.page().controlOf(id)->place()));
+}
+
 /// What a user does to see what was asked for.
 void arrange(HeadlessPage& page, const PageOptions& options) {
     page.window().tick();
     page.page().SelectPad(options.pad - 1);
     // Where the list is empty its row is nothing to click on.
-    click(page, options.keyMap ? kOnKeyMapTab : kFirstBinRow);
+    click(page, options.keyMap ? middle(kKeyMapTab) : kFirstBinRow);
+    if (!options.open.empty()) openOver(page, options);
 }
 
 Bitmap enlarged(const Bitmap& picture, int scale) {
@@ -53,6 +74,12 @@ Bitmap enlarged(const Bitmap& picture, int scale) {
 }
 
 }  // namespace
+
+std::vector<std::string> openables() {
+    std::vector<std::string> names{kMenu};
+    for (const auto& [name, id] : kOpeners) names.emplace_back(name);
+    return names;
+}
 
 void runPage(const PageOptions& options, std::ostream& report) {
     HostRig rig{createInstrument};

@@ -178,6 +178,15 @@ TEST(PageCommands, AnswersAndHeldKeysGoWithThePage) {
     EXPECT_NE(out.find(kAsksToClear + "cancel\n"), out.npos) << out;
 }
 
+TEST(PageCommands, AQuestionCanBeAnsweredLater) {
+    // What a user does meanwhile isn't for the page.
+    EXPECT_EQ(onPage("SetPadMute 0 1\nanswer later\n" + kClear +
+                     "press 160 48\nGetPadMute 0\nanswer yes\nGetPadMute 0\n"),
+              "SetPadMute 0 1 -> 00000000\nanswer later -> 00000000\npress 55 33 -> 00000000\n"
+              "release 55 33 -> 00000000\npress 160 48 -> 00000000\nGetPadMute 0 -> 00000000 1\n" +
+                  kAsksToClear + "yes\nanswer yes -> 00000000\nGetPadMute 0 -> 00000000 0\n");
+}
+
 TEST(PageCommands, TheMenuOfAPadIsAQuestion) {
     EXPECT_EQ(onPage("right 160 20\n"),
               "? menu 32770:Open Audio File 32771:Looping 32772:Synced Playback 32773:Clear Pad -> cancel\n"
@@ -214,6 +223,27 @@ TEST(PageCommands, AShotIsAPictureOfTheWholePage) {
     EXPECT_EQ(header->height, 553u);
     EXPECT_EQ(readText(folder / "out" / "a.png"), readText(folder / "out" / "b.png"));
     EXPECT_FALSE(std::filesystem::exists(folder / "out" / "a.png.part"));
+}
+
+TEST(PageCommands, AShotShowsTheListMenuOrQuestionThatIsOpen) {
+    const TempFolder folder;
+    onPage(folder,
+           "shot a.png\npress 590 28\nrelease 590 28\nshot list.png\nkey 27\npress 20 548\nrelease 20 548\n"
+           "shot b.png\nanswer later\nright 300 100\nshot menu.png\nanswer cancel\npress 190 34\n"
+           "release 190 34\nanswer later\n" +
+               kClear + "shot question.png\nanswer no\nshot c.png\n");
+    const auto bytes = [&](const char* name) { return readText(folder / "out" / name); };
+    EXPECT_EQ(bytes("a.png"), bytes("b.png"));
+    EXPECT_EQ(bytes("a.png"), bytes("c.png"));
+    for (const char* name : {"list.png", "menu.png", "question.png"})
+        EXPECT_NE(bytes(name), bytes("a.png")) << name;
+#ifndef _WIN32
+    // In the colour of their frames: the list under its combo, the menu's corner, and that of the message.
+    const Color frame{160, 172, 191};
+    EXPECT_EQ(readPng(folder / "out" / "list.png").at(534, 34), frame);
+    EXPECT_EQ(readPng(folder / "out" / "menu.png").at(300, 100), frame);
+    EXPECT_EQ(readPng(folder / "out" / "question.png").at(119, 300), frame);
+#endif
 }
 
 TEST(PageCommands, AShotThatCannotBeWrittenIsAFailure) {

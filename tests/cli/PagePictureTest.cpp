@@ -69,6 +69,7 @@ TEST(PagePicture, RefusesWhatMakesNoSense) {
                                                                                        {"--scale", "0"},
                                                                                        {"--scale", "4"},
                                                                                        {"--scale", "two"},
+                                                                                       {"--open", "door"},
                                                                                        {"more.mrn"}})
         EXPECT_EQ(pictures.draw("a.png", words).status, 2) << words.back();
     EXPECT_EQ(marnoth({"page"}).status, 2);
@@ -131,6 +132,23 @@ TEST(PagePicture, APadIsSelectedWithItsRow) {
     EXPECT_GT(difference.count(kPadBlock), 0);
     EXPECT_GT(difference.count(kPadView), 0);
     EXPECT_EQ(difference.count(kBinList), 0);
+}
+
+TEST(PagePicture, ShowsWhatIsOpen) {
+    const Pictures pictures;
+    const Bitmap closed = pictureOf(pictures, {"--pad", "3"});
+    struct Case {
+        const char* open;
+        Rect place;  ///< within what lies over the page
+    };
+    for (const auto& [open, place] :
+         {Case{"output", {534, 34, 594, 240}}, Case{"channel", {534, 52, 594, 250}},
+          Case{"root", {534, 70, 594, 220}}, Case{"snap", {21, 420, 81, 515}},
+          Case{"menu", {345, 30, 430, 80}}, Case{"clear", {121, 237, 479, 246}},
+          Case{"delete", {121, 237, 479, 246}}, Case{"load", {121, 237, 479, 246}}}) {
+        const Bitmap picture = pictureOf(pictures, {"--pad", "3", "--open", open});
+        EXPECT_GT(2 * Difference(closed, picture).count(place), place.width() * place.height()) << open;
+    }
 }
 
 /// What the combo of root notes shows of a pad with that number.

@@ -243,6 +243,73 @@ TEST(HeadlessWindow, TheWatcherLooksAroundBeforeEachAnswer) {
     EXPECT_EQ(logged, 1);
 }
 
+TEST(HeadlessWindow, AQuestionThatIsLeftOpenWaitsForItsAnswer) {
+    HeadlessWindow window;
+    ListeningPage page(window);
+    Lines got;
+    const auto ask = [&](const char* text) {
+        window.askMessage(text, MessageKind::yesNo, [&, text](PageAnswer answer) {
+            got.push_back(std::string(text) + (answer == PageAnswer::yes ? " yes" : " else"));
+            window.requestPaint();
+        });
+    };
+    window.answer("yes");
+    window.leaveOpen();
+    ask("A");
+    EXPECT_EQ(window.openQuestion(), nullptr);
+    ask("B");
+    ASSERT_NE(window.openQuestion(), nullptr);
+    EXPECT_EQ(window.openQuestion()->text, "B");
+    EXPECT_EQ(window.openQuestion()->buttons, (Lines{"Yes", "No"}));
+    EXPECT_EQ(got, Lines{"A yes"});
+    EXPECT_EQ(window.takeLog(), Lines{"? message \"A\" -> yes"});
+    window.settle();
+    page.heard.clear();
+    window.answer("yes");
+    EXPECT_EQ(got, (Lines{"A yes", "B yes"}));
+    EXPECT_EQ(page.heard, Lines{"paint"});
+    EXPECT_EQ(window.openQuestion(), nullptr);
+    EXPECT_EQ(window.takeLog(), Lines{"? message \"B\" -> yes"});
+}
+
+TEST(HeadlessWindow, AnOpenQuestionTellsWhatAUserSees) {
+    HeadlessWindow window;
+    window.leaveOpen();
+    window.askMessage("So it is.", MessageKind::note, [](PageAnswer) {});
+    EXPECT_EQ(window.openQuestion()->buttons, Lines{"OK"});
+    window.answer("ok");
+    window.leaveOpen();
+    std::optional<std::string> file;
+    window.askFile("Mrn Files (*.mrn)|*.mrn||", FileKind::save,
+                   [&](std::optional<std::string> path) { file = std::move(path); });
+    EXPECT_EQ(window.openQuestion()->text, "Mrn Files (*.mrn)");
+    EXPECT_EQ(window.openQuestion()->buttons, (Lines{"Save", "Cancel"}));
+    window.answer("a.mrn");
+    EXPECT_EQ(file, "a.mrn");
+    window.leaveOpen();
+    int chosen = -1;
+    const std::vector<MenuItem> items{{1, "One", false}, {2, "Two", true}};
+    window.askMenu({3, 4}, items, [&](int id) { chosen = id; });
+    EXPECT_EQ(window.openQuestion()->at, (Point{3, 4}));
+    ASSERT_EQ(window.openQuestion()->items.size(), 2u);
+    EXPECT_TRUE(window.openQuestion()->items[1].checked);
+    window.answer("2");
+    EXPECT_EQ(chosen, 2);
+}
+
+TEST(HeadlessWindow, AnOpenQuestionThatIsTakenBackIsCancelledInTheLogAlone) {
+    HeadlessWindow window;
+    bool answered = false;
+    window.leaveOpen();
+    window.askMessage("A", MessageKind::yesNo, [&](PageAnswer) { answered = true; });
+    window.cancelQuestion();
+    EXPECT_EQ(window.openQuestion(), nullptr);
+    EXPECT_FALSE(answered);
+    EXPECT_EQ(window.takeLog(), Lines{"? message \"A\" -> cancel"});
+    window.cancelQuestion();
+    EXPECT_EQ(window.takeLog(), Lines{});
+}
+
 TEST(HeadlessWindow, AMenuGivesNothingThatIsNotInIt) {
     HeadlessWindow window;
     Asking asking{window};
