@@ -59,14 +59,15 @@ private:
 };
 
 /// 32-bit float, which is what projects hold whatever else a format chunk says.
-WAVEFORMATEX floatFormat(std::uint16_t channels, std::uint32_t rate) {
+WAVEFORMATEX floatFormat(std::uint16_t channels, std::uint32_t rate, std::uint32_t bytesPerSecond) {
     WAVEFORMATEX format{};
     format.wFormatTag = WAVE_FORMAT_IEEE_FLOAT;
     format.nChannels = channels;
     format.nSamplesPerSec = rate;
     format.wBitsPerSample = 32;
     format.nBlockAlign = static_cast<WORD>(channels * sizeof(float));
-    format.nAvgBytesPerSec = format.nBlockAlign * rate;
+    // Kept as it stands: a wave that was brought to another rate goes on telling the one of its file.
+    format.nAvgBytesPerSec = bytesPerSecond;
     return format;
 }
 
@@ -282,9 +283,11 @@ bool ProjectReading::readFormat(const ChunkInfo& form, WAVEFORMATEX& format) {
     std::uint16_t tag;
     std::uint16_t channels;
     std::uint32_t rate;
+    std::uint32_t bytesPerSecond;
     if (!enter(chunk, form, fourCC("fmt ")) || chunk.bytes() < kShortestFormatBytes) return false;
-    if (!chunk.number(tag) || !chunk.number(channels) || !chunk.number(rate)) return false;
-    format = floatFormat(channels, rate);
+    if (!chunk.number(tag) || !chunk.number(channels) || !chunk.number(rate) || !chunk.number(bytesPerSecond))
+        return false;
+    format = floatFormat(channels, rate, bytesPerSecond);
     return isWithin(FaultQuantity::channels, channels, 1, 2) &&
            isWithin(FaultQuantity::rate, rate, kLowestProjectRate, kHighestProjectRate) && leave(chunk);
 }

@@ -396,6 +396,20 @@ TEST(ProjectLoad, SavedProjectComesBackAsItWasAtItsRate) {
     }
 }
 
+TEST(ProjectLoad, TheByteRateOfAWaveGoesThroughLoadsAndSavesAsItIsHeld) {
+    ProjectRig at48(48000);
+    // 44100 frames a second of one float. Conversion to another rate leaves the byte rate alone.
+    ASSERT_EQ(at48.load(loopFile(1)).result, S_OK);
+    for (int trip = 0; trip < 2; ++trip) {
+        Project project;
+        const Bytes bytes = saved(at48);
+        ASSERT_EQ(readBytes(bytes, project), S_OK);
+        EXPECT_EQ(project.files.at(0).wave->format.nSamplesPerSec, 48000u);
+        EXPECT_EQ(project.files.at(0).wave->format.nAvgBytesPerSec, 176400u) << trip;
+        ASSERT_EQ(at48.loadStream(bytes), S_OK);
+    }
+}
+
 TEST(ProjectLoad, TenTripsBetweenTwoRatesLoseNothing) {
     ProjectRig at44(44100);
     ProjectRig at48(48000);

@@ -260,8 +260,17 @@ TEST(ProjectReader, TakesTheAudioAsFloatWhateverTheFormatSaysBesides) {
     EXPECT_EQ(format.wFormatTag, WAVE_FORMAT_IEEE_FLOAT);
     EXPECT_EQ(format.wBitsPerSample, 32);
     EXPECT_EQ(format.nBlockAlign, 4);
-    EXPECT_EQ(format.nAvgBytesPerSec, 4 * 44100u);
     EXPECT_EQ(project.files[0].wave->samples[5], bytes.files[0].data[5]);
+}
+
+TEST(ProjectReader, KeepsTheByteRateAsItStands) {
+    ProjectBytes bytes = twoFilesFourPads();
+    bytes.files[0].bytesPerSecond = 12345;
+    Project project;
+    ASSERT_EQ(readBytes(bytes.bytes(), project), S_OK);
+    EXPECT_EQ(project.files[0].wave->format.nAvgBytesPerSec, 12345u);
+    EXPECT_EQ(project.files[1].wave->format.nAvgBytesPerSec,
+              4 * bytes.files[1].rate * bytes.files[1].channels);
 }
 
 TEST(ProjectReader, TakesGrainsOfKnownPlacesOnly) {

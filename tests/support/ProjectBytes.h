@@ -69,6 +69,7 @@ struct ProjectBytes {
         std::uint16_t tag = 3;
         std::uint16_t channels = 1;
         std::uint32_t rate = 44100;
+        std::optional<std::uint32_t> bytesPerSecond;
         std::uint16_t bits = 32;
         std::string waveType = "WAVE";
         std::vector<float> data;  ///< the whole `data` chunk, guard frame and all
@@ -225,7 +226,7 @@ private:
         append(body, file.tag);
         append(body, file.channels);
         append(body, file.rate);
-        append(body, file.rate * align);
+        append(body, file.bytesPerSecond.value_or(file.rate * align));
         append(body, align);
         append(body, file.bits);
         append(body, std::uint16_t{0});
