@@ -6,6 +6,7 @@
 #include <limits>
 
 #include "platform/text/Text.h"
+#include "sample/FileType.h"
 
 namespace marnoth {
 namespace {
@@ -13,6 +14,9 @@ namespace {
 constexpr std::size_t kMaxPathCharacters = 255;
 
 constexpr std::int64_t kFormatBytes = 16;
+constexpr std::int64_t kExtensibleBytes = 40;  ///< of the whole format
+constexpr std::int64_t kExtensionBytes = 22;   ///< of what stands behind the count of extra bytes
+constexpr int kSubFormatOffset = 6;            ///< in those
 constexpr std::int64_t kAcidBytes = 24;
 constexpr std::int64_t kStretchHeaderBytes = 28;
 constexpr std::int64_t kMarkerBytes = 32;
@@ -29,6 +33,10 @@ T field(const std::byte* record, int offset) {
     std::memcpy(&value, record + offset, sizeof value);
     return value;
 }
+
+/// What all sub-formats that stand for a format tag have behind those two bytes.
+constexpr std::array<unsigned char, 14> kTagFamily{0x00, 0x00, 0x00, 0x00, 0x10, 0x00, 0x80,
+                                                   0x00, 0x00, 0xAA, 0x00, 0x38, 0x9B, 0x71};
 
 std::string_view labelOf(std::uint32_t code) {
     std::string_view label;
@@ -106,7 +114,17 @@ bool CAcidWave::openForm(const char* path) {
     riff_ = {};
     const bool isWave =
         file_.descend(riff_) == kRiffOk && riff_.ckid == kRiffId && riff_.fccType == fourCC("WAVE");
-    return isWave || fail(kRiffInvalidFile, {.kind = FaultKind::notAWave});
+    return isWave || fail(kRiffInvalidFile, whyNotAWave());
+}
+
+LoadFault CAcidWave::whyNotAWave() {
+    std::array<std::byte, kFileTypeBytes> first;
+    file_.seek(0);
+    const auto count = std::max<std::int64_t>(file_.read(first.data(), first.size()), 0);
+    if (count == 0) return {.kind = FaultKind::emptyFile};
+    const FileType type = fileType(std::span(first).first(static_cast<std::size_t>(count)));
+    if (type == FileType::unknown) return {.kind = FaultKind::notAWave};
+    return {.kind = FaultKind::otherFileType, .type = type};
 }
 
 bool CAcidWave::readFormat() {
@@ -119,10 +137,23 @@ bool CAcidWave::readFormat() {
     if (format.wFormatTag != WAVE_FORMAT_PCM && !file_.readExactly(&extraBytes, sizeof extraBytes)) {
         return endsEarly(chunk, chunk.end() - fileBytes);
     }
+    readSubFormat(chunk);
     if (format.nBlockAlign == 0)
         return fail(kRiffInvalidFile,
                     badValue(FaultQuantity::blockBytes, 0, 1, kMostBlockBytes, {chunk.ckid}));
     return leave(chunk);
+}
+
+/// Of an extensible format whose chunk is too short, or whose sub-format stands for no tag, nobody knows
+/// more.
+void CAcidWave::readSubFormat(const ChunkInfo& chunk) {
+    sampleTag = format.wFormatTag;
+    std::array<std::byte, kExtensionBytes> extension;
+    if (format.wFormatTag != WAVE_FORMAT_EXTENSIBLE || chunk.cksize < kExtensibleBytes) return;
+    if (!file_.readExactly(extension.data(), kExtensionBytes)) return;
+    const std::byte* family = extension.data() + kSubFormatOffset + sizeof sampleTag;
+    if (std::memcmp(family, kTagFamily.data(), kTagFamily.size()) == 0)
+        sampleTag = field<std::uint16_t>(extension.data(), kSubFormatOffset);
 }
 
 bool CAcidWave::measureData() {

@@ -99,6 +99,7 @@ public:
     std::uint32_t stretchMarkerCount = 0;
     std::vector<WaveSegment> segments;
     WAVEFORMATEX format{};        ///< `cbSize` is always 0
+    std::uint16_t sampleTag = 0;  ///< what the samples are: the sub-format's tag of an extensible format
     std::uint32_t lastError = 0;  ///< a `RiffError`
     LoadFault fault;              ///< why `Open` failed
     std::int64_t dataBytes = 0;   ///< size of the measured `data` chunk, as its header says
@@ -117,7 +118,9 @@ private:
     bool find(const char (&id)[5], ChunkInfo& chunk);
 
     bool openForm(const char* path);
+    LoadFault whyNotAWave();
     bool readFormat();
+    void readSubFormat(const ChunkInfo& chunk);
     bool measureData();
     bool readTags();
     bool readTag(WaveTag& tag, const ChunkInfo& list);

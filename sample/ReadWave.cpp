@@ -16,16 +16,20 @@ namespace {
 /// Near enough to stay at hand, and enough to pass by the buffer of the file.
 constexpr std::int64_t kBytesAtOnce = 0x18000;
 
-bool canConvert(const WAVEFORMATEX& format) {
-    switch (format.wBitsPerSample) {
+bool canConvert(const CAcidWave& file) {
+    switch (file.format.wBitsPerSample) {
         case 16:
         case 24:
             return true;
         case 32:
-            return format.wFormatTag == WAVE_FORMAT_IEEE_FLOAT;
+            return file.sampleTag == WAVE_FORMAT_IEEE_FLOAT;
         default:
             return false;
     }
+}
+
+bool isCompressed(std::uint16_t tag) {
+    return tag != WAVE_FORMAT_PCM && tag != WAVE_FORMAT_IEEE_FLOAT && tag != WAVE_FORMAT_EXTENSIBLE;
 }
 
 bool claimIsPlausible(const CAcidWave& file) {
@@ -38,9 +42,11 @@ LoadFault faultOf(const CAcidWave& file) {
     constexpr std::int64_t kHighestNumber = std::numeric_limits<std::uint32_t>::max();
     const WAVEFORMATEX& format = file.format;
     const std::int64_t blockBytes = std::int64_t{format.nChannels} * (format.wBitsPerSample / 8);
-    if (!canConvert(format)) {
+    // Blocks of what is compressed aren't frames, whatever number of bits it tells.
+    const bool isCoded = isCompressed(file.sampleTag) && format.nBlockAlign != blockBytes;
+    if (!canConvert(file) || isCoded) {
         return {.kind = FaultKind::formatNotTaken,
-                .formatTag = format.wFormatTag,
+                .formatTag = file.sampleTag,
                 .bits = format.wBitsPerSample,
                 .place = kFormat};
     }

@@ -20,8 +20,8 @@ inline constexpr std::int64_t kFreeClaimBytes = 1 << 20;
 /// The wave's peak table is that of the file. Of a `data` chunk that the file cuts short the missing frames
 /// are silent. Throws `std::bad_alloc` from the buffers that the audio passes through.
 ///
-/// The fault leaves `wave` alone: a depth other than 16, 24 or 32 bits, 32 bits that aren't tagged as float,
-/// no channel or more than `kMaxFileChannels`, a block size that isn't that of the channels and the depth, no
+/// The fault leaves `wave` alone: a depth other than 16, 24 or 32 bits, 32 bits that aren't float, no
+/// channel or more than `kMaxFileChannels`, a block size that isn't that of the channels and the depth, no
 /// rate, no frame, or a claim as above. `noMemory` from the peak table; without memory for the samples there
 /// is no fault and the wave has none.
 LoadFault readSamples(CAcidWave& file, std::uint32_t rate, RefPtr<CWaveMem>& wave);

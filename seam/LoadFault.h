@@ -17,7 +17,9 @@ enum class FaultKind : std::uint8_t {
     notAFile,  ///< a folder or a device
     cannotOpen,
     cannotRead,      ///< the medium fails; `place`
+    emptyFile,       ///< it holds no byte
     notAWave,        ///< it doesn't begin as a RIFF form of waves
+    otherFileType,   ///< the same of a file whose `type` is known
     notAProject,     ///< no RIFF form of a project where one is looked for
     neverFinished,   ///< a project whose saving broke off
     cutShort,        ///< `value` bytes are missing at its end, 0 where nobody knows how many
@@ -27,6 +29,9 @@ enum class FaultKind : std::uint8_t {
     formatNotTaken,  ///< samples of `formatTag` and `bits`, which aren't converted
     noGrains,        ///< a loop that can't be cut: its first grain runs past its end
 };
+
+/// Audio files that aren't read, told by their first bytes.
+enum class FileType : std::uint8_t { unknown, rf64, w64, flac, aiff, ogg, mp3 };
 
 /// What a `badValue` measures. All but the real ones are integers.
 enum class FaultQuantity : std::uint8_t {
@@ -80,8 +85,9 @@ using FaultNumber = std::variant<std::int64_t, double>;
 struct LoadFault {
     FaultKind kind = FaultKind::none;
     FaultQuantity quantity = FaultQuantity::none;
-    std::uint16_t formatTag = 0;
-    std::uint16_t bits = 0;  ///< of a sample
+    FileType type = FileType::unknown;
+    std::uint16_t formatTag = 0;  ///< of the samples: an extensible format's is that of its sub-format
+    std::uint16_t bits = 0;       ///< of a sample
     FaultPlace place = {};
     FaultNumber value = std::int64_t{0};
     FaultNumber least = std::int64_t{0};

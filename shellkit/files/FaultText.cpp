@@ -50,6 +50,63 @@ std::string cutShort(const LoadFault& fault) {
     return "it is cut short" + (isKnown ? ": " + text(fault.value) + " bytes are missing" : "");
 }
 
+const char* nameOf(FileType type) {
+    switch (type) {
+        case FileType::unknown:
+            return "audio";
+        case FileType::rf64:
+            return "RF64";
+        case FileType::w64:
+            return "W64";
+        case FileType::flac:
+            return "FLAC";
+        case FileType::aiff:
+            return "AIFF";
+        case FileType::ogg:
+            return "Ogg";
+        case FileType::mp3:
+            return "MP3";
+    }
+    return {};
+}
+
+/// What codes the samples; nothing for PCM, float and what isn't known.
+const char* codecOf(std::uint16_t formatTag) {
+    switch (formatTag) {
+        case 0x0002:
+        case 0x0011:
+            return "ADPCM";
+        case 0x0006:
+            return "A-law";
+        case 0x0007:
+            return "mu-law";
+        case 0x0055:
+            return "MP3-coded";
+        default:
+            return nullptr;
+    }
+}
+
+/// The kind of WAV files whose samples aren't taken.
+std::string kindOf(const LoadFault& fault) {
+    if (const char* codec = codecOf(fault.formatTag)) return std::string(codec) + " WAV files";
+    const std::string depth = text(fault.bits) + "-bit ";
+    switch (fault.formatTag) {
+        case WAVE_FORMAT_PCM:
+            return depth + (fault.bits == 32 ? "integer WAV files" : "WAV files");
+        case WAVE_FORMAT_IEEE_FLOAT:
+            return depth + "WAV files";
+        default:
+            return depth + "WAV files of format tag " + text(fault.formatTag);
+    }
+}
+
+std::string formatNotTaken(const LoadFault& fault) {
+    const bool isFine = fault.bits > 16 && !codecOf(fault.formatTag);
+    return kindOf(fault) + " aren't read; save it with " +
+           (isFine ? "24 bits, or with 32 bits of float" : "16 bits or more");
+}
+
 /// What a value in a project is called.
 struct QuantityName {
     FaultQuantity quantity;
@@ -107,17 +164,24 @@ std::string badFormat(const LoadFault& fault) {
            text(fault.most);
 }
 
+std::string wrongBlock(const LoadFault& fault) {
+    const bool isKnown = fault.least == fault.most;
+    return "its format is damaged: it says that a frame has " + text(fault.value) + " bytes" +
+           (isKnown ? ", where its channels and bits make " + text(fault.most) : "");
+}
+
 std::string badValueText(const LoadFault& fault) {
     const std::string value = text(fault.value);
     const std::string most = text(fault.most);
     switch (fault.quantity) {
         case FaultQuantity::pathCharacters:
-            return "its name is longer than " + most + " characters";
+            return "its path is too long: " + value + " characters; the instrument takes " + most +
+                   "; move it into a folder with a shorter path";
         case FaultQuantity::channels:
         case FaultQuantity::rate:
             return badFormat(fault);
         case FaultQuantity::blockBytes:
-            return "its format is damaged: it says that a frame has " + value + " bytes";
+            return wrongBlock(fault);
         case FaultQuantity::frames:
             return "it holds no audio";
         case FaultQuantity::markers:
@@ -156,6 +220,10 @@ std::string inWords(const LoadFault& fault) {
             return "it can't be opened";
         case FaultKind::cannotRead:
             return "it can't be read";
+        case FaultKind::emptyFile:
+            return "it is empty";
+        case FaultKind::otherFileType:
+            return std::string(nameOf(fault.type)) + " files aren't read; save it as a plain WAV file";
         case FaultKind::notAWave:
             return "it isn't a WAV file";
         case FaultKind::notAProject:
@@ -170,8 +238,7 @@ std::string inWords(const LoadFault& fault) {
         case FaultKind::badValue:
             return badValueText(fault);
         case FaultKind::formatNotTaken:
-            return "the instrument doesn't take its format (tag " + text(fault.formatTag) + ", " +
-                   text(fault.bits) + " bits)";
+            return formatNotTaken(fault);
         case FaultKind::noGrains:
             return "it holds no audio that can be cut into grains";
     }

@@ -38,9 +38,11 @@ bool holdsProject(RiffStream& stream) {
 /// Throws for the name of a project that the instrument doesn't get whole.
 void checkName(const std::string& file) {
     if (!isSayable(file)) throw FileFailure(file + ": " + kNotSayable);
-    if (wideFromUtf8(file).size() > kLongestProjectPath)
-        throw FileFailure(file + ": its name is longer than " + std::to_string(kLongestProjectPath) +
-                          " characters");
+    const auto characters = static_cast<std::int64_t>(wideFromUtf8(file).size());
+    constexpr auto kMost = static_cast<std::int64_t>(kLongestProjectPath);
+    if (characters > kMost)
+        throw FileFailure(file + ": " +
+                          inWords(badValue(FaultQuantity::pathCharacters, characters, 1, kMost)));
 }
 
 /// Calls a load that raises an exception for some damaged files.

@@ -4,6 +4,8 @@
 #include <array>
 #include <cstdio>
 
+#include "platform/com/Com.h"
+
 namespace marnoth {
 
 std::string fixed(double value, int digits) {
@@ -12,14 +14,14 @@ std::string fixed(double value, int digits) {
     return text.data();
 }
 
-std::string formatName(const WAVEFORMATEX& format) {
-    switch (format.wFormatTag) {
+std::string formatName(std::uint16_t tag) {
+    switch (tag) {
         case WAVE_FORMAT_PCM:
             return "PCM";
         case WAVE_FORMAT_IEEE_FLOAT:
             return "float";
         default:
-            return "tag " + std::to_string(format.wFormatTag);
+            return "tag " + std::to_string(tag);
     }
 }
 

@@ -1,8 +1,7 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
-
-#include "platform/com/Com.h"
 
 namespace marnoth {
 
@@ -11,8 +10,8 @@ namespace marnoth {
 /// A number with this many digits behind the point.
 std::string fixed(double value, int digits);
 
-/// A format's kind: "PCM", "float", or its tag.
-std::string formatName(const WAVEFORMATEX& format);
+/// The kind of samples that a format tag stands for: "PCM", "float", or the tag.
+std::string formatName(std::uint16_t tag);
 
 /// Text from a file for a line of a terminal or a window: what would end the line or steer the terminal
 /// becomes a blank.

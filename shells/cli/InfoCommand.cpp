@@ -117,7 +117,7 @@ void printLoop(const CAcidWave& wave, std::ostream& out) {
 void printText(const CAcidWave& wave, const Cut& cut, const std::string& file, std::ostream& out) {
     const WAVEFORMATEX& format = wave.format;
     out << "file      " << file << '\n'
-        << "format    " << formatName(format) << ", " << format.wBitsPerSample << " bits, "
+        << "format    " << formatName(wave.sampleTag) << ", " << format.wBitsPerSample << " bits, "
         << format.nChannels << (format.nChannels == 1 ? " channel, " : " channels, ") << format.nSamplesPerSec
         << " Hz\n"
         << "length    " << wave.frameCount << " frames, " << fixed(secondsOf(wave), 3) << " s\n";
@@ -150,7 +150,7 @@ Json loopJson(const CAcidWave& wave) {
 
 void printJson(const CAcidWave& wave, const Cut& cut, const std::string& file, std::ostream& out) {
     Json info{{"file", file},
-              {"format", formatName(wave.format)},
+              {"format", formatName(wave.sampleTag)},
               {"bits", wave.format.wBitsPerSample},
               {"channels", wave.format.nChannels},
               {"rate", wave.format.nSamplesPerSec},

@@ -137,7 +137,7 @@ TEST(Render, SaysWhyAFileDoesNotLoad) {
         {"text.wav", "it isn't a WAV file"},
         {"long.wav", "it is too long: 31 seconds"},
         {"beats.wav", "it has 65 beats"},
-        {"bytes.wav", "8 bits"},
+        {"bytes.wav", "8-bit WAV files aren't read; save it with 16 bits or more"},
     };
     for (const auto& [name, reason] : reasons) {
         const CliRun run =

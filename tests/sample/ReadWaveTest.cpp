@@ -52,6 +52,17 @@ TEST(ReadWave, FloatsAreCopiedBitForBit) {
     EXPECT_TRUE(std::signbit(file.wave->samples[1]));
 }
 
+TEST(ReadWave, ExtensibleFormatsAreReadByTheirSubFormat) {
+    EXPECT_EQ(ReadFile(WaveFile().extensible().values(Integers{-32768})).values(1), Floats{-1.0f});
+    EXPECT_EQ(ReadFile(WaveFile().bits(24).extensible().values(Integers{4194304})).values(1), Floats{0.5f});
+    const ReadFile floats(WaveFile().floats().channels(2).extensible().values(Floats{3.5f, -0.25f}));
+    ASSERT_EQ(floats.result, S_OK);
+    EXPECT_EQ(floats.values(2), (Floats{3.5f, -0.25f}));
+    EXPECT_EQ(floats.opened->format.wFormatTag, 0xFFFE);
+    EXPECT_EQ(floats.opened->sampleTag, 3);
+    EXPECT_EQ(floats.wave->format.wFormatTag, 3);
+}
+
 TEST(ReadWave, FormatBecomesFloatAtTheFilesRate) {
     const ReadFile file(WaveFile().rate(22050).channels(2).frames(10));
     const WAVEFORMATEX& format = file.wave->format;
@@ -175,6 +186,15 @@ TEST(ReadWave, OtherDepthsAreRefused) {
             WaveFile().bits(bits).blockAlign(std::max<std::uint16_t>(1, bits / 8)).audio(Bytes(64)));
     }
     expectRefused(WaveFile().bits(32).frames(4));
+    expectRefused(WaveFile().bits(32).extensible().frames(4));
+}
+
+TEST(ReadWave, ASubFormatThatStandsForNoTagIsNoFloat) {
+    constexpr std::size_t kFormat = 20;
+    expectRefused(WaveFile().floats().extensible().poke(kFormat + 39, 0).frames(4));
+    // The count of extra bytes is all that there is.
+    expectRefused(WaveFile().bits(32).tag(0xFFFE).frames(4));
+    EXPECT_EQ(ReadFile(WaveFile().tag(0xFFFE).frames(4)).result, S_OK) << "16 bits are what they are";
 }
 
 TEST(ReadWave, ChannelsThatCanNotBeAreRefused) {

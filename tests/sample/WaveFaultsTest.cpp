@@ -67,6 +67,36 @@ TEST(WaveFault, TellsWhatIsNoWave) {
     EXPECT_EQ(OpenedWave(Bytes(100000, 0))->fault.kind, Kind::notAWave);
 }
 
+TEST(WaveFault, TellsAnEmptyFile) {
+    EXPECT_EQ(OpenedWave(Bytes{})->fault.kind, Kind::emptyFile);
+    EXPECT_EQ(OpenedWave(Bytes{'R'})->fault.kind, Kind::notAWave);
+}
+
+TEST(WaveFault, TellsOtherAudioFilesByTheirFirstBytes) {
+    const auto typeOf = [](std::string begin) {
+        Bytes bytes(begin.begin(), begin.end());
+        bytes.resize(1000);
+        const LoadFault fault = OpenedWave(bytes)->fault;
+        EXPECT_EQ(fault.kind, fault.type == FileType::unknown ? Kind::notAWave : Kind::otherFileType);
+        return fault.type;
+    };
+    EXPECT_EQ(typeOf("RF64\xFF\xFF\xFF\xFFWAVEds64"), FileType::rf64);
+    EXPECT_EQ(typeOf("BW64\xFF\xFF\xFF\xFFWAVEds64"), FileType::rf64);
+    EXPECT_EQ(typeOf("riff\x2E\x91\xCF\x11\xA5\xD6\x28\xDB\x04\xC1"), FileType::w64);
+    EXPECT_EQ(typeOf("fLaC"), FileType::flac);
+    EXPECT_EQ(typeOf(std::string("FORM\0\0\1\0AIFF", 12)), FileType::aiff);
+    EXPECT_EQ(typeOf(std::string("FORM\0\0\1\0AIFC", 12)), FileType::aiff);
+    EXPECT_EQ(typeOf(std::string("FORM\0\0\1\0ILBM", 12)), FileType::unknown);
+    EXPECT_EQ(typeOf("OggS"), FileType::ogg);
+    EXPECT_EQ(typeOf("ID3\x04"), FileType::mp3);
+    // 128 kbit/s at 44100 Hz, layer III of MPEG 1.
+    EXPECT_EQ(typeOf("\xFF\xFB\x90\x64"), FileType::mp3);
+    // The same with a layer, a bit rate and a sample rate that there aren't, and a stream of AAC.
+    for (const char* bytes : {"\xFF\xF9\x90\x64", "\xFF\xFB\xF0\x64", "\xFF\xFB\x9C\x64", "\xFF\xF1\x50\x80"})
+        EXPECT_EQ(typeOf(bytes), FileType::unknown);
+    EXPECT_EQ(typeOf("RIFX"), FileType::unknown);
+}
+
 TEST(WaveFault, NamesAChunkThatIsMissing) {
     EXPECT_EQ(openFault(plain().poke(12, 'x')), missing("fmt "));
     EXPECT_EQ(openFault(plain().poke(36, 'x')), missing("data"));
@@ -107,6 +137,10 @@ TEST(WaveFault, TellsFormatsThatAreNotTaken) {
     EXPECT_EQ(audioFault(WaveFile().bits(32).frames(10)), notTaken(1, 32));
     // The channels don't hide it.
     EXPECT_EQ(audioFault(WaveFile().bits(8).channels(3).frames(10)), notTaken(1, 8));
+    EXPECT_EQ(audioFault(WaveFile().bits(32).extensible().frames(10)), notTaken(1, 32));
+    EXPECT_EQ(audioFault(WaveFile().bits(8).tag(6).extensible().frames(10)), notTaken(6, 8));
+    // The blocks of what is compressed don't hide it either.
+    EXPECT_EQ(audioFault(WaveFile().tag(0x11).blockAlign(512).audio(Bytes(1024))), notTaken(0x11, 16));
 }
 
 TEST(WaveFault, TellsNumbersOfTheFormatThatAreNotTaken) {

@@ -26,11 +26,13 @@ TEST(FaultText, OfTheFileItself) {
     EXPECT_EQ(ofKind(Kind::notAFile), "it isn't a file");
     EXPECT_EQ(ofKind(Kind::cannotOpen), "it can't be opened");
     EXPECT_EQ(ofKind(Kind::cannotRead), "it can't be read");
+    EXPECT_EQ(ofKind(Kind::emptyFile), "it is empty");
     EXPECT_EQ(ofKind(Kind::notAWave), "it isn't a WAV file");
     EXPECT_EQ(ofKind(Kind::notAProject), "it isn't a project");
     EXPECT_EQ(ofKind(Kind::neverFinished), "its saving was never finished");
     EXPECT_EQ(inWords(badValue(Quantity::pathCharacters, 300, 1, 259)),
-              "its name is longer than 259 characters");
+              "its path is too long: 300 characters; the instrument takes 259; move it into a folder with a "
+              "shorter path");
 }
 
 TEST(FaultText, OfNoFaultSaysNoMoreThanIsKnown) {
@@ -68,13 +70,39 @@ TEST(FaultText, OfAWaveNamesValueAndLimit) {
               "it has 300 channels; the instrument takes 1 to 256");
     EXPECT_EQ(inWords(badValue(Quantity::rate, 0, 1, 0xFFFFFFFF, format)), "its sample rate is 0 Hz");
     EXPECT_EQ(inWords(badValue(Quantity::blockBytes, 6, 4, 4, format)),
-              "its format is damaged: it says that a frame has 6 bytes");
+              "its format is damaged: it says that a frame has 6 bytes, where its channels and bits make 4");
+    EXPECT_EQ(inWords(badValue(Quantity::blockBytes, 0, 1, 0xFFFF, format)),
+              "its format is damaged: it says that a frame has 0 bytes");
     EXPECT_EQ(inWords(badValue(Quantity::frames, 0, 1, 0xFFFFFFFF)), "it holds no audio");
     EXPECT_EQ(inWords(badValue(Quantity::markers, 2000000, 0, 1048576)),
               "it has 2000000 stretch markers; a file may have 1048576");
-    EXPECT_EQ(inWords({.kind = Kind::formatNotTaken, .formatTag = 1, .bits = 8, .place = format}),
-              "the instrument doesn't take its format (tag 1, 8 bits)");
     EXPECT_EQ(ofKind(Kind::noGrains), "it holds no audio that can be cut into grains");
+}
+
+TEST(FaultText, OfSamplesThatAreNotTakenSaysHowToSaveThem) {
+    const auto ofFormat = [](std::uint16_t tag, std::uint16_t bits) {
+        return inWords({.kind = Kind::formatNotTaken, .formatTag = tag, .bits = bits});
+    };
+    EXPECT_EQ(ofFormat(1, 8), "8-bit WAV files aren't read; save it with 16 bits or more");
+    EXPECT_EQ(ofFormat(1, 32),
+              "32-bit integer WAV files aren't read; save it with 24 bits, or with 32 bits of float");
+    EXPECT_EQ(ofFormat(3, 64),
+              "64-bit WAV files aren't read; save it with 24 bits, or with 32 bits of float");
+    EXPECT_EQ(ofFormat(6, 8), "A-law WAV files aren't read; save it with 16 bits or more");
+    EXPECT_EQ(ofFormat(7, 8), "mu-law WAV files aren't read; save it with 16 bits or more");
+    EXPECT_EQ(ofFormat(2, 4), "ADPCM WAV files aren't read; save it with 16 bits or more");
+    EXPECT_EQ(ofFormat(0x11, 4), "ADPCM WAV files aren't read; save it with 16 bits or more");
+    EXPECT_EQ(ofFormat(0x31, 0),
+              "0-bit WAV files of format tag 49 aren't read; save it with 16 bits or more");
+}
+
+TEST(FaultText, OfOtherAudioFilesNamesTheirType) {
+    using enum FileType;
+    const std::vector<std::pair<FileType, std::string>> names{{rf64, "RF64"}, {w64, "W64"}, {flac, "FLAC"},
+                                                              {aiff, "AIFF"}, {ogg, "Ogg"}, {mp3, "MP3"}};
+    for (const auto& [type, name] : names)
+        EXPECT_EQ(inWords({.kind = Kind::otherFileType, .type = type}),
+                  name + " files aren't read; save it as a plain WAV file");
 }
 
 TEST(FaultText, OfAProjectNamesValueAndLimit) {

@@ -60,6 +60,8 @@ public:
     WaveFile& tag(std::uint16_t formatTag) { return tag_ = formatTag, *this; }
     /// 32-bit float. Before the frames.
     WaveFile& floats() { return bits(32).tag(3); }
+    /// The format is told in 40 bytes, with the tag as that of the sub-format.
+    WaveFile& extensible() { return extensible_ = true, *this; }
     WaveFile& blockAlign(std::uint16_t bytes) { return blockAlign_ = bytes, *this; }
     WaveFile& bytesPerSecond(std::uint32_t bytes) { return bytesPerSecond_ = bytes, *this; }
 
@@ -225,14 +227,24 @@ private:
     Bytes formatBody() const {
         const auto align = blockAlign_.value_or(static_cast<std::uint16_t>(channels_ * bits_ / 8));
         Bytes body;
-        append(body, tag_);
+        append(body, extensible_ ? std::uint16_t{0xFFFE} : tag_);
         append(body, channels_);
         append(body, rate_);
         append(body, bytesPerSecond_.value_or(rate_ * align));
         append(body, align);
         append(body, bits_);
+        if (extensible_) return appendExtension(body), body;
         if (tag_ != 1) append(body, std::uint16_t{0});
         return body;
+    }
+
+    void appendExtension(Bytes& body) const {
+        append(body, std::uint16_t{22});
+        append(body, bits_);
+        append(body, std::uint32_t{3});  // where the channels stand in the room
+        append(body, tag_);
+        const Bytes family{0, 0, 0, 0, 0x10, 0, 0x80, 0, 0, 0xAA, 0, 0x38, 0x9B, 0x71};
+        body.insert(body.end(), family.begin(), family.end());
     }
 
     std::vector<Chunk> chunks() const {
@@ -287,6 +299,7 @@ private:
     std::uint16_t channels_ = 1;
     std::uint16_t bits_ = 16;
     std::uint16_t tag_ = 1;
+    bool extensible_ = false;
     std::optional<std::uint16_t> blockAlign_;
     std::optional<std::uint32_t> bytesPerSecond_;
     std::string formType_ = "WAVE";
