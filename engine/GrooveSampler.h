@@ -156,6 +156,11 @@ public:
 
     // IMarnothFaults.
     HRESULT GetLoadFault(LoadFault* fault) override;
+    HRESULT GetLoadDamage(LoadFault* damage) override;
+
+    // IMarnothOptions.
+    HRESULT SetLenientFiles(std::uint32_t on) override;
+    HRESULT GetLenientFiles(std::uint32_t* on) override;
 
 protected:
     virtual ~CGrooveSampler();
@@ -197,9 +202,9 @@ private:
     /// The same, and back to the default key map.
     void removeProjectAndKeys(FormerProject& former);
 
-    /// Texts in the system code page. `fault` tells why the file isn't loaded.
+    /// Texts in the system code page. `outcome` tells why the file isn't loaded, or what is damaged in it.
     HRESULT LoadFile(const char* name, const char* path, std::int32_t& index, std::uint32_t& status,
-                     LoadFault& fault);
+                     LoadOutcome& outcome);
     /// Puts a file that has been read behind the others of the Loop Bin, if there is room; `status` says so.
     void addToBin(const BinFile& file, std::int32_t& index, std::uint32_t& status);
 
@@ -221,6 +226,7 @@ private:
     std::unique_ptr<UndoRing> undo_ = std::make_unique<UndoRing>();
     BlockRenderer renderer_;
     std::uint32_t auditionEnabled_ = 0;
+    std::uint32_t lenientFiles_ = 0;    ///< 1 or 0
     std::uint32_t refreshRequest_ = 0;  ///< the one mailbox to the page
 };
 

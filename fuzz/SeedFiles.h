@@ -34,6 +34,8 @@ inline std::vector<std::pair<std::string, test::WaveFile>> waveSeeds() {
                                        .info("INAM", "name")
                                        .info("IART", "odd")
                                        .addChunk("junk", {1, 2, 3}));
+    seeds.emplace_back("extensible.wav", WaveFile().floats().extensible().frames(64, tone));
+    seeds.emplace_back("unfinished.wav", WaveFile().frames(64, tone).claim("data", 0).claim("RIFF", 0));
     seeds.emplace_back("cut-short.wav", WaveFile().frames(300, tone).truncate(200));
     return seeds;
 }

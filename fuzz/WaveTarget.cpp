@@ -14,6 +14,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     constexpr std::uint32_t kRates[]{8000, 11025, 22050, 48000};
     const std::uint8_t choice = choices(data, size);
     test::EngineHost host(kRates[choice & 3], choice & 4 ? 1 : 2);
+    host.engine.SetLenientFiles(choice & 8);
     std::int32_t bin = -1;
     std::uint32_t status = 0;
     const HRESULT result = host.engine.LoadFileToPad(0, "file", file.name(), &bin, &status);

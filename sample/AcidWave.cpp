@@ -38,6 +38,10 @@ T field(const std::byte* record, int offset) {
 constexpr std::array<unsigned char, 14> kTagFamily{0x00, 0x00, 0x00, 0x00, 0x10, 0x00, 0x80,
                                                    0x00, 0x00, 0xAA, 0x00, 0x38, 0x9B, 0x71};
 
+/// Sizes from here on stand for an unknown length in files that were written into a pipe.
+constexpr std::uint32_t kUnknownSize = 0x7FFF0000;
+constexpr std::uint32_t kMostChunkBytes = 0xFFFFFFFF;
+
 std::string_view labelOf(std::uint32_t code) {
     std::string_view label;
     for (const TagLabel& row : kTagLabels) {
@@ -71,6 +75,7 @@ void CAcidWave::forget() {
     tags.fill({});
     lastError = kRiffOk;
     fault = {};
+    damage = {};
     unread_ = 0;
 }
 
@@ -114,6 +119,8 @@ bool CAcidWave::openForm(const char* path) {
     riff_ = {};
     const bool isWave =
         file_.descend(riff_) == kRiffOk && riff_.ckid == kRiffId && riff_.fccType == fourCC("WAVE");
+    // The form's size is written last, and never into a pipe.
+    if (lenient && riff_.cksize == 0) riff_.cksize = kMostChunkBytes;
     return isWave || fail(kRiffInvalidFile, whyNotAWave());
 }
 
@@ -156,8 +163,28 @@ void CAcidWave::readSubFormat(const ChunkInfo& chunk) {
         sampleTag = field<std::uint16_t>(extension.data(), kSubFormatOffset);
 }
 
+bool CAcidWave::findData() {
+    if (!find("data", data_)) return false;
+    if (lenient) takeWhatIsThere();
+    return true;
+}
+
+/// Has the chunk end with the file where it claims more than there is, or says nothing: a size of 0 counts as
+/// nothing where the form doesn't go on behind it.
+void CAcidWave::takeWhatIsThere() {
+    const std::int64_t missing = data_.end() - fileBytes;
+    const std::int64_t there = std::max<std::int64_t>(fileBytes - data_.dataOffset, 0);
+    const bool formGoesOn = riff_.end() > data_.dataOffset && riff_.end() <= fileBytes;
+    const bool isOpen = data_.cksize == 0 && there > 0 && !formGoesOn;
+    if (missing <= 0 && !isOpen) return;
+    damage = isOpen || data_.cksize >= kUnknownSize
+                 ? LoadFault{.kind = FaultKind::lengthUnknown, .place = {data_.ckid}}
+                 : LoadFault{.kind = FaultKind::cutShort, .place = {data_.ckid}, .value = missing};
+    data_.cksize = static_cast<std::uint32_t>(std::min<std::int64_t>(there, kMostChunkBytes));
+}
+
 bool CAcidWave::measureData() {
-    if (!find("data", data_)) return lacks("data");
+    if (!findData()) return lacks("data");
     if (data_.cksize == 0)
         return fail(kRiffInvalidFile, badValue(FaultQuantity::frames, 0, 1, kMostFrames, {data_.ckid}));
     dataBytes = data_.cksize;
@@ -312,7 +339,7 @@ HRESULT CAcidWave::SeekFrame(std::uint32_t frame) {
     constexpr std::int64_t kFormTypeBytes = 4;
     unread_ = 0;
     if (file_.seek(riff_.dataOffset + kFormTypeBytes)) return failWith(kRiffCannotSeek);
-    if (!find("data", data_)) return failWith(kRiffChunkNotFound);
+    if (!findData()) return failWith(kRiffChunkNotFound);
     const std::int64_t offset = static_cast<std::int64_t>(frame) * format.nBlockAlign;
     if (file_.seek(data_.dataOffset + offset)) return failWith(kRiffCannotSeek);
     readPosition = static_cast<std::uint32_t>(offset);

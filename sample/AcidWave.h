@@ -54,6 +54,9 @@ public:
     CAcidWave(const CAcidWave&) = delete;
     CAcidWave& operator=(const CAcidWave&) = delete;
 
+    /// Whether `Open` takes audio that is cut short, or of unknown length, as far as the file holds it.
+    bool lenient = false;
+
     /// Opens and parses a file. `path` is in the system code page (UTF-8 where there is none), cut at 255
     /// characters. 0 when the file can be read, with or without loop data, and stays open for `SeekFrame` and
     /// `ReadData`; `E_FAIL` otherwise, with the reason in `fault` and `lastError` and the file closed.
@@ -70,7 +73,7 @@ public:
     /// copied. When the file ends first, `buffer` holds what was there, the result is 0 and `lastError` 261.
     std::uint32_t ReadData(void* buffer, std::uint32_t bytes);
 
-    /// Bytes of the audio that lie behind the end of the file; 0 when all of it is there.
+    /// Bytes of the audio, as it is taken, that lie behind the end of the file; 0 when all of it is there.
     std::int64_t missingBytes() const { return std::max<std::int64_t>(data_.end() - fileBytes, 0); }
 
     std::int32_t GetSegmentCount() const { return static_cast<std::int32_t>(segments.size()); }
@@ -85,8 +88,8 @@ public:
     std::uint32_t durationMs = 0;  ///< by the average byte rate; 0xFFFFFFFF when that gives no number
     float durationSeconds = 0;
     std::uint32_t readPosition = 0;  ///< bytes into the `data` chunk
-    std::uint32_t frameCount = 0;    ///< by the chunk's size, of which the file may hold less
-    std::uint32_t isLoop = 0;        ///< 0 for a one-shot
+    std::uint32_t frameCount = 0;  ///< by the chunk's size, of which the file may hold less unless `lenient`
+    std::uint32_t isLoop = 0;      ///< 0 for a one-shot
     std::uint32_t rootNoteSet = 0;
     std::int32_t rootNote = 0;  ///< 0 to 11 counted from A; a negative note leaves a negative remainder
     std::uint32_t stretchOn = 0;
@@ -102,7 +105,8 @@ public:
     std::uint16_t sampleTag = 0;  ///< what the samples are: the sub-format's tag of an extensible format
     std::uint32_t lastError = 0;  ///< a `RiffError`
     LoadFault fault;              ///< why `Open` failed
-    std::int64_t dataBytes = 0;   ///< size of the measured `data` chunk, as its header says
+    LoadFault damage;             ///< what a lenient `Open` passed over
+    std::int64_t dataBytes = 0;   ///< size of the measured `data` chunk, as its header says or as it is taken
     std::int64_t fileBytes = 0;   ///< size of the file
 
 private:
@@ -121,6 +125,8 @@ private:
     LoadFault whyNotAWave();
     bool readFormat();
     void readSubFormat(const ChunkInfo& chunk);
+    bool findData();
+    void takeWhatIsThere();
     bool measureData();
     bool readTags();
     bool readTag(WaveTag& tag, const ChunkInfo& list);

@@ -20,6 +20,9 @@ struct IMarnothFaults : IUnknown {
     /// ended: `FaultKind::none` when it did what it was asked for, when there was none yet, and when another
     /// instrument has loaded on this thread since. A call that is refused for its arguments isn't a load.
     virtual HRESULT GetLoadFault(LoadFault* fault) = 0;
+    /// What the same load passed over, since damaged files are taken as far as they go
+    /// (`IMarnothOptions::SetLenientFiles`): `cutShort` or `lengthUnknown` of the audio, else none.
+    virtual HRESULT GetLoadDamage(LoadFault* damage) = 0;
 };
 
 }  // namespace marnoth

@@ -20,6 +20,14 @@ struct IMarnothOptions : IUnknown {
     virtual HRESULT SetSteady(std::uint32_t on) = 0;
     /// 1 or 0. `E_POINTER` for null.
     virtual HRESULT GetSteady(std::uint32_t* on) = 0;
+    /// Whether the loads of audio files that begin from now on take the audio as far as it goes where a file
+    /// ends before its audio does, or doesn't say how long that is, as files do that were written into a pipe
+    /// or whose recording broke off. What is passed over is told by `IMarnothFaults::GetLoadDamage`.
+    /// Otherwise what is missing is silence, up to a limit; beyond it, and where nothing is said, the file
+    /// isn't loaded.
+    virtual HRESULT SetLenientFiles(std::uint32_t on) = 0;
+    /// 1 or 0. `E_POINTER` for null.
+    virtual HRESULT GetLenientFiles(std::uint32_t* on) = 0;
 };
 
 }  // namespace marnoth

@@ -23,6 +23,7 @@ enum class FaultKind : std::uint8_t {
     notAProject,     ///< no RIFF form of a project where one is looked for
     neverFinished,   ///< a project whose saving broke off
     cutShort,        ///< `value` bytes are missing at its end, 0 where nobody knows how many
+    lengthUnknown,   ///< `place`: the chunk doesn't say how long it is
     chunkMissing,    ///< `place`
     chunkDamaged,    ///< `place`: the chunk is too small for what it must hold
     badValue,        ///< `place`; `quantity` is `value`, which lies outside of `least` to `most`

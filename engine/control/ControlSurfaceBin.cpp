@@ -24,17 +24,27 @@ bool breaksLimit(const LoadFault& fault) {
              fault.quantity == FaultQuantity::shotSeconds || fault.quantity == FaultQuantity::rate));
 }
 
+/// How files are read: what an instrument is at when a load begins.
+struct Reading {
+    WAVEFORMATEX format;      ///< the engine's
+    std::int32_t sampleRate;  ///< the host's
+    bool lenient;
+};
+
 /// Reads a file into `file`, which nobody else may see yet.
-HRESULT readFile(BinFile& file, const char* name, const char* path, const WAVEFORMATEX& format,
-                 std::int32_t sampleRate, LoadFault& fault) {
+HRESULT readFile(BinFile& file, const char* name, const char* path, const Reading& reading,
+                 LoadOutcome& outcome) {
     CAcidWave wave;
+    wave.lenient = reading.lenient;
     if (wave.Open(path) != S_OK) {
-        fault = wave.fault;
+        outcome.fault = wave.fault;
         return E_INVALIDARG;
     }
-    fault = file.LoadFromWave(wave, wideFromSystem(name), wideFromSystem(path), 0, format, sampleRate);
+    outcome.fault = file.LoadFromWave(wave, wideFromSystem(name), wideFromSystem(path), 0, reading.format,
+                                      reading.sampleRate);
+    if (!outcome.fault) outcome.damage = wave.damage;
     file.track.looping = 1;
-    return breaksLimit(fault) ? E_UNEXPECTED : codeOf(fault);
+    return breaksLimit(outcome.fault) ? E_UNEXPECTED : codeOf(outcome.fault);
 }
 
 /// Takes out the grains of a file that goes, and closes the gap that its number leaves.
@@ -52,29 +62,27 @@ void forgetFile(CGrooveTrack& track, std::int32_t bin, bool removeGrains) {
 HRESULT CGrooveSampler::LoadFileToBin(const char* title, const char* path, std::int32_t* bin,
                                       std::uint32_t* status) {
     if (!title || !path || !bin || !status) return E_POINTER;
-    LoadFault fault;
+    LoadOutcome outcome;
     HRESULT result;
     try {
-        result = LoadFile(title, path, *bin, *status, fault);
+        result = LoadFile(title, path, *bin, *status, outcome);
     } catch (const std::bad_alloc&) {
-        fault = {.kind = FaultKind::noMemory};
+        outcome = {{.kind = FaultKind::noMemory}, {}};
         result = E_OUTOFMEMORY;
     }
-    lastFault_.set(fault);
+    lastFault_.set(outcome);
     return result;
 }
 
 HRESULT CGrooveSampler::LoadFile(const char* name, const char* path, std::int32_t& index,
-                                 std::uint32_t& status, LoadFault& fault) {
+                                 std::uint32_t& status, LoadOutcome& outcome) {
     const std::wstring widePath = wideFromSystem(path);
     bool forced;
-    WAVEFORMATEX format;
-    std::int32_t sampleRate;
+    Reading reading;
     {
         CAutoLock lock(*this);
         forced = CheckFormat() != 0;
-        format = inputFormat;
-        sampleRate = context().GetSampleRate();
+        reading = {inputFormat, context().GetSampleRate(), lenientFiles_ != 0};
         status = kLoaded;
         if (const std::int32_t found = bank_.present().bin.find(widePath); found >= 0) {
             index = found;
@@ -83,8 +91,7 @@ HRESULT CGrooveSampler::LoadFile(const char* name, const char* path, std::int32_
     }
     // Long work on a file that nobody else can see: blocks go on meanwhile.
     BinFile file;
-    if (const HRESULT result = readFile(file, name, path, format, sampleRate, fault); FAILED(result))
-        return result;
+    if (const HRESULT result = readFile(file, name, path, reading, outcome); FAILED(result)) return result;
     addToBin(file, index, status);
     return status == kBinFull ? kSeeStatus : loadedResult(forced, status);
 }

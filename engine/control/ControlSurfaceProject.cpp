@@ -43,7 +43,26 @@ HRESULT CGrooveSampler::ClearProject() {
 
 HRESULT CGrooveSampler::GetLoadFault(LoadFault* fault) {
     if (!fault) return E_POINTER;
-    *fault = lastFault_.get();
+    *fault = lastFault_.get().fault;
+    return S_OK;
+}
+
+HRESULT CGrooveSampler::GetLoadDamage(LoadFault* damage) {
+    if (!damage) return E_POINTER;
+    *damage = lastFault_.get().damage;
+    return S_OK;
+}
+
+HRESULT CGrooveSampler::SetLenientFiles(std::uint32_t on) {
+    const CAutoLock lock(*this);
+    lenientFiles_ = on != 0;
+    return S_OK;
+}
+
+HRESULT CGrooveSampler::GetLenientFiles(std::uint32_t* on) {
+    if (!on) return E_POINTER;
+    const CAutoLock lock(*this);
+    *on = lenientFiles_;
     return S_OK;
 }
 

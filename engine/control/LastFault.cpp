@@ -7,7 +7,7 @@ namespace {
 
 struct Kept {
     std::uint64_t instrument = 0;
-    LoadFault fault;
+    LoadOutcome outcome;
 };
 
 Kept& kept() noexcept {
@@ -25,12 +25,12 @@ std::uint64_t nextNumber() {
 
 LastFault::LastFault() : instrument_(nextNumber()) {}
 
-void LastFault::set(const LoadFault& fault) noexcept {
-    kept() = {instrument_, fault};
+void LastFault::set(const LoadOutcome& outcome) noexcept {
+    kept() = {instrument_, outcome};
 }
 
-LoadFault LastFault::get() const noexcept {
-    return kept().instrument == instrument_ ? kept().fault : LoadFault{};
+LoadOutcome LastFault::get() const noexcept {
+    return kept().instrument == instrument_ ? kept().outcome : LoadOutcome{};
 }
 
 }  // namespace marnoth

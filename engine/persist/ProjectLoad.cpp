@@ -58,7 +58,7 @@ HRESULT CGrooveSampler::replaceProject(Load load) {
         result = E_OUTOFMEMORY;
     }
     if (FAILED(result)) empty(&CGrooveSampler::removeProjectAndKeys);
-    lastFault_.set(fault);
+    lastFault_.set({fault, {}});
     if (namesGrainBelowZero(fault)) throw std::invalid_argument("a pad's grain names a grain below 0");
     return result;
 }

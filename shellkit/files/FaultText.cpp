@@ -53,7 +53,7 @@ std::string cutShort(const LoadFault& fault) {
 const char* nameOf(FileType type) {
     switch (type) {
         case FileType::unknown:
-            return "audio";
+            break;
         case FileType::rf64:
             return "RF64";
         case FileType::w64:
@@ -67,7 +67,7 @@ const char* nameOf(FileType type) {
         case FileType::mp3:
             return "MP3";
     }
-    return {};
+    return "audio";
 }
 
 /// What codes the samples; nothing for PCM, float and what isn't known.
@@ -170,6 +170,14 @@ std::string wrongBlock(const LoadFault& fault) {
            (isKnown ? ", where its channels and bits make " + text(fault.most) : "");
 }
 
+LoadFault askedOf(IUnknown& instrument, HRESULT (IMarnothFaults::*question)(LoadFault*)) {
+    RefPtr<IMarnothFaults> faults;
+    LoadFault fault;
+    if (SUCCEEDED(instrument.QueryInterface(IID_IMarnothFaults, faults.putVoid())))
+        (faults.get()->*question)(&fault);
+    return fault;
+}
+
 std::string badValueText(const LoadFault& fault) {
     const std::string value = text(fault.value);
     const std::string most = text(fault.most);
@@ -232,6 +240,8 @@ std::string inWords(const LoadFault& fault) {
             return "its saving was never finished";
         case FaultKind::cutShort:
             return cutShort(fault);
+        case FaultKind::lengthUnknown:
+            return "it doesn't say how long it is";
         case FaultKind::chunkMissing:
         case FaultKind::chunkDamaged:
             return partOf(fault.place) + " missing or damaged";
@@ -252,11 +262,20 @@ std::string whyNotLoaded(const std::string& file, const LoadFault& fault) {
 }
 
 LoadFault lastLoadFault(IUnknown& instrument) {
-    RefPtr<IMarnothFaults> faults;
-    LoadFault fault;
-    if (SUCCEEDED(instrument.QueryInterface(IID_IMarnothFaults, faults.putVoid())))
-        faults->GetLoadFault(&fault);
-    return fault;
+    return askedOf(instrument, &IMarnothFaults::GetLoadFault);
+}
+
+LoadFault lastLoadDamage(IUnknown& instrument) {
+    return askedOf(instrument, &IMarnothFaults::GetLoadDamage);
+}
+
+std::string damageInWords(const LoadFault& damage) {
+    return inWords(damage) + "; what is there is taken";
+}
+
+std::string notFiniteText(std::int64_t count) {
+    return text(count) + (count == 1 ? " sample is not a number" : " samples are not numbers") +
+           " (NaN or infinite)";
 }
 
 bool isSayable(const std::string& name) {

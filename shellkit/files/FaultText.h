@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 #include "seam/LoadFault.h"
@@ -15,6 +16,14 @@ std::string whyNotLoaded(const std::string& file, const LoadFault& fault);
 
 /// Why the last load of an instrument failed on this thread; no fault from one that can't tell.
 LoadFault lastLoadFault(IUnknown& instrument);
+
+/// What the last load of an instrument on this thread passed over in a damaged file; none from one that can't
+/// tell. And in words, as above.
+LoadFault lastLoadDamage(IUnknown& instrument);
+std::string damageInWords(const LoadFault& damage);
+
+/// In words that so many samples of it are no numbers.
+std::string notFiniteText(std::int64_t count);
 
 /// Whether the instrument, which takes names in the system code page, gets this one whole; and in words, when
 /// it doesn't.

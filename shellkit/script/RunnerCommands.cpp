@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "seam/Limits.h"
+#include "shellkit/files/LoopFiles.h"
 #include "shellkit/script/ScriptCommand.h"
 #include "shellkit/script/ScriptNumbers.h"
 #include "shellkit/script/ScriptWords.h"
@@ -116,6 +117,10 @@ std::string silenceFlag(ScriptSession& session, Arguments words) {
     return done();
 }
 
+std::string lenient(ScriptSession& session, Arguments words) {
+    return printResult(setLenientFiles(session.rig().sampler(), readSwitch(words[0], "on", "off")));
+}
+
 std::string block(ScriptSession& session, Arguments words) {
     const auto frames = readInteger(words[0], "FRAMES", 1, kMostBlockFrames);
     return printResult(session.setBlock(static_cast<std::int32_t>(frames)));
@@ -162,6 +167,7 @@ std::vector<ScriptCommand> runnerCommands() {
         {"input", "silence|zeros|FILE", input},
         {"silence-flag", "on|off", silenceFlag},
         {"block", "FRAMES", block},
+        {"lenient", "on|off", lenient},
         {"pause", "", pause},
         {"run", "", run},
         {"stop", "", stop},

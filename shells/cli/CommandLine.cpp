@@ -214,7 +214,7 @@ int carryOut(const Request& request, const Grammar& grammar, std::ostream& out, 
     if (grammar.chose("script"))
         status = runScriptFile(request.script, pathFromUtf8(request.scriptOut), out, errors);
     else if (grammar.chose("render"))
-        runRender(renderOptions(request), out);
+        runRender(renderOptions(request), out, errors);
     else if (grammar.chose("page"))
         runPage(request.page, out);
     else

@@ -14,6 +14,7 @@
 #include "hostkit/HostRig.h"
 #include "sample/AcidNames.h"
 #include "sample/AcidWave.h"
+#include "sample/NotFinite.h"
 #include "seam/MusicalTime.h"
 #include "shellkit/files/FaultText.h"
 #include "shellkit/files/LoopFiles.h"
@@ -58,6 +59,7 @@ std::vector<GrainInfo> grainsOf(IGrooveSampler& sampler, std::int32_t bin) {
 Cut cutFile(const std::string& file, const WAVEFORMATEX& format) {
     const bool usual = format.nSamplesPerSec >= 1 && format.nSamplesPerSec <= kMostRate;
     HostRig rig{createInstrument};
+    setLenientFiles(rig.sampler(), true);
     const std::array<int, 1> mix{0};
     rig.connect(usual ? format.nSamplesPerSec : 44100, 2, mix);
     const std::filesystem::path path = std::filesystem::absolute(pathFromUtf8(file));
@@ -114,7 +116,17 @@ void printLoop(const CAcidWave& wave, std::ostream& out) {
     if (wave.hasStretch) out << "markers   " << wave.stretchMarkerCount << ", " << divisionName(wave) << '\n';
 }
 
-void printText(const CAcidWave& wave, const Cut& cut, const std::string& file, std::ostream& out) {
+/// What its user should know of a file that is taken as it is.
+std::vector<std::string> warningsOf(CAcidWave& wave, const Cut& cut) {
+    std::vector<std::string> warnings;
+    if (wave.damage) warnings.push_back(damageInWords(wave.damage));
+    // What the instrument refuses may be of any length.
+    if (const std::int64_t count = cut.refusal.empty() ? countNotFinite(wave) : 0; count > 0)
+        warnings.push_back(notFiniteText(count));
+    return warnings;
+}
+
+void printText(CAcidWave& wave, const Cut& cut, const std::string& file, std::ostream& out) {
     const WAVEFORMATEX& format = wave.format;
     out << "file      " << file << '\n'
         << "format    " << formatName(wave.sampleTag) << ", " << format.wBitsPerSample << " bits, "
@@ -124,6 +136,7 @@ void printText(const CAcidWave& wave, const Cut& cut, const std::string& file, s
     for (const WaveTag* tag : tagsOf(wave))
         out << "tag       " << tag->label << ' ' << inOneLine(fromInstrument(tag->value)) << '\n';
     printLoop(wave, out);
+    for (const std::string& warning : warningsOf(wave, cut)) out << "warning   " << warning << '\n';
     if (!cut.refusal.empty()) {
         out << "grains    none: " << cut.refusal << '\n';
         return;
@@ -148,7 +161,7 @@ Json loopJson(const CAcidWave& wave) {
     return loop;
 }
 
-void printJson(const CAcidWave& wave, const Cut& cut, const std::string& file, std::ostream& out) {
+void printJson(CAcidWave& wave, const Cut& cut, const std::string& file, std::ostream& out) {
     Json info{{"file", file},
               {"format", formatName(wave.sampleTag)},
               {"bits", wave.format.wBitsPerSample},
@@ -159,6 +172,7 @@ void printJson(const CAcidWave& wave, const Cut& cut, const std::string& file, s
     info["tags"] = Json::object();
     for (const WaveTag* tag : tagsOf(wave)) info["tags"][nameOf(*tag)] = fromInstrument(tag->value);
     info["loop"] = loopJson(wave);
+    info["warnings"] = warningsOf(wave, cut);
     info["refused"] = cut.refusal.empty() ? Json() : Json(cut.refusal);
     info["grains"] = Json::array();
     for (const GrainInfo& grain : cut.grains)

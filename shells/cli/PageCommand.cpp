@@ -8,6 +8,7 @@
 #include "host/CreateInstance.h"
 #include "hostkit/HostRig.h"
 #include "shellkit/files/Failure.h"
+#include "shellkit/files/LoopFiles.h"
 #include "shellkit/files/ProjectFiles.h"
 #include "shellkit/media/PngFile.h"
 #include "shellkit/page/HeadlessPage.h"
@@ -84,6 +85,7 @@ std::vector<std::string> openables() {
 void runPage(const PageOptions& options, std::ostream& report) {
     HostRig rig{createInstrument};
     connect(rig);
+    setLenientFiles(rig.sampler(), true);
     if (!options.project.empty()) loadProjectFile(rig.sampler(), options.project);
     HeadlessPage page(rig.sampler(), {});
     page.page().setRootScale(RootScale::ofLoops);

@@ -4,11 +4,15 @@
 #include <filesystem>
 #include <optional>
 #include <ostream>
+#include <span>
+#include <string>
 #include <vector>
 
 #include "platform/text/Text.h"
+#include "sample/NotFinite.h"
 #include "seam/Limits.h"
 #include "seam/MusicalTime.h"
+#include "shellkit/files/FaultText.h"
 #include "shellkit/files/ProjectFiles.h"
 #include "shellkit/text/InstrumentText.h"
 #include "shellkit/text/NoteNames.h"
@@ -53,6 +57,12 @@ std::int64_t audioBytes(const Project& project) {
 /// A file that doesn't follow the key was never given a root, whatever number it holds.
 bool hasRoot(const ProjectFile& file) {
     return file.settings.followKey != 0 && file.settings.rootNote != kNoRoot;
+}
+
+std::vector<std::string> warningsOf(const CWaveMem& wave) {
+    const auto values = static_cast<std::size_t>(wave.frames * wave.format.nChannels);
+    const std::int64_t count = countNotFinite(std::span<const float>(wave.samples.get(), values));
+    return count > 0 ? std::vector{notFiniteText(count)} : std::vector<std::string>{};
 }
 
 /// One pad as it is told: its number from 1, and what is set.
@@ -116,6 +126,7 @@ void printFile(const ProjectFile& file, std::size_t number, std::ostream& out) {
     out << '\n'
         << kIndent << "grains  " << file.grains.size() << '\n'
         << kIndent << "audio   " << audioBytes(wave) << " bytes\n";
+    for (const std::string& warning : warningsOf(wave)) out << kIndent << "warning " << warning << '\n';
 }
 
 void printPad(const PadView& view, std::ostream& out) {
@@ -168,7 +179,8 @@ Json fileJson(const ProjectFile& file) {
             {"tempo", loop.tempo ? Json(*loop.tempo) : Json()},
             {"rootNote", hasRoot(file) ? Json(rootName(file.settings.rootNote)) : Json()},
             {"grains", file.grains.size()},
-            {"audioBytes", audioBytes(wave)}};
+            {"audioBytes", audioBytes(wave)},
+            {"warnings", warningsOf(wave)}};
 }
 
 Json padJson(const PadView& view) {

@@ -7,14 +7,17 @@
 #include <cmath>
 #include <cstdio>
 #include <filesystem>
+#include <iterator>
 #include <memory>
 #include <ostream>
 
 #include "host/CreateInstance.h"
 #include "hostkit/HostRig.h"
+#include "sample/AcidWave.h"
 #include "seam/Limits.h"
 #include "seam/MusicalTime.h"
 #include "shellkit/files/Failure.h"
+#include "shellkit/files/FaultText.h"
 #include "shellkit/files/LoopFiles.h"
 #include "shellkit/files/ProjectFiles.h"
 #include "shellkit/media/RenderOutput.h"
@@ -22,6 +25,7 @@
 #include "shellkit/script/ScriptNumbers.h"
 #include "shellkit/text/InstrumentText.h"
 #include "shellkit/text/NoteNames.h"
+#include "shellkit/text/PlainText.h"
 #include "shells/cli/Progress.h"
 #include "shells/cli/RenderPads.h"
 
@@ -48,10 +52,17 @@ bool isSamePlace(const std::filesystem::path& a, const std::filesystem::path& b)
     return std::filesystem::weakly_canonical(a, ignored) == std::filesystem::weakly_canonical(b, ignored);
 }
 
+bool hasLoopData(const std::string& file) {
+    CAcidWave wave;
+    openLoopFile(wave, file);
+    return wave.hasAcid != 0;
+}
+
 /// One offline render: the instrument in its host, what it plays, and where the audio goes.
 class OfflineRender {
 public:
-    explicit OfflineRender(const RenderOptions& options) : options_(options) {}
+    OfflineRender(const RenderOptions& options, std::ostream& warnings)
+        : options_(options), warnings_(warnings) {}
 
     void run(std::ostream& report) {
         checkPlaces();
@@ -111,13 +122,50 @@ private:
 
     void setUp() {
         if (!options_.project.empty()) loadProjectFile(rig_.sampler(), options_.project);
-        for (const PadFile& file : options_.pads) loadLoopFile(rig_.sampler(), file.pad, file.file);
+        setLenientFiles(rig_.sampler(), true);
+        for (const PadFile& file : options_.pads) load(file);
         loaded_ = pads_.loaded();
+        tellPlainFiles();
+        if (!options_.midi.empty()) tellUnansweredNotes();
         if (options_.gate) pads_.gate();
         // A held pad has to sound for as long as its note does.
         if (options_.midi.empty()) pads_.hold();
         if (!options_.stems.empty()) pads_.routeToOwnOutputs();
     }
+
+    void load(const PadFile& file) {
+        const LoadFault damage = loadLoopFile(rig_.sampler(), file.pad, file.file);
+        if (damage) warn(file.file + ": " + damageInWords(damage));
+    }
+
+    /// Files without loop data among loops, or where somebody asked for a tempo.
+    void tellPlainFiles() {
+        const auto isSynced = [&](int pad) { return pads_.isSynced(pad); };
+        const bool hasTempo = options_.tempo || !options_.midi.empty();
+        if (!hasTempo && std::none_of(loaded_.begin(), loaded_.end(), isSynced)) return;
+        std::string files;
+        for (const PadFile& file : options_.pads)
+            if (!isSynced(file.pad) && !hasLoopData(file.file))
+                files += (files.empty() ? "" : ", ") + file.file;
+        if (files.empty()) return;
+        const std::string when =
+            options_.midi.empty() ? "plays once from beat 0" : "plays once from its note on";
+        note(files + ": without loop data a file doesn't follow the tempo: it " + when +
+             ", at its own speed. To loop in time it needs the beats that an audio editor writes into it as "
+             "ACID data");
+    }
+
+    void tellUnansweredNotes() {
+        const auto isHeard = [&](const SynthEvent& event) { return event.time < ticks_; };
+        std::vector<SynthEvent> notes;
+        std::copy_if(part_.notes.begin(), part_.notes.end(), std::back_inserter(notes), isHeard);
+        for (const std::string& sentence : tellUnanswered(notes, pads_.answers()))
+            warn(options_.midi + ": " + sentence);
+    }
+
+    void note(const std::string& text) { warnings_ << "marnoth: note: " << inOneLine(text) << std::endl; }
+
+    void warn(const std::string& text) { warnings_ << "marnoth: warning: " << inOneLine(text) << std::endl; }
 
     void openOutputs() {
         // The mix may go into the folder of the stems.
@@ -198,6 +246,7 @@ private:
     }
 
     const RenderOptions& options_;
+    std::ostream& warnings_;
     MidiPart part_;
     double ticks_ = 0;
     std::int64_t frames_ = 0;
@@ -226,8 +275,8 @@ std::uint32_t readKey(std::string_view name) {
     return *key;
 }
 
-void runRender(const RenderOptions& options, std::ostream& report) {
-    OfflineRender(options).run(report);
+void runRender(const RenderOptions& options, std::ostream& report, std::ostream& warnings) {
+    OfflineRender(options, warnings).run(report);
 }
 
 }  // namespace marnoth

@@ -38,8 +38,8 @@ PadFile readPadFile(std::string_view text);
 /// The number of a key, from `A` for 0, with `#` or `b` behind the letter. Throws `WrongUse`.
 std::uint32_t readKey(std::string_view name);
 
-/// Renders offline and prints a line about it, and one about the project that was saved. Throws
-/// `FileFailure`, and `WrongUse` for files that clash.
-void runRender(const RenderOptions& options, std::ostream& report);
+/// Renders offline and prints a line about it, and one about the project that was saved; what its user should
+/// know besides goes to `warnings`, a line each. Throws `FileFailure`, and `WrongUse` for files that clash.
+void runRender(const RenderOptions& options, std::ostream& report, std::ostream& warnings);
 
 }  // namespace marnoth

@@ -8,7 +8,6 @@ namespace marnoth {
 
 namespace {
 
-constexpr std::int32_t kAnyChannel = -1;
 constexpr std::int32_t kMiddleC = 60;
 
 void need(HRESULT result) {
@@ -25,6 +24,24 @@ std::vector<int> RenderPads::loaded() const {
         if (grains > 0) pads.push_back(pad);
     }
     return pads;
+}
+
+std::vector<PadAnswers> RenderPads::answers() const {
+    std::vector<PadAnswers> all;
+    for (const int pad : loaded()) {
+        // A pad without an entry leaves the record as it is: one that no key fits.
+        PadAnswers own{{pad, 0, -1, 0, 0, kHighestVelocity}, kAnyChannel};
+        need(sampler_.GetKeyMapEntry(&own.keys));
+        need(sampler_.GetPadChannel(pad, &own.channel));
+        all.push_back(own);
+    }
+    return all;
+}
+
+bool RenderPads::isSynced(int pad) const {
+    std::uint32_t synced = 0;
+    need(sampler_.GetPadSynced(pad, &synced));
+    return synced != 0;
 }
 
 void RenderPads::gate() {

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "seam/IGrooveSampler.h"
+#include "shells/cli/UnansweredNotes.h"
 
 namespace marnoth {
 
@@ -19,6 +20,11 @@ public:
 
     /// The pads that have grains, ascending.
     std::vector<int> loaded() const;
+
+    /// What those answer.
+    std::vector<PadAnswers> answers() const;
+    /// Whether a pad follows the tempo.
+    bool isSynced(int pad) const;
 
     /// Loaded pads sound while their notes are held.
     void gate();

@@ -97,6 +97,63 @@ TEST(LoadFault, OfAStreamThatCannotTellItsPosition) {
     EXPECT_EQ(faultOf(rig.engine).kind, Kind::cannotRead);
 }
 
+std::uint32_t lenientFiles(IMarnothOptions& instrument) {
+    std::uint32_t on = 99;
+    EXPECT_EQ(instrument.GetLenientFiles(&on), S_OK);
+    return on;
+}
+
+LoadFault damageOf(IMarnothFaults& instrument) {
+    LoadFault damage{.kind = Kind::cannotRead};
+    EXPECT_EQ(instrument.GetLoadDamage(&damage), S_OK);
+    return damage;
+}
+
+TEST(LenientFiles, AreOffUntilTheyAreAskedForAndBelongToTheInstrument) {
+    EditRig rig;
+    EditRig other;
+    EXPECT_EQ(lenientFiles(rig.engine), 0u);
+    EXPECT_EQ(rig.engine.SetLenientFiles(7), S_OK);
+    EXPECT_EQ(lenientFiles(rig.engine), 1u);
+    EXPECT_EQ(lenientFiles(other.engine), 0u);
+    rig.engine.SetLenientFiles(0);
+    EXPECT_EQ(lenientFiles(rig.engine), 0u);
+    EXPECT_EQ(rig.engine.GetLenientFiles(nullptr), E_POINTER);
+}
+
+TEST(LenientFiles, AreInNoProject) {
+    ProjectRig rig;
+    rig.engine.SetLenientFiles(1);
+    EXPECT_EQ(rig.loadProject(twoFilesFourPads()), S_OK);
+    EXPECT_EQ(lenientFiles(rig.engine), 1u);
+    rig.engine.ClearProject();
+    EXPECT_EQ(lenientFiles(rig.engine), 1u);
+}
+
+TEST(LenientFiles, AFileFromAPipeLoadsAndIsTold) {
+    EditRig rig;
+    const TempPath file = plainFile(1).claim("data", 0).claim("RIFF", 0).writeTemp();
+    EXPECT_EQ(rig.load(file).result, E_INVALIDARG);
+    EXPECT_FALSE(damageOf(rig.engine));
+    rig.engine.SetLenientFiles(1);
+    EXPECT_EQ(rig.lay(0, file).result, S_OK);
+    EXPECT_EQ(damageOf(rig.engine).kind, Kind::lengthUnknown);
+    EXPECT_FALSE(faultOf(rig.engine));
+    // One second is two beats at 120.
+    EXPECT_EQ(rig.length(kPadLoop, 0), 2 * kBeat);
+    EXPECT_EQ(rig.load(loopFile(2)).result, S_OK);
+    EXPECT_FALSE(damageOf(rig.engine));
+    EXPECT_EQ(rig.engine.GetLoadDamage(nullptr), E_POINTER);
+}
+
+TEST(LenientFiles, ADamagedFileThatIsRefusedTellsItsFaultAlone) {
+    EditRig rig;
+    rig.engine.SetLenientFiles(1);
+    EXPECT_EQ(rig.load(plainFile(31).claim("data", 0x7FFFFFFF)).result, E_UNEXPECTED);
+    EXPECT_EQ(faultOf(rig.engine), badReal(Quantity::shotSeconds, 31, 0, 30));
+    EXPECT_FALSE(damageOf(rig.engine));
+}
+
 TEST(LoadFault, BelongsToTheThreadThatLoaded) {
     EditRig rig;
     rig.load(loopFile(65));

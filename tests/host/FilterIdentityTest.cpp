@@ -16,9 +16,9 @@ TEST(Instrument, AnswersEveryInterfaceAsOneObject) {
     RefPtr<IUnknown> instrument;
     ASSERT_EQ(createInstrument(nullptr, IID_IUnknown, instrument.putVoid()), S_OK);
     for (const IID& iid :
-         {IID_IGrooveSampler, IID_IDispatch, IID_IMarnothFaults, IID_IKvxSoftSynth, IID_IKvxSoftSynth2,
-          IID_IKvxNotify, IID_IKvxInputPort, IID_ISpecifyPropertyPages, IID_IPersistStream, IID_IBaseFilter,
-          IID_IMediaFilter, IID_IPersist, IID_IAMovieSetup}) {
+         {IID_IGrooveSampler, IID_IDispatch, IID_IMarnothFaults, IID_IMarnothOptions, IID_IKvxSoftSynth,
+          IID_IKvxSoftSynth2, IID_IKvxNotify, IID_IKvxInputPort, IID_ISpecifyPropertyPages,
+          IID_IPersistStream, IID_IBaseFilter, IID_IMediaFilter, IID_IPersist, IID_IAMovieSetup}) {
         const auto found = query(*instrument, iid);
         ASSERT_TRUE(found);
         EXPECT_TRUE(query(*found, IID_IUnknown) == instrument);

@@ -7,9 +7,11 @@ namespace marnoth::test {
 
 /// A file on disk with a reader that has been asked to open it.
 struct OpenedWave {
-    explicit OpenedWave(const WaveFile& content) : OpenedWave(content.bytes()) {}
-    explicit OpenedWave(const Bytes& content) : file(".wav") {
+    explicit OpenedWave(const WaveFile& content, bool lenient = false)
+        : OpenedWave(content.bytes(), lenient) {}
+    explicit OpenedWave(const Bytes& content, bool lenient = false) : file(".wav") {
         WaveFile::writeBytes(file.path(), content);
+        reader->lenient = lenient;
         result = reader->Open(file.c_str());
     }
 

@@ -96,6 +96,15 @@ TEST(FaultText, OfSamplesThatAreNotTakenSaysHowToSaveThem) {
               "0-bit WAV files of format tag 49 aren't read; save it with 16 bits or more");
 }
 
+TEST(FaultText, OfDamageSaysWhatIsDoneAboutIt) {
+    EXPECT_EQ(damageInWords({.kind = Kind::cutShort, .value = std::int64_t{100}}),
+              "it is cut short: 100 bytes are missing; what is there is taken");
+    EXPECT_EQ(damageInWords({.kind = Kind::lengthUnknown}),
+              "it doesn't say how long it is; what is there is taken");
+    EXPECT_EQ(notFiniteText(1), "1 sample is not a number (NaN or infinite)");
+    EXPECT_EQ(notFiniteText(2), "2 samples are not numbers (NaN or infinite)");
+}
+
 TEST(FaultText, OfOtherAudioFilesNamesTheirType) {
     using enum FileType;
     const std::vector<std::pair<FileType, std::string>> names{{rf64, "RF64"}, {w64, "W64"}, {flac, "FLAC"},
@@ -144,6 +153,10 @@ public:
         *fault = {.kind = Kind::notAWave};
         return S_OK;
     }
+    HRESULT GetLoadDamage(LoadFault* damage) override {
+        *damage = {.kind = Kind::lengthUnknown};
+        return S_OK;
+    }
 
 private:
     bool answers_;
@@ -154,6 +167,8 @@ TEST(FaultText, ComesFromTheInstrumentThatLoaded) {
     FakeInstrument silent(false);
     EXPECT_EQ(lastLoadFault(telling).kind, Kind::notAWave);
     EXPECT_FALSE(lastLoadFault(silent));
+    EXPECT_EQ(lastLoadDamage(telling).kind, Kind::lengthUnknown);
+    EXPECT_FALSE(lastLoadDamage(silent));
 }
 
 #ifndef _WIN32
