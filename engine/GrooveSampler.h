@@ -150,15 +150,13 @@ public:
     HRESULT GetPadOneShot(std::int32_t pad, std::uint32_t* value) override;
     HRESULT SetPadOneShot(std::int32_t pad, std::uint32_t value) override;
 
-    // IMarnothOptions.
-    HRESULT SetSteady(std::uint32_t on) override;
-    HRESULT GetSteady(std::uint32_t* on) override;
-
     // IMarnothFaults.
     HRESULT GetLoadFault(LoadFault* fault) override;
     HRESULT GetLoadDamage(LoadFault* damage) override;
 
     // IMarnothOptions.
+    HRESULT SetSteady(std::uint32_t on) override;
+    HRESULT GetSteady(std::uint32_t* on) override;
     HRESULT SetLenientFiles(std::uint32_t on) override;
     HRESULT GetLenientFiles(std::uint32_t* on) override;
 

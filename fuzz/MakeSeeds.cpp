@@ -8,10 +8,12 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "fuzz/SeedFiles.h"
 #include "hostkit/MakeObject.h"
 #include "hostkit/MemoryStream.h"
+#include "shellkit/MidiBytes.h"
 #include "support/EngineHost.h"
 
 /// make_fuzz_seeds FOLDER: writes what the fuzzers begin with, a folder for each target.
@@ -70,6 +72,30 @@ void makeVersions(const fs::path& folder) {
     }
 }
 
+void makeMidi(const fs::path& folder) {
+    using test::Bytes;
+    const Bytes note{0, 0x90, 60, 100, 48, 60, 0};
+    const Bytes tempo{0, 0xFF, 0x51, 3, 7, 0xA1, 0x20, 0, 0xFF, 0x58, 4, 3, 2, 24, 8};
+    const Bytes exclusive{0, 0xF0, 2, 0x43, 0x10, 0, 0xF7, 2, 1, 0xF7, 0, 0xFF, 1, 1, 'x'};
+    const auto file = [](std::uint16_t format, const std::vector<Bytes>& tracks) {
+        Bytes bytes = test::midiHeader(format, static_cast<std::uint16_t>(tracks.size()), 96);
+        for (const Bytes& track : tracks) bytes.insert(bytes.end(), track.begin(), track.end());
+        return bytes;
+    };
+    test::WaveFile::writeBytes(folder / "one.mid", file(0, {test::midiTrack(note)}));
+    test::WaveFile::writeBytes(folder / "two.mid",
+                               file(1, {test::midiTrack(tempo), test::midiTrack(note, 48)}));
+    test::WaveFile::writeBytes(
+        folder / "exclusive.mid",
+        file(0, {test::midiChunk("MTrk", test::joined({{0, 0x90, 60, 100}, exclusive, {48, 60, 0}}))}));
+    Bytes form;
+    for (const char* text : {"RIFF", "....", "RMID", "data", "...."}) test::append(form, std::string(text));
+    const Bytes inside = file(0, {test::midiTrack(note)});
+    form[16] = static_cast<std::uint8_t>(inside.size());
+    form[17] = form[18] = form[19] = 0;
+    test::WaveFile::writeBytes(folder / "form.rmi", test::joined({form, inside}));
+}
+
 /// The scripts of the tests, with the folder of their sounds left out.
 void makeScripts(const fs::path& folder) {
     for (const auto& entry : fs::directory_iterator(fs::path(MARNOTH_SOURCE_DIR) / "tests" / "scripts")) {
@@ -83,10 +109,11 @@ void makeScripts(const fs::path& folder) {
 }
 
 void makeAll(const fs::path& folder) {
-    for (const char* target : {"wave", "project", "version", "script"})
+    for (const char* target : {"wave", "project", "version", "midi", "script"})
         fs::create_directories(folder / target);
     makeWaves(folder / "wave");
     makeVersions(folder / "version");
+    makeMidi(folder / "midi");
     makeScripts(folder / "script");
     makeProjects(folder / "project");
 }

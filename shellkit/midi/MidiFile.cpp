@@ -14,7 +14,7 @@
 
 #include "seam/MusicalTime.h"
 #include "shellkit/files/Failure.h"
-#include "shellkit/midi/MidiCheck.h"
+#include "shellkit/midi/MidiChunks.h"
 #include "shellkit/text/InstrumentText.h"
 
 namespace marnoth {
@@ -24,8 +24,6 @@ namespace {
 constexpr double kMicrosecondsPerMinute = 60e6;
 constexpr int kNoteOff = 0x80;
 constexpr int kNoteOn = 0x90;
-constexpr unsigned char kTempoMeta = 0x51;
-constexpr unsigned char kSignatureMeta = 0x58;
 constexpr int kLargestDenominatorExponent = 8;
 constexpr std::uint16_t kFilmFrames = 0x8000;
 constexpr std::uint16_t kOnePiece = 1;  ///< the highest format of a piece in one
@@ -157,7 +155,10 @@ bool canReadMidi() {
 }
 
 MidiPart readMidi(const std::string& file) {
-    const std::vector<std::uint8_t> bytes = readFile(file);
+    return readMidi(readFile(file), file);
+}
+
+MidiPart readMidi(std::span<const std::uint8_t> bytes, const std::string& file) {
     const auto chunks = readMidiChunks(bytes);
     if (!chunks) throw FileFailure(file + ": it isn't a standard MIDI file, or it is damaged");
     const std::string problem = problemOf(*chunks);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -22,5 +23,7 @@ bool canReadMidi();
 /// Reads a file. Throws `FileFailure` with the reason when it isn't a standard MIDI file that counts in
 /// beats, or plays no note. Notes that the file leaves open end with it.
 MidiPart readMidi(const std::string& file);
+/// The same of the bytes of a file, which is called `file` in the reason.
+MidiPart readMidi(std::span<const std::uint8_t> bytes, const std::string& file);
 
 }  // namespace marnoth

@@ -11,4 +11,8 @@ MidiPart readMidi(const std::string& file) {
     throw FileFailure(file + ": this build doesn't read MIDI files");
 }
 
+MidiPart readMidi(std::span<const std::uint8_t>, const std::string& file) {
+    return readMidi(file);
+}
+
 }  // namespace marnoth

@@ -116,6 +116,61 @@ TEST(MidiFile, PassesOverWhatIsNoTrack) {
     for (const Bytes& file : files) EXPECT_EQ(read(file).notes.size(), 1u);
 }
 
+TEST(MidiFile, SystemExclusiveMessagesMayComeInParts) {
+    // The beginning, its rest, and bytes of any kind, between the two ends of a note.
+    const MidiPart part = read(midi(96, {0,  0x90, 60, 1,    24, 0xF0, 2, 0x43, 0x10, 24, 0xF7, 2, 0x4C, 0xF7,
+                                         24, 0xF7, 1,  0xF3, 0,  0xF0, 0, 24,   0x80, 60, 0}));
+    ASSERT_EQ(part.notes.size(), 1u);
+    EXPECT_EQ(+part.notes[0].duration, 960u);
+}
+
+TEST(MidiFile, ATrackNeedsNoEnd) {
+    const Bytes note{0, 0x90, 60, 1, 96, 0x80, 60, 0};
+    EXPECT_EQ(+read(joined({midiHeader(0, 1, 96), midiChunk("MTrk", note)})).notes.at(0).duration, 960u);
+    // A time without an event counts still: four beats and one pulse are two bars.
+    const Bytes later = joined({note, {0x82, 0x21}});
+    EXPECT_EQ(read(joined({midiHeader(0, 1, 96), midiChunk("MTrk", later)})).endTicks, 8 * 960);
+    const Bytes empty = midiChunk("MTrk", {});
+    EXPECT_EQ(read(joined({midiHeader(1, 2, 96), empty, midiChunk("MTrk", note)})).notes.size(), 1u);
+}
+
+TEST(MidiFile, ARunningStatusStaysBehindMetaAndSystemEvents) {
+    const MidiPart part = read(
+        midi(96, {0, 0x90, 60, 1, 0, 0xFF, 1, 1, 'x', 96, 60, 0, 0, 0xF0, 1, 0xF7, 0, 62, 1, 96, 62, 0}));
+    ASSERT_EQ(part.notes.size(), 2u);
+    EXPECT_EQ(+part.notes[0].duration, 960u);
+    EXPECT_EQ(part.notes[1].note, 62);
+    EXPECT_EQ(+part.notes[1].time, 960);
+}
+
+Bytes rmid(const std::vector<Bytes>& chunks) {
+    Bytes body;
+    append(body, std::string("RMID"));
+    for (const Bytes& chunk : chunks) body.insert(body.end(), chunk.begin(), chunk.end());
+    Bytes file;
+    append(file, std::string("RIFF"));
+    append(file, static_cast<std::uint32_t>(body.size()));
+    return joined({file, body});
+}
+
+Bytes riffChunk(const std::string& id, const Bytes& body) {
+    Bytes chunk;
+    append(chunk, id);
+    append(chunk, static_cast<std::uint32_t>(body.size()));
+    chunk.insert(chunk.end(), body.begin(), body.end());
+    if (body.size() % 2) chunk.push_back(0);
+    return chunk;
+}
+
+TEST(MidiFile, MayStandInARiffForm) {
+    const Bytes file = midi(96, {0, 0x90, 60, 1, 96, 0x80, 60, 0});
+    EXPECT_EQ(read(rmid({riffChunk("data", file)})).notes.size(), 1u);
+    EXPECT_EQ(read(rmid({riffChunk("DISP", {1, 2, 3}), riffChunk("data", file)})).notes.size(), 1u);
+    EXPECT_THROW(read(rmid({riffChunk("DISP", {1, 2, 3})})), FileFailure);
+    EXPECT_THROW(read(rmid({})), FileFailure);
+    EXPECT_THROW(read(WaveFile().frames(100).bytes()), FileFailure);
+}
+
 TEST(MidiFile, SaysWhatKindItDoesNotPlay) {
     const Bytes notes = midiTrack({0, 0x90, 60, 1, 96, 0x80, 60, 0});
     const auto reason = [&](const Bytes& head) -> std::string {
@@ -151,8 +206,7 @@ TEST(MidiFile, RefusesDamageAnywhere) {
         }
     }
     EXPECT_THROW(read(midi(96, {0, 60, 1})), FileFailure) << "a running status from nowhere";
-    EXPECT_THROW(read(midi(96, {0, 0x90, 60, 1, 0, 0xFF, 1, 0, 0, 60, 1})), FileFailure)
-        << "a running status behind a meta event";
+    EXPECT_THROW(read(midi(96, {0, 0x90, 60, 1, 0, 0xF8, 0, 62, 1})), FileFailure) << "a status of no file";
     EXPECT_THROW(read(midi(96, {0x80, 0x80, 0x80, 0x80, 0, 0x90, 60, 1})), FileFailure)
         << "a time of five bytes";
 }
