@@ -1,4 +1,5 @@
 #include <cstddef>
+#include <new>
 #include <span>
 #include <string>
 
@@ -133,10 +134,12 @@ void CGrooveSampler::ResetVoices() {
     renderer_.resetVoices(bank_.present());
 }
 
-HRESULT CGrooveSampler::SetSteady(std::uint32_t on) {
+HRESULT CGrooveSampler::SetSteady(std::uint32_t on) try {
     const CAutoLock lock(*this);
     renderer_.setSteady(on != 0);
     return S_OK;
+} catch (const std::bad_alloc&) {
+    return E_OUTOFMEMORY;
 }
 
 HRESULT CGrooveSampler::GetSteady(std::uint32_t* on) {

@@ -16,7 +16,8 @@ inline constexpr IID IID_IMarnothOptions{
 /// belong to the one instrument, and are in no project.
 struct IMarnothOptions : IUnknown {
     /// Whether sound is steady from the next block on: the same notes give the same audio however time is cut
-    /// into blocks, and what ends fades out over 20 ms wherever blocks end.
+    /// into blocks, and what ends fades out over 20 ms wherever blocks end. `E_OUTOFMEMORY`, with nothing
+    /// changed, or `S_OK`.
     virtual HRESULT SetSteady(std::uint32_t on) = 0;
     /// 1 or 0. `E_POINTER` for null.
     virtual HRESULT GetSteady(std::uint32_t* on) = 0;

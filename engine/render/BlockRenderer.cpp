@@ -45,7 +45,7 @@ void BlockRenderer::render(const Model& model, const Job& job) {
 
 template <class Cut>
 void BlockRenderer::cutInNextBlock(const Model& model, Cut cut) {
-    if (!steady_ || format_.nChannels == 0) return;
+    if (!steady_ || format_.nChannels == 0 || renderer_.cuts().length() == 0) return;
     BlockPins none({}, pins_, format_);
     time_.begin(end_, 0);
     Block block{model, time_, none, format_, fades_};
@@ -168,14 +168,16 @@ bool BlockRenderer::binFilePlays(std::int32_t bin) const {
 }
 
 void BlockRenderer::setSteady(bool on) {
-    if (on != steady_) levels_.forget();
+    if (on == steady_) return;
+    renderer_.cuts().setLength(on ? fades_.out : 0);
+    levels_.forget();
     steady_ = on;
 }
 
 void BlockRenderer::setRate(std::uint32_t sampleRate) {
     fades_.in = std::int64_t{sampleRate} * kFadeInMilliseconds / kMillisecondsPerSecond;
     fades_.out = std::int64_t{sampleRate} * kFadeOutMilliseconds / kMillisecondsPerSecond;
-    renderer_.cuts().setLength(fades_.out);
+    renderer_.cuts().setLength(steady_ ? fades_.out : 0);
 }
 
 }  // namespace marnoth

@@ -5,14 +5,15 @@
 namespace marnoth {
 
 void CutFades::setLength(std::int64_t frames) {
-    length_ = frames;
-    head_ = 0;
-    const std::size_t values = static_cast<std::size_t>(frames) * kMostChannels;
+    length_ = head_ = 0;
+    const std::int64_t length = std::min(frames, kMostFrames);
+    const std::size_t values = static_cast<std::size_t>(length) * kMostChannels;
     space_.assign(values, 0.0f);
     for (Ring& ring : rings_) {
-        ring.values.assign(values, 0.0f);
         ring.left = 0;
+        ring.values.assign(values, 0.0f);
     }
+    length_ = length;
 }
 
 float* CutFades::clearedSpace() {

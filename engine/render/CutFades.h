@@ -16,7 +16,10 @@ namespace marnoth {
 /// Under the engine's lock; allocates nothing but in `setLength`.
 class CutFades {
 public:
-    /// Frames of a fade; forgets all sound.
+    /// More than 20 ms at any rate that is played.
+    static constexpr std::int64_t kMostFrames = 48000;
+
+    /// Frames of a fade, at most `kMostFrames`, or 0 while nothing is to fade; forgets all sound.
     void setLength(std::int64_t frames);
     std::int64_t length() const { return length_; }
 
