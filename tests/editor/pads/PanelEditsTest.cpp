@@ -268,7 +268,8 @@ TEST_F(PadPanel, TheEntryIsReadBeforeItIsWrittenAndAKeyDrawsTheStripAgain) {
     rig.window.type("A4");
     rig.calls();
     rig.window.key(kKeyReturn);
-    Calls expected{"GetKeyMapEntry 0", "SetKeyMapEntry 0 30 40 57 20 80", "GetBinFileCount", "GetKeyMapEntry 0"};
+    Calls expected{"GetKeyMapEntry 0", "SetKeyMapEntry 0 30 40 57 20 80", "GetBinFileCount",
+                   "GetKeyMapEntry 0"};
     for (const std::string& call : padBlockDrawn()) expected.push_back(call);
     EXPECT_EQ(rig.calls(), expected);
     rig.page->focusControl(rig.control(kSoftest));
