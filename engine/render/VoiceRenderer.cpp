@@ -261,7 +261,8 @@ private:
 void VoiceRenderer::cut(const Block& block, const TrackPlayInfo& entry, const VoiceState& voice,
                         const SyncPhase& phase) {
     const CGrooveTrack& track = *entry.track;
-    if (voice.startPending || cuts_.length() == 0) return;
+    const VoiceLane& lane = track.oneShot ? voice.shot : voice.gate;
+    if (lane.length < 1 || voice.startPending || cuts_.length() == 0) return;
     if (entry.kind == PlayKind::pad && !block.levels->of(entry.pad).isHeard()) return;
     const PadPhase pad =
         entry.kind == PlayKind::pad ? phase.pads[static_cast<std::size_t>(entry.pad)] : PadPhase{};

@@ -180,6 +180,12 @@ public:
         EXPECT_EQ(rig.sampler().SetPadOneShot(0, oneShot ? 1 : 0), S_OK);
         EXPECT_EQ(rig.setBlock(64), S_OK);
     }
+    /// Plays the pad from now on.
+    void hold(std::int64_t frames) {
+        const SynthEvent notes[] = {note(0, 60, kOpen)};
+        start(notes);
+        render(frames);
+    }
     void expectFadeFrom(std::int64_t frame) const {
         const float level = at(frame - 1);
         ASSERT_GT(level, 0.3f);
@@ -192,6 +198,37 @@ public:
 /// 960 ticks are 22050 frames at 120 beats per minute.
 std::int64_t frameOf(int tick) {
     return std::llround(tick * 22050.0 / 960);
+}
+
+TEST(SteadyMode, IsOffUntilItIsAskedFor) {
+    HostRig rig{createInstrument};
+    RefPtr<IMarnothOptions> options;
+    ASSERT_EQ(rig.sampler().QueryInterface(IID_IMarnothOptions, options.putVoid()), S_OK);
+    std::uint32_t on = 7;
+    EXPECT_EQ(options->GetSteady(&on), S_OK);
+    EXPECT_EQ(on, 0u);
+    EXPECT_EQ(options->SetSteady(5), S_OK);
+    EXPECT_EQ(options->GetSteady(&on), S_OK);
+    EXPECT_EQ(on, 1u);
+    EXPECT_EQ(options->GetSteady(nullptr), E_POINTER);
+}
+
+TEST(SteadyMode, StopWithoutSoundLeavesAPadsOutputSilent) {
+    LevelRig it(false);
+    const int pins[] = {0, 3};
+    ASSERT_EQ(it.rig.connect(kRate, 2, pins), S_OK);
+    EXPECT_EQ(it.rig.sampler().SetPadOutput(0, 3), S_OK);
+    int blocks = 0;
+    bool silent = true;
+    it.rig.setTaker(3, [&](std::span<const float>, bool isSilent) {
+        ++blocks;
+        silent = silent && isSilent;
+    });
+    it.render(1000);
+    EXPECT_EQ(it.rig.synth().StopPlayback(), S_OK);
+    it.render(1000);
+    EXPECT_GT(blocks, 0);
+    EXPECT_TRUE(silent);
 }
 
 TEST(SteadyMode, NoteOffFadesOutFromItsFrameOn) {
@@ -212,9 +249,7 @@ TEST(SteadyMode, LatchedLoopFadesOutWhereASecondNoteSwitchesItOff) {
 
 TEST(SteadyMode, StopOfTheTransportFadesOut) {
     LevelRig it(false);
-    const SynthEvent notes[] = {note(0, 60, kOpen)};
-    it.start(notes);
-    it.render(6400);
+    it.hold(6400);
     EXPECT_EQ(it.rig.synth().StopPlayback(), S_OK);
     it.render(6400);
     it.expectFadeFrom(6400);
@@ -223,9 +258,7 @@ TEST(SteadyMode, StopOfTheTransportFadesOut) {
 TEST(SteadyMode, StoppingAllPadsFadesOut) {
     for (const bool oneShot : {false, true}) {
         LevelRig it(oneShot);
-        const SynthEvent notes[] = {note(0, 60, kOpen)};
-        it.start(notes);
-        it.render(6400);
+        it.hold(6400);
         EXPECT_EQ(it.rig.sampler().StopPad(-1), S_OK);
         it.render(6400);
         it.expectFadeFrom(6400);
@@ -243,9 +276,7 @@ TEST(SteadyMode, AuditionOfAFileThatIsStoppedFadesOut) {
 
 TEST(SteadyMode, MutedPadFadesOutAndComesBackWithAGlide) {
     LevelRig it(false);
-    const SynthEvent notes[] = {note(0, 60, kOpen)};
-    it.start(notes);
-    it.render(3200);
+    it.hold(3200);
     EXPECT_EQ(it.rig.sampler().SetPadMute(0, 1), S_OK);
     it.render(3200);
     it.expectFadeFrom(3200);
@@ -258,9 +289,7 @@ TEST(SteadyMode, MutedPadFadesOutAndComesBackWithAGlide) {
 
 TEST(SteadyMode, PadFadesOutWhenAnotherIsHeardAlone) {
     LevelRig it(false);
-    const SynthEvent notes[] = {note(0, 60, kOpen)};
-    it.start(notes);
-    it.render(3200);
+    it.hold(3200);
     EXPECT_EQ(it.rig.sampler().SetPadSolo(5, 1), S_OK);
     it.render(3200);
     it.expectFadeFrom(3200);
@@ -268,9 +297,7 @@ TEST(SteadyMode, PadFadesOutWhenAnotherIsHeardAlone) {
 
 TEST(SteadyMode, VolumeAndPanGlide) {
     LevelRig it(false);
-    const SynthEvent notes[] = {note(0, 60, kOpen)};
-    it.start(notes);
-    it.render(3200);
+    it.hold(3200);
     EXPECT_EQ(it.rig.sampler().SetPadVolume(0, 0.5f), S_OK);
     EXPECT_EQ(it.rig.sampler().SetPadPan(0, 1.0f), S_OK);
     it.render(3200);
@@ -287,9 +314,7 @@ TEST(SteadyMode, LevelThatIsSetBeforeAPadSoundsIsThereAtOnce) {
     LevelRig it(false);
     it.render(1000);
     EXPECT_EQ(it.rig.sampler().SetPadVolume(0, 0.5f), S_OK);
-    const SynthEvent notes[] = {note(0, 60, kOpen)};
-    it.start(notes);
-    it.render(3200);
+    it.hold(3200);
     EXPECT_NEAR(it.at(1000 + 100), 0.25, 1e-4);
 }
 
