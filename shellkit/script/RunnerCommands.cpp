@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "hostkit/SteadyMode.h"
 #include "seam/Limits.h"
 #include "shellkit/files/LoopFiles.h"
 #include "shellkit/script/ScriptCommand.h"
@@ -121,6 +122,10 @@ std::string lenient(ScriptSession& session, Arguments words) {
     return printResult(setLenientFiles(session.rig().sampler(), readSwitch(words[0], "on", "off")));
 }
 
+std::string steady(ScriptSession& session, Arguments words) {
+    return printResult(setSteady(session.rig().sampler(), readSwitch(words[0], "on", "off")));
+}
+
 std::string block(ScriptSession& session, Arguments words) {
     const auto frames = readInteger(words[0], "FRAMES", 1, kMostBlockFrames);
     return printResult(session.setBlock(static_cast<std::int32_t>(frames)));
@@ -168,6 +173,7 @@ std::vector<ScriptCommand> runnerCommands() {
         {"silence-flag", "on|off", silenceFlag},
         {"block", "FRAMES", block},
         {"lenient", "on|off", lenient},
+        {"steady", "on|off", steady},
         {"pause", "", pause},
         {"run", "", run},
         {"stop", "", stop},

@@ -28,6 +28,13 @@ TEST(ScriptRunner, PrintsALineForEachCommand) {
     EXPECT_EQ(run.err, "");
 }
 
+TEST(ScriptRunner, SwitchesTheSteadyMode) {
+    const TempFolder folder;
+    EXPECT_EQ(runScriptText(folder, "steady on\nsteady off\n").out,
+              "steady on -> 00000000\nsteady off -> 00000000\n");
+    EXPECT_EQ(errorOf("steady maybe"), "1: \"maybe\" is neither on nor off\n");
+}
+
 TEST(ScriptRunner, ToleratesWindowsLineEndsAByteOrderMarkAndAMissingLastOne) {
     const TempFolder folder;
     const CliRun run = runScriptText(folder, "\xEF\xBB\xBFGetBinFileCount\r\n\r\nGetPadSolo 1");
