@@ -4,6 +4,7 @@
 #include <system_error>
 
 #include "platform/bytes/RiffStream.h"
+#include "platform/files/Links.h"
 
 namespace marnoth {
 namespace {
@@ -15,8 +16,14 @@ bool isFile(const fs::path& path) {
     return fs::is_regular_file(path, error);
 }
 
-/// A save that didn't finish leaves a file whose header doesn't tell its size.
-bool isWhole(const fs::path& path) {
+/// Renaming needs rights to the folder alone: those to the file itself are tested separately.
+bool mayBeWritten(const fs::path& path) {
+    return std::fstream(path, std::ios::in | std::ios::out | std::ios::binary).is_open();
+}
+
+}  // namespace
+
+bool isSavedWhole(const fs::path& path) {
     RiffStream file;
     ChunkInfo form;
     if (file.open(path, FileMode::read) || file.descend(form)) return false;
@@ -25,51 +32,41 @@ bool isWhole(const fs::path& path) {
     return !error && form.ckid == kRiffId && bytes == kChunkHeaderBytes + std::uintmax_t{form.cksize};
 }
 
-/// Renaming needs rights to the folder alone: those to the file itself are tested separately.
-bool mayBeWritten(const fs::path& path) {
-    return std::fstream(path, std::ios::in | std::ios::out | std::ios::binary).is_open();
+fs::path backupOf(const fs::path& path) {
+    fs::path backup = behindLinks(path);
+    return backup += ".bak";
 }
 
-fs::path behindLinks(const fs::path& name) {
-    std::error_code error;
-    if (!fs::is_symlink(name, error)) return name;
-    fs::path real = fs::canonical(name, error);
-    return error ? name : real;
-}
-
-}  // namespace
-
-ProjectBackup::ProjectBackup(const fs::path& name) : target_(behindLinks(name)), backup_(target_) {
-    backup_ += ".bak";
-}
+ProjectBackup::ProjectBackup(const fs::path& name, FileSystem& files)
+    : files_(files), target_(behindLinks(name)), backup_(backupOf(target_)) {}
 
 bool ProjectBackup::setAside() {
     if (!isFile(target_)) return true;
     if (!mayBeWritten(target_)) return false;
-    kept_ = isFile(backup_) && !isWhole(target_);
+    kept_ = isFile(backup_) && !isSavedWhole(target_);
     if (kept_) return true;
-    std::error_code error;
-    fs::rename(target_, backup_, error);
-    moved_ = !error;
-    return moved_;
+    moved_ = files_.rename(target_, backup_);
+    if (moved_ && files_.syncFolderOf(target_)) return true;
+    putBack();
+    return false;
 }
 
 void ProjectBackup::putBack() {
-    std::error_code ignored;
-    if (moved_) fs::rename(backup_, target_, ignored);
+    if (moved_ && files_.rename(backup_, target_)) files_.syncFolderOf(target_);
     moved_ = false;
 }
 
-void ProjectBackup::passPermissions() const {
+bool ProjectBackup::begun() const {
     std::error_code error;
-    if (!moved_) return;
-    const fs::perms before = fs::status(backup_, error).permissions();
-    if (!error) fs::permissions(target_, before, error);
+    if (moved_) {
+        const fs::perms before = fs::status(backup_, error).permissions();
+        if (!error) fs::permissions(target_, before, error);
+    }
+    return files_.syncFolderOf(target_);
 }
 
 void ProjectBackup::drop() {
-    std::error_code ignored;
-    if (moved_ || kept_) fs::remove(backup_, ignored);
+    if ((moved_ || kept_) && files_.remove(backup_)) files_.syncFolderOf(backup_);
 }
 
 }  // namespace marnoth

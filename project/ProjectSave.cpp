@@ -19,24 +19,26 @@ HRESULT makeWritable(Project& project) {
 
 HRESULT writeAndClose(RiffStream& stream, const Project& project) {
     const HRESULT written = writeProject(stream, project);
-    return stream.close() == kRiffOk ? written : E_FAIL;
+    const bool kept = SUCCEEDED(written) && stream.sync();
+    return stream.close() == kRiffOk && kept ? S_OK : E_FAIL;
 }
 
 }  // namespace
 
-HRESULT saveProject(Project project, const std::filesystem::path& path) {
+HRESULT saveProject(Project project, const std::filesystem::path& path, FileSystem& files) {
     if (const HRESULT result = makeWritable(project); FAILED(result)) return result;
     // Two saves at a time under one name would write into one file.
     static std::mutex oneAtATime;
     const std::lock_guard alone(oneAtATime);
-    ProjectBackup backup(path);
+    ProjectBackup backup(path, files);
     if (!backup.setAside()) return E_FAIL;
     RiffStream stream;
-    if (stream.open(backup.target(), FileMode::create) != kRiffOk) {
+    stream.open(files.open(backup.target(), FileMode::create));
+    if (!stream.isOpen()) {
         backup.putBack();
         return E_FAIL;
     }
-    backup.passPermissions();
+    if (!backup.begun()) return E_FAIL;
     const HRESULT result = writeAndClose(stream, project);
     if (SUCCEEDED(result)) backup.drop();
     return result;

@@ -114,7 +114,8 @@ std::int64_t waveBytes(const CWaveMem& wave) {
 }
 
 /// The writing itself. Every size but the outer one is known when its header goes out, so that nothing is
-/// written twice.
+/// written twice. The outer one is the mark of a form that is whole: it goes out when the medium has the
+/// rest, or a power cut could leave the mark on a form that isn't.
 class FormWriter {
 public:
     explicit FormWriter(RiffStream& stream) : stream_(stream) {}
@@ -123,7 +124,7 @@ public:
         ChunkInfo form;
         form.fccType = fourCC("marn");
         return stream_.createChunk(form, RiffCreate::riff) == kRiffOk && writeParts(project) &&
-               stream_.ascend(form) == kRiffOk;
+               stream_.sync() && stream_.ascend(form) == kRiffOk;
     }
 
 private:

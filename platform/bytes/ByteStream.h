@@ -31,13 +31,19 @@ public:
     /// How many bytes there are, where the medium can tell.
     virtual std::optional<std::int64_t> size() = 0;
 
+    /// Writes out what is held back and waits until the medium has it: what was written before survives a
+    /// power cut. False when that fails. A medium that somebody else answers for, such as a host's stream, is
+    /// left alone.
+    virtual bool sync() { return true; }
+
     /// Writes out what is held back and lets go of the medium. False when something was lost.
     virtual bool close() = 0;
 };
 
 enum class FileMode {
-    read,    ///< an existing regular file, for reading
-    create,  ///< a new or emptied file, for reading and writing
+    read,       ///< an existing regular file, for reading
+    create,     ///< a new or emptied file, for reading and writing
+    createNew,  ///< a file where there was nothing, for reading and writing; nobody else has made it
 };
 
 /// A file of any size behind a buffer of its own. Null when it can't be opened.

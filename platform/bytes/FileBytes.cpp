@@ -7,6 +7,17 @@
 
 #include "platform/bytes/ByteStream.h"
 
+#ifdef _WIN32
+#include <windows.h>
+// The order matters: the rest needs windows.h.
+#include <fcntl.h>
+#include <io.h>
+#else
+#include <unistd.h>
+
+#include <cerrno>
+#endif
+
 namespace marnoth {
 namespace {
 
@@ -20,13 +31,42 @@ struct FileCloser {
 };
 using FileHandle = std::unique_ptr<std::FILE, FileCloser>;
 
-std::FILE* openFile(const std::filesystem::path& path, FileMode mode) {
 #ifdef _WIN32
-    return _wfopen(path.c_str(), mode == FileMode::read ? L"rb" : L"wb+");
-#else
-    return std::fopen(path.c_str(), mode == FileMode::read ? "rb" : "wb+");
-#endif
+
+/// Its name can be taken away while it is open: by whoever ends the program early.
+std::FILE* createNewFile(const std::filesystem::path& path) {
+    const HANDLE handle =
+        CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr,
+                    CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (handle == INVALID_HANDLE_VALUE) return nullptr;
+    const int file = _open_osfhandle(reinterpret_cast<intptr_t>(handle), _O_RDWR | _O_BINARY);
+    if (file >= 0) return _fdopen(file, "wb+");
+    CloseHandle(handle);
+    return nullptr;
 }
+
+std::FILE* openFile(const std::filesystem::path& path, FileMode mode) {
+    if (mode == FileMode::createNew) return createNewFile(path);
+    return _wfopen(path.c_str(), mode == FileMode::read ? L"rb" : L"wb+");
+}
+
+bool syncFile(std::FILE* file) {
+    return FlushFileBuffers(reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(file)))) != 0;
+}
+
+#else
+
+std::FILE* openFile(const std::filesystem::path& path, FileMode mode) {
+    if (mode == FileMode::createNew) return std::fopen(path.c_str(), "wbx+");
+    return std::fopen(path.c_str(), mode == FileMode::read ? "rb" : "wb+");
+}
+
+bool syncFile(std::FILE* file) {
+    // What isn't kept on a medium, such as a device, says that it can't be synced.
+    return fsync(fileno(file)) == 0 || errno == EINVAL;
+}
+
+#endif
 
 bool seekFile(std::FILE* file, std::int64_t offset, int origin) {
 #ifdef _WIN32
@@ -56,6 +96,7 @@ public:
     bool seek(std::int64_t offset) override;
     std::int64_t position() const override { return position_; }
     std::optional<std::int64_t> size() override;
+    bool sync() override { return file_ && flush() && syncFile(file_.get()); }
     bool close() override;
 
 private:

@@ -82,7 +82,7 @@ public:
     /// can't be positioned.
     RiffError open(IStream* stream);
 
-    /// Uses any bytes from their beginning.
+    /// Uses any bytes from their beginning; none are there with null.
     void open(std::unique_ptr<ByteStream> bytes);
 
     bool isOpen() const { return bytes_ != nullptr; }
@@ -109,6 +109,9 @@ public:
     /// True when all of `bytes` were there.
     bool readExactly(void* buffer, std::int64_t bytes) { return read(buffer, bytes) == bytes; }
     bool write(const void* buffer, std::int64_t bytes);
+
+    /// As `ByteStream::sync`.
+    bool sync() { return bytes_ && bytes_->sync(); }
 
     /// Absolute, in bytes from the beginning; behind the end is allowed.
     RiffError seek(std::int64_t offset);
