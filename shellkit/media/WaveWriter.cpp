@@ -1,9 +1,6 @@
 #include "shellkit/media/WaveWriter.h"
 
-#include <system_error>
-
-#include "shellkit/files/Failure.h"
-#include "shellkit/text/InstrumentText.h"
+#include <utility>
 
 namespace marnoth {
 
@@ -22,26 +19,16 @@ struct FormatBody {
 };
 static_assert(sizeof(FormatBody) == 16);
 
-std::filesystem::path besides(const std::filesystem::path& path) {
-    std::filesystem::path name = path;
-    name += ".part";
-    return name;
-}
-
 }  // namespace
 
-WaveWriter::WaveWriter(const std::filesystem::path& path, std::uint32_t rate, std::uint32_t channels)
-    : path_(path), temporary_(besides(path)), rate_(rate), channels_(channels) {
-    if (stream_.open(temporary_, FileMode::create) != kRiffOk) fail("it can't be created");
+WaveWriter::WaveWriter(std::unique_ptr<OutputFile> output, std::uint32_t rate, std::uint32_t channels)
+    : output_(std::move(output)), rate_(rate), channels_(channels) {
+    stream_.open(output_->takeBytes());
     begin();
 }
 
-WaveWriter::~WaveWriter() {
-    if (finished_) return;
-    stream_.close();
-    std::error_code ignored;
-    std::filesystem::remove(temporary_, ignored);
-}
+WaveWriter::WaveWriter(const std::filesystem::path& path, std::uint32_t rate, std::uint32_t channels)
+    : WaveWriter(std::make_unique<OutputFile>(path), rate, channels) {}
 
 void WaveWriter::begin() {
     riff_.fccType = fourCC("WAVE");
@@ -72,7 +59,8 @@ void WaveWriter::begin() {
 
 void WaveWriter::write(std::span<const float> interleaved) {
     const std::int64_t bytes = static_cast<std::int64_t>(interleaved.size_bytes());
-    if (dataBytes_ + bytes > kMostDataBytes) fail("it would be longer than a WAV file can be (4 GiB)");
+    if (dataBytes_ + bytes > kMostDataBytes)
+        output_->fail("it would be longer than a WAV file can be (4 GiB)");
     need(stream_.write(interleaved.data(), bytes));
     dataBytes_ += bytes;
 }
@@ -82,18 +70,11 @@ void WaveWriter::finish() {
     const auto count = static_cast<std::uint32_t>(frames());
     need(stream_.seek(factOffset_) == kRiffOk && stream_.write(&count, sizeof count));
     need(stream_.close() == kRiffOk);
-    std::error_code error;
-    std::filesystem::rename(temporary_, path_, error);
-    if (error) fail("it can't be given its name");
-    finished_ = true;
-}
-
-void WaveWriter::fail(const char* reason) const {
-    throw FileFailure(utf8FromPath(path_) + ": " + reason);
+    output_->finish();
 }
 
 void WaveWriter::need(bool ok) const {
-    if (!ok) fail("writing failed");
+    if (!ok) output_->fail("writing failed");
 }
 
 }  // namespace marnoth

@@ -155,7 +155,9 @@ private:
             ->type_name("N");
         render->add_option("--key", request.key, "The project's key, such as A, C# or Bb")->type_name("NAME");
         render->add_flag("--gate", options.gate, "Pads sound while their notes are held");
-        render->add_option("--out", options.out, "The file to write")->required()->type_name("FILE.wav");
+        render->add_option("--out", options.out, "The file to write; - for standard output")
+            ->required()
+            ->type_name("FILE.wav");
         render->add_option("--stems", options.stems, "Folder for a file of each pad")->type_name("DIR");
         render->add_option("--save", options.save, "Keep the pads in a project")->type_name("FILE.mrn");
         render->footer(kRenderHelp);
@@ -172,7 +174,9 @@ private:
         CLI::App* page = app_.add_subcommand("page", "Draw the editor page into a PNG file");
         PageOptions& options = request.page;
         page->add_option("PROJECT.mrn", options.project, "The project that the page shows");
-        page->add_option("--out", options.out, "The file to write")->required()->type_name("FILE.png");
+        page->add_option("--out", options.out, "The file to write; - for standard output")
+            ->required()
+            ->type_name("FILE.png");
         page->add_option("--pad", options.pad, "The pad that is selected, 1 by default")
             ->check(within(1, 16))
             ->type_name("N");
@@ -214,9 +218,9 @@ int carryOut(const Request& request, const Grammar& grammar, std::ostream& out, 
     if (grammar.chose("script"))
         status = runScriptFile(request.script, pathFromUtf8(request.scriptOut), out, errors);
     else if (grammar.chose("render"))
-        runRender(renderOptions(request), out, errors);
+        runRender(renderOptions(request), {out, errors});
     else if (grammar.chose("page"))
-        runPage(request.page, out);
+        runPage(request.page, {out, errors});
     else
         runInfo(request.infoFile, request.json, out);
     if (!out.flush()) throw FileFailure("standard output can't be written");

@@ -1,7 +1,6 @@
 #include "shells/cli/PageCommand.h"
 
 #include <array>
-#include <ostream>
 #include <utility>
 
 #include "editor/PageLayout.h"
@@ -82,7 +81,7 @@ std::vector<std::string> openables() {
     return names;
 }
 
-void runPage(const PageOptions& options, std::ostream& report) {
+void runPage(const PageOptions& options, const Streams& streams) {
     HostRig rig{createInstrument};
     connect(rig);
     setLenientFiles(rig.sampler(), true);
@@ -91,8 +90,10 @@ void runPage(const PageOptions& options, std::ostream& report) {
     page.page().setRootScale(RootScale::ofLoops);
     arrange(page, options);
     const Bitmap picture = enlarged(page.picture(), options.scale);
-    writePng(pathFromUtf8(options.out), picture);
-    report << options.out << ": " << picture.width() << " by " << picture.height() << " pixels" << std::endl;
+    const auto output = openOutput(options.out, streams.out);
+    writePng(*output, picture);
+    streams.reportBeside(options.out)
+        << output->name() << ": " << picture.width() << " by " << picture.height() << " pixels" << std::endl;
 }
 
 }  // namespace marnoth

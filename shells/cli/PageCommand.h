@@ -1,8 +1,9 @@
 #pragma once
 
-#include <iosfwd>
 #include <string>
 #include <vector>
+
+#include "shells/cli/Streams.h"
 
 namespace marnoth {
 
@@ -21,6 +22,6 @@ std::vector<std::string> openables();
 
 /// Draws the editor page into a PNG file and prints a line about it. Throws `FileFailure`, and
 /// `std::runtime_error` when the page's font can't be had.
-void runPage(const PageOptions& options, std::ostream& report);
+void runPage(const PageOptions& options, const Streams& streams);
 
 }  // namespace marnoth

@@ -13,6 +13,7 @@
 
 #include "host/CreateInstance.h"
 #include "hostkit/HostRig.h"
+#include "platform/files/Links.h"
 #include "sample/AcidWave.h"
 #include "seam/Limits.h"
 #include "seam/MusicalTime.h"
@@ -46,12 +47,6 @@ std::string padName(int pad) {
     return (number.size() < 2 ? "pad0" : "pad") + number + ".wav";
 }
 
-/// Whether two names, of files that needn't be there, mean the same file.
-bool isSamePlace(const std::filesystem::path& a, const std::filesystem::path& b) {
-    std::error_code ignored;
-    return std::filesystem::weakly_canonical(a, ignored) == std::filesystem::weakly_canonical(b, ignored);
-}
-
 bool hasLoopData(const std::string& file) {
     CAcidWave wave;
     openLoopFile(wave, file);
@@ -61,10 +56,10 @@ bool hasLoopData(const std::string& file) {
 /// One offline render: the instrument in its host, what it plays, and where the audio goes.
 class OfflineRender {
 public:
-    OfflineRender(const RenderOptions& options, std::ostream& warnings)
-        : options_(options), warnings_(warnings) {}
+    OfflineRender(const RenderOptions& options, const Streams& streams)
+        : options_(options), streams_(streams), report_(streams.reportBeside(options.out)) {}
 
-    void run(std::ostream& report) {
+    void run() {
         checkPlaces();
         readMusic();
         connect();
@@ -74,8 +69,8 @@ public:
         queue();
         const double took = render();
         for (const auto& output : outputs_) output->finish();
-        tell(report, took);
-        if (!options_.save.empty()) save(report);
+        tell(took);
+        if (!options_.save.empty()) save();
     }
 
 private:
@@ -163,14 +158,18 @@ private:
             warn(options_.midi + ": " + sentence);
     }
 
-    void note(const std::string& text) { warnings_ << "marnoth: note: " << inOneLine(text) << std::endl; }
+    void note(const std::string& text) {
+        streams_.errors << "marnoth: note: " << inOneLine(text) << std::endl;
+    }
 
-    void warn(const std::string& text) { warnings_ << "marnoth: warning: " << inOneLine(text) << std::endl; }
+    void warn(const std::string& text) {
+        streams_.errors << "marnoth: warning: " << inOneLine(text) << std::endl;
+    }
 
     void openOutputs() {
         // The mix may go into the folder of the stems.
         if (!options_.stems.empty()) openStems(pathFromUtf8(options_.stems));
-        open(0, pathFromUtf8(options_.out));
+        open(0, openOutput(options_.out, streams_.out));
     }
 
     void openStems(const std::filesystem::path& folder) {
@@ -181,12 +180,12 @@ private:
             const std::filesystem::path path = folder / padName(pad);
             if (isSamePlace(path, pathFromUtf8(options_.out)))
                 throw WrongUse("--out " + options_.out + " is the file of a stem: give it another name");
-            open(pad + 1, path);
+            open(pad + 1, std::make_unique<OutputFile>(path));
         }
     }
 
-    void open(int pin, const std::filesystem::path& path) {
-        outputs_.push_back(std::make_unique<RenderOutput>(path, options_.rate, kChannels));
+    void open(int pin, std::unique_ptr<OutputFile> file) {
+        outputs_.push_back(std::make_unique<RenderOutput>(std::move(file), options_.rate, kChannels));
         rig_.setTaker(pin, [output = outputs_.back().get()](std::span<const float> samples, bool) {
             output->take(samples);
         });
@@ -224,7 +223,7 @@ private:
         return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
     }
 
-    void tell(std::ostream& report, double took) const {
+    void tell(double took) const {
         const double length = static_cast<double>(frames_) / options_.rate;
         const float peak = outputs_.back()->peak();
         std::array<char, 64> level{"silent"};
@@ -232,21 +231,22 @@ private:
         std::array<char, 160> text{};
         std::snprintf(text.data(), text.size(), ": %.3f s, %s, %.0f times real time", length, level.data(),
                       length / std::max(took, 1e-6));
-        report << options_.out << text.data() << std::endl;
+        report_ << outputs_.back()->name() << text.data() << std::endl;
     }
 
-    void save(std::ostream& report) {
+    void save() {
         pads_.restore();
         saveProjectFile(rig_.sampler(), options_.save);
         const std::string name = savedName(options_.save);
         const auto bytes = static_cast<double>(std::filesystem::file_size(pathFromUtf8(name)));
         std::array<char, 64> text{};
         std::snprintf(text.data(), text.size(), ": the project, %.1f MB", bytes / 1e6);
-        report << name << text.data() << std::endl;
+        report_ << name << text.data() << std::endl;
     }
 
     const RenderOptions& options_;
-    std::ostream& warnings_;
+    const Streams& streams_;
+    std::ostream& report_;
     MidiPart part_;
     double ticks_ = 0;
     std::int64_t frames_ = 0;
@@ -275,8 +275,8 @@ std::uint32_t readKey(std::string_view name) {
     return *key;
 }
 
-void runRender(const RenderOptions& options, std::ostream& report, std::ostream& warnings) {
-    OfflineRender(options, warnings).run(report);
+void runRender(const RenderOptions& options, const Streams& streams) {
+    OfflineRender(options, streams).run();
 }
 
 }  // namespace marnoth

@@ -1,11 +1,12 @@
 #pragma once
 
 #include <cstdint>
-#include <iosfwd>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "shells/cli/Streams.h"
 
 namespace marnoth {
 
@@ -39,7 +40,7 @@ PadFile readPadFile(std::string_view text);
 std::uint32_t readKey(std::string_view name);
 
 /// Renders offline and prints a line about it, and one about the project that was saved; what its user should
-/// know besides goes to `warnings`, a line each. Throws `FileFailure`, and `WrongUse` for files that clash.
-void runRender(const RenderOptions& options, std::ostream& report, std::ostream& warnings);
+/// know besides goes to the errors, a line each. Throws `FileFailure`, and `WrongUse` for files that clash.
+void runRender(const RenderOptions& options, const Streams& streams);
 
 }  // namespace marnoth

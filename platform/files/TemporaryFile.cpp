@@ -1,0 +1,44 @@
+#include "platform/files/TemporaryFile.h"
+
+#include <random>
+#include <string>
+#include <system_error>
+
+#include "platform/files/FileSystem.h"
+
+namespace marnoth {
+
+namespace fs = std::filesystem;
+
+std::unique_ptr<TemporaryFile> TemporaryFile::make(const fs::path& path) {
+    std::unique_ptr<TemporaryFile> file(new TemporaryFile);
+    const SignalPause pause;
+    file->bytes_ = openFileBytes(path, FileMode::createNew);
+    if (!file->bytes_) return nullptr;
+    file->leftover_.emplace(path);
+    return file;
+}
+
+std::unique_ptr<TemporaryFile> TemporaryFile::makeAnywhere() {
+    std::error_code error;
+    const fs::path folder = fs::temp_directory_path(error);
+    if (error) return nullptr;
+    std::random_device random;
+    return make(folder / ("marnoth-" + std::to_string(random()) + "-" + std::to_string(random()) + ".part"));
+}
+
+TemporaryFile::~TemporaryFile() {
+    if (!leftover_) return;
+    bytes_.reset();
+    systemFiles().remove(path());
+}
+
+bool TemporaryFile::becomes(const fs::path& name) {
+    // Behind the rename the old name may be another process's.
+    const SignalPause pause;
+    if (!systemFiles().rename(path(), name)) return false;
+    leftover_.reset();
+    return true;
+}
+
+}  // namespace marnoth
