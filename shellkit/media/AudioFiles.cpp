@@ -6,16 +6,12 @@
 
 namespace marnoth {
 
-namespace {
-
-std::string fileName(int pin, int number) {
+std::string audioFileName(int pin, int number) {
     std::string text = "mix";
     if (pin > 0) text = (pin < 10 ? "chan0" : "chan") + std::to_string(pin);
     if (number > 1) text += "-" + std::to_string(number);
     return text + ".wav";
 }
-
-}  // namespace
 
 void AudioFiles::connected(std::uint32_t rate, std::uint32_t channels, std::vector<int> pins) {
     rate_ = rate;
@@ -51,7 +47,7 @@ WaveWriter& AudioFiles::writerOf(int number) {
     if (pin.writer && (pin.writer->rate() != rate_ || pin.writer->channels() != channels_)) close(pin);
     if (!pin.writer) {
         pin.writer =
-            std::make_unique<WaveWriter>(folder_ / fileName(number, pin.files + 1), rate_, channels_);
+            std::make_unique<WaveWriter>(folder_ / audioFileName(number, pin.files + 1), rate_, channels_);
         ++pin.files;
     }
     return *pin.writer;

@@ -14,6 +14,9 @@
 
 namespace marnoth {
 
+/// The name of a pin's file, without a folder; its second and later ones have the number behind it.
+std::string audioFileName(int pin, int number);
+
 /// The audio of the output pins on its way into WAV files: `mix.wav`, `chan01.wav` to `chan16.wav`.
 ///
 /// A file has one format. When a pin is connected anew in another one, the audio goes on in `mix-2.wav`, and

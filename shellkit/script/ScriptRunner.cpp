@@ -8,7 +8,7 @@
 
 #include "shellkit/files/Failure.h"
 #include "shellkit/script/ScriptCommand.h"
-#include "shellkit/script/ScriptNumbers.h"
+#include "shellkit/script/ScriptPlan.h"
 #include "shellkit/script/ScriptSession.h"
 #include "shellkit/script/ScriptWords.h"
 #include "shellkit/text/InstrumentText.h"
@@ -61,6 +61,24 @@ private:
     int number_ = 0;
 };
 
+/// The command of a line with its words, which are none for a line without one. Throws `ScriptError`.
+const ScriptCommand* commandOf(std::string_view line, std::vector<std::string>& words) {
+    words = splitWords(line);
+    if (words.empty()) return nullptr;
+    const ScriptCommand& command = findCommand(words.front());
+    command.checkCount(words.size() - 1);
+    return &command;
+}
+
+/// Whether nothing that the script reads is written over. It ends where the run will end.
+void checkFiles(LineReader& lines, ScriptPlan plan) try {
+    std::vector<std::string> words;
+    for (std::string_view line; lines.next(line);)
+        if (commandOf(line, words)) plan.take(words);
+} catch (const ScriptError&) {
+    // Told in its turn.
+}
+
 /// What the page asked stands ahead of the command that led to it, be it one that failed.
 std::string runCommand(const ScriptCommand& command, ScriptSession& session, Arguments arguments,
                        std::ostream& transcript) {
@@ -79,12 +97,10 @@ std::string runCommand(const ScriptCommand& command, ScriptSession& session, Arg
 }
 
 void runLine(ScriptSession& session, std::string_view line, std::ostream& transcript) {
-    const std::vector<std::string> words = splitWords(line);
-    if (words.empty()) return;
-    const ScriptCommand& command = findCommand(words.front());
-    const Arguments arguments = Arguments(words).subspan(1);
-    command.checkCount(arguments.size());
-    const std::string outcome = runCommand(command, session, arguments, transcript);
+    std::vector<std::string> words;
+    const ScriptCommand* command = commandOf(line, words);
+    if (!command) return;
+    const std::string outcome = runCommand(*command, session, Arguments(words).subspan(1), transcript);
     // One line at a time, so that the transcript of a run that is broken off is whole up to there.
     transcript << joinWords(words) << " -> " << outcome << '\n' << std::flush;
 }
@@ -94,6 +110,16 @@ void runLine(ScriptSession& session, std::string_view line, std::ostream& transc
 int runScript(const ScriptStage& stage, const std::string& scriptName,
               const std::filesystem::path& outputFolder, std::ostream& transcript, std::ostream& errors) {
     const std::string text = readScript(scriptName);
+    const auto tell = [&](const LineReader& lines, const std::exception& error) {
+        errors << scriptName << ':' << lines.number() << ": " << error.what() << std::endl;
+        return kWrongUseStatus;
+    };
+    LineReader ahead(text);
+    try {
+        checkFiles(ahead, ScriptPlan(pathFromUtf8(scriptName), outputFolder));
+    } catch (const WrongUse& error) {
+        return tell(ahead, error);
+    }
     makeFolder(outputFolder);
     ScriptSession session(stage, pathFromUtf8(scriptName).parent_path(), outputFolder);
     LineReader lines(text);
@@ -101,8 +127,7 @@ int runScript(const ScriptStage& stage, const std::string& scriptName,
     try {
         for (std::string_view line; lines.next(line);) runLine(session, line, transcript);
     } catch (const ScriptError& error) {
-        errors << scriptName << ':' << lines.number() << ": " << error.what() << std::endl;
-        status = kWrongUseStatus;
+        status = tell(lines, error);
     } catch (...) {
         // What could be written keeps its place even when one file failed.
         try {

@@ -17,6 +17,7 @@
 #include "sample/NotFinite.h"
 #include "seam/MusicalTime.h"
 #include "shellkit/files/FaultText.h"
+#include "shellkit/files/FilePlan.h"
 #include "shellkit/files/LoopFiles.h"
 #include "shellkit/files/ProjectFiles.h"
 #include "shellkit/text/InstrumentText.h"
@@ -190,6 +191,9 @@ void tellWave(const std::string& file, bool json, std::ostream& out) {
 }  // namespace
 
 void runInfo(const std::string& file, bool json, std::ostream& out) {
+    FilePlan files;
+    files.read("the file", pathFromUtf8(file));
+    checkPrinting(files);
     if (isProject(file))
         tellProject(file, json, out);
     else

@@ -7,6 +7,7 @@
 #include "host/CreateInstance.h"
 #include "hostkit/HostRig.h"
 #include "shellkit/files/Failure.h"
+#include "shellkit/files/FilePlan.h"
 #include "shellkit/files/LoopFiles.h"
 #include "shellkit/files/ProjectFiles.h"
 #include "shellkit/media/PngFile.h"
@@ -82,6 +83,10 @@ std::vector<std::string> openables() {
 }
 
 void runPage(const PageOptions& options, const Streams& streams) {
+    FilePlan files;
+    if (!options.project.empty()) files.read("the project", pathFromUtf8(options.project));
+    planOutput(files, "--out", options.out);
+    checkPrinting(files);
     HostRig rig{createInstrument};
     connect(rig);
     setLenientFiles(rig.sampler(), true);

@@ -10,15 +10,16 @@
 #include <iterator>
 #include <memory>
 #include <ostream>
+#include <set>
 
 #include "host/CreateInstance.h"
 #include "hostkit/HostRig.h"
-#include "platform/files/Links.h"
 #include "sample/AcidWave.h"
 #include "seam/Limits.h"
 #include "seam/MusicalTime.h"
 #include "shellkit/files/Failure.h"
 #include "shellkit/files/FaultText.h"
+#include "shellkit/files/FilePlan.h"
 #include "shellkit/files/LoopFiles.h"
 #include "shellkit/files/ProjectFiles.h"
 #include "shellkit/media/RenderOutput.h"
@@ -75,12 +76,28 @@ public:
 
 private:
     /// What would fail at the end fails at the beginning.
-    void checkPlaces() const {
-        if (options_.save.empty()) return;
-        if (isSamePlace(pathFromUtf8(savedName(options_.save)), pathFromUtf8(options_.out)))
-            throw WrongUse("--out " + options_.out + " is the file of --save: give it another name");
-        checkSavePlace(options_.save);
+    void checkPlaces() {
+        planInputs();
+        planOutput(files_, "--out", options_.out);
+        if (!options_.save.empty()) planSave(files_, "--save", options_.save);
+        for (const PadFile& file : options_.pads) planStem(file.pad);
+        checkPrinting(files_);
+        if (!options_.save.empty()) checkSavePlace(options_.save);
     }
+
+    void planInputs() {
+        if (!options_.project.empty()) files_.read("--project", pathFromUtf8(options_.project));
+        if (!options_.midi.empty()) files_.read("--midi", pathFromUtf8(options_.midi));
+        for (const PadFile& file : options_.pads)
+            files_.read("--pad " + std::to_string(file.pad + 1), pathFromUtf8(file.file));
+    }
+
+    void planStem(int pad) {
+        if (options_.stems.empty() || !planned_.insert(pad).second) return;
+        planOutput(files_, "the stem", utf8FromPath(stemOf(pad)));
+    }
+
+    std::filesystem::path stemOf(int pad) const { return pathFromUtf8(options_.stems) / padName(pad); }
 
     /// Fixes tempo, length and, with a MIDI file, the notes.
     void readMusic() {
@@ -120,6 +137,8 @@ private:
         setLenientFiles(rig_.sampler(), true);
         for (const PadFile& file : options_.pads) load(file);
         loaded_ = pads_.loaded();
+        // Which pads a project fills is known now.
+        for (const int pad : loaded_) planStem(pad);
         tellPlainFiles();
         if (!options_.midi.empty()) tellUnansweredNotes();
         if (options_.gate) pads_.gate();
@@ -176,12 +195,7 @@ private:
         std::error_code error;
         std::filesystem::create_directories(folder, error);
         if (error) throw FileFailure(options_.stems + ": the folder can't be made");
-        for (const int pad : loaded_) {
-            const std::filesystem::path path = folder / padName(pad);
-            if (isSamePlace(path, pathFromUtf8(options_.out)))
-                throw WrongUse("--out " + options_.out + " is the file of a stem: give it another name");
-            open(pad + 1, std::make_unique<OutputFile>(path));
-        }
+        for (const int pad : loaded_) open(pad + 1, std::make_unique<OutputFile>(stemOf(pad)));
     }
 
     void open(int pin, std::unique_ptr<OutputFile> file) {
@@ -247,6 +261,8 @@ private:
     const RenderOptions& options_;
     const Streams& streams_;
     std::ostream& report_;
+    FilePlan files_;
+    std::set<int> planned_;  ///< pads whose stems are in it
     MidiPart part_;
     double ticks_ = 0;
     std::int64_t frames_ = 0;
