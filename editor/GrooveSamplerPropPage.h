@@ -47,6 +47,8 @@ public:
     void bind(std::span<IUnknown* const> objects);
     /// The window is there: shows everything and begins to poll.
     void open();
+    /// For a shell in a window: what it has to say of projects that aren't loaded.
+    void adviseOnLoads(LoadAdvisor advisor) { m_files.adviseOnLoads(std::move(advisor)); }
 
     /// How root notes are named and set; `fromA` at first. Shells whose hosts give the project's key by the
     /// scale of loops name roots by it too.

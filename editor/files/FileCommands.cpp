@@ -124,9 +124,20 @@ void FileCommands::runProject(const std::string& path, bool save, const std::fun
         // The project names a grain that can't be.
     }
     if (result == S_OK) return then();
+    if (advisor_ && !save && file.fits() && FAILED(result)) return advise(path, then);
     // A project that loads and has to set the format gives 1: its user is told as well.
     page_.questions().askMessage(save ? kSaveProjectFailed : kLoadProjectFailed, MessageKind::note,
                                  [then](PageAnswer) { then(); });
+}
+
+void FileCommands::advise(const std::string& path, const std::function<void()>& then) {
+    const LoadAdvice advice = advisor_(path);
+    const bool asks = !advice.instead.empty();
+    page_.questions().askMessage(advice.text, asks ? MessageKind::yesNo : MessageKind::note,
+                                 [this, other = advice.instead, then](PageAnswer answer) {
+                                     if (answer == PageAnswer::yes) return runProject(other, false, then);
+                                     then();
+                                 });
 }
 
 void FileCommands::projectCommand(bool save) {

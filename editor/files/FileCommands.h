@@ -4,8 +4,10 @@
 #include <functional>
 #include <span>
 #include <string>
+#include <utility>
 
 #include "editor/PaneParent.h"
+#include "editor/files/LoadAdvice.h"
 #include "seam/IGrooveSampler.h"
 
 namespace marnoth {
@@ -35,6 +37,10 @@ public:
     FileCommands(PaneParent& page, PageControls& controls, std::function<void()> keyboard,
                  std::function<void(bool)> poll);
 
+    /// From now on the user is told of a project that isn't loaded what `advisor` says, in place of the
+    /// page's own message, and asked what to load instead.
+    void adviseOnLoads(LoadAdvisor advisor) { advisor_ = std::move(advisor); }
+
     /// Asks for a file and loads or saves it. `then` follows, also when the user cancels.
     void RunFileCommand(FileTarget target, bool save, std::function<void()> then);
     /// False when it is the command of another pane.
@@ -51,6 +57,7 @@ private:
     LoadResult load(FileTarget target, const std::string& path);
     void loadChosen(FileTarget target, const std::string& path, const std::function<void()>& then);
     void runProject(const std::string& path, bool save, const std::function<void()>& then);
+    void advise(const std::string& path, const std::function<void()>& then);
     void projectCommand(bool save);
     void openForPad(int pad);
     void openForBin();
@@ -60,6 +67,7 @@ private:
     PageControls& controls_;
     std::function<void()> keyboard_;
     std::function<void(bool)> poll_;
+    LoadAdvisor advisor_;
 };
 
 }  // namespace marnoth

@@ -47,7 +47,12 @@ std::string partOf(const FaultPlace& place) {
 
 std::string cutShort(const LoadFault& fault) {
     const bool isKnown = fault.value != FaultNumber(std::int64_t{0});
-    return "it is cut short" + (isKnown ? ": " + text(fault.value) + " bytes are missing" : "");
+    return "it is cut short" + (isKnown ? ": " + text(fault.value) + " bytes are missing" : "") +
+           (fault.place.owner >= 0 ? ", from " + ownerOf(fault.place) + " on" : "");
+}
+
+std::string cannotRead(const FaultPlace& place) {
+    return "it can't be read" + (place.owner >= 0 ? ", from " + ownerOf(place) + " on" : "");
 }
 
 const char* nameOf(FileType type) {
@@ -227,7 +232,7 @@ std::string inWords(const LoadFault& fault) {
         case FaultKind::cannotOpen:
             return "it can't be opened";
         case FaultKind::cannotRead:
-            return "it can't be read";
+            return cannotRead(fault.place);
         case FaultKind::emptyFile:
             return "it is empty";
         case FaultKind::otherFileType:

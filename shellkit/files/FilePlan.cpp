@@ -55,6 +55,12 @@ void planOutput(FilePlan& plan, const std::string& what, const std::string& file
     plan.checkBeside(what, file, part += ".part");
 }
 
+void planProject(FilePlan& plan, const std::string& what, const std::string& file) {
+    const fs::path path = pathFromUtf8(file);
+    plan.read(what, path);
+    plan.read("the backup of " + what, backupOf(path));
+}
+
 void planSave(FilePlan& plan, const std::string& what, const std::string& file) {
     const fs::path path = pathFromUtf8(savedName(file));
     plan.write(what, savedName(file), path);

@@ -37,6 +37,8 @@ private:
 
 /// An output, with the name that it grows under. What goes to standard output isn't one: `checkPrinting`.
 void planOutput(FilePlan& plan, const std::string& what, const std::string& file);
+/// A project that is loaded, with the backup that may be loaded in its place.
+void planProject(FilePlan& plan, const std::string& what, const std::string& file);
 /// A project that is saved, with its backup.
 void planSave(FilePlan& plan, const std::string& what, const std::string& file);
 /// What a command prints may be appended to a file: to none that it reads.

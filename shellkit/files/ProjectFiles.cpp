@@ -4,6 +4,7 @@
 #include <stdexcept>
 
 #include "platform/text/Text.h"
+#include "project/ProjectBackup.h"
 #include "project/ProjectFile.h"
 #include "project/ProjectName.h"
 #include "project/ProjectReader.h"
@@ -54,6 +55,14 @@ HRESULT load(IGrooveSampler& sampler, const std::string& file) {
     }
 }
 
+/// Why a project isn't loaded, and where what was saved before is: in `backup`, unless that is empty.
+std::string withBackup(const std::string& file, const LoadFault& fault, const std::string& backup) {
+    const std::string reason = whyNotLoaded(file, fault);
+    if (backup.empty()) return reason;
+    const bool isTold = fault.kind == FaultKind::neverFinished || isSavedWhole(pathFromUtf8(file));
+    return reason + (isTold ? "" : ": a save of it was cut off") + "; what was saved before is in " + backup;
+}
+
 std::string whyNotSaved(const std::string& name) {
     std::error_code ignored;
     const bool hasBackup = std::filesystem::exists(pathFromUtf8(name + ".bak"), ignored);
@@ -61,6 +70,14 @@ std::string whyNotSaved(const std::string& name) {
 }
 
 }  // namespace
+
+ProjectFailure::ProjectFailure(const std::string& file, const LoadFault& fault)
+    : FileFailure(file + ": " + withBackup(file, fault, backupNextTo(file))), backup(backupNextTo(file)) {}
+
+std::string backupNextTo(const std::string& file) {
+    const std::filesystem::path path = backupOf(pathFromUtf8(file));
+    return isSavedWhole(path) ? utf8FromPath(path) : std::string();
+}
 
 bool isProject(const std::string& file) {
     RiffStream stream;
@@ -76,13 +93,23 @@ Project readProjectFile(const std::string& file) {
     LoadFault fault = open(stream, file);
     if (!fault) fault = readProject(stream, project);
     if (!fault) fault = grainBelowZero(project);
-    if (fault) throw FileFailure(file + ": " + inWords(fault));
+    if (fault) throw ProjectFailure(file, fault);
     return project;
 }
 
 void loadProjectFile(IGrooveSampler& sampler, const std::string& file) {
     checkName(file);
-    if (FAILED(load(sampler, file))) throw FileFailure(file + ": " + inWords(lastLoadFault(sampler)));
+    if (FAILED(load(sampler, file))) throw ProjectFailure(file, lastLoadFault(sampler));
+}
+
+LoadAdvice adviceOnLoad(IGrooveSampler& sampler, const std::string& file) {
+    LoadAdvice advice{{}, backupNextTo(file)};
+    const auto nameOf = [](const std::string& path) { return utf8FromPath(pathFromUtf8(path).filename()); };
+    advice.text =
+        nameOf(file) + " isn't loaded: " +
+        withBackup(file, lastLoadFault(sampler), advice.instead.empty() ? "" : nameOf(advice.instead)) + ".";
+    if (!advice.instead.empty()) advice.text += "  Load that?";
+    return advice;
 }
 
 void saveProjectFile(IGrooveSampler& sampler, const std::string& file) {

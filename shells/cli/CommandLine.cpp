@@ -80,8 +80,7 @@ struct Request {
     std::vector<std::string> pads;
     std::string key;
     RenderOptions render;
-    std::string infoFile;
-    bool json = false;
+    InfoOptions info;
     PageOptions page;
 };
 
@@ -138,6 +137,7 @@ private:
             ->allow_extra_args(false)
             ->type_name("N=FILE");
         render->add_option("--project", options.project, "Load a project")->type_name("FILE.mrn");
+        addRecover(*render, options.recover);
         render->add_option("--midi", options.midi, "Standard MIDI file to play")->type_name("FILE");
         render->add_option("--tempo", options.tempo, "Beats per minute")
             ->check(within(kSlowestTempo, kFastestTempo))
@@ -165,8 +165,9 @@ private:
 
     void addInfo(Request& request) {
         CLI::App* info = app_.add_subcommand("info", "Tell what is in a WAV file or a project");
-        info->add_option("FILE", request.infoFile, "The WAV file or project")->required();
-        info->add_flag("--json", request.json, "Print JSON");
+        info->add_option("FILE", request.info.file, "The WAV file or project")->required();
+        info->add_flag("--json", request.info.json, "Print JSON");
+        addRecover(*info, request.info.recover);
         info->footer(kInfoHelp);
     }
 
@@ -174,6 +175,7 @@ private:
         CLI::App* page = app_.add_subcommand("page", "Draw the editor page into a PNG file");
         PageOptions& options = request.page;
         page->add_option("PROJECT.mrn", options.project, "The project that the page shows");
+        addRecover(*page, options.recover);
         page->add_option("--out", options.out, "The file to write; - for standard output")
             ->required()
             ->type_name("FILE.png");
@@ -191,6 +193,11 @@ private:
             ->check(within(1, 3))
             ->type_name("S");
         page->footer(kPageHelp);
+    }
+
+    static void addRecover(CLI::App& command, bool& wanted) {
+        command.add_flag("--recover", wanted,
+                         "Where a save was cut off, take the project that was there before (.mrn.bak)");
     }
 
     CLI::App app_{kProgramHelp, "marnoth"};
@@ -222,7 +229,7 @@ int carryOut(const Request& request, const Grammar& grammar, std::ostream& out, 
     else if (grammar.chose("page"))
         runPage(request.page, {out, errors});
     else
-        runInfo(request.infoFile, request.json, out);
+        runInfo(request.info, {out, errors});
     if (!out.flush()) throw FileFailure("standard output can't be written");
     return status;
 }

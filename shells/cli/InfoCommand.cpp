@@ -25,6 +25,7 @@
 #include "shellkit/text/PlainText.h"
 #include "shells/cli/InfoJson.h"
 #include "shells/cli/ProjectInfo.h"
+#include "shells/cli/Recovery.h"
 
 namespace marnoth {
 
@@ -190,14 +191,15 @@ void tellWave(const std::string& file, bool json, std::ostream& out) {
 
 }  // namespace
 
-void runInfo(const std::string& file, bool json, std::ostream& out) {
+void runInfo(const InfoOptions& options, const Streams& streams) {
     FilePlan files;
-    files.read("the file", pathFromUtf8(file));
+    planProject(files, "the file", options.file);
     checkPrinting(files);
-    if (isProject(file))
-        tellProject(file, json, out);
+    const auto tell = [&](const std::string& file) { tellProject(file, options.json, streams.out); };
+    if (isProject(options.file))
+        loadOrRecover(options.file, options.recover, streams.errors, tell);
     else
-        tellWave(file, json, out);
+        tellWave(options.file, options.json, streams.out);
 }
 
 }  // namespace marnoth

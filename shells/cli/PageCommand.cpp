@@ -14,6 +14,7 @@
 #include "shellkit/page/HeadlessPage.h"
 #include "shellkit/script/ScriptNumbers.h"
 #include "shellkit/text/InstrumentText.h"
+#include "shells/cli/Recovery.h"
 
 namespace marnoth {
 
@@ -84,13 +85,15 @@ std::vector<std::string> openables() {
 
 void runPage(const PageOptions& options, const Streams& streams) {
     FilePlan files;
-    if (!options.project.empty()) files.read("the project", pathFromUtf8(options.project));
+    if (!options.project.empty()) planProject(files, "the project", options.project);
     planOutput(files, "--out", options.out);
     checkPrinting(files);
     HostRig rig{createInstrument};
     connect(rig);
     setLenientFiles(rig.sampler(), true);
-    if (!options.project.empty()) loadProjectFile(rig.sampler(), options.project);
+    if (!options.project.empty())
+        loadOrRecover(options.project, options.recover, streams.errors,
+                      [&](const std::string& file) { loadProjectFile(rig.sampler(), file); });
     HeadlessPage page(rig.sampler(), {});
     page.page().setRootScale(RootScale::ofLoops);
     arrange(page, options);

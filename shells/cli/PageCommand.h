@@ -9,7 +9,8 @@ namespace marnoth {
 
 /// What `marnoth page` was asked for. File names are in UTF-8.
 struct PageOptions {
-    std::string project;  ///< empty: the page of an instrument that nothing was loaded into
+    std::string project;   ///< empty: the page of an instrument that nothing was loaded into
+    bool recover = false;  ///< its backup is taken where it can't be loaded
     std::string out;
     int pad = 1;          ///< the one that is selected, 1 to 16
     bool keyMap = false;  ///< the strip shows the key map, else the first file of the Loop Bin

@@ -153,8 +153,11 @@ void printKeys(const KeyMapRecord& keys, std::ostream& out) {
 }
 
 void printProject(const Project& project, std::int64_t bytes, const std::string& file, std::ostream& out) {
+    const std::string backup = backupNextTo(file);
     out << "project   " << file << '\n'
         << "size      " << bytes << " bytes, " << audioBytes(project) << " of them audio\n"
+        << (backup.empty() ? ""
+                           : "backup    " + backup + ", of a save that was ended before it took it away\n")
         << "audition  " << (project.auditionEnabled ? "on" : "off") << '\n'
         << "files     " << project.files.size() << '\n';
     for (std::size_t i = 0; i < project.files.size(); ++i) printFile(project.files[i], i + 1, out);
@@ -217,6 +220,7 @@ void printProjectJson(const Project& project, std::int64_t bytes, const std::str
               {"bytes", bytes},
               {"audioBytes", audioBytes(project)},
               {"auditionEnabled", project.auditionEnabled != 0}};
+    if (const std::string backup = backupNextTo(file); !backup.empty()) info["backup"] = backup;
     for (const char* list : {"files", "pads", "keys"}) info[list] = Json::array();
     for (const ProjectFile& item : project.files) info["files"].push_back(fileJson(item));
     for (const PadView& pad : padsToTell(project)) info["pads"].push_back(padJson(pad));

@@ -29,6 +29,7 @@
 #include "shellkit/text/NoteNames.h"
 #include "shellkit/text/PlainText.h"
 #include "shells/cli/Progress.h"
+#include "shells/cli/Recovery.h"
 #include "shells/cli/RenderPads.h"
 
 namespace marnoth {
@@ -86,7 +87,7 @@ private:
     }
 
     void planInputs() {
-        if (!options_.project.empty()) files_.read("--project", pathFromUtf8(options_.project));
+        if (!options_.project.empty()) planProject(files_, "--project", options_.project);
         if (!options_.midi.empty()) files_.read("--midi", pathFromUtf8(options_.midi));
         for (const PadFile& file : options_.pads)
             files_.read("--pad " + std::to_string(file.pad + 1), pathFromUtf8(file.file));
@@ -133,7 +134,9 @@ private:
     }
 
     void setUp() {
-        if (!options_.project.empty()) loadProjectFile(rig_.sampler(), options_.project);
+        if (!options_.project.empty())
+            loadOrRecover(options_.project, options_.recover, streams_.errors,
+                          [this](const std::string& file) { loadProjectFile(rig_.sampler(), file); });
         setLenientFiles(rig_.sampler(), true);
         for (const PadFile& file : options_.pads) load(file);
         loaded_ = pads_.loaded();

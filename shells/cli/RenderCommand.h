@@ -18,7 +18,8 @@ struct PadFile {
 
 /// What `marnoth render` was asked for. File names are in UTF-8.
 struct RenderOptions {
-    std::string project;  ///< loaded before the pads' files; empty for none
+    std::string project;   ///< loaded before the pads' files; empty for none
+    bool recover = false;  ///< the project's backup is taken where it can't be loaded
     std::vector<PadFile> pads;
     std::string midi;             ///< empty: every loaded pad is held from beat 0 to the end
     std::optional<double> tempo;  ///< in place of the MIDI file's

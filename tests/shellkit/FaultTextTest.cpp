@@ -45,6 +45,12 @@ TEST(FaultText, OfAFileThatEndsTooEarlyCountsTheBytesWhereTheyAreKnown) {
               "it is cut short: 100 bytes are missing");
 }
 
+TEST(FaultText, OfAProjectSaysFromWhereOnItIsGone) {
+    EXPECT_EQ(inWords({.kind = Kind::cutShort, .place = {fourCC("data"), 1}, .value = std::int64_t{100}}),
+              "it is cut short: 100 bytes are missing, from file 2 on");
+    EXPECT_EQ(ofKind(Kind::cannotRead, {fourCC("pevt"), 15}), "it can't be read, from pad 16 on");
+}
+
 TEST(FaultText, OfAChunkSaysWhichPartOfTheFileItIs) {
     EXPECT_EQ(ofKind(Kind::chunkMissing, {fourCC("fmt ")}),
               "its format or its audio data is missing or damaged");

@@ -216,6 +216,31 @@ TEST_F(FileCommands, AProjectThatCannotBeSavedOrLoadedIsToldOf) {
     EXPECT_EQ(atQuestion[1], Calls{"LoadProject song.mrn"});
 }
 
+TEST_F(FileCommands, AShellTellsWhyAProjectIsntLoadedAndAsksWhatToLoadInstead) {
+    open();
+    std::vector<std::string> asked;
+    rig.page->adviseOnLoads([&](const std::string& path) {
+        asked.push_back(path);
+        return path == "song.mrn" ? LoadAdvice{"It is broken.  Load song.mrn.bak?", "song.mrn.bak"}
+                                  : LoadAdvice{"That is broken too.", ""};
+    });
+    rig.engine.results = {{"SaveProject", E_FAIL}, {"LoadProject", E_FAIL}};
+    const std::string question = "? message \"It is broken.  Load song.mrn.bak?\" -> ";
+    const Calls requests{"SetRefreshRequest 1", "SetRefreshRequest 1"};
+    click(kOpenProject, {"song.mrn", "no"});
+    EXPECT_EQ(rig.window.takeLog(), (Calls{kAskProject + "song.mrn", question + "no"}));
+    EXPECT_EQ(atQuestion.at(1), Calls{"LoadProject song.mrn"});
+    EXPECT_EQ(rig.changes(), requests);
+    click(kOpenProject, {"song.mrn", "yes", "ok"});
+    EXPECT_EQ(rig.window.takeLog(),
+              (Calls{kAskProject + "song.mrn", question + "yes", "? message \"That is broken too.\" -> ok"}));
+    EXPECT_EQ(atQuestion.at(2), Calls{"LoadProject song.mrn.bak"});
+    EXPECT_EQ(rig.changes(), requests);
+    EXPECT_EQ(asked, (Calls{"song.mrn", "song.mrn", "song.mrn.bak"}));
+    click(kSaveProject, {"song.mrn", "ok"});
+    EXPECT_EQ(asked.size(), 3u) << "a save is none of its affairs";
+}
+
 TEST_F(FileCommands, ACancelledProjectStillEndsAtPadOneWithoutAFile) {
     open();
     selectGrain();

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+namespace marnoth {
+
+/// What the user is told about a project that wasn't loaded.
+struct LoadAdvice {
+    std::string text;     ///< sentences, in UTF-8
+    std::string instead;  ///< a full path in UTF-8 that `text` asks to load in its place; empty for none
+};
+
+/// What a shell has to say about the load of `path` that has just failed, on the same thread.
+using LoadAdvisor = std::function<LoadAdvice(const std::string& path)>;
+
+}  // namespace marnoth
