@@ -10,12 +10,6 @@ namespace fs = std::filesystem;
 /// As many as systems follow.
 constexpr int kMostLinks = 40;
 
-fs::path placeOf(const fs::path& name) {
-    std::error_code error;
-    fs::path place = fs::weakly_canonical(fs::absolute(behindLinks(name), error), error);
-    return error ? name : place;
-}
-
 }  // namespace
 
 fs::path behindLinks(const fs::path& name) {
@@ -27,12 +21,6 @@ fs::path behindLinks(const fs::path& name) {
         if (error) break;
     }
     return name;
-}
-
-bool isSamePlace(const fs::path& a, const fs::path& b) {
-    std::error_code error;
-    if (fs::equivalent(a, b, error)) return true;
-    return placeOf(a) == placeOf(b);
 }
 
 }  // namespace marnoth

@@ -8,8 +8,4 @@ namespace marnoth {
 /// no link, or one that goes round in a circle.
 std::filesystem::path behindLinks(const std::filesystem::path& name);
 
-/// Whether two names mean the same file: by the file's identity where it is there, so that hard links and
-/// other spellings are one, else by the place.
-bool isSamePlace(const std::filesystem::path& a, const std::filesystem::path& b);
-
 }  // namespace marnoth

@@ -1,6 +1,5 @@
 #include "shellkit/files/FilePlan.h"
 
-#include <algorithm>
 #include <utility>
 
 #include "platform/files/Links.h"
@@ -22,29 +21,28 @@ constexpr const char* kStandardOutputFile = "/dev/stdout";
 }  // namespace
 
 void FilePlan::read(std::string what, const fs::path& file) {
-    files_.push_back({std::move(what), file});
+    files_.emplace(identityOf(file), std::move(what));
 }
 
 void FilePlan::write(std::string what, const std::string& name, const fs::path& file) {
     check(what, name, file);
-    files_.push_back({std::move(what), file});
+    files_.emplace(identityOf(file), std::move(what));
 }
 
 void FilePlan::check(const std::string& what, const std::string& name, const fs::path& file) const {
-    if (const File* other = find(file))
-        throw WrongUse(what + " " + name + " is the file of " + other->what + ": give it another name");
+    if (const std::string* other = find(file))
+        throw WrongUse(what + " " + name + " is the file of " + *other + ": give it another name");
 }
 
 void FilePlan::checkBeside(const std::string& what, const std::string& name, const fs::path& file) const {
-    if (const File* other = find(file))
+    if (const std::string* other = find(file))
         throw WrongUse(what + " " + name + " needs the name " + utf8FromPath(file.filename()) +
-                       " for a while, which is the file of " + other->what + ": give it another name");
+                       " for a while, which is the file of " + *other + ": give it another name");
 }
 
-const FilePlan::File* FilePlan::find(const fs::path& file) const {
-    const auto found = std::find_if(files_.begin(), files_.end(),
-                                    [&](const File& it) { return isSamePlace(it.path, file); });
-    return found != files_.end() ? &*found : nullptr;
+const std::string* FilePlan::find(const fs::path& file) const {
+    const auto found = files_.find(identityOf(file));
+    return found != files_.end() ? &found->second : nullptr;
 }
 
 void planOutput(FilePlan& plan, const std::string& what, const std::string& file) {

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <filesystem>
+#include <map>
 #include <string>
-#include <vector>
+
+#include "platform/files/FileIdentity.h"
 
 namespace marnoth {
 
@@ -25,14 +27,10 @@ public:
     bool has(const std::filesystem::path& file) const { return find(file) != nullptr; }
 
 private:
-    struct File {
-        std::string what;
-        std::filesystem::path path;
-    };
+    /// What its user knows a file as that is read or written; null for any other.
+    const std::string* find(const std::filesystem::path& file) const;
 
-    const File* find(const std::filesystem::path& file) const;
-
-    std::vector<File> files_;
+    std::map<FileIdentity, std::string> files_;
 };
 
 /// An output, with the name that it grows under. What goes to standard output isn't one: `checkPrinting`.

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "platform/files/FileIdentity.h"
 #include "platform/files/Links.h"
 #include "platform/files/TemporaryFile.h"
 #include "support/TempPath.h"
@@ -78,30 +79,34 @@ TEST(TemporaryFile, AnywhereThereIsAPlaceForIt) {
     EXPECT_NE(first->path(), second->path());
 }
 
-TEST(SamePlace, OneFileByEveryNameOfIt) {
+bool isOneFile(const fs::path& a, const fs::path& b) {
+    return identityOf(a) == identityOf(b);
+}
+
+TEST(FileIdentity, IsOneForEveryNameOfAFile) {
     const TempPath folder;
     fs::create_directories(folder.path() / "sub");
     const fs::path file = folder.path() / "a";
     put(file, "a");
     put(folder.path() / "b", "a");
-    EXPECT_TRUE(isSamePlace(file, folder.path() / "sub" / ".." / "a"));
-    EXPECT_FALSE(isSamePlace(file, folder.path() / "b")) << "the same content isn't the same file";
+    EXPECT_TRUE(isOneFile(file, folder.path() / "sub" / ".." / "a"));
+    EXPECT_FALSE(isOneFile(file, folder.path() / "b")) << "the same content isn't the same file";
     fs::create_hard_link(file, folder.path() / "hard");
-    EXPECT_TRUE(isSamePlace(file, folder.path() / "hard"));
-    EXPECT_TRUE(isSamePlace(folder.path() / "none", folder.path() / "sub" / ".." / "none"));
-    EXPECT_FALSE(isSamePlace(folder.path() / "none", folder.path() / "sub" / "none"));
+    EXPECT_TRUE(isOneFile(file, folder.path() / "hard"));
+    EXPECT_TRUE(isOneFile(folder.path() / "none", folder.path() / "sub" / ".." / "none"));
+    EXPECT_FALSE(isOneFile(folder.path() / "none", folder.path() / "sub" / "none"));
     fs::remove_all(folder.path());
 }
 
 #ifndef _WIN32
 
-TEST(SamePlace, GoesThroughSymbolicLinks) {
+TEST(FileIdentity, GoesThroughSymbolicLinks) {
     const TempPath folder;
     fs::create_directories(folder.path() / "sub");
     fs::create_symlink("none", folder.path() / "first");
     fs::create_symlink("../first", folder.path() / "sub" / "second");
     EXPECT_EQ(behindLinks(folder.path() / "first"), folder.path() / "none");
-    EXPECT_TRUE(isSamePlace(folder.path() / "sub" / "second", folder.path() / "none"));
+    EXPECT_TRUE(isOneFile(folder.path() / "sub" / "second", folder.path() / "none"));
     fs::create_symlink("circle", folder.path() / "circle");
     EXPECT_EQ(behindLinks(folder.path() / "circle"), folder.path() / "circle");
     fs::remove_all(folder.path());
