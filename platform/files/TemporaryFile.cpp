@@ -22,7 +22,10 @@ std::unique_ptr<TemporaryFile> TemporaryFile::make(const fs::path& path) {
 std::unique_ptr<TemporaryFile> TemporaryFile::makeAnywhere() {
     std::error_code error;
     const fs::path folder = fs::temp_directory_path(error);
-    if (error) return nullptr;
+    return error ? nullptr : makeIn(folder);
+}
+
+std::unique_ptr<TemporaryFile> TemporaryFile::makeIn(const fs::path& folder) {
     std::random_device random;
     return make(folder / ("marnoth-" + std::to_string(random()) + "-" + std::to_string(random()) + ".part"));
 }

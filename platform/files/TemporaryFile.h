@@ -16,7 +16,9 @@ class TemporaryFile {
 public:
     /// Null when the file can't be made, as when there is one of that name.
     static std::unique_ptr<TemporaryFile> make(const std::filesystem::path& path);
-    /// In the system's folder for such files, under a name that nobody else has.
+    /// Under a name that nobody else has.
+    static std::unique_ptr<TemporaryFile> makeIn(const std::filesystem::path& folder);
+    /// The same in the system's folder for such files.
     static std::unique_ptr<TemporaryFile> makeAnywhere();
     ~TemporaryFile();
     TemporaryFile(const TemporaryFile&) = delete;

@@ -44,13 +44,17 @@ void AudioFiles::finish() {
 
 WaveWriter& AudioFiles::writerOf(int number) {
     Pin& pin = pins_[static_cast<std::size_t>(number)];
-    if (pin.writer && (pin.writer->rate() != rate_ || pin.writer->channels() != channels_)) close(pin);
+    if (pin.writer && !isOfFormat(*pin.writer)) close(pin);
     if (!pin.writer) {
-        pin.writer =
-            std::make_unique<WaveWriter>(folder_ / audioFileName(number, pin.files + 1), rate_, channels_);
+        pin.writer = std::make_unique<WaveWriter>(folder_ / audioFileName(number, pin.files + 1),
+                                                  WaveOptions{.rate = rate_, .channels = channels_});
         ++pin.files;
     }
     return *pin.writer;
+}
+
+bool AudioFiles::isOfFormat(const WaveWriter& writer) const {
+    return writer.options().rate == rate_ && writer.options().channels == channels_;
 }
 
 void AudioFiles::close(Pin& pin) noexcept {

@@ -44,6 +44,7 @@ private:
     };
 
     WaveWriter& writerOf(int pin);
+    bool isOfFormat(const WaveWriter& writer) const;
     void close(Pin& pin) noexcept;
 
     std::filesystem::path folder_;

@@ -61,6 +61,17 @@ void OutputFile::openSpool() {
     if (!temporary_) fail("there is no place for a temporary file");
 }
 
+fs::path OutputFile::folder() const {
+    const fs::path folder = temporary_->path().parent_path();
+    return folder.empty() ? "." : folder;
+}
+
+std::unique_ptr<TemporaryFile> OutputFile::makeSpool() const {
+    auto spool = TemporaryFile::makeIn(folder());
+    if (!spool) fail("there is no place for a temporary file");
+    return spool;
+}
+
 void OutputFile::finish() {
     if (stream_) return passOn();
     if (!temporary_->becomes(target_)) fail("it can't be given its name");

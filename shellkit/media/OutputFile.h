@@ -33,6 +33,10 @@ public:
 
     /// Where to write, in any order; once. To be closed before `finish`, and before this object goes.
     std::unique_ptr<ByteStream> takeBytes() { return temporary_->takeBytes(); }
+    /// A temporary file where this one grows, for what isn't ready for it.
+    std::unique_ptr<TemporaryFile> makeSpool() const;
+    /// Where it grows.
+    std::filesystem::path folder() const;
     /// What was written is whole.
     void finish();
 

@@ -4,8 +4,8 @@
 #include <optional>
 #include <span>
 #include <string>
-#include <utility>
 
+#include "shellkit/media/FloatSpool.h"
 #include "shellkit/media/WaveWriter.h"
 
 namespace marnoth {
@@ -13,22 +13,26 @@ namespace marnoth {
 /// Where the audio of one pin of an offline render goes as a WAV file, and what is worth telling about it.
 class RenderOutput {
 public:
-    RenderOutput(std::unique_ptr<OutputFile> file, std::uint32_t rate, std::uint32_t channels)
-        : writer_(std::move(file), rate, channels) {}
+    /// The audio waits for its gain in a temporary file where `gainComesLater`.
+    RenderOutput(std::unique_ptr<OutputFile> file, const WaveOptions& options, bool gainComesLater);
 
     /// Appends audio. Called inside a block: a failure is kept for `check`.
     void take(std::span<const float> samples) noexcept;
     /// Throws the `FileFailure` that taking met.
     void check() const;
+    /// A factor in place of that of the options; before `finish`, and only where it comes later.
+    void setGain(double gain) { writer_.setGain(gain); }
     /// Throws `FileFailure`.
-    void finish() { writer_.finish(); }
+    void finish();
 
-    /// Of the file, as messages tell it.
-    const std::string& name() const { return writer_.name(); }
+    const OutputFile& file() const { return writer_.output(); }
+    /// Of the audio before its gain.
     float peak() const { return peak_; }
+    const Clipping& clipping() const { return writer_.clipping(); }
 
 private:
     WaveWriter writer_;
+    std::unique_ptr<FloatSpool> spool_;  ///< null where the gain is known
     float peak_ = 0;
     std::optional<std::string> failure_;
 };

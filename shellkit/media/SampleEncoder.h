@@ -32,6 +32,7 @@ public:
     SampleEncoder(const Encoding& encoding, std::uint32_t channels)
         : encoding_(encoding), channels_(channels) {}
 
+    void setGain(double gain) { encoding_.gain = gain; }
     /// Takes whole frames. The bytes are good until the next call, and as long as `interleaved` is.
     std::span<const std::byte> encode(std::span<const float> interleaved);
 

@@ -202,7 +202,8 @@ private:
     }
 
     void open(int pin, std::unique_ptr<OutputFile> file) {
-        outputs_.push_back(std::make_unique<RenderOutput>(std::move(file), options_.rate, kChannels));
+        outputs_.push_back(std::make_unique<RenderOutput>(
+            std::move(file), WaveOptions{.rate = options_.rate, .channels = kChannels}, false));
         rig_.setTaker(pin, [output = outputs_.back().get()](std::span<const float> samples, bool) {
             output->take(samples);
         });
@@ -248,7 +249,7 @@ private:
         std::array<char, 160> text{};
         std::snprintf(text.data(), text.size(), ": %.3f s, %s, %.0f times real time", length, level.data(),
                       length / std::max(took, 1e-6));
-        report_ << outputs_.back()->name() << text.data() << std::endl;
+        report_ << outputs_.back()->file().name() << text.data() << std::endl;
     }
 
     void save() {

@@ -78,7 +78,7 @@ TEST(OutputFile, AWaveInAStreamHasItsSizesAtTheFront) {
     for (const bool toFile : {true, false}) {
         WaveWriter writer(
             toFile ? std::make_unique<OutputFile>(folder / "a.wav") : std::make_unique<OutputFile>(stream),
-            44100, 2);
+            WaveOptions{.rate = 44100, .channels = 2});
         writer.write(std::vector<float>(100000, 0.5f));
         writer.finish();
     }

@@ -11,7 +11,7 @@ namespace {
 
 TEST(WaveWriter, WritesAFloatFileByteForByte) {
     const TempFolder folder;
-    WaveWriter writer(folder / "a.wav", 48000, 2);
+    WaveWriter writer(folder / "a.wav", WaveOptions{.rate = 48000, .channels = 2});
     writer.write(std::vector<float>{0.5f, -1.0f});
     writer.write(std::vector<float>{0.25f, 2.0f});
     writer.finish();
@@ -42,7 +42,7 @@ TEST(WaveWriter, WritesAFloatFileByteForByte) {
 TEST(WaveWriter, HasItsNameOnlyWhenItIsFinished) {
     const TempFolder folder;
     {
-        WaveWriter writer(folder / "a.wav", 44100, 1);
+        WaveWriter writer(folder / "a.wav", WaveOptions{.rate = 44100, .channels = 1});
         writer.write(std::vector<float>(1000));
         EXPECT_FALSE(std::filesystem::exists(folder / "a.wav"));
     }
@@ -52,7 +52,7 @@ TEST(WaveWriter, HasItsNameOnlyWhenItIsFinished) {
 TEST(WaveWriter, ReplacesAnOldFile) {
     const TempFolder folder;
     writeText(folder / "a.wav", "old");
-    WaveWriter writer(folder / "a.wav", 44100, 1);
+    WaveWriter writer(folder / "a.wav", WaveOptions{.rate = 44100, .channels = 1});
     writer.write(std::vector<float>{1.0f});
     writer.finish();
     EXPECT_EQ(readWaveFrames(folder / "a.wav").samples, std::vector<float>{1.0f});
@@ -60,7 +60,8 @@ TEST(WaveWriter, ReplacesAnOldFile) {
 
 TEST(WaveWriter, FailsWhereThereIsNoFolder) {
     const TempFolder folder;
-    EXPECT_THROW(WaveWriter(folder / "none" / "a.wav", 44100, 1), FileFailure);
+    const WaveOptions mono{.rate = 44100, .channels = 1};
+    EXPECT_THROW(WaveWriter(folder / "none" / "a.wav", mono), FileFailure);
 }
 
 TEST(WaveFrames, ReadsWhatIsThereOfACutFile) {

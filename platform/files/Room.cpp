@@ -1,0 +1,64 @@
+#include "platform/files/Room.h"
+
+#include <algorithm>
+#include <system_error>
+
+#include "platform/files/FileIdentity.h"
+
+#ifdef _WIN32
+#include <windows.h>
+
+#include <array>
+#include <string_view>
+#else
+#include <sys/resource.h>
+#include <unistd.h>
+#endif
+
+namespace marnoth {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// Of a file on a disk that tells sizes in 32 bits, as memory cards do.
+constexpr std::int64_t kMostOfFat = 0xFFFFFFFF;
+
+#ifdef _WIN32
+
+std::int64_t mostOfAFileIn(const fs::path& folder) {
+    std::array<wchar_t, MAX_PATH + 1> root{};
+    std::array<wchar_t, MAX_PATH + 1> form{};
+    const fs::path whole = fs::absolute(folder);
+    const bool known =
+        GetVolumePathNameW(whole.c_str(), root.data(), MAX_PATH) &&
+        GetVolumeInformationW(root.data(), nullptr, 0, nullptr, nullptr, nullptr, form.data(), MAX_PATH);
+    return known && std::wstring_view(form.data()).starts_with(L"FAT") ? kMostOfFat : Room::kUnknown;
+}
+
+#else
+
+std::int64_t mostOfAFileIn(const fs::path& folder) {
+    rlimit limit{};
+    const bool isLimited = getrlimit(RLIMIT_FSIZE, &limit) == 0 && limit.rlim_cur < Room::kUnknown;
+    const std::int64_t own = isLimited ? static_cast<std::int64_t>(limit.rlim_cur) : Room::kUnknown;
+    const long bits = pathconf(folder.c_str(), _PC_FILESIZEBITS);
+    return bits > 0 && bits <= 33 ? std::min(own, kMostOfFat) : own;
+}
+
+#endif
+
+}  // namespace
+
+Room roomIn(const fs::path& folder) {
+    Room room;
+    room.volume = identityOf(folder).volume;
+    room.mostOfAFile = mostOfAFileIn(folder);
+    std::error_code error;
+    const fs::space_info space = fs::space(folder, error);
+    if (!error && space.available < static_cast<std::uintmax_t>(Room::kUnknown))
+        room.freeBytes = static_cast<std::int64_t>(space.available);
+    return room;
+}
+
+}  // namespace marnoth
