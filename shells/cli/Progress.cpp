@@ -18,7 +18,7 @@ std::string bar(double done) {
 
 }  // namespace
 
-Progress::Progress() : watched_(errorIsTerminal()) {}
+Progress::Progress(bool wanted) : watched_(wanted && errorIsTerminal()) {}
 
 Progress::~Progress() {
     // The line is wiped: what follows begins on a clean one.

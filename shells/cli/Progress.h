@@ -7,7 +7,8 @@ namespace marnoth {
 /// A bar on standard error that shows how far a piece of work has come; nothing when nobody watches.
 class Progress {
 public:
-    Progress();
+    /// Nothing is shown where it isn't `wanted`.
+    explicit Progress(bool wanted = true);
     ~Progress();
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;

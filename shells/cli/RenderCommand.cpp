@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <chrono>
 #include <cmath>
 #include <cstdio>
@@ -22,12 +21,12 @@
 #include "shellkit/files/FilePlan.h"
 #include "shellkit/files/LoopFiles.h"
 #include "shellkit/files/ProjectFiles.h"
-#include "shellkit/media/RenderOutput.h"
 #include "shellkit/midi/MidiFile.h"
 #include "shellkit/script/ScriptNumbers.h"
 #include "shellkit/text/InstrumentText.h"
 #include "shellkit/text/NoteNames.h"
 #include "shellkit/text/PlainText.h"
+#include "shells/cli/LoopRates.h"
 #include "shells/cli/Progress.h"
 #include "shells/cli/Recovery.h"
 #include "shells/cli/RenderPads.h"
@@ -63,6 +62,7 @@ public:
 
     void run() {
         checkPlaces();
+        chooseRate();
         readMusic();
         connect();
         attach();
@@ -70,7 +70,7 @@ public:
         openOutputs();
         queue();
         const double took = render();
-        for (const auto& output : outputs_) output->finish();
+        outputs_->finish([this](const std::string& text) { warn(text); });
         tell(took);
         if (!options_.save.empty()) save();
     }
@@ -90,7 +90,8 @@ private:
         if (!options_.project.empty()) planProject(files_, "--project", options_.project);
         if (!options_.midi.empty()) files_.read("--midi", pathFromUtf8(options_.midi));
         for (const PadFile& file : options_.pads)
-            files_.read("--pad " + std::to_string(file.pad + 1), pathFromUtf8(file.file));
+            if (!file.file.empty())
+                files_.read("--pad " + std::to_string(file.pad + 1), pathFromUtf8(file.file));
     }
 
     void planStem(int pad) {
@@ -99,6 +100,22 @@ private:
     }
 
     std::filesystem::path stemOf(int pad) const { return pathFromUtf8(options_.stems) / padName(pad); }
+
+    void chooseRate() {
+        if (options_.rate) {
+            rate_ = *options_.rate;
+            return;
+        }
+        LoopRates rates;
+        std::ostream silent(nullptr);
+        if (!options_.project.empty())
+            loadOrRecover(options_.project, options_.recover, silent,
+                          [&](const std::string& file) { rates.addProject(file); });
+        for (const PadFile& file : options_.pads)
+            if (!file.file.empty()) rates.addLoop(file.file);
+        rate_ = rates.chosen();
+        if (const std::string text = rates.tellDifference(); !text.empty()) note(text);
+    }
 
     /// Fixes tempo, length and, with a MIDI file, the notes.
     void readMusic() {
@@ -109,7 +126,7 @@ private:
         }
         if (options_.tempo) part_.tempo = TempoTrack(*options_.tempo);
         if (options_.beats) ticks = *options_.beats * kTicksPerBeat;
-        const double frames = part_.tempo.seconds(ticks) * options_.rate + 0.5;
+        const double frames = part_.tempo.seconds(ticks) * rate_ + 0.5;
         frames_ = std::max<std::int64_t>(1, static_cast<std::int64_t>(frames));
         ticks_ = ticks;
     }
@@ -120,7 +137,7 @@ private:
         if (!options_.stems.empty())
             for (int pad = 0; pad < kPads; ++pad) pins.push_back(pad + 1);
         need(rig_.setBlock(options_.block), "setting the block");
-        need(rig_.connect(options_.rate, kChannels, pins), "connecting the instrument");
+        need(rig_.connect(rate_, kChannels, pins), "connecting the instrument");
     }
 
     void attach() {
@@ -128,7 +145,7 @@ private:
         AttachOptions host;
         host.tempo = tempo.front().beatsPerMinute;
         host.key = options_.key;
-        host.converterRate = options_.rate;
+        host.converterRate = rate_;
         need(rig_.attach(host), "attaching the host");
         for (std::size_t i = 1; i < tempo.size(); ++i) rig_.addTempo(tempo[i].tick, tempo[i].beatsPerMinute);
     }
@@ -138,13 +155,15 @@ private:
             loadOrRecover(options_.project, options_.recover, streams_.errors,
                           [this](const std::string& file) { loadProjectFile(rig_.sampler(), file); });
         setLenientFiles(rig_.sampler(), true);
-        for (const PadFile& file : options_.pads) load(file);
+        for (const PadFile& file : options_.pads)
+            if (!file.file.empty()) load(file);
         loaded_ = pads_.loaded();
         // Which pads a project fills is known now.
         for (const int pad : loaded_) planStem(pad);
+        if (options_.gate) pads_.gate();
+        for (const PadFile& file : options_.pads) applySettings(rig_.sampler(), file.pad, file.settings);
         tellPlainFiles();
         if (!options_.midi.empty()) tellUnansweredNotes();
-        if (options_.gate) pads_.gate();
         // A held pad has to sound for as long as its note does.
         if (options_.midi.empty()) pads_.hold();
         if (!options_.stems.empty()) pads_.routeToOwnOutputs();
@@ -162,7 +181,7 @@ private:
         if (!hasTempo && std::none_of(loaded_.begin(), loaded_.end(), isSynced)) return;
         std::string files;
         for (const PadFile& file : options_.pads)
-            if (!isSynced(file.pad) && !hasLoopData(file.file))
+            if (!file.file.empty() && !isSynced(file.pad) && !hasLoopData(file.file))
                 files += (files.empty() ? "" : ", ") + file.file;
         if (files.empty()) return;
         const std::string when =
@@ -181,6 +200,7 @@ private:
     }
 
     void note(const std::string& text) {
+        if (streams_.quiet) return;
         streams_.errors << "marnoth: note: " << inOneLine(text) << std::endl;
     }
 
@@ -189,9 +209,11 @@ private:
     }
 
     void openOutputs() {
+        outputs_.emplace(options_.form, rate_, kChannels, frames_);
         // The mix may go into the folder of the stems.
         if (!options_.stems.empty()) openStems(pathFromUtf8(options_.stems));
         open(0, openOutput(options_.out, streams_.out));
+        outputs_->checkRoom();
     }
 
     void openStems(const std::filesystem::path& folder) {
@@ -202,11 +224,8 @@ private:
     }
 
     void open(int pin, std::unique_ptr<OutputFile> file) {
-        outputs_.push_back(std::make_unique<RenderOutput>(
-            std::move(file), WaveOptions{.rate = options_.rate, .channels = kChannels}, false));
-        rig_.setTaker(pin, [output = outputs_.back().get()](std::span<const float> samples, bool) {
-            output->take(samples);
-        });
+        RenderOutput& output = outputs_->add(std::move(file));
+        rig_.setTaker(pin, [&output](std::span<const float> samples, bool) { output.take(samples); });
     }
 
     void queue() {
@@ -229,12 +248,12 @@ private:
     double render() {
         const auto begin = std::chrono::steady_clock::now();
         // About a second at a time, in whole blocks: cutting there changes nothing in the audio.
-        const std::int64_t atOnce = (options_.rate / options_.block + 1) * std::int64_t{options_.block};
-        Progress progress;
+        const std::int64_t atOnce = (rate_ / options_.block + 1) * std::int64_t{options_.block};
+        Progress progress(!streams_.quiet);
         for (std::int64_t done = 0; done < frames_;) {
             const std::int64_t now = std::min(atOnce, frames_ - done);
             need(rig_.render(now), "rendering");
-            for (const auto& output : outputs_) output->check();
+            outputs_->check();
             done += now;
             progress.show(static_cast<double>(done) / static_cast<double>(frames_));
         }
@@ -242,14 +261,9 @@ private:
     }
 
     void tell(double took) const {
-        const double length = static_cast<double>(frames_) / options_.rate;
-        const float peak = outputs_.back()->peak();
-        std::array<char, 64> level{"silent"};
-        if (peak > 0) std::snprintf(level.data(), level.size(), "peak %.1f dBFS", 20 * std::log10(peak));
-        std::array<char, 160> text{};
-        std::snprintf(text.data(), text.size(), ": %.3f s, %s, %.0f times real time", length, level.data(),
-                      length / std::max(took, 1e-6));
-        report_ << outputs_.back()->file().name() << text.data() << std::endl;
+        const double length = static_cast<double>(frames_) / rate_;
+        report_ << outputs_->mix().file().name() << ": " << fixed(length, 3) << " s, " << outputs_->tellMix()
+                << ", " << fixed(length / std::max(took, 1e-6), 0) << " times real time" << std::endl;
     }
 
     void save() {
@@ -270,24 +284,14 @@ private:
     MidiPart part_;
     double ticks_ = 0;
     std::int64_t frames_ = 0;
-    std::vector<std::unique_ptr<RenderOutput>> outputs_;  ///< the stems, then the mix
-    std::vector<int> loaded_;                             ///< pads that have grains
+    std::uint32_t rate_ = LoopRates::kUsual;
+    std::optional<RenderOutputs> outputs_;
+    std::vector<int> loaded_;        ///< pads that have grains
     HostRig rig_{createInstrument};  // destroyed before the outputs that its pins write to
     RenderPads pads_{rig_.sampler()};
 };
 
 }  // namespace
-
-PadFile readPadFile(std::string_view text) {
-    const std::size_t equals = text.find('=');
-    int pad = 0;
-    const char* end = text.data() + std::min(equals, text.size());
-    const auto [stop, error] = std::from_chars(text.data(), end, pad);
-    const bool isNumber = error == std::errc{} && stop == end;
-    if (equals == text.npos || !isNumber || pad < 1 || pad > kPads || equals + 1 == text.size())
-        throw WrongUse("--pad \"" + std::string(text) + "\": write N=FILE.wav with a pad N from 1 to 16");
-    return {pad - 1, std::string(text.substr(equals + 1))};
-}
 
 std::uint32_t readKey(std::string_view name) {
     const auto key = keyNamed(name);

@@ -6,36 +6,30 @@
 #include <string_view>
 #include <vector>
 
+#include "shells/cli/PadFile.h"
+#include "shells/cli/RenderOutputs.h"
 #include "shells/cli/Streams.h"
 
 namespace marnoth {
-
-/// A file for a pad.
-struct PadFile {
-    int pad = 0;  ///< 0 to 15
-    std::string file;
-};
 
 /// What `marnoth render` was asked for. File names are in UTF-8.
 struct RenderOptions {
     std::string project;   ///< loaded before the pads' files; empty for none
     bool recover = false;  ///< the project's backup is taken where it can't be loaded
     std::vector<PadFile> pads;
-    std::string midi;             ///< empty: every loaded pad is held from beat 0 to the end
-    std::optional<double> tempo;  ///< in place of the MIDI file's
-    std::optional<double> beats;  ///< in place of the length of the MIDI file, or of 16
-    std::uint32_t rate = 44100;
+    std::string midi;                   ///< empty: every loaded pad is held from beat 0 to the end
+    std::optional<double> tempo;        ///< in place of the MIDI file's
+    std::optional<double> beats;        ///< in place of the length of the MIDI file, or of 16
+    std::optional<std::uint32_t> rate;  ///< in place of that of the loops
     /// A fade of 20 ms that a block cuts begins anew in the next: at the usual rates this holds a whole one.
     std::int32_t block = 1024;
     std::optional<std::uint32_t> key;  ///< 0 to 11 counted from A
     bool gate = false;                 ///< pads sound while their notes are held, in place of one-shot
+    FileForm form;
     std::string out;
     std::string stems;  ///< folder for a file of each pad; empty for none
     std::string save;   ///< the project is kept there after the render; empty for none
 };
-
-/// `N=FILE` with N from 1 to 16. Throws `WrongUse`.
-PadFile readPadFile(std::string_view text);
 
 /// The number of a key, from `A` for 0, with `#` or `b` behind the letter. Throws `WrongUse`.
 std::uint32_t readKey(std::string_view name);

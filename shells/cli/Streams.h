@@ -1,6 +1,6 @@
 #pragma once
 
-#include <iosfwd>
+#include <ostream>
 #include <string>
 
 #include "shellkit/media/OutputFile.h"
@@ -11,10 +11,13 @@ namespace marnoth {
 struct Streams {
     std::ostream& out;
     std::ostream& errors;
+    bool quiet = false;  ///< nothing is printed but what went wrong, or may have
 
     /// What is told about the output `file` doesn't go into it.
     std::ostream& reportBeside(const std::string& file) const {
-        return file == kStandardOutput ? errors : out;
+        // A stream without a buffer takes everything and keeps nothing.
+        static std::ostream nowhere(nullptr);
+        return quiet ? nowhere : file == kStandardOutput ? errors : out;
     }
 };
 

@@ -54,6 +54,32 @@ TEST(CommandLine, AFileThatFailsGetsItsReasonAndStatusOne) {
     }
 }
 
+TEST(CommandLine, AnUnknownWordIsNamedWithTheOneThatWasMeant) {
+    struct Case {
+        Words words;
+        const char* told;
+    };
+    for (const auto& [words, told] :
+         {Case{{"rendr", "--out", "a.wav"}, "no command \"rendr\" (did you mean render?)"},
+          Case{{"banana"}, "no command \"banana\"; see marnoth --help"},
+          Case{{"render", "--tmpo", "3", "--out", "a.wav"},
+               "render has no option --tmpo (did you mean --tempo?)"},
+          Case{{"render", "--tmpo=3", "--out", "a.wav"}, "--tmpo (did you mean --tempo?)"},
+          Case{{"render", "--pad", "1=a.wav", "-x", "--out", "a.wav"}, "render has no option -x"},
+          Case{{"page", "--key-mpa", "--out", "a.png"},
+               "page has no option --key-mpa (did you mean --key-map?)"},
+          Case{{"--versoin"}, "marnoth has no option --versoin (did you mean --version?)"}}) {
+        const CliRun run = marnoth(words);
+        EXPECT_EQ(run.status, 2);
+        EXPECT_NE(run.err.find(told), std::string::npos) << run.err;
+    }
+}
+
+TEST(CommandLine, HelpNamesTheEnvironment) {
+    const std::string help = marnoth({"--help"}).out;
+    EXPECT_NE(help.find("Environment:\n  TMPDIR"), std::string::npos) << help;
+}
+
 TEST(CommandLine, HelpComesWithExamples) {
     for (const char* command : {"script", "render", "info", "page"}) {
         const CliRun run = marnoth({command, "--help"});

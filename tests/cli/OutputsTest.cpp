@@ -276,7 +276,7 @@ TEST(Outputs, AnInterruptedRenderLeavesNoParts) {
     const Studio studio;
     for (const int signal : {SIGINT, SIGTERM}) {
         const int status =
-            statusOfInterrupted({"render", "--pad", studio.pad(1, "a.wav"), "--beats", "1000000", "--block",
+            statusOfInterrupted({"render", "--pad", studio.pad(1, "a.wav"), "--beats", "4000", "--block",
                                  "16", "--out", studio.name("out.wav"), "--stems", studio.name("stems")},
                                 studio.folder / "out.wav.part", signal);
         EXPECT_EQ(status, 128 + signal);

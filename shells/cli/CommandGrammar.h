@@ -1,0 +1,48 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <string>
+#include <vector>
+
+#include "shells/cli/InfoCommand.h"
+#include "shells/cli/PageCommand.h"
+#include "shells/cli/RenderCommand.h"
+
+namespace marnoth {
+
+/// What the arguments say, as text where the grammar doesn't read it itself.
+struct Request {
+    std::string script;
+    std::string scriptOut;
+    std::vector<std::string> pads;
+    std::string bits;
+    bool noDither = false;
+    std::string key;
+    RenderOptions render;
+    InfoOptions info;
+    PageOptions page;
+    bool quiet = false;
+};
+
+/// The one description of the command line: what is read, what `--help` prints, and what manual page and
+/// completions are made from. Parsing fills a request, which must outlive this.
+class CommandGrammar {
+public:
+    explicit CommandGrammar(Request& request);
+    CommandGrammar(const CommandGrammar&) = delete;
+    CommandGrammar& operator=(const CommandGrammar&) = delete;
+
+    CLI::App& app() { return app_; }
+    const CLI::App& app() const { return app_; }
+    bool chose(const char* name) const { return app_.got_subcommand(name); }
+
+private:
+    void addScript(Request& request);
+    void addRender(Request& request);
+    void addInfo(Request& request);
+    void addPage(Request& request);
+
+    CLI::App app_;
+};
+
+}  // namespace marnoth
