@@ -152,6 +152,7 @@ HRESULT CGrooveSampler::GetSteady(std::uint32_t* on) {
 void CGrooveSampler::ClearPhaseAnchor() {
     const CAutoLock lock(*this);
     renderer_.clearPhaseAnchor();
+    renderer_.cutFades();
 }
 
 void CGrooveSampler::dropLeftOver() {

@@ -194,8 +194,8 @@ private:
 
     /// Back to the default key map, and every pad to what it answers by default. `model` is the present one.
     static void resetKeyMap(Model& model);
-    /// Empties everything that a project keeps but the key map, without destroying anything: whoever holds
-    /// the lock keeps no block waiting.
+    /// Ends all voices and empties everything that a project keeps but the key map, without destroying
+    /// anything: whoever holds the lock keeps no block waiting.
     void removeProject(FormerProject& former);
     /// The same, and back to the default key map.
     void removeProjectAndKeys(FormerProject& former);

@@ -137,11 +137,13 @@ HRESULT CGrooveSampler::RemoveBinFile(std::int32_t bin) {
             return S_OK;
         },
         [&](Model& model, Draft& draft) {
-            ResetVoices();
-            if (!draft.removes) return;
-            std::swap(model.pads, draft.pads);
-            std::swap(model.bin, draft.bin);
-            result = S_OK;
+            renderer_.replace(model, [&] {
+                renderer_.forgetVoices();
+                if (!draft.removes) return;
+                std::swap(model.pads, draft.pads);
+                std::swap(model.bin, draft.bin);
+                result = S_OK;
+            });
         });
     return result;
 }

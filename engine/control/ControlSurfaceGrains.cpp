@@ -64,7 +64,9 @@ HRESULT CGrooveSampler::editPadFromBin(std::int32_t pad, std::int32_t bin, Build
             return draft;
         },
         [&](Draft& draft) { return draft.file ? build(draft.pad, *draft.file, draft.sampleRate) : noFile; },
-        [pad](Model& model, Draft& draft) { std::swap(padOf(model, pad), draft.pad); });
+        [this, pad](Model& model, Draft& draft) {
+            renderer_.replace(model, [&] { std::swap(padOf(model, pad), draft.pad); });
+        });
 }
 
 HRESULT CGrooveSampler::ReplaceGrain(std::int32_t pad, std::int32_t grain, std::int32_t bin,

@@ -27,9 +27,11 @@ HRESULT CGrooveSampler::Redo() {
 HRESULT CGrooveSampler::changePlaces(PadsState* former) {
     if (!former) return S_FALSE;
     Model& model = bank_.change();
-    std::swap(model.pads, former->pads);
-    std::swap(renderer_.phases(), former->phases);
-    model.recomputeAnySolo();
+    renderer_.replace(model, [&] {
+        std::swap(model.pads, former->pads);
+        std::swap(renderer_.phases(), former->phases);
+        model.recomputeAnySolo();
+    });
     return S_OK;
 }
 
@@ -37,7 +39,7 @@ HRESULT CGrooveSampler::ClearProject() {
     FormerProject former;
     const WritersTurn turn(*this);
     const CAutoLock lock(*this);
-    removeProjectAndKeys(former);
+    renderer_.replace(bank_.change(), [&] { removeProjectAndKeys(former); });
     return S_OK;
 }
 
@@ -67,7 +69,7 @@ HRESULT CGrooveSampler::GetLenientFiles(std::uint32_t* on) {
 }
 
 void CGrooveSampler::removeProject(FormerProject& former) {
-    ResetVoices();
+    renderer_.forgetVoices();
     if (former.undo) {
         std::swap(undo_, former.undo);
     } else {

@@ -46,7 +46,7 @@ HRESULT CGrooveSampler::replaceProject(Load load) {
         FormerProject former;
         const WritersTurn turn(*this);
         const CAutoLock lock(*this);
-        (this->*remove)(former);
+        renderer_.replace(bank_.change(), [&] { (this->*remove)(former); });
     };
     empty(&CGrooveSampler::removeProject);
     HRESULT result;
@@ -97,12 +97,14 @@ void CGrooveSampler::publish(const Project& project, ProjectTracks& tracks, Solo
     FormerProject former;
     const WritersTurn turn(*this);
     const CAutoLock lock(*this);
-    removeProject(former);
     Model& model = bank_.change();
-    std::swap(model.pads, tracks.pads);
-    std::swap(model.bin, tracks.files);
-    for (const KeyMapRecord& keys : project.keys) model.keys.AddOrReplace(keys);
-    if (solo == Solo::recomputed) model.recomputeAnySolo();
+    renderer_.replace(model, [&] {
+        removeProject(former);
+        std::swap(model.pads, tracks.pads);
+        std::swap(model.bin, tracks.files);
+        for (const KeyMapRecord& keys : project.keys) model.keys.AddOrReplace(keys);
+        if (solo == Solo::recomputed) model.recomputeAnySolo();
+    });
 }
 
 }  // namespace marnoth

@@ -5,6 +5,7 @@
 #include "engine/model/PadBank.h"
 #include "engine/render/BlockPins.h"
 #include "engine/render/BlockTime.h"
+#include "engine/render/KeyHistory.h"
 #include "engine/render/PadLevels.h"
 #include "engine/render/Semitones.h"
 
@@ -25,6 +26,7 @@ struct Block {
     FadeLengths fades;
     bool transportRuns = false;
     const PadLevels* levels = nullptr;  ///< of the steady mode, else null
+    const KeyHistory* keys = nullptr;   ///< of the steady mode, else null
     bool steady = false;                ///< the block is a piece of time in which nothing but its end happens
     std::int32_t activePads = 0;        ///< pads that sounded in the last block
     std::int32_t projectKey = 0;        ///< the host's key at the middle of the block; `kNoKey` none

@@ -28,6 +28,7 @@ std::int64_t Block::fadeOutEnd() const {
 void BlockRenderer::render(const Model& model, const Job& job) {
     const float* const input = job.input.silent ? nullptr : GetBufferData(job.input);
     const std::int32_t frames = job.input.frames;
+    inBlock_ = true;
     BlockPins pins(job.pins, pins_, job.format);
     Block block{model, time_, pins, job.format, fades_};
     placeBlock(block, job.position, frames);
@@ -41,55 +42,46 @@ void BlockRenderer::render(const Model& model, const Job& job) {
     format_ = job.format;
     end_ = plus(time_.startSamples(), frames);
     notes_ = job.notes;
+    inBlock_ = false;
 }
 
-template <class Cut>
-void BlockRenderer::cutInNextBlock(const Model& model, Cut cut) {
-    if (!steady_ || format_.nChannels == 0 || renderer_.cuts().length() == 0) return;
-    BlockPins none({}, pins_, format_);
-    time_.begin(end_, 0);
-    Block block{model, time_, none, format_, fades_};
-    block.steady = true;
-    block.levels = &levels_;
-    cut(block);
-}
-
-void BlockRenderer::cutNotes(const Block& block, const NoteQueue& notes) {
+void BlockRenderer::cutNotes(const Block& block, const NoteQueue& notes, double level) {
     PadsOfNote pads;
     for (const QueuedEvent& note : notes) {
         if (note.event.type != SynthEventType::note || !note.voice) continue;
         for (const TrackPlayInfo& entry : pads.find(block.model, note.event)) {
             if (!entry.track->oneShot || playing_.gate(entry.pad).active)
-                renderer_.cut(block, entry, *note.voice, phase_);
+                renderer_.cut(block, entry, *note.voice, phase_, level);
         }
     }
 }
 
-void BlockRenderer::cutAll(const Block& block) {
-    if (notes_) cutNotes(block, *notes_);
+void BlockRenderer::cutAll(const Block& block, double level) {
+    if (notes_) cutNotes(block, *notes_, level);
     for (std::int32_t pad = 0; pad < kPads; ++pad) {
         const CGrooveTrack& track = block.model.pads[static_cast<std::size_t>(pad)];
-        renderer_.cut(block, {PlayKind::pad, pad, &track, 0}, playing_.padVoice(pad), phase_);
+        renderer_.cut(block, {PlayKind::pad, pad, &track, 0}, playing_.padVoice(pad), phase_, level);
     }
-    for (std::int32_t bin = 0; bin < block.model.bin.size(); ++bin) cutBinFile(block, bin);
+    for (std::int32_t bin = 0; bin < block.model.bin.size(); ++bin) cutBinFile(block, bin, level);
     renderer_.cut(block, {PlayKind::grainAudition, 0, &block.model.audition, 0}, playing_.auditionVoice,
-                  phase_);
+                  phase_, level);
 }
 
-void BlockRenderer::cutBinFile(const Block& block, std::int32_t bin) {
+void BlockRenderer::cutBinFile(const Block& block, std::int32_t bin, double level) {
     if (!block.model.bin.has(bin)) return;
     renderer_.cut(block, {PlayKind::binAudition, 0, &block.model.bin[bin].track, 0}, playing_.binVoice(bin),
-                  phase_);
+                  phase_, level);
 }
 
 void BlockRenderer::resetVoices(const Model& model) {
-    cutInNextBlock(model, [this](const Block& block) { cutAll(block); });
-    playing_ = {};
+    cutInNextBlock(model, [this](const Block& block) { cutAll(block, 1); });
+    forgetVoices();
     notes_ = nullptr;
+    keys_.forget();
 }
 
 void BlockRenderer::stopBinFile(const Model& model, std::int32_t bin) {
-    cutInNextBlock(model, [&](const Block& block) { cutBinFile(block, bin); });
+    cutInNextBlock(model, [&](const Block& block) { cutBinFile(block, bin, 1); });
     playing_.binVoice(bin) = {};
 }
 
@@ -101,14 +93,20 @@ void BlockRenderer::placeBlock(Block& block, std::int64_t position, std::int32_t
     if (playing_.runningPosition == -1) playing_.runningPosition = position;
     block.transportRuns = context_.IsTransportRunning() != 0;
     block.steady = steady_;
-    if (steady_) block.levels = &levels_;
-    if (steady_) levels_.beginBlock(block.model, playing_.padSounded, fades_.out);
     // The graph's position may jump while the transport runs; music doesn't.
     time_.begin(block.transportRuns ? playing_.runningPosition : position, frames);
+    if (steady_) placeSteadily(block);
     const std::int64_t middle = time_.toTicks(plus(position, frames / 2));
     block.projectKey = static_cast<std::int32_t>(context_.GetKeyAtTime(middle));
     block.positionSkew = std::max<std::int64_t>(minus(time_.startTicks(), time_.toTicks(position)), 0);
     block.activePads = countOf(playing_.padSounded);
+}
+
+void BlockRenderer::placeSteadily(Block& block) {
+    levels_.beginBlock(block.model, playing_.padSounded, fades_.out);
+    block.levels = &levels_;
+    keys_.beginBlock(time_.startTicks(), plus(time_.startTicks(), time_.lengthTicks()));
+    block.keys = &keys_;
 }
 
 void BlockRenderer::runStages(const Block& block, NoteQueue* notes) {
@@ -171,6 +169,7 @@ void BlockRenderer::setSteady(bool on) {
     if (on == steady_) return;
     renderer_.cuts().setLength(on ? fades_.out : 0);
     levels_.forget();
+    keys_.forget();
     steady_ = on;
 }
 

@@ -5,6 +5,7 @@
 
 #include "engine/model/PadBank.h"
 #include "engine/render/Block.h"
+#include "engine/render/KeyHistory.h"
 #include "engine/render/PlayState.h"
 #include "engine/render/SyncPhase.h"
 #include "engine/render/VoicePool.h"
@@ -45,6 +46,14 @@ public:
     /// Ends every voice at once and unsets the running position; notes' voices are their queue's to release.
     /// In the steady mode what sounded of `model` fades out all the same.
     void resetVoices(const Model& model);
+    /// `change()` gives the present model other tracks, calls `forgetVoices`, or does both. In the steady
+    /// mode what was heard fades out, and what goes on in its place fades in.
+    template <class Change>
+    void replace(const Model& model, Change change);
+    /// As `resetVoices`, but what sounded is cut, and notes that are in play go on.
+    void forgetVoices() { playing_ = {}; }
+    /// What fades out since it was cut is silent from now on.
+    void cutFades() { renderer_.cuts().forget(); }
 
     // Asked for from the page. Pads and files are started from the top.
     void startPad(std::int32_t pad);
@@ -75,13 +84,15 @@ public:
 private:
     /// Fixes the block's place in samples, the project's key and the skew.
     void placeBlock(Block& block, std::int64_t position, std::int32_t frames);
+    void placeSteadily(Block& block);
     void runStages(const Block& block, NoteQueue* notes);
     /// Calls `cut(const Block&)` with the block that would come next.
     template <class Cut>
     void cutInNextBlock(const Model& model, Cut cut);
-    void cutAll(const Block& block);
-    void cutNotes(const Block& block, const NoteQueue& notes);
-    void cutBinFile(const Block& block, std::int32_t bin);
+    /// All that sounds is cut; `level` as for `VoiceRenderer::cut`.
+    void cutAll(const Block& block, double level);
+    void cutNotes(const Block& block, const NoteQueue& notes, double level);
+    void cutBinFile(const Block& block, std::int32_t bin, double level);
 
     CPziSynthContext& context_;
     PinIds pins_;
@@ -93,11 +104,33 @@ private:
     FadeLengths fades_;
     bool stopAll_ = false;
     bool steady_ = false;
+    bool inBlock_ = false;
     PadLevels levels_;
+    KeyHistory keys_{context_};
     // Of the last block.
     WAVEFORMATEX format_{};
     std::int64_t end_ = 0;        ///< samples
     NoteQueue* notes_ = nullptr;  ///< null once its notes have ended
 };
+
+template <class Cut>
+void BlockRenderer::cutInNextBlock(const Model& model, Cut cut) {
+    // Whoever comes in from within a block finds its storage in use.
+    if (!steady_ || inBlock_ || format_.nChannels == 0 || renderer_.cuts().length() == 0) return;
+    BlockPins none({}, pins_, format_);
+    time_.begin(end_, 0);
+    Block block{model, time_, none, format_, fades_};
+    block.steady = true;
+    block.levels = &levels_;
+    block.keys = &keys_;
+    cut(block);
+}
+
+template <class Change>
+void BlockRenderer::replace(const Model& model, Change change) {
+    cutInNextBlock(model, [this](const Block& block) { cutAll(block, 1); });
+    change();
+    cutInNextBlock(model, [this](const Block& block) { cutAll(block, -1); });
+}
 
 }  // namespace marnoth

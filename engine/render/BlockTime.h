@@ -38,11 +38,6 @@ public:
     std::int64_t startTicks() const { return startTicks_; }
     std::int64_t lengthTicks() const { return lengthTicks_; }
 
-    /// The project's key at a frame.
-    std::int32_t keyAt(std::int64_t samples) {
-        return static_cast<std::int32_t>(context_.GetKeyAtTime(toTicks(samples)));
-    }
-
 private:
     /// Answers already given, each at the place that its question hashes to.
     class Memo {

@@ -5,8 +5,9 @@
 namespace marnoth {
 
 void CutFades::setLength(std::int64_t frames) {
-    length_ = head_ = 0;
     const std::int64_t length = std::min(frames, kMostFrames);
+    if (length == length_) return;
+    length_ = head_ = 0;
     const std::size_t values = static_cast<std::size_t>(length) * kMostChannels;
     space_.assign(values, 0.0f);
     for (Ring& ring : rings_) {
@@ -16,15 +17,22 @@ void CutFades::setLength(std::int64_t frames) {
     length_ = length;
 }
 
+void CutFades::forget() {
+    for (Ring& ring : rings_) {
+        ring.left = 0;
+        std::fill(ring.values.begin(), ring.values.end(), 0.0f);
+    }
+}
+
 float* CutFades::clearedSpace() {
     std::fill(space_.begin(), space_.end(), 0.0f);
     return space_.data();
 }
 
-void CutFades::add(std::uint32_t output, std::int32_t channels) {
+void CutFades::add(std::uint32_t output, std::int32_t channels, double level) {
     Ring& ring = rings_[output < rings_.size() ? output : 0];
     for (std::int64_t frame = 0; frame < length_; ++frame) {
-        const double gain = static_cast<double>(length_ - frame) / static_cast<double>(length_);
+        const double gain = level * static_cast<double>(length_ - frame) / static_cast<double>(length_);
         const float* from = space_.data() + frame * channels;
         float* to = ring.values.data() + (head_ + frame) % length_ * channels;
         for (std::int32_t c = 0; c < channels; ++c)

@@ -19,14 +19,18 @@ public:
     /// More than 20 ms at any rate that is played.
     static constexpr std::int64_t kMostFrames = 48000;
 
-    /// Frames of a fade, at most `kMostFrames`, or 0 while nothing is to fade; forgets all sound.
+    /// Frames of a fade, at most `kMostFrames`, or 0 while nothing is to fade. A new length forgets all
+    /// sound.
     void setLength(std::int64_t frames);
+    /// What is on its way to silence is there.
+    void forget();
     std::int64_t length() const { return length_; }
 
     /// Zeros for `length` frames, into which what is cut is rendered.
     float* clearedSpace();
-    /// Lets what was rendered there fade out on an output, 0 the mix, from the next frame that is played on.
-    void add(std::uint32_t output, std::int32_t channels);
+    /// Lets what was rendered there fade out on an output, 0 the mix, from the next frame that is played on,
+    /// from `level` times its own.
+    void add(std::uint32_t output, std::int32_t channels, double level);
     /// Adds the next `frames` frames to the pins.
     void play(BlockPins& pins, std::int32_t frames, std::int32_t channels);
 

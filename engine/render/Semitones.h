@@ -10,9 +10,13 @@ namespace marnoth {
 inline constexpr std::int32_t kNoKey = -1;  ///< 0xFFFFFFFF: no project key, no root note
 inline constexpr std::int32_t kSemitonesPerOctave = 12;
 
+inline bool followsKey(const CGrooveTrack& track) {
+    return track.followKey && track.rootNote != kNoKey;
+}
+
 /// By how much a track follows the project's key: the short way round, -6 to 5 for keys of one octave.
 inline std::int32_t keyOffset(const CGrooveTrack& track, std::int32_t projectKey) {
-    if (!track.followKey || projectKey == kNoKey || track.rootNote == kNoKey) return 0;
+    if (!followsKey(track) || projectKey == kNoKey) return 0;
     std::int64_t offset = std::int64_t{projectKey} - track.rootNote;
     if (offset > 5) offset -= kSemitonesPerOctave;
     if (offset < -6) offset += kSemitonesPerOctave;

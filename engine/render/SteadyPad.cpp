@@ -111,7 +111,7 @@ void SteadyPad::renderGrain(const CGrooveEvent& grain, TimeRange place, TimeRang
     if (heard.from >= heard.to) return;
     GrainRun whole;
     whole.grain = &grain;
-    whole.semitones = semitonesOf(grain, track_, block_.time.keyAt(place.from), entry_.semitones);
+    whole.semitones = semitonesOf(grain, track_, keyAt(place.from), entry_.semitones);
     whole.targetFrames = minus(place.to, place.from);
     whole.pos = static_cast<std::int32_t>(minus(heard.from, place.from));
     whole.destFrame = minus(heard.from, target.first);
@@ -125,6 +125,11 @@ void SteadyPad::renderGrain(const CGrooveEvent& grain, TimeRange place, TimeRang
             renderFaded(run, frame, target.dest);
         }
     }
+}
+
+/// The key that a grain keeps which begins there.
+std::int32_t SteadyPad::keyAt(std::int64_t frame) const {
+    return followsKey(track_) ? block_.keys->at(block_.time.toTicks(frame)) : kNoKey;
 }
 
 /// The frames up to which all fade, or none does; no more than there is room for.

@@ -40,6 +40,7 @@ private:
     void renderGrain(const CGrooveEvent& grain, TimeRange place, TimeRange frames,
                      const Target& target) const;
     void renderFaded(const GrainRun& run, std::int64_t firstFrame, float* dest) const;
+    std::int32_t keyAt(std::int64_t frame) const;
     bool isPlainAt(std::int64_t frame) const;
     bool glidesAt(std::int64_t frame) const { return frame < glideEnd_; }
     std::int64_t endOfStretch(TimeRange frames) const;

@@ -259,7 +259,7 @@ private:
 };
 
 void VoiceRenderer::cut(const Block& block, const TrackPlayInfo& entry, const VoiceState& voice,
-                        const SyncPhase& phase) {
+                        const SyncPhase& phase, double level) {
     const CGrooveTrack& track = *entry.track;
     const VoiceLane& lane = track.oneShot ? voice.shot : voice.gate;
     if (lane.length < 1 || voice.startPending || cuts_.length() == 0) return;
@@ -269,7 +269,7 @@ void VoiceRenderer::cut(const Block& block, const TrackPlayInfo& entry, const Vo
     const std::int64_t first = block.time.startSamples();
     SteadyPad(block, entry, voice, pad, space_)
         .render({first, plus(first, cuts_.length())}, cuts_.clearedSpace());
-    cuts_.add(track.output, block.format.nChannels);
+    cuts_.add(track.output, block.format.nChannels, level);
 }
 
 void VoiceRenderer::render(const Block& block, std::span<const TrackPlayInfo> playList, VoiceState& voice,

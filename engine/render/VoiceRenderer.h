@@ -28,8 +28,10 @@ public:
                 PlayState& playing, SyncPhase& phase, PadFlags* soundedFlags);
 
     /// In the steady mode: what the voice would go on to play on a pad fades out from the first frame of the
-    /// block on, and doesn't end with it.
-    void cut(const Block& block, const TrackPlayInfo& entry, const VoiceState& voice, const SyncPhase& phase);
+    /// block on, and doesn't end with it. It begins at `level` times what it would be: where the voice goes
+    /// on instead, at -1 that fades in.
+    void cut(const Block& block, const TrackPlayInfo& entry, const VoiceState& voice, const SyncPhase& phase,
+             double level = 1);
     CutFades& cuts() { return cuts_; }
 
 private:
