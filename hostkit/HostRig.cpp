@@ -19,7 +19,7 @@ constexpr std::int32_t kDefaultBlock = 512;
 constexpr double kReferenceUnitsPerSecond = 10'000'000.0;  // of 100 ns
 
 bool areUsable(const AttachOptions& options) {
-    const bool goodKey = !options.key || *options.key < 12;
+    const bool goodKey = !options.key || *options.key < 12 || *options.key == kNoProjectKey;
     return TempoMap::isTempo(options.tempo) && goodKey && std::isfinite(options.converterRate) &&
            options.converterRate > 0.0;
 }

@@ -7,6 +7,7 @@
 #include <span>
 #include <vector>
 
+#include "hostkit/KeyService.h"
 #include "seam/IGrooveSampler.h"
 #include "seam/InstrumentMaker.h"
 #include "seam/KvxInterfaces.h"
@@ -16,9 +17,9 @@ namespace marnoth {
 /// How `HostRig::attach` sets up the host's services.
 struct AttachOptions {
     double tempo = 120.0;  ///< beats per minute, from tick 0 on
-    std::optional<std::uint32_t>
-        key;                ///< project key, 0 to 11 counted from A; without it there is no key service
-    bool converter = true;  ///< offer the time converter
+    /// Project key, 0 to 11 counted from A, or `kNoProjectKey`; without it there is no key service.
+    std::optional<std::uint32_t> key;
+    bool converter = true;           ///< offer the time converter
     double converterRate = 44100.0;  ///< its frames per second
 };
 

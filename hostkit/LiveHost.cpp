@@ -10,6 +10,7 @@
 #include "hostkit/LivePieces.h"
 #include "hostkit/MakeObject.h"
 #include "hostkit/OwnTransport.h"
+#include "hostkit/SteadyMode.h"
 #include "hostkit/StreamPosition.h"
 #include "hostkit/TransportFollower.h"
 
@@ -17,7 +18,6 @@ namespace marnoth {
 
 namespace {
 
-constexpr std::uint32_t kNoKey = 0xFFFFFFFF;
 constexpr std::uint32_t kKeys = 12;
 constexpr std::uint32_t kChannels = 2;
 
@@ -47,7 +47,7 @@ struct LiveHost::Parts {
     RefPtr<LiveTempoMap> tempoMap = makeObject<LiveTempoMap>(kDefaultLiveTempo);
     RefPtr<TimeConverter> converter =
         makeObject<TimeConverter>(RefPtr<TempoService>(tempoMap.get()), 44100.0);
-    RefPtr<KeyService> key = makeObject<KeyService>(kNoKey);
+    RefPtr<KeyService> key = makeObject<KeyService>(kNoProjectKey);
     RefPtr<RawEventBatch> batch = makeObject<RawEventBatch>();
     LiveCommands commands;
     OwnTransport own;
@@ -57,6 +57,7 @@ struct LiveHost::Parts {
     std::int32_t mostFrames = 0;
     bool connected = false;
     bool moved = false;  ///< the next piece isn't where the last one ended
+    std::atomic<std::uint32_t> nextKey = kNoProjectKey;
     std::atomic<bool> playing = false;
     std::atomic<double> tick = 0.0;
 };
@@ -68,6 +69,8 @@ LiveHost::Parts::Parts(InstrumentMaker make) : instrument(make) {
     services.key = key;
     services.pins = makeObject<PinService>();
     if (FAILED(instrument.attach(services))) throw std::runtime_error("the instrument can't be attached");
+    if (FAILED(setSteady(instrument.sampler(), true)))
+        throw std::runtime_error("the instrument has no steady mode");
     for (int pin = 0; pin < kOutputPins; ++pin)
         instrument.sink(pin).setTaker(
             [this, pin](std::span<const float> samples, bool silent) { outputs.take(pin, samples, silent); });
@@ -86,9 +89,12 @@ HRESULT LiveHost::Parts::connect(const LiveSetup& setup) {
     return hr;
 }
 
-/// Nothing sounds, the stream stands at its start, and the transport goes on from where it was.
+/// Nothing sounds, not even as it fades out, the stream stands at its start, and the transport goes on from
+/// where it was.
 void LiveHost::Parts::startAnew() {
+    setSteady(instrument.sampler(), false);
     instrument.synth().StopPlayback();
+    setSteady(instrument.sampler(), true);
     pieces.forgetSounding();
     follower.restart(instrument.rate());
     own.locate(own.tick());
@@ -101,6 +107,7 @@ HRESULT LiveHost::Parts::process(std::int32_t frames, const LiveTransport* told,
     if (!connected) return VFW_E_NOT_CONNECTED;
     if (frames == 0) return S_OK;
     takeCommands();
+    key->setKey(nextKey);
     follow(told ? *told : own.next(instrument.rate()));
     const HRESULT hr = render(frames);
     pieces.advance(frames);
@@ -140,9 +147,10 @@ void LiveHost::Parts::take(const LiveCommand& command) {
 void LiveHost::Parts::follow(LiveTransport transport) {
     using Change = TransportFollower::Change;
     if (!transport.tempo) transport.tempo = own.tempo();
+    // What sounds fades out by the time that it sounded in, which is over with the change.
+    if (follower.endsSound(transport)) instrument.synth().StopPlayback();
     const Change change = follower.follow(transport);
     if (change == Change::started) instrument.synth().StartPlayback(roundedToInt32(follower.tick()));
-    if (change == Change::stopped) instrument.synth().StopPlayback();
     if (change == Change::started || change == Change::stopped) pieces.forgetSounding();
     if (change == Change::started || change == Change::moved) moved = true;
 }
@@ -234,7 +242,7 @@ void LiveHost::panic() {
 
 bool LiveHost::setKey(std::optional<std::uint32_t> key) {
     if (key && *key >= kKeys) return false;
-    parts_->key->setKey(key.value_or(kNoKey));
+    parts_->nextKey = key ? keyOfLoops(*key) : kNoProjectKey;
     return true;
 }
 

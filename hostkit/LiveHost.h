@@ -22,8 +22,10 @@ struct LiveSetup {
 /// A host for a running clock: what every shell needs whose audio comes in blocks on a real-time thread, in
 /// stereo. It owns an instrument, and has a musical clock, the project's key, live messages and commands.
 ///
-/// Each note starts and ends on its exact frame: blocks are cut at notes, and at nothing else. The fade
-/// behind a note-off is 20 ms or what is left of the piece that begins with it, whichever is shorter.
+/// Each note starts and ends on its exact frame: blocks are cut at notes, and at nothing else. The instrument
+/// is in the steady mode: the same messages on the same frames give the same audio in blocks of any length,
+/// and whatever ends fades out over 20 ms, note-offs, jumps and stops of the transport, the panic, and files
+/// that are removed or replaced among them. What `connect` and failures end is cut.
 ///
 /// Three kinds of threads call: one that sets up, one that renders, and any others. `connect` and `process`
 /// are never called at once; everything else may be. Below "The thread that renders" nothing allocates or
@@ -64,7 +66,7 @@ public:
 
     /// Renders a block and writes it to `outputs`; outputs that aren't rendered are zeros. With the caller's
     /// transport, or with its own, which the commands below move. A start, jump or stop ends every note
-    /// before the messages of its frame come.
+    /// before the messages of its frame come; what sounded fades out meanwhile.
     ///
     /// With 0 frames nothing happens: messages, commands and the transport wait. `E_INVALIDARG` below 0,
     /// `VFW_E_NOT_CONNECTED` before `connect`. Any other failure is the instrument's, out of memory first of
@@ -88,7 +90,8 @@ public:
     bool setTempo(double beatsPerMinute);
     /// Ends all notes and all sound, one-shot pads and what is played from the page too. Never refused.
     void panic();
-    /// The project's key, 0 to 11 counted from A, or none, as at first. False for any other.
+    /// The project's key, 0 to 11 counted from A, or none, as at first, with which nothing is transposed; for
+    /// grains that begin from the next block on. False for any other.
     bool setKey(std::optional<std::uint32_t> key);
 
     /// Where the last block ended, and whether it played.

@@ -33,8 +33,16 @@ void TransportFollower::restart(std::uint32_t rate) {
     map_->restart(0.0, 0.0, tempo_);
 }
 
+double TransportFollower::tempoOf(const LiveTransport& told) const {
+    return told.tempo && isLiveTempo(*told.tempo) ? *told.tempo : tempo_;
+}
+
+bool TransportFollower::endsSound(const LiveTransport& told) const {
+    return told.playing != playing_ || (playing_ && jumps(told, tempoOf(told)));
+}
+
 TransportFollower::Change TransportFollower::follow(const LiveTransport& told) {
-    const double tempo = told.tempo && isLiveTempo(*told.tempo) ? *told.tempo : tempo_;
+    const double tempo = tempoOf(told);
     if (!told.playing) return stand(tempo);
     if (!playing_ || jumps(told, tempo)) return start(told, tempo);
     return tempo == tempo_ ? Change::none : changeTempo(told, tempo);

@@ -34,6 +34,9 @@ public:
     /// Stands at position 0, with the tempo as it was. `rate` is frames per second.
     void restart(std::uint32_t rate);
 
+    /// Whether what is told starts, stops or moves the transport, so that every note ends; asked before it is
+    /// followed.
+    bool endsSound(const LiveTransport& told) const;
     Change follow(const LiveTransport& told);
     /// A block of `frames` frames is over.
     void advance(std::int32_t frames);
@@ -48,6 +51,7 @@ private:
     Change start(const LiveTransport& told, double tempo);
     Change changeTempo(const LiveTransport& told, double tempo);
     Change stand(double tempo);
+    double tempoOf(const LiveTransport& told) const;
     bool jumps(const LiveTransport& told, double tempo) const;
     std::int64_t reachable(std::int64_t frame) const;
     double seconds() const { return static_cast<double>(frame_) / rate_; }

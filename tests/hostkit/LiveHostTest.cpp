@@ -8,6 +8,7 @@
 #include "hostkit/MakeObject.h"
 #include "hostkit/MemoryStream.h"
 #include "hostkit/PlayingRig.h"
+#include "hostkit/SteadyMode.h"
 #include "hostkit/ToldSynth.h"
 #include "platform/graph/Graph.h"
 
@@ -48,11 +49,12 @@ std::vector<Played> oneNoteOfAKeyAtATime(const std::vector<Played>& notes) {
     return kept;
 }
 
-/// A rig that renders offline, cut at the edges of blocks and at every note.
+/// A rig that renders offline in the steady mode, cut at the edges of blocks and at every note.
 struct CutRig {
     explicit CutRig(double tempo = 120.0) : it(everyOutput()) {
         it.rig.detach();
         EXPECT_EQ(it.rig.attach({.tempo = tempo, .key = {}}), S_OK);
+        EXPECT_EQ(setSteady(it.rig.sampler(), true), S_OK);
     }
     /// Changes the tempo when that frame, which is an edge of blocks, is next.
     void changeTempoAt(std::int64_t frame, std::int32_t tick, double tempo) {
@@ -223,19 +225,46 @@ TEST(LiveHost, StandingANewTempoTakesASyncedPadAlongFromWhereItIs) {
     EXPECT_LT(apart / static_cast<double>(steady.size() - begin), 0.01) << "two frames of the wave";
 }
 
+/// The frame of the ramp at which a pad was, `frame` frames after it was cut there, under a fade of 20 ms.
+double fading(double at, int frame) {
+    return frame < 882 ? (at + frame) * (882 - frame) / 882 : 0;
+}
+
 TEST(LiveHost, StartsJumpsAndStopsEndTheSoundBeforeTheMessagesOfTheirFrame) {
     RampRig rig;
     rig.on(0, 60);
     rig.block(512);
     rig.on(0, 60);
     rig.block(512, {true, 88200, {}, {}});
-    for (int i = 60; i < 512; ++i) ASSERT_EQ(rig.heardAt(512 + i), i) << "start";
+    for (int i = 60; i < 512; ++i) ASSERT_NEAR(rig.heardAt(512 + i), i + fading(512, i), 1) << "start";
     rig.on(100, 60);
     rig.block(512, {true, 0, {}, {}});
-    for (int i = 0; i < 100; ++i) ASSERT_EQ(rig.audio[0][1024 + i], 0.0f) << "jump";
-    for (int i = 60; i < 412; ++i) ASSERT_EQ(rig.heardAt(1124 + i), i);
-    rig.block(512, {false, 512, {}, {}});
-    EXPECT_EQ(rig.peakFrom(1536), 0.0f) << "stop";
+    const auto former = [](int i) { return fading(512, i + 512) + fading(512, i); };
+    for (int i = 0; i < 100; ++i) ASSERT_NEAR(rig.heardAt(1024 + i), former(i), 1) << "jump";
+    for (int i = 160; i < 512; ++i) ASSERT_NEAR(rig.heardAt(1024 + i), i - 100 + former(i), 1);
+    for (int block = 0; block < 3; ++block) rig.block(512, {false, 512, {}, {}});
+    for (int i = 400; i < 882; ++i) ASSERT_NEAR(rig.heardAt(1536 + i), fading(412, i), 1) << "stop";
+    EXPECT_EQ(rig.peakFrom(1536 + 882), 0.0f);
+}
+
+TEST(LiveHost, ASyncedPadFadesOutAtTheTempoAndThePlaceThatItHad) {
+    const std::vector<TempPath> files = padFiles(LiveRig::kRate);
+    constexpr std::int32_t kBlock = 441;
+    const auto play = [&](bool stops) {
+        LiveRig rig({0});
+        layPads(rig.host.sampler(), files);
+        rig.on(0, 48);
+        for (std::int64_t block = 0; block < 40; ++block) {
+            const bool ends = stops && block >= 36;
+            rig.block(kBlock, {!ends, 441'000 + block * kBlock, {}, ends ? 77.0 : 150.0});
+        }
+        return rig.audio[0];
+    };
+    const std::vector<float> on = play(false), stopped = play(true);
+    for (std::size_t i = 0; i < 882; ++i) {
+        const std::size_t frame = 36 * kBlock + i;
+        ASSERT_NEAR(stopped[frame], on[frame] * (1 - static_cast<double>(i) / 882), 1e-6) << i;
+    }
 }
 
 TEST(LiveHost, AClockThatIsOneFrameOffGoesOn) {
@@ -343,20 +372,22 @@ TEST(LiveHost, TheKeyOfTheProjectMayChange) {
         LiveRig rig({0});
         layPads(rig.host.sampler(), files);
         rig.host.sampler().SetPadFollowKey(0, 1);
-        rig.host.sampler().SetPadRootNote(0, 3);
+        // The roots of loops are three above a key that is counted from A.
+        rig.host.sampler().SetPadRootNote(0, 6);
         EXPECT_TRUE(rig.host.setKey(key));
         rig.on(0, 48);
-        for (int block = 0; block < 40; ++block) {
+        for (int block = 0; block < 100; ++block) {
             if (block == 20) rig.host.setKey(later);
-            rig.block(512);
+            rig.block(441);
         }
         return rig.audio[0];
     };
     const auto plain = play({}, 3), third = play(3, 3), fifth = play(7, 7), change = play(3, 7);
     EXPECT_EQ(plain, third) << "without a key it plays as in its own";
     EXPECT_NE(third, fifth);
-    EXPECT_TRUE(std::equal(third.begin(), third.begin() + 20 * 512, change.begin()));
-    EXPECT_NE(third, change);
+    // The key is chosen at frame 8820. Grains are sixteenths, and each keeps the key that it began with.
+    EXPECT_TRUE(std::equal(third.begin(), third.begin() + 11025, change.begin()));
+    EXPECT_TRUE(std::equal(fifth.begin() + 11025, fifth.end(), change.begin() + 11025));
     LiveRig rig;
     EXPECT_FALSE(rig.host.setKey(12));
 }
@@ -408,7 +439,7 @@ TEST(LiveHost, TellsTheInstrumentEachChangeOfTheTransportOnce) {
     rig.block(441, {true, 0, -3.0, {}});
     rig.block(441, {false, 0, {}, {}});
     rig.block(441, {false, 0, {}, {}});
-    EXPECT_EQ(told, (Told{"start 960", "start -3", "stop"}));
+    EXPECT_EQ(told, (Told{"stop", "start 960", "stop", "start -3", "stop"}));
 }
 
 TEST(LiveHost, BehindAFailureNothingSoundsAndPlayingStartsAnew) {
@@ -436,7 +467,7 @@ TEST(LiveHost, BehindAFailureNothingSoundsAndPlayingStartsAnew) {
     rig.block(441);
     EXPECT_EQ(rig.peakFrom(begin), 0.0f);
     // 960 ticks and 11 blocks of 19.2 each.
-    EXPECT_EQ(ToldSynth::last->told, (Told{"messages 1", "stop", "start 1171"}));
+    EXPECT_EQ(ToldSynth::last->told, (Told{"messages 1", "stop", "stop", "start 1171"}));
     rig.on(0, 52);
     rig.block(441);
     EXPECT_GT(rig.peakFrom(begin), 0.0f);

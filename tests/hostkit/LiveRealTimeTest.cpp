@@ -3,8 +3,6 @@
 #include <random>
 
 #include "hostkit/LiveRig.h"
-#include "platform/com/RefPtr.h"
-#include "seam/IMarnothOptions.h"
 #include "support/RealTimeGuard.h"
 
 namespace marnoth::test {
@@ -23,11 +21,6 @@ public:
         }
     }
 
-    void setSteady() {
-        RefPtr<IMarnothOptions> options;
-        EXPECT_EQ(rig_.host.sampler().QueryInterface(IID_IMarnothOptions, options.putVoid()), S_OK);
-        EXPECT_EQ(options->SetSteady(1), S_OK);
-    }
     /// Whether notes are played, or only everything else.
     void setNotes(bool played) { notes_ = played; }
 
@@ -109,17 +102,6 @@ TEST(LiveRealTime, NotesTakeNoMemory) {
     }
     EXPECT_GT(rig.loudest(), 0.1f);
     EXPECT_GT(rig.noteOns(), 500);
-}
-
-TEST(LiveRealTime, SteadyModeTakesNoMemory) {
-    BusyRig rig;
-    rig.setSteady();
-    for (int i = 0; i < 1000; ++i) {
-        const auto offences = rig.block();
-        ASSERT_EQ(offences.allocations, 0) << "in block " << i;
-        ASSERT_EQ(offences.frees, 0) << "in block " << i;
-    }
-    EXPECT_GT(rig.loudest(), 0.1f);
 }
 
 TEST(LiveRealTime, ATempoThatRunsForMinutesTakesNoMemory) {
