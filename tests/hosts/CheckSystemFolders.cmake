@@ -19,11 +19,14 @@ run(${CMAKE_COMMAND} -E env "DESTDIR=${stage}" ${CMAKE_COMMAND} --install "${BUI
 
 set(expected
     usr/bin/marnoth
+    usr/share/bash-completion/completions/marnoth
     usr/share/doc/marnoth/CHANGELOG.md
     usr/share/doc/marnoth/README.md
     usr/share/doc/marnoth/assets/groove.svg
     usr/share/doc/marnoth/assets/page.png
-    usr/share/man/man1/marnoth.1)
+    usr/share/fish/vendor_completions.d/marnoth.fish
+    usr/share/man/man1/marnoth.1
+    usr/share/zsh/site-functions/_marnoth)
 file(GLOB_RECURSE installed RELATIVE "${stage}" "${stage}/*")
 list(SORT installed)
 list(SORT expected)
@@ -46,3 +49,6 @@ run(${CMAKE_COMMAND} -E env LC_ALL=C.UTF-8 MANWIDTH=100 man --warnings -l "${sta
 if(errors OR NOT output MATCHES "MARNOTH\\(1\\)" OR NOT output MATCHES "--stems")
     message(FATAL_ERROR "The manual page:\n${errors}${output}")
 endif()
+
+# The completions complete.
+run(${CMAKE_CURRENT_LIST_DIR}/check-completions "${stage}/usr/share" "${FOLDER}/completions")

@@ -1,0 +1,79 @@
+#include "shells/cli/Completions.h"
+
+namespace marnoth {
+
+namespace {
+
+/// Inside single quotes, with a backslash before each of `special`.
+std::string quoted(const std::string& text, const std::string& special) {
+    std::string safe;
+    for (const char c : text) {
+        if (special.find(c) != special.npos) safe += '\\';
+        safe += c == '\'' ? "'\\''" : std::string(1, c);
+    }
+    return safe;
+}
+
+std::string action(const std::string& value) {
+    const ValueText kind = valueKind(value);
+    std::string words;
+    switch (kind.kind) {
+        case ValueText::words:
+            for (const std::string& choice : kind.choices) words += (words.empty() ? "" : " ") + choice;
+            return "(" + words + ")";
+        case ValueText::file:
+            return kind.extension.empty() ? "_files" : "_files -g \"(#i)*" + kind.extension + "\"";
+        case ValueText::folder:
+            return "_files -/";
+        // Behind the pad's number and its "=".
+        case ValueText::padFile:
+            return "{ compset -P \"*=\" && _files -g \"(#i)*" + kind.extension + "\" }";
+        case ValueText::anything:
+            break;
+    }
+    return " ";
+}
+
+std::string valueOf(const OptionText& option) {
+    if (option.value.empty()) return {};
+    return ":" + quoted(option.value, ":\\") + ":" + action(option.value);
+}
+
+/// One specification for each name; those of one option exclude each other unless it may be repeated.
+std::string specifications(const OptionText& option) {
+    std::string all;
+    for (const std::string& name : option.names) all += (all.empty() ? "" : " ") + name;
+    std::string lines;
+    for (const std::string& name : option.names)
+        lines += " \\\n                '" + (option.repeated ? "*" : "(" + all + ")") + name + "[" +
+                 quoted(option.meaning, "[]:\\") + "]" + valueOf(option) + "'";
+    return lines;
+}
+
+std::string specifications(const CommandText& command) {
+    std::string lines;
+    for (const OptionText& option : command.options) lines += specifications(option);
+    for (const OptionText& argument : command.arguments)
+        lines += " \\\n                '" + std::string(argument.required ? ":" : "::") +
+                 quoted(argument.meaning, ":\\") + ":" + action(argument.value) + "'";
+    return lines;
+}
+
+}  // namespace
+
+std::string zshCompletion(const ProgramText& text) {
+    std::string script =
+        "#compdef marnoth\n\n_marnoth() {\n    local context state line\n    local -a commands\n"
+        "    commands=(\n";
+    for (const CommandText& command : text.commands)
+        script += "        '" + command.name + ":" + quoted(command.meaning, ":\\") + "'\n";
+    script += "    )\n    _arguments -C" + specifications(text.program) +
+              " \\\n                '1:command:->command' \\\n                '*::argument:->argument'\n"
+              "    case $state in\n        command) _describe command commands ;;\n        argument)\n"
+              "            case $words[1] in\n";
+    for (const CommandText& command : text.commands)
+        script += "                " + command.name + ") _arguments" + specifications(command) + " ;;\n";
+    return script + "            esac\n            ;;\n    esac\n}\n\n_marnoth \"$@\"\n";
+}
+
+}  // namespace marnoth
