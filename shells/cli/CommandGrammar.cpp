@@ -39,10 +39,13 @@ constexpr const char* kScriptHelp =
 
 constexpr const char* kRenderHelp =
     "Pads count from 1, as on the page; pad 1 plays on note 60, the next ones on the white keys above.\n"
-    "Without a MIDI file every loaded pad is held from beat 0 to the end, 16 beats unless --beats says\n"
-    "otherwise. With one, its notes play the pads and it ends at its last bar. A pad is one-shot: a note\n"
-    "starts it whatever the note's length, and a second note switches a loop off. With --gate a pad\n"
-    "sounds as long as its notes are held.\n"
+    "Without a MIDI file every loaded pad is held from beat 0 beyond the end, 16 beats unless --beats says\n"
+    "otherwise. With one, its notes play the pads and it ends behind its last bar, with 20 ms in which\n"
+    "what still sounds fades out, or with --beats where that says. A pad is one-shot: a note starts it\n"
+    "whatever the note's length, and a second note switches a loop off. With --gate a pad sounds as long\n"
+    "as its notes are held.\n"
+    "\n"
+    "Loops that bring a root note follow --key; without it nothing is transposed.\n"
     "\n"
     "With --project the pads are those of a project, and --pad lays files on top of them. With --save what\n"
     "was set up is kept in a project, audio and all, once the render is done; a name without .mrn gets it,\n"
@@ -197,7 +200,7 @@ void CommandGrammar::addRender(Request& request) {
         ->type_name("R");
     render
         ->add_option("--block", options.block,
-                     "Frames of one block, 1024 by default: room for a whole fade at the usual rates")
+                     "Frames of one block, 1024 by default; the audio is the same with any")
         ->check(wholeWithin(1, kMostBlockFrames))
         ->type_name("N");
     render->add_option("--key", request.key, "The project's key, such as A, C# or Bb")->type_name("NAME");

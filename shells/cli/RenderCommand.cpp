@@ -13,6 +13,7 @@
 
 #include "host/CreateInstance.h"
 #include "hostkit/HostRig.h"
+#include "hostkit/SteadyMode.h"
 #include "sample/AcidWave.h"
 #include "seam/Limits.h"
 #include "seam/MusicalTime.h"
@@ -37,6 +38,7 @@ namespace {
 
 constexpr std::uint32_t kChannels = 2;
 constexpr double kDefaultBeats = 16.0;
+constexpr int kFadeMilliseconds = 20;
 constexpr std::uint8_t kHeldVelocity = 100;
 
 void need(HRESULT result, const char* what) {
@@ -127,8 +129,11 @@ private:
         if (options_.tempo) part_.tempo = TempoTrack(*options_.tempo);
         if (options_.beats) ticks = *options_.beats * kTicksPerBeat;
         const double frames = part_.tempo.seconds(ticks) * rate_ + 0.5;
-        frames_ = std::max<std::int64_t>(1, static_cast<std::int64_t>(frames));
+        music_ = std::max<std::int64_t>(1, static_cast<std::int64_t>(frames));
         ticks_ = ticks;
+        // Where nobody asked for a length, what sounds at the end of the notes has the time to fade out.
+        const bool fades = !options_.midi.empty() && !options_.beats;
+        frames_ = music_ + (fades ? std::int64_t{rate_} * kFadeMilliseconds / 1000 : 0);
     }
 
     void connect() {
@@ -144,7 +149,7 @@ private:
         const auto& tempo = part_.tempo.changes();
         AttachOptions host;
         host.tempo = tempo.front().beatsPerMinute;
-        host.key = options_.key;
+        host.key = options_.key ? keyOfLoops(*options_.key) : kNoProjectKey;
         host.converterRate = rate_;
         need(rig_.attach(host), "attaching the host");
         for (std::size_t i = 1; i < tempo.size(); ++i) rig_.addTempo(tempo[i].tick, tempo[i].beatsPerMinute);
@@ -155,6 +160,7 @@ private:
             loadOrRecover(options_.project, options_.recover, streams_.errors,
                           [this](const std::string& file) { loadProjectFile(rig_.sampler(), file); });
         setLenientFiles(rig_.sampler(), true);
+        need(setSteady(rig_.sampler(), true), "the steady mode");
         for (const PadFile& file : options_.pads)
             if (!file.file.empty()) load(file);
         loaded_ = pads_.loaded();
@@ -164,7 +170,7 @@ private:
         for (const PadFile& file : options_.pads) applySettings(rig_.sampler(), file.pad, file.settings);
         tellPlainFiles();
         if (!options_.midi.empty()) tellUnansweredNotes();
-        // A held pad has to sound for as long as its note does.
+        // A held pad has to sound for as long as its note does, which is beyond the end.
         if (options_.midi.empty()) pads_.hold();
         if (!options_.stems.empty()) pads_.routeToOwnOutputs();
     }
@@ -235,29 +241,34 @@ private:
         need(rig_.queueEvents(0, part_.notes), "queueing the notes");
     }
 
-    SynthEvent heldNote(int pad) const {
+    static SynthEvent heldNote(int pad) {
         SynthEvent note;
         note.type = SynthEventType::note;
         note.note = RenderPads::heldNote(pad);
         note.velocity = kHeldVelocity;
-        note.duration = static_cast<std::uint32_t>(std::max(1.0, std::ceil(ticks_)));
+        note.duration = kDurationOpen;
         return note;
     }
 
     /// Renders everything; gives the seconds that it took.
     double render() {
         const auto begin = std::chrono::steady_clock::now();
-        // About a second at a time, in whole blocks: cutting there changes nothing in the audio.
-        const std::int64_t atOnce = (rate_ / options_.block + 1) * std::int64_t{options_.block};
         Progress progress(!streams_.quiet);
-        for (std::int64_t done = 0; done < frames_;) {
-            const std::int64_t now = std::min(atOnce, frames_ - done);
+        renderTo(music_, progress);
+        if (frames_ > music_) need(rig_.synth().StopPlayback(), "stopping the transport");
+        renderTo(frames_, progress);
+        return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+    }
+
+    /// Up to a frame, about a second at a time.
+    void renderTo(std::int64_t end, Progress& progress) {
+        while (rendered_ < end) {
+            const std::int64_t now = std::min<std::int64_t>(rate_, end - rendered_);
             need(rig_.render(now), "rendering");
             outputs_->check();
-            done += now;
-            progress.show(static_cast<double>(done) / static_cast<double>(frames_));
+            rendered_ += now;
+            progress.show(static_cast<double>(rendered_) / static_cast<double>(frames_));
         }
-        return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
     }
 
     void tell(double took) const {
@@ -283,7 +294,9 @@ private:
     std::set<int> planned_;  ///< pads whose stems are in it
     MidiPart part_;
     double ticks_ = 0;
-    std::int64_t frames_ = 0;
+    std::int64_t music_ = 0;   ///< frames up to the end of the notes
+    std::int64_t frames_ = 0;  ///< of the files
+    std::int64_t rendered_ = 0;
     std::uint32_t rate_ = LoopRates::kUsual;
     std::optional<RenderOutputs> outputs_;
     std::vector<int> loaded_;        ///< pads that have grains

@@ -21,10 +21,9 @@ struct RenderOptions {
     std::optional<double> tempo;        ///< in place of the MIDI file's
     std::optional<double> beats;        ///< in place of the length of the MIDI file, or of 16
     std::optional<std::uint32_t> rate;  ///< in place of that of the loops
-    /// A fade of 20 ms that a block cuts begins anew in the next: at the usual rates this holds a whole one.
-    std::int32_t block = 1024;
-    std::optional<std::uint32_t> key;  ///< 0 to 11 counted from A
-    bool gate = false;                 ///< pads sound while their notes are held, in place of one-shot
+    std::int32_t block = 1024;          ///< the audio is the same with any
+    std::optional<std::uint32_t> key;   ///< 0 to 11 counted from A
+    bool gate = false;                  ///< pads sound while their notes are held, in place of one-shot
     FileForm form;
     std::string out;
     std::string stems;  ///< folder for a file of each pad; empty for none

@@ -32,7 +32,8 @@ TEST(MidiRender, ANoteStartsALoopAndTheNextOneEndsIt) {
                                 folder.name("a.mid"), "--out", folder.name("out.wav")});
     ASSERT_EQ(run.status, 0) << run.err;
     const WaveFrames wave = readWaveFrames(folder / "out.wav");
-    ASSERT_EQ(wave.samples.size() / 2, 4 * 22050u);
+    // A bar, and 20 ms for what fades.
+    ASSERT_EQ(wave.samples.size() / 2, 4 * 22050u + 882);
     const auto at = [&](double beat) { return wave.samples[2 * static_cast<std::size_t>(beat * 22050)]; };
     EXPECT_EQ(at(0.5), 0.0f);
     EXPECT_NEAR(at(1.1), 0.25, 1e-3);
@@ -58,6 +59,50 @@ TEST(MidiRender, WithGatesANoteLastsAsLongAsItIsHeld) {
     EXPECT_EQ(at(0.5), 0.0f);
     EXPECT_NEAR(at(1.5), 0.25, 1e-3);
     EXPECT_EQ(at(2.1), 0.0f);
+}
+
+/// A level on pad 1 that a note on beat 1 switches on, in a bar at 120.
+struct LatchedLoop {
+    LatchedLoop() {
+        WaveFile()
+            .floats()
+            .channels(2)
+            .frames(22050, [](auto, int) { return 0.25; })
+            .acid({.beats = 1})
+            .write(folder / "a.wav");
+        WaveFile::writeBytes(folder / "a.mid", midi(24, {24, 0x90, 60, 1, 6, 0x80, 60, 0}));
+    }
+    WaveFrames render(std::vector<std::string> more) const {
+        std::vector<std::string> words{"render",
+                                       "--pad",
+                                       "1=" + folder.name("a.wav"),
+                                       "--midi",
+                                       folder.name("a.mid"),
+                                       "--out",
+                                       folder.name("out.wav")};
+        words.insert(words.end(), more.begin(), more.end());
+        const CliRun run = marnoth(words);
+        EXPECT_EQ(run.status, 0) << run.err;
+        return readWaveFrames(folder / "out.wav");
+    }
+    TempFolder folder;
+};
+
+TEST(MidiRender, WhatSoundsAtTheEndOfTheNotesFadesOutBehindIt) {
+    const LatchedLoop it;
+    const WaveFrames wave = it.render({});
+    constexpr std::size_t kBar = 4 * 22050, kFade = 882;
+    ASSERT_EQ(wave.samples.size() / 2, kBar + kFade);
+    EXPECT_NEAR(wave.samples[2 * (kBar - 1)], 0.25, 1e-6);
+    for (std::size_t i = 0; i < kFade; ++i)
+        ASSERT_NEAR(wave.samples[2 * (kBar + i)], 0.25 * (1 - static_cast<double>(i) / kFade), 1e-6) << i;
+}
+
+TEST(MidiRender, ALengthThatIsAskedForIsKept) {
+    const LatchedLoop it;
+    const WaveFrames wave = it.render({"--beats", "3"});
+    ASSERT_EQ(wave.samples.size() / 2, 3 * 22050u);
+    EXPECT_NEAR(wave.samples.back(), 0.25, 1e-6);
 }
 
 #endif

@@ -52,9 +52,10 @@ TEST(ProjectRender, GivesTheAudioOfARenderOfAMidiFile) {
     for (const char* stem : {"/pad01.wav", "/pad03.wav"})
         EXPECT_EQ(studio.bytes(std::string("stems") + stem), studio.bytes(std::string("again") + stem))
             << stem;
-    // Four beats at 90 are 117600 frames; pad 1 sounds in the first, pad 3 in the second.
+    // Four beats at 90 are 117600 frames, 20 ms for what fades 882; pad 1 sounds in the first, pad 3 in the
+    // second.
     const WaveFrames mix = studio.audio("again.wav");
-    ASSERT_EQ(mix.samples.size(), 2 * 117600u);
+    ASSERT_EQ(mix.samples.size(), 2 * (117600u + 882));
     EXPECT_GT(mix.samples.at(2 * 15000), 0.2f);
     EXPECT_GT(mix.samples.at(2 * 45000), 0.1f);
     EXPECT_LT(mix.samples.at(2 * 45000), 0.2f);

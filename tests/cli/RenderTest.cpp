@@ -46,10 +46,9 @@ TEST(Render, HoldsALoopForTheBeatsThatItIsAskedFor) {
     EXPECT_EQ(wave.rate, 44100u);
     EXPECT_EQ(wave.channels, 2u);
     ASSERT_EQ(wave.samples.size() / 2, 9 * 44100u / 4);
-    // Behind the fade of 1 ms, in the second round, and before the fade of 20 ms.
-    for (const std::size_t frame : {45u, 60000u, 98000u})
+    // Behind the fade of 1 ms, in the second round, and at the end, beyond which the note is held.
+    for (const std::size_t frame : {45u, 60000u, 99224u})
         EXPECT_NEAR(sampleAt(wave, frame), 0.25, 1e-3) << frame;
-    EXPECT_LT(std::abs(wave.samples.back()), 0.01f);
 }
 
 TEST(Render, LastsAsLongAsItsBeatsAtTheTempo) {
@@ -71,12 +70,10 @@ TEST(Render, TheBlockDoesNotChangeTheAudio) {
     const TempFolder folder;
     steady(0.25).write(folder / "a.wav");
     std::vector<std::vector<float>> audio;
-    for (const char* block : {"512", "64", "1000"}) {
+    for (const char* block : {"512", "1", "1000"}) {
         marnoth({"render", "--pad", "1=" + folder.name("a.wav"), "--beats", "4", "--block", block, "--out",
                  folder.name("out.wav")});
         audio.push_back(readWaveFrames(folder / "out.wav").samples);
-        // The last 20 ms fade block by block.
-        audio.back().resize(audio.back().size() - 2 * 2 * 882);
     }
     EXPECT_EQ(audio[0], audio[1]);
     EXPECT_EQ(audio[0], audio[2]);
