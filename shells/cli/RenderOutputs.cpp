@@ -18,9 +18,16 @@ double decibels(double factor) {
     return 20 * std::log10(factor);
 }
 
+/// With one decimal, of which none is less than nothing.
+std::string decibelText(double factor) {
+    const double rounded = std::round(10 * decibels(factor)) / 10;
+    return fixed(rounded == 0 ? 0 : rounded, 1);
+}
+
 /// With its sign, so that it reads as a change: "+3.0 dB".
 std::string changeText(double factor) {
-    return (factor < 1 ? "" : "+") + fixed(decibels(factor), 1) + " dB";
+    const std::string text = decibelText(factor);
+    return (text.starts_with('-') ? "" : "+") + text + " dB";
 }
 
 }  // namespace
@@ -71,7 +78,7 @@ std::string RenderOutputs::tellMix() const {
     std::string text;
     if (form_.format != SampleFormat::float32) text = std::to_string(8 * bytesOf(form_.format)) + " bits, ";
     const double peak = mix().peak() * gain_;
-    text += peak > 0 ? "peak " + fixed(decibels(peak), 1) + " dBFS" : "silent";
+    text += peak > 0 ? "peak " + decibelText(peak) + " dBFS" : "silent";
     if (form_.normalize || form_.gainDecibels != 0) text += " after " + changeText(gain_);
     return text;
 }

@@ -89,6 +89,7 @@ TEST_F(Forms, NormalizingBringsTheMixToFullScaleAndSaysByHowMuch) {
     EXPECT_NEAR(peak(), 0.1, 1e-6);
     run = render({"--normalize", "--bits", "16"});
     EXPECT_EQ(run.err.find("clip"), std::string::npos) << run.err;
+    EXPECT_NE(run.out.find("16 bits, peak 0.0 dBFS after +"), std::string::npos) << run.out;
     const auto samples = samples16(studio.bytes("out.wav"));
     EXPECT_GE(*std::max_element(samples.begin(), samples.end()), 32765);
     EXPECT_FALSE(studio.has("out.wav.part"));
