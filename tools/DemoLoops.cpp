@@ -87,6 +87,7 @@ Loop bass() {
 Loop chords() {
     Loop loop = Loop::of("Demo chords", 48000, 2, 16, 90);
     loop.divisionExponent = 1;
+    loop.rootNote = 57;
     const double bar = 4 * 60.0 / loop.tempo;
     constexpr double kOverlap = 0.35;  // seconds: one chord rises while the last one falls
     for (int i = 0; i < kBars; ++i) {
