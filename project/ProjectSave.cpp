@@ -2,8 +2,10 @@
 
 #include <filesystem>
 #include <mutex>
+#include <new>
 
 #include "platform/bytes/RiffStream.h"
+#include "platform/files/Leftover.h"
 #include "project/ProjectBackup.h"
 #include "project/ProjectForm.h"
 #include "project/ProjectWriter.h"
@@ -23,6 +25,13 @@ HRESULT writeAndClose(RiffStream& stream, const Project& project) {
     return stream.close() == kRiffOk && kept ? S_OK : E_FAIL;
 }
 
+bool openNew(RiffStream& stream, const std::filesystem::path& path, FileSystem& files) try {
+    stream.open(files.open(path, FileMode::create));
+    return stream.isOpen();
+} catch (const std::bad_alloc&) {
+    return false;
+}
+
 }  // namespace
 
 HRESULT saveProject(Project project, const std::filesystem::path& path, FileSystem& files) {
@@ -30,11 +39,12 @@ HRESULT saveProject(Project project, const std::filesystem::path& path, FileSyst
     // Two saves at a time under one name would write into one file.
     static std::mutex oneAtATime;
     const std::lock_guard alone(oneAtATime);
+    // An interruption doesn't cut a save off: it waits until this is done.
+    const SignalPause pause;
     ProjectBackup backup(path, files);
     if (!backup.setAside()) return E_FAIL;
     RiffStream stream;
-    stream.open(files.open(backup.target(), FileMode::create));
-    if (!stream.isOpen()) {
+    if (!openNew(stream, backup.target(), files)) {
         backup.putBack();
         return E_FAIL;
     }

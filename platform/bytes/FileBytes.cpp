@@ -88,8 +88,14 @@ std::int64_t tellFile(std::FILE* file) {
 /// One buffer that holds either bytes read ahead or bytes not yet written.
 class FileBytes final : public ByteStream {
 public:
-    explicit FileBytes(FileHandle file) : file_(std::move(file)), buffer_(kBufferBytes) {}
+    FileBytes() : buffer_(kBufferBytes) {}
     ~FileBytes() override { flush(); }
+
+    bool open(const std::filesystem::path& path, FileMode mode) {
+        file_.reset(openFile(path, mode));
+        if (file_) std::setvbuf(file_.get(), nullptr, _IONBF, 0);
+        return file_ != nullptr;
+    }
 
     std::int64_t read(void* buffer, std::int64_t bytes) override;
     bool write(const void* buffer, std::int64_t bytes) override;
@@ -221,10 +227,10 @@ std::unique_ptr<ByteStream> openFileBytes(const std::filesystem::path& path, Fil
     std::error_code error;
     // A directory opens on some systems, and a pipe may keep its reader waiting for ever.
     if (mode == FileMode::read && !std::filesystem::is_regular_file(path, error)) return nullptr;
-    FileHandle file(openFile(path, mode));
-    if (!file) return nullptr;
-    std::setvbuf(file.get(), nullptr, _IONBF, 0);
-    return std::make_unique<FileBytes>(std::move(file));
+    // Memory comes first: a file that is made and can't be written to would be left behind.
+    auto file = std::make_unique<FileBytes>();
+    if (!file->open(path, mode)) return nullptr;
+    return file;
 }
 
 }  // namespace marnoth

@@ -3,6 +3,7 @@
 #include <random>
 #include <string>
 #include <system_error>
+#include <utility>
 
 #include "platform/files/FileSystem.h"
 
@@ -12,10 +13,12 @@ namespace fs = std::filesystem;
 
 std::unique_ptr<TemporaryFile> TemporaryFile::make(const fs::path& path) {
     std::unique_ptr<TemporaryFile> file(new TemporaryFile);
+    // Copied while there is no file yet that could be left behind.
+    fs::path name = path;
     const SignalPause pause;
     file->bytes_ = openFileBytes(path, FileMode::createNew);
     if (!file->bytes_) return nullptr;
-    file->leftover_.emplace(path);
+    file->leftover_.emplace(std::move(name));
     return file;
 }
 

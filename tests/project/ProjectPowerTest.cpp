@@ -3,10 +3,18 @@
 #include <map>
 #include <set>
 
+#include "platform/files/Leftover.h"
 #include "project/ProjectBackup.h"
 #include "project/ProjectSave.h"
 #include "project/SavedProject.h"
 #include "support/WatchedFiles.h"
+
+#ifndef _WIN32
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#endif
 
 namespace marnoth::test::project_power_test {
 namespace {
@@ -72,6 +80,33 @@ TEST(ProjectPower, TheMediumHasTheNewBytesBeforeTheFormerProjectGoes) {
     EXPECT_TRUE(inShort(changesOfSave(folder.project())) == joined(joined(asBackup, kWriting), backupGoes));
     EXPECT_TRUE(isSavedProject(folder.project()));
 }
+
+#ifndef _WIN32
+
+TEST(ProjectPower, AnInterruptionWaitsUntilASaveIsDone) {
+    for (const Kind step : {Kind::rename, Kind::create, Kind::write, Kind::sync, Kind::close, Kind::remove}) {
+        const ProjectFolder folder;
+        ASSERT_EQ(saveProject(projectOf({}), folder.project()), S_OK);
+        const pid_t child = fork();
+        if (child == 0) {
+            std::signal(SIGTERM, SIG_DFL);
+            removeLeftoversOnSignals();
+            WatchedFiles files([step](const FileChange& change) {
+                if (change.kind == step) std::raise(SIGTERM);
+                return true;
+            });
+            saveProject(someProject(), folder.project(), files);
+            _exit(0);
+        }
+        int status = 0;
+        waitpid(child, &status, 0);
+        EXPECT_EQ(WEXITSTATUS(status), 143);
+        EXPECT_TRUE(isSavedProject(folder.project()));
+        EXPECT_FALSE(fs::exists(folder.backup()));
+    }
+}
+
+#endif
 
 TEST(ProjectPower, TheMediumHasAProjectThatIsTheFirstUnderItsName) {
     const ProjectFolder folder;
