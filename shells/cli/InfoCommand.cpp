@@ -4,6 +4,8 @@
 #include <cmath>
 #include <cstdio>
 #include <filesystem>
+#include <memory>
+#include <new>
 #include <optional>
 #include <ostream>
 #include <string>
@@ -46,14 +48,14 @@ struct Cut {
 };
 
 std::vector<GrainInfo> grainsOf(IGrooveSampler& sampler, std::int32_t bin) {
-    GrainListEntry* list = nullptr;
+    GrainListEntry* block = nullptr;
     std::int32_t count = 0;
+    if (sampler.GetBinGrainList(bin, &block, &count) == E_OUTOFMEMORY) throw std::bad_alloc();
+    const std::unique_ptr<GrainListEntry, decltype(&CoTaskMemFree)> list(block, &CoTaskMemFree);
     std::vector<GrainInfo> grains;
-    if (SUCCEEDED(sampler.GetBinGrainList(bin, &list, &count)))
-        for (std::int32_t i = 0; list && i < count; ++i)
-            grains.push_back({static_cast<double>(list[i].startTicks) / kTicks16PerBeat,
-                              static_cast<double>(list[i].endTicks - list[i].startTicks) / kTicks16PerBeat});
-    CoTaskMemFree(list);
+    for (std::int32_t i = 0; block && i < count; ++i)
+        grains.push_back({static_cast<double>(block[i].startTicks) / kTicks16PerBeat,
+                          static_cast<double>(block[i].endTicks - block[i].startTicks) / kTicks16PerBeat});
     return grains;
 }
 
@@ -63,13 +65,15 @@ Cut cutFile(const std::string& file, const WAVEFORMATEX& format) {
     HostRig rig{createInstrument};
     setLenientFiles(rig.sampler(), true);
     const std::array<int, 1> mix{0};
-    rig.connect(usual ? format.nSamplesPerSec : 44100, 2, mix);
+    if (rig.connect(usual ? format.nSamplesPerSec : 44100, 2, mix) == E_OUTOFMEMORY) throw std::bad_alloc();
     const std::filesystem::path path = std::filesystem::absolute(pathFromUtf8(file));
     std::int32_t bin = -1;
     std::uint32_t status = 0;
     const HRESULT result =
         rig.sampler().LoadFileToBin("", toInstrument(utf8FromPath(path)).c_str(), &bin, &status);
-    if (FAILED(result)) return {{}, whyNotLoaded(file, lastLoadFault(rig.sampler()))};
+    const LoadFault fault = FAILED(result) ? lastLoadFault(rig.sampler()) : LoadFault{};
+    if (fault.kind == FaultKind::noMemory) throw std::bad_alloc();
+    if (FAILED(result)) return {{}, whyNotLoaded(file, fault)};
     return {grainsOf(rig.sampler(), bin), {}};
 }
 
@@ -153,7 +157,7 @@ void printText(CAcidWave& wave, const Cut& cut, const std::string& file, std::os
 }
 
 Json loopJson(const CAcidWave& wave) {
-    if (!wave.hasAcid) return nullptr;
+    if (!wave.hasAcid) return {};
     Json loop{{"oneShot", wave.isLoop == 0}, {"beats", wave.beats}};
     loop["tempo"] = std::isfinite(wave.tempo) ? Json(wave.tempo) : Json();
     const auto root = rootOf(wave);
