@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <new>
 #include <span>
 #include <string>
 
@@ -54,14 +55,16 @@ private:
 };
 
 /// The grains of a pad or of a Loop Bin file, in the block that the engine gives out; what they point to is
-/// good as long as the block. A list that can't be had is empty.
+/// good as long as the block. A list that can't be had is empty; without memory `std::bad_alloc` is thrown,
+/// as it is by everything else that a page does.
 class FetchedGrains {
 public:
     using Operation = HRESULT (IGrooveSampler::*)(std::int32_t, GrainListEntry**, std::int32_t*);
 
     FetchedGrains(const BoundEngine& engine, Operation operation, std::int32_t track) {
-        if (SUCCEEDED(engine.call(operation, track, &list_, &count_)) && list_ && count_ > 0) return;
-        count_ = 0;
+        const HRESULT result = engine.call(operation, track, &list_, &count_);
+        if (result == E_OUTOFMEMORY) throw std::bad_alloc();
+        if (FAILED(result) || !list_ || count_ < 0) count_ = 0;
     }
     ~FetchedGrains() { CoTaskMemFree(list_); }
     FetchedGrains(const FetchedGrains&) = delete;

@@ -1,25 +1,10 @@
 #include "host/Filter.h"
 
-#include <exception>
-#include <new>
-
+#include "platform/com/Guarded.h"
 #include "seam/ClassIds.h"
+#include "seam/Limits.h"
 
 namespace marnoth {
-
-namespace {
-
-/// What the engine says of a stream; what it throws becomes a result, since foreign hosts call here.
-template <class Operation>
-HRESULT guarded(Operation operation) try {
-    return operation();
-} catch (const std::bad_alloc&) {
-    return E_OUTOFMEMORY;
-} catch (const std::exception&) {
-    return E_FAIL;
-}
-
-}  // namespace
 
 CFilter::CFilter(IUnknown* outer, HRESULT* result)
     : CGrooveSampler(this), CBaseFilter(outer, *this, CLSID_Marnoth), m_inputPin(*this) {
@@ -29,6 +14,8 @@ CFilter::CFilter(IUnknown* outer, HRESULT* result)
     if (FAILED(*result)) return;
     HRESULT hr = AddOutputPin("Mix Output", nullptr);
     if (SUCCEEDED(hr)) hr = RegisterOutputs();
+    // The engine doesn't say when a channel's pin couldn't be made.
+    if (SUCCEEDED(hr) && m_outputPinCount != kOutputPins) hr = E_OUTOFMEMORY;
     if (FAILED(hr)) *result = hr;
 }
 
@@ -79,7 +66,7 @@ HRESULT CFilter::Pause() {
     m_streamPosition = 0;
     HRESULT hr = CBaseFilter::Pause();
     if (SUCCEEDED(hr) && !m_inputPin.IsConnected()) hr = EndOfStream();
-    if (SUCCEEDED(hr) && before == State_Stopped) hr = PrepareResources();
+    if (SUCCEEDED(hr) && before == State_Stopped) hr = guarded([this] { return PrepareResources(); });
     return hr;
 }
 

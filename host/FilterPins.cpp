@@ -7,6 +7,7 @@
 
 #include "host/AudioFormats.h"
 #include "host/Filter.h"
+#include "platform/com/Guarded.h"
 #include "platform/graph/SeekingPassThru.h"
 
 namespace marnoth {
@@ -60,17 +61,19 @@ HRESULT CFilterInputPin::SetMediaType(const AM_MEDIA_TYPE* type) {
 }
 
 HRESULT CFilterInputPin::CompleteConnect(IPin*) {
-    HRESULT hr = S_OK;
-    // A reconnection may change the set of pins.
-    const auto pins = filter_.outputPins();
-    for (const auto& pin : pins) {
-        if (!pin->IsConnected()) continue;
-        hr = CheckTransform(filter_.pzi(), CurrentMediaType().Get(), pin->CurrentMediaType().Get());
-        if (SUCCEEDED(hr)) continue;
-        hr = filter_.ReconnectPin(pin.get(), nullptr);
-        if (FAILED(hr)) return hr;
-    }
-    return hr;
+    return guarded([this] {
+        HRESULT hr = S_OK;
+        // A reconnection may change the set of pins.
+        const auto pins = filter_.outputPins();
+        for (const auto& pin : pins) {
+            if (!pin->IsConnected()) continue;
+            hr = CheckTransform(filter_.pzi(), CurrentMediaType().Get(), pin->CurrentMediaType().Get());
+            if (SUCCEEDED(hr)) continue;
+            hr = filter_.ReconnectPin(pin.get(), nullptr);
+            if (FAILED(hr)) return hr;
+        }
+        return hr;
+    });
 }
 
 HRESULT CFilterInputPin::Receive(IMediaSample* sample) {

@@ -1,7 +1,10 @@
 #include "hostkit/HostGraph.h"
 
-#include <algorithm>
+#include <new>
 #include <string_view>
+#include <utility>
+
+#include "platform/com/Guarded.h"
 
 namespace marnoth {
 
@@ -25,21 +28,12 @@ RefPtr<IBaseFilter> filterOf(IPin& pin) {
     return RefPtr<IBaseFilter>::adopt(info.pFilter);
 }
 
-bool holds(const std::vector<IBaseFilter*>& filters, const IBaseFilter* filter) {
-    return std::find(filters.begin(), filters.end(), filter) != filters.end();
-}
-
-/// Appends `filter` to `order`, behind everything that it sends to. A loop of filters ends where it began.
-void appendBehindReceivers(IBaseFilter* filter, std::vector<IBaseFilter*>& visited,
-                           std::vector<IBaseFilter*>& order) {
-    if (holds(visited, filter)) return;
-    visited.push_back(filter);
-    for (const RefPtr<IPin>& pin : pinsOf(*filter)) {
-        const RefPtr<IPin> peer = directionOf(*pin) == PINDIR_OUTPUT ? peerOf(*pin) : RefPtr<IPin>();
-        const RefPtr<IBaseFilter> receiver = peer ? filterOf(*peer) : RefPtr<IBaseFilter>();
-        if (receiver) appendBehindReceivers(receiver.get(), visited, order);
-    }
-    order.push_back(filter);
+/// Calls `take` for each pin of the walk, in its order.
+template <class Take>
+void forEachPin(IEnumPins& pins, Take take) {
+    pins.Reset();
+    IPin* pin = nullptr;
+    while (pins.Next(1, &pin, nullptr) == S_OK) take(RefPtr<IPin>::adopt(pin));
 }
 
 HRESULT disconnectBoth(IPin& pin, IPin& peer) {
@@ -48,13 +42,13 @@ HRESULT disconnectBoth(IPin& pin, IPin& peer) {
     return FAILED(here) ? here : there;
 }
 
-HRESULT disconnectPins(IBaseFilter& filter) {
+HRESULT disconnectPins(IEnumPins& pins) {
     HRESULT result = S_OK;
-    for (const RefPtr<IPin>& pin : pinsOf(filter)) {
+    forEachPin(pins, [&](const RefPtr<IPin>& pin) {
         const RefPtr<IPin> peer = peerOf(*pin);
         const HRESULT hr = peer ? disconnectBoth(*pin, *peer) : S_OK;
         if (SUCCEEDED(result)) result = hr;
-    }
+    });
     return result;
 }
 
@@ -63,17 +57,16 @@ HRESULT disconnectPins(IBaseFilter& filter) {
 std::vector<RefPtr<IPin>> pinsOf(IBaseFilter& filter) {
     std::vector<RefPtr<IPin>> pins;
     RefPtr<IEnumPins> all;
-    if (FAILED(filter.EnumPins(all.put()))) return pins;
-    IPin* pin = nullptr;
-    ULONG fetched = 0;
-    while (all->Next(1, &pin, &fetched) == S_OK) pins.push_back(RefPtr<IPin>::adopt(pin));
+    const HRESULT hr = filter.EnumPins(all.put());
+    if (hr == E_OUTOFMEMORY) throw std::bad_alloc();
+    if (SUCCEEDED(hr)) forEachPin(*all, [&](RefPtr<IPin> pin) { pins.push_back(std::move(pin)); });
     return pins;
 }
 
 HostGraph::~HostGraph() {
     stop();
     disconnectAll();
-    for (const RefPtr<IBaseFilter>& filter : filters_) filter->JoinFilterGraph(nullptr, nullptr);
+    for (const Member& member : members_) member.filter->JoinFilterGraph(nullptr, nullptr);
 }
 
 HRESULT HostGraph::pause() {
@@ -113,8 +106,8 @@ HRESULT HostGraph::stop() {
 
 HRESULT HostGraph::disconnectAll() {
     HRESULT result = S_OK;
-    for (const RefPtr<IBaseFilter>& filter : filters_) {
-        const HRESULT hr = disconnectPins(*filter);
+    for (const Member& member : members_) {
+        const HRESULT hr = disconnectPins(*member.pins);
         if (SUCCEEDED(result)) result = hr;
     }
     return result;
@@ -127,30 +120,46 @@ int HostGraph::eventCount(LONG code) {
 
 HRESULT HostGraph::AddFilter(IBaseFilter* filter, LPCWSTR name) {
     if (!filter) return E_POINTER;
-    const HRESULT hr = filter->JoinFilterGraph(this, name);
-    if (SUCCEEDED(hr)) filters_.emplace_back(filter);
+    return guarded([&] { return join(*filter, name); });
+}
+
+HRESULT HostGraph::join(IBaseFilter& filter, LPCWSTR name) {
+    Member member{RefPtr<IBaseFilter>(&filter), {}};
+    HRESULT hr = filter.EnumPins(member.pins.put());
+    if (FAILED(hr)) return hr;
+    // Behind this nothing fails once the filter has its graph.
+    members_.reserve(members_.size() + 1);
+    order_.reserve(members_.size() + 1);
+    hr = filter.JoinFilterGraph(this, name);
+    if (SUCCEEDED(hr)) members_.push_back(std::move(member));
     return hr;
 }
 
+HostGraph::Member* HostGraph::memberOf(const IBaseFilter* filter) {
+    for (Member& member : members_)
+        if (member.filter.get() == filter) return &member;
+    return nullptr;
+}
+
 HRESULT HostGraph::RemoveFilter(IBaseFilter* filter) {
-    const auto found = std::find(filters_.begin(), filters_.end(), filter);
-    if (found == filters_.end()) return VFW_E_NOT_IN_GRAPH;
-    const HRESULT hr = disconnectPins(*filter);
+    Member* const found = memberOf(filter);
+    if (!found) return VFW_E_NOT_IN_GRAPH;
+    const HRESULT hr = disconnectPins(*found->pins);
     if (FAILED(hr)) return hr;
     filter->JoinFilterGraph(nullptr, nullptr);
-    filters_.erase(found);
+    members_.erase(members_.begin() + (found - members_.data()));
     return S_OK;
 }
 
 HRESULT HostGraph::FindFilterByName(LPCWSTR name, IBaseFilter** out) {
     if (!name || !out) return E_POINTER;
     *out = nullptr;
-    for (const RefPtr<IBaseFilter>& filter : filters_) {
+    for (const Member& member : members_) {
         FILTER_INFO info{};
-        if (FAILED(filter->QueryFilterInfo(&info))) continue;
+        if (FAILED(member.filter->QueryFilterInfo(&info))) continue;
         RefPtr<IFilterGraph>::adopt(info.pGraph);
         if (std::wstring_view(info.achName) != name) continue;
-        *out = RefPtr<IBaseFilter>(filter).detach();
+        *out = RefPtr<IBaseFilter>(member.filter).detach();
         return S_OK;
     }
     return VFW_E_NOT_FOUND;
@@ -185,8 +194,10 @@ HRESULT HostGraph::ReconnectEx(IPin* pin, const AM_MEDIA_TYPE* type) {
 
 HRESULT HostGraph::Notify(LONG code, LONG_PTR, LONG_PTR) {
     CAutoLock lock(eventLock_);
-    ++events_[code];
-    return S_OK;
+    return guarded([&] {
+        ++events_[code];
+        return S_OK;
+    });
 }
 
 IUnknown* HostGraph::FindInterface(REFIID iid) {
@@ -197,11 +208,22 @@ IUnknown* HostGraph::FindInterface(REFIID iid) {
     return nullptr;
 }
 
-std::vector<IBaseFilter*> HostGraph::downstreamFirst() const {
-    std::vector<IBaseFilter*> visited;
-    std::vector<IBaseFilter*> order;
-    for (const RefPtr<IBaseFilter>& filter : filters_) appendBehindReceivers(filter.get(), visited, order);
-    return order;
+const std::vector<IBaseFilter*>& HostGraph::downstreamFirst() {
+    order_.clear();
+    for (Member& member : members_) member.visited = false;
+    for (Member& member : members_) appendBehindReceivers(member);
+    return order_;
+}
+
+/// Appends a filter to the order, behind everything that it sends to. A loop of filters ends where it began.
+void HostGraph::appendBehindReceivers(Member& member) {
+    if (std::exchange(member.visited, true)) return;
+    forEachPin(*member.pins, [this](const RefPtr<IPin>& pin) {
+        const RefPtr<IPin> peer = directionOf(*pin) == PINDIR_OUTPUT ? peerOf(*pin) : RefPtr<IPin>();
+        const RefPtr<IBaseFilter> receiver = peer ? filterOf(*peer) : RefPtr<IBaseFilter>();
+        if (Member* const behind = memberOf(receiver.get())) appendBehindReceivers(*behind);
+    });
+    order_.push_back(member.filter.get());
 }
 
 }  // namespace marnoth

@@ -71,15 +71,26 @@ protected:
     IUnknown* FindInterface(REFIID iid) override;
 
 private:
-    std::vector<IBaseFilter*> downstreamFirst() const;
+    /// A filter with a walk over its pins, kept so that taking everything apart needs no memory.
+    struct Member {
+        RefPtr<IBaseFilter> filter;
+        RefPtr<IEnumPins> pins;
+        bool visited = false;  ///< while an order is being made
+    };
 
-    std::vector<RefPtr<IBaseFilter>> filters_;
+    HRESULT join(IBaseFilter& filter, LPCWSTR name);
+    Member* memberOf(const IBaseFilter* filter);
+    const std::vector<IBaseFilter*>& downstreamFirst();
+    void appendBehindReceivers(Member& member);
+
+    std::vector<Member> members_;
+    std::vector<IBaseFilter*> order_;  ///< with room for all members
     FILTER_STATE state_ = State_Stopped;
     CCritSec eventLock_;
     std::map<LONG, int> events_;
 };
 
-/// The pins of a filter, in its order.
+/// The pins of a filter, in its order. `std::bad_alloc` without memory.
 std::vector<RefPtr<IPin>> pinsOf(IBaseFilter& filter);
 
 }  // namespace marnoth

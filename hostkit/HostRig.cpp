@@ -10,6 +10,7 @@
 #include "hostkit/InstrumentGraph.h"
 #include "hostkit/MakeObject.h"
 #include "hostkit/TempoMap.h"
+#include "platform/com/Guarded.h"
 
 namespace marnoth {
 
@@ -29,6 +30,7 @@ bool areUsable(const AttachOptions& options) {
 struct HostRig::Parts {
     explicit Parts(InstrumentMaker make) : instrument(make) {}
 
+    HRESULT attach(const AttachOptions& options);
     HRESULT sendBlock(std::int32_t frames);
 
     InstrumentGraph instrument;
@@ -62,17 +64,21 @@ void HostRig::setTaker(int pin, AudioTaker taker) {
 
 HRESULT HostRig::attach(const AttachOptions& options) {
     if (!areUsable(options)) return E_INVALIDARG;
-    RefPtr<TempoMap> tempoMap = makeObject<TempoMap>(options.tempo);
+    return guarded([&] { return parts_->attach(options); });
+}
+
+HRESULT HostRig::Parts::attach(const AttachOptions& options) {
+    RefPtr<TempoMap> made = makeObject<TempoMap>(options.tempo);
     HostContext::Services services;
-    services.tempoMap = RefPtr<TempoService>(tempoMap.get());
+    services.tempoMap = RefPtr<TempoService>(made.get());
     if (options.converter) {
         services.timeConverter = makeObject<TimeConverter>(services.tempoMap, options.converterRate);
     }
     if (options.key) services.key = makeObject<KeyService>(*options.key);
     services.pins = makeObject<PinService>();
 
-    const HRESULT hr = parts_->instrument.attach(services);
-    if (SUCCEEDED(hr)) parts_->tempoMap = tempoMap;
+    const HRESULT hr = instrument.attach(services);
+    if (SUCCEEDED(hr)) tempoMap = std::move(made);
     return hr;
 }
 
@@ -136,11 +142,15 @@ HRESULT HostRig::render(std::int64_t frames) {
 }
 
 HRESULT HostRig::queueEvents(std::uint32_t port, std::span<const SynthEvent> events) {
-    return parts_->instrument.synth().QueueEvents(0, 0, port, makeObject<EventList>(events).get());
+    return guarded([&] {
+        return parts_->instrument.synth().QueueEvents(0, 0, port, makeObject<EventList>(events).get());
+    });
 }
 
 HRESULT HostRig::queueRawInput(std::uint32_t port, std::span<const RawMidiEvent> events) {
-    return parts_->instrument.synth().QueueRawInput(port, makeObject<RawEventList>(events).get());
+    return guarded([&] {
+        return parts_->instrument.synth().QueueRawInput(port, makeObject<RawEventList>(events).get());
+    });
 }
 
 HRESULT HostRig::save(IStream& stream) {

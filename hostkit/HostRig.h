@@ -36,7 +36,8 @@ using AudioTaker = std::function<void(std::span<const float> samples, bool silen
 /// Output pins are numbered as the instrument orders them: 0 the mix, 1 to 16 the channels.
 class HostRig {
 public:
-    /// Has the instrument made by `make`. `std::runtime_error` when that fails.
+    /// Has the instrument made by `make`. `std::runtime_error` when that fails, `std::bad_alloc` without
+    /// memory. What comes later ends in `E_OUTOFMEMORY` then.
     explicit HostRig(InstrumentMaker make);
     ~HostRig();
     HostRig(const HostRig&) = delete;

@@ -1,31 +1,34 @@
 #include "hostkit/InstrumentGraph.h"
 
+#include <new>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "hostkit/FloatFormat.h"
 #include "hostkit/MakeObject.h"
+#include "platform/com/Guarded.h"
 #include "platform/graph/MediaType.h"
 
 namespace marnoth {
 
 namespace {
 
+void need(HRESULT result, const char* failure) {
+    if (result == E_OUTOFMEMORY) throw std::bad_alloc();
+    if (FAILED(result)) throw std::runtime_error(failure);
+}
+
 template <class Interface>
 RefPtr<Interface> query(IUnknown& object, REFIID iid) {
     RefPtr<Interface> found;
-    if (FAILED(object.QueryInterface(iid, found.putVoid()))) {
-        throw std::runtime_error("the instrument lacks an interface");
-    }
+    need(object.QueryInterface(iid, found.putVoid()), "the instrument lacks an interface");
     return found;
 }
 
 RefPtr<IUnknown> makeInstrument(InstrumentMaker make) {
     RefPtr<IUnknown> instrument;
-    if (FAILED(make(nullptr, IID_IUnknown, instrument.putVoid()))) {
-        throw std::runtime_error("the instrument can't be made");
-    }
+    need(make(nullptr, IID_IUnknown, instrument.putVoid()), "the instrument can't be made");
     return instrument;
 }
 
@@ -51,12 +54,16 @@ InstrumentGraph::InstrumentGraph(InstrumentMaker make)
       notify_(query<IKvxNotify>(*instrument_, IID_IKvxNotify)),
       source_(makeObject<StreamSource>()),
       graph_(makeObject<HostGraph>()) {
-    graph_->AddFilter(source_.get(), L"Source");
-    graph_->AddFilter(filter_.get(), L"Instrument");
+    add(*source_, L"Source");
+    add(*filter_, L"Instrument");
     for (std::size_t pin = 0; pin < sinks_.size(); ++pin) {
         sinks_[pin] = makeObject<StreamSink>();
-        graph_->AddFilter(sinks_[pin].get(), (L"Sink " + std::to_wstring(pin)).c_str());
+        add(*sinks_[pin], (L"Sink " + std::to_wstring(pin)).c_str());
     }
+}
+
+void InstrumentGraph::add(IBaseFilter& filter, LPCWSTR name) {
+    need(graph_->AddFilter(&filter, name), "the graph can't be built");
 }
 
 InstrumentGraph::~InstrumentGraph() {
@@ -73,7 +80,7 @@ HRESULT InstrumentGraph::connect(std::uint32_t rate, std::uint32_t channels, std
     if (FAILED(failure.result())) return failure.result();
     rate_ = rate;
     channels_ = channels;
-    return connectAll(pins);
+    return guarded([&] { return connectAll(pins); });
 }
 
 HRESULT InstrumentGraph::connectAll(std::span<const int> pins) {

@@ -24,7 +24,8 @@ namespace marnoth {
 /// stopped and taken apart, and the instrument is detached.
 class InstrumentGraph {
 public:
-    /// Has the instrument made by `make`. `std::runtime_error` when that fails.
+    /// Has the instrument made by `make`. `std::runtime_error` when that fails, `std::bad_alloc`
+    /// without memory.
     explicit InstrumentGraph(InstrumentMaker make);
     ~InstrumentGraph();
     InstrumentGraph(const InstrumentGraph&) = delete;
@@ -59,6 +60,7 @@ public:
     std::uint32_t channels() const { return channels_; }
 
 private:
+    void add(IBaseFilter& filter, LPCWSTR name);
     HRESULT connectAll(std::span<const int> pins);
     HRESULT connectPin(int pin, const AM_MEDIA_TYPE& type);
 

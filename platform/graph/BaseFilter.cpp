@@ -1,6 +1,7 @@
 #include "platform/graph/BaseFilter.h"
 
 #include "platform/com/Enumerator.h"
+#include "platform/com/Guarded.h"
 #include "platform/graph/BasePin.h"
 
 namespace marnoth {
@@ -152,9 +153,11 @@ HRESULT CBaseFilter::QueryFilterInfo(FILTER_INFO* out) {
 
 HRESULT CBaseFilter::JoinFilterGraph(IFilterGraph* graph, LPCWSTR name) {
     CAutoLock hold(lock_);
-    name_ = name ? name : L"";
-    graph_ = graph;
-    return S_OK;
+    return guarded([=, this] {
+        name_ = name ? name : L"";
+        graph_ = graph;
+        return S_OK;
+    });
 }
 
 HRESULT CBaseFilter::QueryVendorInfo(LPWSTR*) {
