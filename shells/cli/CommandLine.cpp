@@ -75,9 +75,7 @@ int report(std::ostream& errors, int status, const std::string& text) {
     return status;
 }
 
-}  // namespace
-
-int runCommandLine(std::vector<std::string> arguments, std::ostream& out, std::ostream& errors) {
+int understandAndCarryOut(std::vector<std::string> arguments, std::ostream& out, std::ostream& errors) {
     Request request;
     CommandGrammar grammar(request);
     try {
@@ -90,10 +88,20 @@ int runCommandLine(std::vector<std::string> arguments, std::ostream& out, std::o
     } catch (const WrongUse& error) {
         return report(errors, kWrongUseStatus, error.what());
     } catch (const std::bad_alloc&) {
-        return report(errors, kFailedStatus, "there isn't enough memory");
+        throw;
     } catch (const std::exception& error) {
         return report(errors, kFailedStatus, error.what());
     }
+}
+
+}  // namespace
+
+int runCommandLine(std::vector<std::string> arguments, std::ostream& out, std::ostream& errors) try {
+    return understandAndCarryOut(std::move(arguments), out, errors);
+} catch (const std::bad_alloc&) {
+    // Whatever the command had taken is back; even so this asks for none.
+    errors << "marnoth: there isn't enough memory" << std::endl;
+    return kFailedStatus;
 }
 
 }  // namespace marnoth

@@ -9,6 +9,7 @@
 #include "shellkit/files/Failure.h"
 #include "shellkit/files/FilePlan.h"
 #include "shellkit/files/LoopFiles.h"
+#include "shellkit/files/Need.h"
 #include "shellkit/files/ProjectFiles.h"
 #include "shellkit/media/PngFile.h"
 #include "shellkit/page/HeadlessPage.h"
@@ -28,9 +29,7 @@ constexpr Point kFirstBinRow{kBinList.left + 6, kBinList.top + 6};
 /// Projects are loaded at the rate of a connection.
 void connect(HostRig& rig) {
     const std::array<int, 1> mix{0};
-    const HRESULT result = rig.connect(kRate, kStereo, mix);
-    if (FAILED(result))
-        throw FileFailure("connecting the instrument failed with code " + printResult(result));
+    need(rig.connect(kRate, kStereo, mix), "connecting the instrument");
 }
 
 void click(HeadlessPage& page, Point at) {

@@ -21,6 +21,7 @@
 #include "shellkit/files/FaultText.h"
 #include "shellkit/files/FilePlan.h"
 #include "shellkit/files/LoopFiles.h"
+#include "shellkit/files/Need.h"
 #include "shellkit/files/ProjectFiles.h"
 #include "shellkit/midi/MidiFile.h"
 #include "shellkit/script/ScriptNumbers.h"
@@ -40,10 +41,6 @@ constexpr std::uint32_t kChannels = 2;
 constexpr double kDefaultBeats = 16.0;
 constexpr int kFadeMilliseconds = 20;
 constexpr std::uint8_t kHeldVelocity = 100;
-
-void need(HRESULT result, const char* what) {
-    if (FAILED(result)) throw FileFailure(std::string(what) + " failed with code " + printResult(result));
-}
 
 std::string padName(int pad) {
     const std::string number = std::to_string(pad + 1);

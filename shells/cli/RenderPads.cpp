@@ -1,8 +1,7 @@
 #include "shells/cli/RenderPads.h"
 
 #include "seam/Limits.h"
-#include "shellkit/files/Failure.h"
-#include "shellkit/script/ScriptNumbers.h"
+#include "shellkit/files/Need.h"
 
 namespace marnoth {
 
@@ -11,7 +10,7 @@ namespace {
 constexpr std::int32_t kMiddleC = 60;
 
 void need(HRESULT result) {
-    if (FAILED(result)) throw FileFailure("setting up a pad failed with code " + printResult(result));
+    marnoth::need(result, "setting up a pad");
 }
 
 }  // namespace
