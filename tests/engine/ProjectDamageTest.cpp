@@ -94,34 +94,36 @@ private:
     }
 };
 
-TEST(ProjectDamage, EveryByteAtEveryExtremeIsPlayedOrRefused) {
+// At one rate the audio stays as it is, at the other it is converted.
+class ProjectWithAByteOf : public testing::TestWithParam<std::uint8_t> {};
+
+TEST_P(ProjectWithAByteOf, ItsValueAnywhereIsPlayedOrRefused) {
+    const std::uint8_t value = GetParam();
     const TempPath next = loopFile(1, 11025).writeTemp();
     const ProjectBytes::Built sound = twoFilesFourPads().build();
-    DamageRig same(44100);
-    DamageRig other(48000);
+    DamageRig rig(value & 1 ? 44100 : 48000);
     int played = 0;
     int refused = 0;
     for (std::size_t at = 0; at < sound.bytes.size(); ++at) {
         for (const auto& [first, end] : sound.audio) at = at == first ? end : at;
-        for (const std::uint8_t value : {0x00, 0x7F, 0x80, 0xFF}) {
-            SCOPED_TRACE(testing::Message() << "byte " << at << " is " << int{value});
-            Bytes damaged = sound.bytes;
-            damaged.at(at) = value;
-            DamageRig& rig = value & 1 ? same : other;
-            if (rig.loads(damaged)) {
-                ++played;
-                // A byte that was like this already has been played.
-                if (damaged != sound.bytes) rig.use();
-            } else {
-                ++refused;
-                ASSERT_NO_FATAL_FAILURE(rig.expectUsable(next));
-            }
-            if (testing::Test::HasFailure()) return;
+        SCOPED_TRACE(testing::Message() << "byte " << at);
+        Bytes damaged = sound.bytes;
+        damaged.at(at) = value;
+        if (rig.loads(damaged)) {
+            ++played;
+            // A byte that was like this already has been played.
+            if (damaged != sound.bytes) rig.use();
+        } else {
+            ++refused;
+            ASSERT_NO_FATAL_FAILURE(rig.expectUsable(next));
         }
+        if (testing::Test::HasFailure()) return;
     }
-    EXPECT_GT(played, 1000);
-    EXPECT_GT(refused, 1000);
+    EXPECT_GT(played, 250);
+    EXPECT_GT(refused, 250);
 }
+
+INSTANTIATE_TEST_SUITE_P(Extremes, ProjectWithAByteOf, testing::Values(0x00, 0x7F, 0x80, 0xFF));
 
 TEST(ProjectDamage, FileCutAnywhereIsRefusedAndLeavesAUsableInstrument) {
     constexpr std::size_t kCuts = 2000;
