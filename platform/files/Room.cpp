@@ -12,7 +12,7 @@
 #include <string_view>
 #else
 #include <sys/resource.h>
-#include <unistd.h>
+#include <sys/vfs.h>
 #endif
 
 namespace marnoth {
@@ -42,8 +42,11 @@ std::int64_t mostOfAFileIn(const fs::path& folder) {
     rlimit limit{};
     const bool isLimited = getrlimit(RLIMIT_FSIZE, &limit) == 0 && limit.rlim_cur < Room::kUnknown;
     const std::int64_t own = isLimited ? static_cast<std::int64_t>(limit.rlim_cur) : Room::kUnknown;
-    const long bits = pathconf(folder.c_str(), _PC_FILESIZEBITS);
-    return bits > 0 && bits <= 33 ? std::min(own, kMostOfFat) : own;
+    struct statfs disk {};
+    // The system's own question for the most of a file answers 4 GiB for whatever it doesn't know.
+    constexpr auto kFat = 0x4d44;
+    const bool isFat = statfs(folder.c_str(), &disk) == 0 && disk.f_type == kFat;
+    return isFat ? std::min(own, kMostOfFat) : own;
 }
 
 #endif

@@ -76,14 +76,14 @@ constexpr const char* kTail = R"(
 complete -F _marnoth marnoth
 )";
 
-std::string joined(const std::vector<std::string>& words, const char* between) {
+std::string listed(const std::vector<std::string>& words, const char* between) {
     std::string text;
     for (const std::string& word : words) text += (text.empty() ? "" : between) + word;
     return text;
 }
 
 /// A pattern of files whose extension is this, in letters of either case.
-std::string pattern(const std::string& extension) {
+std::string bashPattern(const std::string& extension) {
     std::string text = "*";
     for (const char c : extension) {
         const auto upper = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
@@ -95,31 +95,32 @@ std::string pattern(const std::string& extension) {
 std::string settingWords() {
     std::vector<std::string> words;
     for (const PadSettingWord& word : padSettingWords()) words.push_back(word.name + "=");
-    return joined(words, "\n");
+    return listed(words, "\n");
 }
 
 std::string completionOf(const std::string& value) {
     const ValueText kind = valueKind(value);
     switch (kind.kind) {
         case ValueText::words:
-            return "_marnoth_words \"" + joined(kind.choices, " ") + "\"";
+            return "_marnoth_words \"" + listed(kind.choices, " ") + "\"";
         case ValueText::file:
-            return "_marnoth_files '" + pattern(kind.extension) + "'";
+            return "_marnoth_files '" + bashPattern(kind.extension) + "'";
         case ValueText::folder:
             return "_marnoth_folders";
         case ValueText::padFile:
-            return "[[ -n $pad ]] && _marnoth_pad '" + pattern(kind.extension) + "' '" + settingWords() + "'";
+            return "[[ -n $pad ]] && _marnoth_pad '" + bashPattern(kind.extension) + "' '" + settingWords() +
+                   "'";
         case ValueText::anything:
             break;
     }
     return ":";
 }
 
-std::string optionNames(const CommandText& command) {
+std::string optionWords(const CommandText& command) {
     std::vector<std::string> names;
     for (const OptionText& option : command.options)
         names.insert(names.end(), option.names.begin(), option.names.end());
-    return joined(names, " ");
+    return listed(names, " ");
 }
 
 /// What follows an option that takes a value.
@@ -129,7 +130,7 @@ std::string valueCases(const CommandText& command) {
         if (option.value.empty()) continue;
         std::vector<std::string> names;
         for (const std::string& name : option.names) names.push_back("\"" + command.name + " " + name + "\"");
-        cases += "        " + joined(names, " | ") + ")\n            " + completionOf(option.value) +
+        cases += "        " + listed(names, " | ") + ")\n            " + completionOf(option.value) +
                  "\n            return\n            ;;\n";
     }
     return cases;
@@ -138,7 +139,7 @@ std::string valueCases(const CommandText& command) {
 /// What may stand where no option waits for a value.
 std::string wordCase(const CommandText& command) {
     std::string text = "        " + command.name + ")\n";
-    const std::string words = "_marnoth_words \"" + optionNames(command) + "\"";
+    const std::string words = "_marnoth_words \"" + optionWords(command) + "\"";
     if (command.arguments.empty()) return text + "            " + words + "\n            ;;\n";
     return text + "            if [[ $word == -* ]]; then\n                " + words +
            "\n            else\n                " + completionOf(command.arguments.front().value) +
@@ -152,12 +153,12 @@ std::string bashCompletion(const ProgramText& text) {
     for (const CommandText& command : text.commands) commands.push_back(command.name);
     std::string script = kHead;
     const std::string mark = "@COMMANDS@";
-    script.replace(script.find(mark), mark.size(), joined(commands, " | "));
+    script.replace(script.find(mark), mark.size(), listed(commands, " | "));
     for (const CommandText& command : text.commands) script += valueCases(command);
     script += "    esac\n    case $command in\n";
     for (const CommandText& command : text.commands) script += wordCase(command);
     script +=
-        "        *) _marnoth_words \"" + joined(commands, " ") + " " + optionNames(text.program) + "\" ;;\n";
+        "        *) _marnoth_words \"" + listed(commands, " ") + " " + optionWords(text.program) + "\" ;;\n";
     return script + "    esac\n}" + kTail;
 }
 

@@ -4,7 +4,7 @@ namespace marnoth {
 
 namespace {
 
-std::string quoted(const std::string& text) {
+std::string inFishQuotes(const std::string& text) {
     std::string safe = "'";
     for (const char c : text) {
         if (c == '\'' || c == '\\') safe += '\\';
@@ -14,13 +14,13 @@ std::string quoted(const std::string& text) {
 }
 
 /// What stands where a value does: nothing else, where that is known.
-std::string choices(const std::string& value) {
+std::string fishValue(const std::string& value) {
     const ValueText kind = valueKind(value);
     std::string words;
     switch (kind.kind) {
         case ValueText::words:
             for (const std::string& choice : kind.choices) words += (words.empty() ? "" : " ") + choice;
-            return " -x -a " + quoted(words);
+            return " -x -a " + inFishQuotes(words);
         case ValueText::file:
             return kind.extension.empty() ? " -r -F"
                                           : " -x -a '(__fish_complete_suffix " + kind.extension + ")'";
@@ -35,12 +35,12 @@ std::string choices(const std::string& value) {
     return " -x";
 }
 
-std::string lineOf(const std::string& condition, const OptionText& option) {
-    std::string line = "complete -c marnoth -n " + quoted(condition);
+std::string fishLine(const std::string& condition, const OptionText& option) {
+    std::string line = "complete -c marnoth -n " + inFishQuotes(condition);
     for (const std::string& name : option.names)
         line += name.starts_with("--") ? " -l " + name.substr(2) : " -s " + name.substr(1);
-    if (!option.value.empty()) line += choices(option.value);
-    return line + " -d " + quoted(option.meaning) + "\n";
+    if (!option.value.empty()) line += fishValue(option.value);
+    return line + " -d " + inFishQuotes(option.meaning) + "\n";
 }
 
 }  // namespace
@@ -48,14 +48,14 @@ std::string lineOf(const std::string& condition, const OptionText& option) {
 std::string fishCompletion(const ProgramText& text) {
     constexpr const char* kNoCommand = "__fish_use_subcommand";
     std::string script = "# fish completion of marnoth\n\ncomplete -c marnoth -f\n";
-    for (const OptionText& option : text.program.options) script += lineOf(kNoCommand, option);
+    for (const OptionText& option : text.program.options) script += fishLine(kNoCommand, option);
     for (const CommandText& command : text.commands)
-        script += "complete -c marnoth -n " + quoted(kNoCommand) + " -a " + command.name + " -d " +
-                  quoted(command.meaning) + "\n";
+        script += "complete -c marnoth -n " + inFishQuotes(kNoCommand) + " -a " + command.name + " -d " +
+                  inFishQuotes(command.meaning) + "\n";
     for (const CommandText& command : text.commands) {
         const std::string chosen = "__fish_seen_subcommand_from " + command.name;
-        for (const OptionText& option : command.options) script += lineOf(chosen, option);
-        for (const OptionText& argument : command.arguments) script += lineOf(chosen, argument);
+        for (const OptionText& option : command.options) script += fishLine(chosen, option);
+        for (const OptionText& argument : command.arguments) script += fishLine(chosen, argument);
     }
     return script;
 }

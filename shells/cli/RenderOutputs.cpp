@@ -77,6 +77,7 @@ void RenderOutputs::normalize(const std::function<void(const std::string&)>& war
 std::string RenderOutputs::tellMix() const {
     std::string text;
     if (form_.format != SampleFormat::float32) text = std::to_string(8 * bytesOf(form_.format)) + " bits, ";
+    if (waveFormFor(options_.format(), options_.expectedFrames) == WaveForm::rf64) text += "RF64, ";
     const double peak = mix().peak() * gain_;
     text += peak > 0 ? "peak " + decibelText(peak) + " dBFS" : "silent";
     if (form_.normalize || form_.gainDecibels != 0) text += " after " + changeText(gain_);

@@ -5,7 +5,7 @@ namespace marnoth {
 namespace {
 
 /// Inside single quotes, with a backslash before each of `special`.
-std::string quoted(const std::string& text, const std::string& special) {
+std::string escaped(const std::string& text, const std::string& special) {
     std::string safe;
     for (const char c : text) {
         if (special.find(c) != special.npos) safe += '\\';
@@ -14,7 +14,7 @@ std::string quoted(const std::string& text, const std::string& special) {
     return safe;
 }
 
-std::string action(const std::string& value) {
+std::string zshAction(const std::string& value) {
     const ValueText kind = valueKind(value);
     std::string words;
     switch (kind.kind) {
@@ -34,28 +34,28 @@ std::string action(const std::string& value) {
     return " ";
 }
 
-std::string valueOf(const OptionText& option) {
+std::string zshValue(const OptionText& option) {
     if (option.value.empty()) return {};
-    return ":" + quoted(option.value, ":\\") + ":" + action(option.value);
+    return ":" + escaped(option.value, ":\\") + ":" + zshAction(option.value);
 }
 
 /// One specification for each name; those of one option exclude each other unless it may be repeated.
-std::string specifications(const OptionText& option) {
+std::string zshSpecifications(const OptionText& option) {
     std::string all;
     for (const std::string& name : option.names) all += (all.empty() ? "" : " ") + name;
     std::string lines;
     for (const std::string& name : option.names)
         lines += " \\\n                '" + (option.repeated ? "*" : "(" + all + ")") + name + "[" +
-                 quoted(option.meaning, "[]:\\") + "]" + valueOf(option) + "'";
+                 escaped(option.meaning, "[]:\\") + "]" + zshValue(option) + "'";
     return lines;
 }
 
-std::string specifications(const CommandText& command) {
+std::string zshSpecifications(const CommandText& command) {
     std::string lines;
-    for (const OptionText& option : command.options) lines += specifications(option);
+    for (const OptionText& option : command.options) lines += zshSpecifications(option);
     for (const OptionText& argument : command.arguments)
         lines += " \\\n                '" + std::string(argument.required ? ":" : "::") +
-                 quoted(argument.meaning, ":\\") + ":" + action(argument.value) + "'";
+                 escaped(argument.meaning, ":\\") + ":" + zshAction(argument.value) + "'";
     return lines;
 }
 
@@ -66,13 +66,13 @@ std::string zshCompletion(const ProgramText& text) {
         "#compdef marnoth\n\n_marnoth() {\n    local context state line\n    local -a commands\n"
         "    commands=(\n";
     for (const CommandText& command : text.commands)
-        script += "        '" + command.name + ":" + quoted(command.meaning, ":\\") + "'\n";
-    script += "    )\n    _arguments -C" + specifications(text.program) +
+        script += "        '" + command.name + ":" + escaped(command.meaning, ":\\") + "'\n";
+    script += "    )\n    _arguments -C" + zshSpecifications(text.program) +
               " \\\n                '1:command:->command' \\\n                '*::argument:->argument'\n"
               "    case $state in\n        command) _describe command commands ;;\n        argument)\n"
               "            case $words[1] in\n";
     for (const CommandText& command : text.commands)
-        script += "                " + command.name + ") _arguments" + specifications(command) + " ;;\n";
+        script += "                " + command.name + ") _arguments" + zshSpecifications(command) + " ;;\n";
     return script + "            esac\n            ;;\n    esac\n}\n\n_marnoth \"$@\"\n";
 }
 

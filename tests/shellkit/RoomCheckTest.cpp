@@ -54,6 +54,11 @@ TEST(Room, ARealFolderHasSome) {
 }
 
 #ifndef _WIN32
+TEST(Room, AFolderInMemoryHoldsFilesOfAnyLength) {
+    if (!std::filesystem::exists("/dev/shm")) GTEST_SKIP() << "there is none";
+    EXPECT_EQ(roomIn("/dev/shm").mostOfAFile, Room::kUnknown);
+}
+
 TEST(Room, AUsersLimitIsOneOfTheFile) {
     const TempFolder folder;
     const FileSizeLimit limit(12345);
