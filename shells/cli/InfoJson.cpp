@@ -1,5 +1,6 @@
 #include "shells/cli/InfoJson.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -69,7 +70,9 @@ Json::Json(const std::vector<std::string>& items) : kind_(Kind::list) {
     for (const std::string& item : items) push_back(item);
 }
 
-Json::Json(std::initializer_list<Field> fields) : kind_(Kind::object), fields_(fields) {}
+Json::Json(std::initializer_list<Field> fields) : kind_(Kind::object) {
+    for (const Field& field : fields) (*this)[field.name] = field.value;
+}
 
 Json Json::array() {
     return std::vector<std::string>();
@@ -80,13 +83,14 @@ Json Json::object() {
 }
 
 Json& Json::operator[](const std::string& name) {
-    for (Field& field : fields_)
-        if (field.name == name) return field.value;
-    return fields_.emplace_back(Field{name, {}}).value;
+    const auto found = std::find(names_.begin(), names_.end(), name);
+    if (found != names_.end()) return items_[static_cast<std::size_t>(found - names_.begin())];
+    names_.push_back(name);
+    return items_.emplace_back();
 }
 
 void Json::push_back(Json item) {
-    fields_.push_back({{}, std::move(item)});
+    items_.push_back(std::move(item));
 }
 
 std::string Json::text(int depth) const {
@@ -95,12 +99,11 @@ std::string Json::text(int depth) const {
     const std::string edge(static_cast<std::size_t>(2 * depth), ' ');
     std::string text = isList ? "[" : "{";
     const char* before = "\n";
-    for (const Field& field : fields_) {
-        text +=
-            before + edge + "  " + (isList ? "" : quoted(field.name) + ": ") + field.value.text(depth + 1);
+    for (std::size_t i = 0; i < items_.size(); ++i) {
+        text += before + edge + "  " + (isList ? "" : quoted(names_[i]) + ": ") + items_[i].text(depth + 1);
         before = ",\n";
     }
-    if (!fields_.empty()) text += "\n" + edge;
+    if (!items_.empty()) text += "\n" + edge;
     return text + (isList ? "]" : "}");
 }
 

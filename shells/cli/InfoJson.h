@@ -42,8 +42,9 @@ private:
     enum class Kind { plain, list, object };
 
     Kind kind_ = Kind::plain;
-    std::string text_ = "null";  ///< of what is plain, as it is printed
-    std::vector<Field> fields_;  ///< without names in a list
+    std::string text_ = "null";       ///< of what is plain, as it is printed
+    std::vector<std::string> names_;  ///< of the items of an object, index for index
+    std::vector<Json> items_;
 };
 
 struct Json::Field {
