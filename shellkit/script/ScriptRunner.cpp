@@ -1,7 +1,7 @@
 #include "shellkit/script/ScriptRunner.h"
 
+#include <array>
 #include <fstream>
-#include <iterator>
 #include <ostream>
 #include <string_view>
 #include <system_error>
@@ -18,15 +18,27 @@ namespace marnoth {
 namespace {
 
 constexpr int kWrongUseStatus = 2;
+constexpr std::string_view kLineEnd = "\r\n";  ///< the longest
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
+std::size_t lengthOfLastLine(std::string_view text) {
+    return text.size() - (text.rfind('\n') + 1);
+}
 
 std::string readScript(const std::string& name) {
     const std::filesystem::path path = pathFromUtf8(name);
     std::error_code ignored;
     if (!std::filesystem::exists(path, ignored)) throw FileFailure(name + ": there is no such file");
     std::ifstream file(path, std::ios::binary);
-    std::string text{std::istreambuf_iterator<char>(file), {}};
     if (!file || std::filesystem::is_directory(path, ignored)) throw FileFailure(name + ": it can't be read");
+    std::string text;
+    std::array<char, 0x1000> part{};
+    // Behind a line that is refused nothing is wanted, be there ever so much.
+    while (lengthOfLastLine(text) <= kMostLineBytes + kLineEnd.size() && file) {
+        file.read(part.data(), part.size());
+        text.append(part.data(), static_cast<std::size_t>(file.gcount()));
+    }
+    if (file.bad()) throw FileFailure(name + ": it can't be read");
     return text;
 }
 
@@ -63,6 +75,8 @@ private:
 
 /// The command of a line with its words, which are none for a line without one. Throws `ScriptError`.
 const ScriptCommand* commandOf(std::string_view line, std::vector<std::string>& words) {
+    if (line.size() > kMostLineBytes)
+        throw ScriptError("the line is longer than " + std::to_string(kMostLineBytes) + " bytes");
     words = splitWords(line);
     if (words.empty()) return nullptr;
     const ScriptCommand& command = findCommand(words.front());

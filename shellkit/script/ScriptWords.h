@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -11,6 +12,9 @@ namespace marnoth {
 struct ScriptError : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
+
+/// A line of a script may be that long; no command needs more.
+inline constexpr std::size_t kMostLineBytes = 0x10000;
 
 /// The words of one line: separated by blanks, up to a `#` outside of quotes. A word in double quotes may
 /// hold blanks, and `\"` and `\\` for a quote and a backslash; elsewhere a backslash is a character like any

@@ -35,6 +35,8 @@ constexpr const char* kProgramFooter =
     "  interrupted or asked to end.\n";
 
 constexpr const char* kScriptHelp =
+    "A line holds one command, in 65536 bytes at most.\n"
+    "\n"
     "Examples:\n"
     "  marnoth script take.mrs --out audio > take.transcript\n";
 

@@ -50,6 +50,28 @@ TEST(ScriptRunner, NamesFileAndLineOfALineThatItDoesNotUnderstand) {
     EXPECT_EQ(errorOf("SetPadVolume 0 loud"), "1: VALUE: \"loud\" isn't a number\n");
 }
 
+TEST(ScriptRunner, RefusesALineOfMoreThan65536Bytes) {
+    const TempFolder folder;
+    const std::string longest = "#" + std::string(65535, '-');
+    for (const std::string end : {"\n", "\r\n"})
+        EXPECT_EQ(runScriptText(folder, longest + end + "GetPadSolo 1" + end).out,
+                  "GetPadSolo 1 -> 00000000 0\n");
+    const std::string tooLong = "GetPadSolo 1\n" + longest + "-\nGetPadSolo 1\n";
+    EXPECT_EQ(errorOf(tooLong), "2: the line is longer than 65536 bytes\n");
+    EXPECT_EQ(runScriptText(folder, tooLong).out, "GetPadSolo 1 -> 00000000 0\n");
+}
+
+#ifndef _WIN32
+
+TEST(ScriptRunner, EndsWithAFileThatNeverDoes) {
+    const TempFolder folder;
+    const CliRun run = marnoth({"script", "/dev/zero", "--out", folder.name("out")});
+    EXPECT_EQ(run.status, 2);
+    EXPECT_EQ(run.err, "/dev/zero:1: the line is longer than 65536 bytes\n");
+}
+
+#endif
+
 TEST(ScriptRunner, KeepsTheTranscriptUpToAnError) {
     const TempFolder folder;
     const CliRun run = runScriptText(folder, "GetBinFileCount\nnonsense\nGetBinFileCount\n");
