@@ -48,6 +48,10 @@ constexpr const char* kRenderHelp =
     "whatever the note's length, and a second note switches a loop off. With --gate a pad sounds as long\n"
     "as its notes are held.\n"
     "\n"
+    "With --loop a turn of that length is rendered before the files begin: what sounds beyond the end is\n"
+    "heard at their beginning, and nothing fades in or out where they join. Loops join that fit into the\n"
+    "length, and what notes switch on they have to switch off.\n"
+    "\n"
     "Loops that bring a root note follow --key; without it nothing is transposed.\n"
     "\n"
     "With --project the pads are those of a project, and --pad lays files on top of them. With --save what\n"
@@ -207,6 +211,7 @@ void CommandGrammar::addRender(Request& request) {
         ->check(wholeWithin(1, kMostBlockFrames))
         ->type_name("N");
     render->add_option("--key", request.key, "The project's key, such as A, C# or Bb")->type_name("NAME");
+    render->add_flag("--loop", options.loop, "Render a turn before the file begins, so that its ends join");
     render->add_flag("--gate", options.gate, "Pads sound while their notes are held");
     addOut(*render, options.out, "FILE.wav");
     offer(render->add_option("--bits", request.bits, "Of a sample, 32f by default"), {"16", "24", "32f"});

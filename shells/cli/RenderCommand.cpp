@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <iterator>
+#include <limits>
 #include <memory>
 #include <ostream>
 #include <set>
@@ -32,6 +33,7 @@
 #include "shells/cli/Progress.h"
 #include "shells/cli/Recovery.h"
 #include "shells/cli/RenderPads.h"
+#include "shells/cli/TwoTurns.h"
 
 namespace marnoth {
 
@@ -125,12 +127,21 @@ private:
         }
         if (options_.tempo) part_.tempo = TempoTrack(*options_.tempo);
         if (options_.beats) ticks = *options_.beats * kTicksPerBeat;
+        if (options_.loop) ticks = std::max(1.0, std::round(ticks));
         const double frames = part_.tempo.seconds(ticks) * rate_ + 0.5;
         music_ = std::max<std::int64_t>(1, static_cast<std::int64_t>(frames));
         ticks_ = ticks;
         // Where nobody asked for a length, what sounds at the end of the notes has the time to fade out.
-        const bool fades = !options_.midi.empty() && !options_.beats;
+        const bool fades = !options_.midi.empty() && !options_.beats && !options_.loop;
         frames_ = music_ + (fades ? std::int64_t{rate_} * kFadeMilliseconds / 1000 : 0);
+        if (options_.loop) takeTwoTurns();
+    }
+
+    void takeTwoTurns() {
+        if (2 * ticks_ > std::numeric_limits<std::int32_t>::max())
+            throw WrongUse("--loop: there are too many beats to play them twice");
+        part_ = twoTurns(part_, static_cast<std::int32_t>(ticks_));
+        before_ = music_;
     }
 
     void connect() {
@@ -228,14 +239,24 @@ private:
 
     void open(int pin, std::unique_ptr<OutputFile> file) {
         RenderOutput& output = outputs_->add(std::move(file));
-        rig_.setTaker(pin, [&output](std::span<const float> samples, bool) { output.take(samples); });
+        rig_.setTaker(pin, [this, &output](std::span<const float> samples, bool) {
+            if (rendered_ >= before_) output.take(samples);
+        });
     }
 
     void queue() {
         if (options_.midi.empty())
-            for (const int pad : loaded_) part_.notes.push_back(heldNote(pad));
+            for (const int pad : loaded_) hold(pad);
         need(rig_.synth().StartPlayback(0), "starting the transport");
         need(rig_.queueEvents(0, part_.notes), "queueing the notes");
+    }
+
+    /// What plays once does so in each turn.
+    void hold(int pad) {
+        part_.notes.push_back(heldNote(pad));
+        if (!options_.loop || pads_.isLooping(pad)) return;
+        part_.notes.push_back(heldNote(pad));
+        part_.notes.back().time = static_cast<std::int32_t>(ticks_);
     }
 
     static SynthEvent heldNote(int pad) {
@@ -251,9 +272,10 @@ private:
     double render() {
         const auto begin = std::chrono::steady_clock::now();
         Progress progress(!streams_.quiet);
-        renderTo(music_, progress);
+        renderTo(before_, progress);
+        renderTo(before_ + music_, progress);
         if (frames_ > music_) need(rig_.synth().StopPlayback(), "stopping the transport");
-        renderTo(frames_, progress);
+        renderTo(before_ + frames_, progress);
         return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
     }
 
@@ -264,7 +286,7 @@ private:
             need(rig_.render(now), "rendering");
             outputs_->check();
             rendered_ += now;
-            progress.show(static_cast<double>(rendered_) / static_cast<double>(frames_));
+            progress.show(static_cast<double>(rendered_) / static_cast<double>(before_ + frames_));
         }
     }
 
@@ -293,6 +315,7 @@ private:
     double ticks_ = 0;
     std::int64_t music_ = 0;   ///< frames up to the end of the notes
     std::int64_t frames_ = 0;  ///< of the files
+    std::int64_t before_ = 0;  ///< that are rendered before the files begin
     std::int64_t rendered_ = 0;
     std::uint32_t rate_ = LoopRates::kUsual;
     std::optional<RenderOutputs> outputs_;

@@ -23,6 +23,7 @@ struct RenderOptions {
     std::optional<std::uint32_t> rate;  ///< in place of that of the loops
     std::int32_t block = 1024;          ///< the audio is the same with any
     std::optional<std::uint32_t> key;   ///< 0 to 11 counted from A
+    bool loop = false;                  ///< a turn is rendered before the files begin
     bool gate = false;                  ///< pads sound while their notes are held, in place of one-shot
     FileForm form;
     std::string out;

@@ -43,6 +43,12 @@ bool RenderPads::isSynced(int pad) const {
     return synced != 0;
 }
 
+bool RenderPads::isLooping(int pad) const {
+    std::uint32_t looping = 0;
+    need(sampler_.GetPadLooping(pad, &looping));
+    return looping != 0;
+}
+
 void RenderPads::gate() {
     for (const int pad : loaded()) need(sampler_.SetPadOneShot(pad, 0));
 }

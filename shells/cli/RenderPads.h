@@ -25,6 +25,7 @@ public:
     std::vector<PadAnswers> answers() const;
     /// Whether a pad follows the tempo.
     bool isSynced(int pad) const;
+    bool isLooping(int pad) const;
 
     /// Loaded pads sound while their notes are held.
     void gate();

@@ -105,6 +105,32 @@ TEST(MidiRender, ALengthThatIsAskedForIsKept) {
     EXPECT_NEAR(wave.samples.back(), 0.25, 1e-6);
 }
 
+TEST(MidiRender, InALoopANoteThatLastsBeyondTheEndIsHeardAtTheBeginning) {
+    const LatchedLoop it;
+    // From beat 3 to beat 5 of a turn of 4, in quarters of 24 pulses.
+    WaveFile::writeBytes(it.folder / "a.mid", midi(24, {72, 0x90, 60, 1, 48, 0x80, 60, 0}));
+    const WaveFrames wave = it.render({"--gate", "--loop", "--beats", "4"});
+    ASSERT_EQ(wave.samples.size() / 2, 4 * 22050u);
+    const auto at = [&](double beat) { return wave.samples[2 * static_cast<std::size_t>(beat * 22050)]; };
+    for (const double beat : {0.0, 0.5, 0.9, 3.1, 3.999}) EXPECT_NEAR(at(beat), 0.25, 1e-6) << beat;
+    for (const double beat : {1.0, 2.0, 2.9}) EXPECT_EQ(at(beat), 0.0f) << beat;
+}
+
+TEST(MidiRender, ALoopThatIsTooLongToBePlayedTwiceIsRefused) {
+    const LatchedLoop it;
+    // A note on beat 1,500,000, of 960 ticks each.
+    WaveFile::writeBytes(it.folder / "a.mid", midi(1, {0xDB, 0xC6, 0x60, 0x90, 60, 1, 1, 0x80, 60, 0}));
+    const CliRun run = marnoth({"render", "--pad", "1=" + it.folder.name("a.wav"), "--midi",
+                                it.folder.name("a.mid"), "--loop", "--out", it.folder.name("out.wav")});
+    EXPECT_EQ(run.status, 2);
+    EXPECT_NE(run.err.find("--loop: there are too many beats"), std::string::npos) << run.err;
+}
+
+TEST(MidiRender, InALoopNothingIsAppended) {
+    const LatchedLoop it;
+    EXPECT_EQ(it.render({"--loop"}).samples.size() / 2, 4 * 22050u);
+}
+
 #endif
 
 }  // namespace

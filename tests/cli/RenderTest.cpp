@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 
 #include "cli/Studio.h"
 #include "shellkit/files/Failure.h"
@@ -77,6 +78,45 @@ TEST(Render, TheBlockDoesNotChangeTheAudio) {
     }
     EXPECT_EQ(audio[0], audio[1]);
     EXPECT_EQ(audio[0], audio[2]);
+}
+
+TEST(Render, EndsOfALoopJoin) {
+    const TempFolder folder;
+    // Two beats at 120 of a wave that joins, 300 times.
+    const auto wave = [](std::int64_t i) { return 0.25 * std::sin(i * 300 * 2 * std::numbers::pi / 44100); };
+    WaveFile()
+        .floats()
+        .channels(2)
+        .frames(44100, [=](std::int64_t i, int) { return wave(i); })
+        .acid({.beats = 2})
+        .write(folder / "a.wav");
+    const auto render = [&](std::vector<std::string> more) {
+        std::vector<std::string> words{"render", "--pad", "1=" + folder.name("a.wav"), "--beats",
+                                       "4",      "--out", folder.name("out.wav")};
+        words.insert(words.end(), more.begin(), more.end());
+        EXPECT_EQ(marnoth(words).status, 0);
+        return readWaveFrames(folder / "out.wav");
+    };
+    const WaveFrames loop = render({"--loop"});
+    ASSERT_EQ(loop.samples.size(), 2 * 88200u);
+    for (const std::size_t frame : {0u, 5u, 40u, 1000u, 50000u, 88000u, 88199u})
+        EXPECT_NEAR(sampleAt(loop, frame), wave(static_cast<std::int64_t>(frame)), 1e-3) << frame;
+    // Without it the wave begins under a fade of 44 frames.
+    EXPECT_LT(std::abs(sampleAt(render({}), 30)), 0.8 * std::abs(wave(30)));
+}
+
+TEST(Render, WhatPlaysOnceDoesSoInEachTurnOfALoopAndRingsIntoTheNext) {
+    const TempFolder folder;
+    WaveFile().floats().channels(2).frames(33075, [](auto, int) { return 0.25; }).write(folder / "a.wav");
+    const CliRun run = marnoth({"render", "--pad", "1=" + folder.name("a.wav"), "--beats", "1", "--loop",
+                                "--out", folder.name("out.wav")});
+    ASSERT_EQ(run.status, 0) << run.err;
+    const WaveFrames wave = readWaveFrames(folder / "out.wav");
+    ASSERT_EQ(wave.samples.size(), 2 * 22050u);
+    EXPECT_NEAR(sampleAt(wave, 0), 0.25, 1e-6);
+    for (const std::size_t frame : {44u, 5000u, 11000u})
+        EXPECT_NEAR(sampleAt(wave, frame), 0.5, 1e-6) << frame;
+    for (const std::size_t frame : {11100u, 22049u}) EXPECT_NEAR(sampleAt(wave, frame), 0.25, 1e-6) << frame;
 }
 
 TEST(Render, TellsLengthAndPeakInOneLine) {
