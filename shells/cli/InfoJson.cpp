@@ -18,7 +18,7 @@ constexpr double kLarge = 1e15;
 constexpr double kSmall = 1e-4;
 
 /// The fewest digits that give the number again; a whole one shows that it needn't have been.
-std::string printedNumber(double value) {
+std::string jsonNumber(double value) {
     if (!std::isfinite(value)) return "null";
     const double size = std::abs(value);
     const bool isFixed = size == 0 || (size >= kSmall && size < kLarge);
@@ -29,7 +29,7 @@ std::string printedNumber(double value) {
     return isFixed && text.find('.') == text.npos ? text + ".0" : text;
 }
 
-std::string escaped(char letter) {
+std::string escapedInJson(char letter) {
     switch (letter) {
         case '"':
             return "\\\"";
@@ -54,17 +54,17 @@ std::string escaped(char letter) {
     return code.data();
 }
 
-std::string quoted(const std::string& words) {
+std::string inJsonQuotes(const std::string& words) {
     std::string text = "\"";
-    for (const char letter : utf8FromWide(wideFromUtf8(words))) text += escaped(letter);
+    for (const char letter : utf8FromWide(wideFromUtf8(words))) text += escapedInJson(letter);
     return text + '"';
 }
 
 }  // namespace
 
-Json::Json(double value) : text_(printedNumber(value)) {}
+Json::Json(double value) : text_(jsonNumber(value)) {}
 
-Json::Json(const std::string& words) : text_(quoted(words)) {}
+Json::Json(const std::string& words) : text_(inJsonQuotes(words)) {}
 
 Json::Json(const std::vector<std::string>& items) : kind_(Kind::list) {
     for (const std::string& item : items) push_back(item);
@@ -100,7 +100,8 @@ std::string Json::text(int depth) const {
     std::string text = isList ? "[" : "{";
     const char* before = "\n";
     for (std::size_t i = 0; i < items_.size(); ++i) {
-        text += before + edge + "  " + (isList ? "" : quoted(names_[i]) + ": ") + items_[i].text(depth + 1);
+        text +=
+            before + edge + "  " + (isList ? "" : inJsonQuotes(names_[i]) + ": ") + items_[i].text(depth + 1);
         before = ",\n";
     }
     if (!items_.empty()) text += "\n" + edge;
