@@ -36,8 +36,7 @@ std::vector<PadFile> padFiles(const Request& request) {
         if (!taken.insert(files.back().pad).second)
             throw WrongUse("--pad " + pad + " is given twice: a pad holds one file");
         if (files.back().file.empty() && request.render.project.empty())
-            throw WrongUse("--pad \"" + text + "\": without --project pad " + pad + " needs a file: write " +
-                           pad + "=FILE.wav");
+            throw WrongUse("--pad \"" + text + "\": a pad without --project needs a file: write N=FILE.wav");
     }
     return files;
 }

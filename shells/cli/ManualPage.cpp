@@ -46,11 +46,10 @@ public:
 private:
     void add(const std::string& line) {
         setIndented(line.starts_with("  "));
+        const bool isHeading = headingsAreSections_ && !isIndented_ && line.ends_with(':');
         if (line.empty())
             page_ += ".PP\n";
-        else if (isIndented_)
-            page_ += plain(line) + "\n";
-        else if (headingsAreSections_ && line.back() == ':')
+        else if (isHeading)
             page_ += ".SH " + upper(line.substr(0, line.size() - 1)) + "\n";
         else
             page_ += plain(line) + "\n";

@@ -95,7 +95,7 @@ private:
     }
 
     std::string take(std::size_t length) {
-        const std::string taken(rest_.substr(0, length));
+        std::string taken(rest_.substr(0, length));
         rest_.remove_prefix(length);
         return taken;
     }

@@ -44,7 +44,7 @@ std::string helpCall(const CLI::App& app) {
 /// The first word that looks like an option and is none of these; empty when there is none.
 std::string unknownOption(const std::vector<std::string>& arguments, const std::vector<std::string>& known) {
     for (const std::string& word : arguments) {
-        const std::string name = word.substr(0, word.find('='));
+        std::string name = word.substr(0, word.find('='));
         const bool isLong = name.starts_with("--") && name.size() > 2;
         const bool isShort =
             name.size() == 2 && name[0] == '-' && std::isalpha(static_cast<unsigned char>(name[1]));

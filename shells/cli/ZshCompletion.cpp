@@ -43,10 +43,11 @@ std::string zshValue(const OptionText& option) {
 std::string zshSpecifications(const OptionText& option) {
     std::string all;
     for (const std::string& name : option.names) all += (all.empty() ? "" : " ") + name;
+    const std::string excluded = option.repeated ? "*" : "(" + all + ")";
+    const std::string told = "[" + escaped(option.meaning, "[]:\\") + "]" + zshValue(option);
     std::string lines;
     for (const std::string& name : option.names)
-        lines += " \\\n                '" + (option.repeated ? "*" : "(" + all + ")") + name + "[" +
-                 escaped(option.meaning, "[]:\\") + "]" + zshValue(option) + "'";
+        lines.append(" \\\n                '").append(excluded).append(name).append(told).append("'");
     return lines;
 }
 
