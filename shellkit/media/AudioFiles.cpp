@@ -2,8 +2,6 @@
 
 #include <utility>
 
-#include "shellkit/files/Failure.h"
-
 namespace marnoth {
 
 std::string audioFileName(int pin, int number) {
@@ -28,13 +26,13 @@ void AudioFiles::take(int pin, std::span<const float> samples) noexcept {
     if (failure_) return;
     try {
         writerOf(pin).write(samples);
-    } catch (const std::exception& error) {
-        failure_ = error.what();
+    } catch (...) {
+        failure_ = std::current_exception();
     }
 }
 
 void AudioFiles::check() const {
-    if (failure_) throw FileFailure(*failure_);
+    if (failure_) std::rethrow_exception(failure_);
 }
 
 void AudioFiles::finish() {
@@ -61,8 +59,8 @@ void AudioFiles::close(Pin& pin) noexcept {
     if (!pin.writer) return;
     try {
         pin.writer->finish();
-    } catch (const std::exception& error) {
-        if (!failure_) failure_ = error.what();
+    } catch (...) {
+        if (!failure_) failure_ = std::current_exception();
     }
     pin.writer.reset();
 }

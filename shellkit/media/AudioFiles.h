@@ -2,9 +2,9 @@
 
 #include <array>
 #include <cstdint>
+#include <exception>
 #include <filesystem>
 #include <memory>
-#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -32,7 +32,7 @@ public:
     void begin();
     /// Appends to a pin's file. A failure is kept for `check`.
     void take(int pin, std::span<const float> samples) noexcept;
-    /// Throws the first `FileFailure` that taking met.
+    /// Throws what taking met first: a `FileFailure`, or that there is no memory.
     void check() const;
     /// Gives all files their names. Throws `FileFailure`, after having tried them all.
     void finish();
@@ -52,7 +52,7 @@ private:
     std::uint32_t channels_ = 0;
     std::vector<int> connected_;
     std::array<Pin, kOutputPins> pins_;
-    std::optional<std::string> failure_;
+    std::exception_ptr failure_;
 };
 
 }  // namespace marnoth

@@ -4,8 +4,6 @@
 #include <cmath>
 #include <utility>
 
-#include "shellkit/files/Failure.h"
-
 namespace marnoth {
 
 RenderOutput::RenderOutput(std::unique_ptr<OutputFile> file, const WaveOptions& options, bool gainComesLater)
@@ -21,13 +19,13 @@ void RenderOutput::take(std::span<const float> samples) noexcept {
             writer_.write(samples);
         else if (!spool_->write(samples))
             writer_.output().fail("writing its temporary file failed");
-    } catch (const std::exception& error) {
-        failure_ = error.what();
+    } catch (...) {
+        failure_ = std::current_exception();
     }
 }
 
 void RenderOutput::check() const {
-    if (failure_) throw FileFailure(*failure_);
+    if (failure_) std::rethrow_exception(failure_);
 }
 
 void RenderOutput::finish() {

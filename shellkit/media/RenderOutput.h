@@ -1,7 +1,7 @@
 #pragma once
 
+#include <exception>
 #include <memory>
-#include <optional>
 #include <span>
 #include <string>
 
@@ -18,7 +18,7 @@ public:
 
     /// Appends audio. Called inside a block: a failure is kept for `check`.
     void take(std::span<const float> samples) noexcept;
-    /// Throws the `FileFailure` that taking met.
+    /// Throws what taking met: a `FileFailure`, or that there is no memory.
     void check() const;
     /// A factor in place of that of the options; before `finish`, and only where it comes later.
     void setGain(double gain) { writer_.setGain(gain); }
@@ -34,7 +34,7 @@ private:
     WaveWriter writer_;
     std::unique_ptr<FloatSpool> spool_;  ///< null where the gain is known
     float peak_ = 0;
-    std::optional<std::string> failure_;
+    std::exception_ptr failure_;
 };
 
 }  // namespace marnoth

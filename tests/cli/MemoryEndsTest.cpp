@@ -57,7 +57,8 @@ Outcome runFailing(const std::vector<std::string>& words, std::int64_t number, M
 class Stage {
 public:
     Stage() {
-        WaveFile().channels(2).frames(2205).acid({.beats = 1}).write(folder / "a.wav");
+        const auto level = [](auto, int) { return 0.25; };
+        WaveFile().floats().channels(2).frames(2205, level).acid({.beats = 1}).write(folder / "a.wav");
         writeText(folder / "test.mrs",
                   "connect 44100 2 mix 1\nattach 120\nLoadFileToPad 0 a a.wav\nStartPlayback 0\n"
                   "QueueEvents 0 0:0:60:100:480\nrender 700\nSaveProject q.mrn\n");
@@ -149,6 +150,7 @@ void sweep(Stage& stage, const std::vector<std::string>& words,
                 ++failed;
                 EXPECT_EQ(run.status, 1);
                 EXPECT_TRUE(run.err.starts_with("marnoth: ")) << run.err;
+                EXPECT_EQ(run.err.find("std::"), std::string::npos) << "no sentence of ours";
                 EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 1);
             }
             stage.prepare();
@@ -176,6 +178,12 @@ TEST(MemoryEnds, InARender) {
     Stage stage;
     sweep(stage, {"render", "--pad", "1=" + stage.name("a.wav"), "--beats", "0.01", "--block", "64", "--out",
                   stage.name("o.wav"), "--stems", stage.name(""), "--save", stage.name("q.mrn")});
+}
+
+TEST(MemoryEnds, InARenderOfIntegersAtFullScale) {
+    Stage stage;
+    sweep(stage, {"render", "--pad", "1=" + stage.name("a.wav") + ",volume=-3,notes=C5-D5", "--beats", "0.01",
+                  "--bits", "16", "--normalize", "--out", stage.name("o.wav")});
 }
 
 TEST(MemoryEnds, InAScript) {
