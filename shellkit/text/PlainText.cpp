@@ -25,6 +25,17 @@ std::string formatName(std::uint16_t tag) {
     }
 }
 
+std::string joined(const std::vector<std::string>& words, const std::string& between) {
+    std::string text;
+    for (std::size_t i = 0; i < words.size(); ++i) text += (i == 0 ? "" : between) + words[i];
+    return text;
+}
+
+std::string alternatives(const std::vector<std::string>& words) {
+    if (words.size() < 2) return joined(words, "");
+    return joined({words.begin(), words.end() - 1}, ", ") + " or " + words.back();
+}
+
 std::string inOneLine(std::string text) {
     std::replace_if(
         text.begin(), text.end(), [](unsigned char c) { return c < ' ' || c == 0x7F; }, ' ');

@@ -1,5 +1,6 @@
 #include <cctype>
 
+#include "shellkit/text/PlainText.h"
 #include "shells/cli/Completions.h"
 #include "shells/cli/PadSettings.h"
 
@@ -76,12 +77,6 @@ constexpr const char* kTail = R"(
 complete -F _marnoth marnoth
 )";
 
-std::string listed(const std::vector<std::string>& words, const char* between) {
-    std::string text;
-    for (const std::string& word : words) text += (text.empty() ? "" : between) + word;
-    return text;
-}
-
 /// A pattern of files whose extension is this, in letters of either case.
 std::string bashPattern(const std::string& extension) {
     std::string text = "*";
@@ -95,14 +90,14 @@ std::string bashPattern(const std::string& extension) {
 std::string settingWords() {
     std::vector<std::string> words;
     for (const PadSettingWord& word : padSettingWords()) words.push_back(word.name + "=");
-    return listed(words, "\n");
+    return joined(words, "\n");
 }
 
 std::string completionOf(const std::string& value) {
     const ValueText kind = valueKind(value);
     switch (kind.kind) {
         case ValueText::words:
-            return "_marnoth_words \"" + listed(kind.choices, " ") + "\"";
+            return "_marnoth_words \"" + joined(kind.choices, " ") + "\"";
         case ValueText::file:
             return "_marnoth_files '" + bashPattern(kind.extension) + "'";
         case ValueText::folder:
@@ -120,7 +115,7 @@ std::string optionWords(const CommandText& command) {
     std::vector<std::string> names;
     for (const OptionText& option : command.options)
         names.insert(names.end(), option.names.begin(), option.names.end());
-    return listed(names, " ");
+    return joined(names, " ");
 }
 
 /// What follows an option that takes a value.
@@ -130,7 +125,7 @@ std::string valueCases(const CommandText& command) {
         if (option.value.empty()) continue;
         std::vector<std::string> names;
         for (const std::string& name : option.names) names.push_back("\"" + command.name + " " + name + "\"");
-        cases += "        " + listed(names, " | ") + ")\n            " + completionOf(option.value) +
+        cases += "        " + joined(names, " | ") + ")\n            " + completionOf(option.value) +
                  "\n            return\n            ;;\n";
     }
     return cases;
@@ -153,12 +148,12 @@ std::string bashCompletion(const ProgramText& text) {
     for (const CommandText& command : text.commands) commands.push_back(command.name);
     std::string script = kHead;
     const std::string mark = "@COMMANDS@";
-    script.replace(script.find(mark), mark.size(), listed(commands, " | "));
+    script.replace(script.find(mark), mark.size(), joined(commands, " | "));
     for (const CommandText& command : text.commands) script += valueCases(command);
     script += "    esac\n    case $command in\n";
     for (const CommandText& command : text.commands) script += wordCase(command);
     script +=
-        "        *) _marnoth_words \"" + listed(commands, " ") + " " + optionWords(text.program) + "\" ;;\n";
+        "        *) _marnoth_words \"" + joined(commands, " ") + " " + optionWords(text.program) + "\" ;;\n";
     return script + "    esac\n}" + kTail;
 }
 

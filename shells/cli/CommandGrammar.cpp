@@ -5,6 +5,7 @@
 
 #include "seam/Version.h"
 #include "shellkit/script/ScriptNumbers.h"
+#include "shellkit/text/PlainText.h"
 #include "shells/cli/LoopRates.h"
 
 namespace marnoth {
@@ -132,21 +133,11 @@ CLI::Validator wholeWithin(std::int32_t lowest, std::int32_t highest) {
     });
 }
 
-/// "A, B or C", or "A|B|C".
-std::string joined(const std::vector<std::string>& words, const std::string& between,
-                   const std::string& last) {
-    std::string text;
-    for (std::size_t i = 0; i < words.size(); ++i)
-        text += (i == 0 ? "" : i + 1 < words.size() ? between : last) + words[i];
-    return text;
-}
-
 /// The option takes one of these words, which its help names.
 void offer(CLI::Option* option, const std::vector<std::string>& words) {
-    option->type_name(joined(words, "|", "|"))
-        ->check(check(joined(words, ", ", " or "), [=](const std::string& word) {
-            return std::find(words.begin(), words.end(), word) != words.end();
-        }));
+    option->type_name(joined(words, "|"))->check(check(alternatives(words), [=](const std::string& word) {
+        return std::find(words.begin(), words.end(), word) != words.end();
+    }));
 }
 
 void addOut(CLI::App& command, std::string& out, const char* file) {

@@ -1,3 +1,4 @@
+#include "shellkit/text/PlainText.h"
 #include "shells/cli/Completions.h"
 
 namespace marnoth {
@@ -16,11 +17,9 @@ std::string inFishQuotes(const std::string& text) {
 /// What stands where a value does: nothing else, where that is known.
 std::string fishValue(const std::string& value) {
     const ValueText kind = valueKind(value);
-    std::string words;
     switch (kind.kind) {
         case ValueText::words:
-            for (const std::string& choice : kind.choices) words += (words.empty() ? "" : " ") + choice;
-            return " -x -a " + inFishQuotes(words);
+            return " -x -a " + inFishQuotes(joined(kind.choices, " "));
         case ValueText::file:
             return kind.extension.empty() ? " -r -F"
                                           : " -x -a '(__fish_complete_suffix " + kind.extension + ")'";

@@ -8,6 +8,7 @@
 #include "seam/Limits.h"
 #include "shellkit/files/Failure.h"
 #include "shellkit/text/Nearest.h"
+#include "shellkit/text/PlainText.h"
 
 namespace marnoth {
 
@@ -88,10 +89,9 @@ private:
         const auto word = std::find_if(words.begin(), words.end(),
                                        [&](const PadSettingWord& known) { return known.name == name; });
         if (word != words.end()) return *word;
-        std::string all;
-        for (const std::string& known : settingNames()) all += (all.empty() ? "" : ", ") + known;
         const std::string hint = nearestHint(name, settingNames());
-        fail("a pad has no \"" + name + "\"" + (hint.empty() ? "; there are " + all : hint));
+        fail("a pad has no \"" + name + "\"" +
+             (hint.empty() ? "; there are " + joined(settingNames(), ", ") : hint));
     }
 
     std::string take(std::size_t length) {

@@ -7,6 +7,7 @@
 #include "editor/texts/RootScale.h"
 #include "editor/texts/TextForms.h"
 #include "seam/Limits.h"
+#include "seam/MusicalTime.h"
 #include "shellkit/files/Failure.h"
 #include "shellkit/script/ScriptNumbers.h"
 #include "shellkit/text/NoteNames.h"
@@ -17,6 +18,8 @@ namespace {
 
 constexpr double kSoftestDecibels = -75;
 constexpr double kLoudestDecibels = 6;
+constexpr double kShortestBeats = 0.01;
+constexpr double kLongestBeats = 1000;
 constexpr std::int32_t kNone = -1;
 
 template <class T>
@@ -32,6 +35,11 @@ std::optional<float> readVolume(std::string_view text) {
     if (text == "-inf") return 0.0f;
     const auto decibels = readWhole(text, kSoftestDecibels, kLoudestDecibels);
     return decibels ? std::optional(static_cast<float>(std::pow(10.0, *decibels / 20))) : std::nullopt;
+}
+
+std::optional<std::int64_t> readLength(std::string_view text) {
+    const auto beats = readWhole(text, kShortestBeats, kLongestBeats);
+    return beats ? std::optional(std::llround(*beats * kTicks16PerBeat)) : std::nullopt;
 }
 
 std::optional<float> readPan(std::string_view text) {
@@ -169,6 +177,7 @@ const std::vector<PadSettingWord>& padSettingWords() {
         word("mode", "one-shot or gate", "what a note's end does", &S::oneShot, readMode),
         word("sync", kSwitch, "follows the tempo", &S::synced, readFlag),
         word("loop", kSwitch, "goes round until it is stopped", &S::looping, readFlag),
+        word("length", "beats from 0.01 to 1000", "of a round of its loop", &S::length, readLength),
         word("tail", kSwitch, "lets what follows a grain in its file ring on", &S::tail, readFlag),
         word("mute", kSwitch, "is silent", &S::mute, readFlag),
         word("solo", kSwitch, "is heard alone, with others that are", &S::solo, readFlag),
@@ -200,6 +209,8 @@ void applySettings(IGrooveSampler& sampler, std::int32_t pad, const PadSettings&
     change.set(&I::SetPadSynced, settings.synced);
     change.set(&I::SetPadLooping, settings.looping);
     change.set(&I::SetPadTail, settings.tail);
+    if (settings.length)
+        require(sampler.SetLoopLength(kPadLoop, static_cast<std::uint32_t>(pad), *settings.length));
     change.set(&I::SetPadChannel, settings.channel);
     if (settings.transpose) change.transposeGrains(*settings.transpose);
     if (settings.notes || settings.center || settings.velocities) change.setKeys(settings);

@@ -31,6 +31,7 @@ struct PadSettings {
     std::optional<std::uint32_t> oneShot;
     std::optional<std::uint32_t> synced;
     std::optional<std::uint32_t> looping;
+    std::optional<std::int64_t> length;  ///< of its loop, in 16.16 ticks
     std::optional<std::uint32_t> tail;
     std::optional<std::int32_t> channel;  ///< 0 to 15, or -1 for any
     std::optional<ValueRange> notes;

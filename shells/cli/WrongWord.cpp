@@ -4,6 +4,7 @@
 #include <cctype>
 
 #include "shellkit/text/Nearest.h"
+#include "shellkit/text/PlainText.h"
 
 namespace marnoth {
 
@@ -59,6 +60,7 @@ std::string tellWrongWord(const CLI::App& app, const std::vector<std::string>& a
                           const std::string& reason) {
     const CLI::App& chosen = chosenIn(app);
     const std::vector<std::string> commands = commandNames(app);
+    if (arguments.empty()) return "give a command: " + alternatives(commands) + helpCall(app);
     const bool isNone = &chosen == &app && !arguments.empty() && !arguments.front().starts_with('-');
     if (isNone && !has(commands, arguments.front()))
         return "there is no command \"" + arguments.front() + "\"" +

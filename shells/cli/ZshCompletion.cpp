@@ -1,3 +1,4 @@
+#include "shellkit/text/PlainText.h"
 #include "shells/cli/Completions.h"
 
 namespace marnoth {
@@ -16,11 +17,9 @@ std::string escaped(const std::string& text, const std::string& special) {
 
 std::string zshAction(const std::string& value) {
     const ValueText kind = valueKind(value);
-    std::string words;
     switch (kind.kind) {
         case ValueText::words:
-            for (const std::string& choice : kind.choices) words += (words.empty() ? "" : " ") + choice;
-            return "(" + words + ")";
+            return "(" + joined(kind.choices, " ") + ")";
         case ValueText::file:
             return kind.extension.empty() ? "_files" : "_files -g \"(#i)*" + kind.extension + "\"";
         case ValueText::folder:
@@ -41,9 +40,7 @@ std::string zshValue(const OptionText& option) {
 
 /// One specification for each name; those of one option exclude each other unless it may be repeated.
 std::string zshSpecifications(const OptionText& option) {
-    std::string all;
-    for (const std::string& name : option.names) all += (all.empty() ? "" : " ") + name;
-    const std::string excluded = option.repeated ? "*" : "(" + all + ")";
+    const std::string excluded = option.repeated ? "*" : "(" + joined(option.names, " ") + ")";
     const std::string told = "[" + escaped(option.meaning, "[]:\\") + "]" + zshValue(option);
     std::string lines;
     for (const std::string& name : option.names)

@@ -61,6 +61,7 @@ TEST(CommandLine, AnUnknownWordIsNamedWithTheOneThatWasMeant) {
     };
     for (const auto& [words, told] :
          {Case{{"rendr", "--out", "a.wav"}, "no command \"rendr\" (did you mean render?)"},
+          Case{{}, "give a command: script, render, info or page; see marnoth --help"},
           Case{{"banana"}, "no command \"banana\"; see marnoth --help"},
           Case{{"render", "--tmpo", "3", "--out", "a.wav"},
                "render has no option --tmpo (did you mean --tempo?)"},

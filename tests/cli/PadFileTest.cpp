@@ -156,6 +156,18 @@ TEST(PadFile, SettingsAreSavedWithTheProject) {
     EXPECT_EQ(info.find("one-shot"), std::string::npos) << info;
 }
 
+TEST(PadFile, ALengthIsThatOfARoundOfTheLoop) {
+    const Studio studio;
+    const CliRun run = studio.render({"--pad", studio.pad(1, "a.wav") + ",length=0.5", "-o",
+                                      studio.name("out.wav"), "--save", studio.name("p.mrn")});
+    ASSERT_EQ(run.status, 0) << run.err;
+    EXPECT_NE(marnoth({"info", studio.name("p.mrn")}).out.find("   1      8 grains, 0.5000 beats"),
+              std::string::npos);
+    EXPECT_NE(failureOf("1=a,length=0"), "");
+    EXPECT_NE(failureOf("1=a,length=1001").find("length \"1001\": write beats from 0.01 to 1000"),
+              std::string::npos);
+}
+
 TEST(PadFile, APadsOwnModeStandsAgainstGate) {
     const Studio studio;
     const CliRun run =
