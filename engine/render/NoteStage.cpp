@@ -123,7 +123,7 @@ bool NoteStage::holdsGate(const VoiceState& voice, PlayList playList) {
 }
 
 void NoteStage::takeNoteOff(VoiceState& voice, SynthEvent& event) {
-    if (voice.gate.position == 0) {
+    if (voice.gate.position == 0 && !block_.steady) {
         voice.shot.kill();
         return;
     }

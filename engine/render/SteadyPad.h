@@ -25,6 +25,8 @@ public:
 
     /// Whether a track that doesn't loop has nothing more to play at a frame, counted in samples.
     bool hasPlayedOutAt(std::int64_t frame) const;
+    /// Whether its voice lasts at a frame, and has something to play. A muted pad sounds too.
+    bool soundsAt(std::int64_t frame) const { return frame < end_ && !hasPlayedOutAt(frame); }
     /// Adds the frames of `range`, in samples, to the interleaved ones at `dest`, at the level of the pad.
     void render(TimeRange range, float* dest) const;
 

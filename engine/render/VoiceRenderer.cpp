@@ -229,7 +229,7 @@ private:
         const TimeRange frames{first, plus(first, pin->frames)};
         ++(!track.oneShot || track.looping ? tally_.lasting : tally_.shots);
         if (!silencedBySolo && pad.hasPlayedOutAt(first)) ++tally_.ended;
-        if (isPad && soundedFlags_ && !silencedBySolo && !pad.hasPlayedOutAt(frames.to - 1))
+        if (isPad && soundedFlags_ && !silencedBySolo && pad.soundsAt(frames.to - 1))
             (*soundedFlags_)[static_cast<std::size_t>(entry.pad)] = 1;
         if (isPad ? block_.levels->of(entry.pad).isHeard() : !track.mute && !silencedBySolo)
             pad.render(frames, dest);

@@ -24,9 +24,12 @@ public:
     void note(std::int64_t frame, int key, std::int64_t length) {
         at(
             frame, [key](LiveRig& rig, std::int32_t in) { rig.on(in, key); }, true);
+        end_ = frame + length;
         at(
-            frame + length, [key](LiveRig& rig, std::int32_t in) { rig.off(in, key); }, true);
+            end_, [key](LiveRig& rig, std::int32_t in) { rig.off(in, key); }, true);
     }
+    /// Of the last note.
+    std::int64_t end() const { return end_; }
     void command(std::int64_t frame, std::function<void(LiveHost&)> what) {
         at(
             frame, [what = std::move(what)](LiveRig& rig, std::int32_t) { what(rig.host); }, false);
@@ -58,6 +61,7 @@ private:
         acts_.push_back({frame, std::move(what), isMessage});
     }
     std::vector<Act> acts_;
+    std::int64_t end_ = 0;
 };
 
 void expectSameInAllBlocks(Scene& scene) {
@@ -92,6 +96,28 @@ TEST(LiveSteady, NotesOfOneFrame) {
     Scene scene;
     for (int pad = 0; pad < kPads; ++pad)
         for (int i = 0; i < 5; ++i) scene.note(100 + 501 * pad + 3 * i, 48 + pad, 1);
+    expectSameInAllBlocks(scene);
+}
+
+TEST(LiveSteady, NotesBehindEachOtherWhileTheTransportStands) {
+    // A synced pad begins anew where nothing sounds any more, and joins what does. Fades end 882 frames
+    // behind notes.
+    Scene scene;
+    scene.note(100, 48, 2000);
+    for (const int apart : {883, 881, 982, 882, 884, 1500}) {
+        const std::int64_t start = scene.end() + apart;
+        scene.note(start, 48 + apart % 2, 2000);
+    }
+    expectSameInAllBlocks(scene);
+}
+
+TEST(LiveSteady, NotesThatEndWhereTheyBegin) {
+    Scene scene;
+    for (int pad = 0; pad < kPads; ++pad) {
+        scene.note(500 * pad, 48 + pad, 0);
+        scene.note(500 * pad + 1000, 48 + pad, 3000);
+        scene.note(500 * pad + 4000, 48 + pad, 0);
+    }
     expectSameInAllBlocks(scene);
 }
 
@@ -185,6 +211,72 @@ TEST(LiveSteady, WhatIsPlayedFromThePage) {
     scene.command(17001, [](LiveHost& host) { host.sampler().SetPadSolo(6, 0); });
     scene.command(19000, [](LiveHost& host) { host.panic(); });
     expectSameInAllBlocks(scene);
+}
+
+/// A page, a clock and two hands at random.
+class RandomScene {
+public:
+    explicit RandomScene(unsigned seed) : random_(seed) {
+        for (int i = 0; i < 60; ++i) {
+            scene_.note(any(28000), 48 + any(16), any(3) == 0 ? any(4) : any(6000));
+            if (any(4) == 0) scene_.note(scene_.end() + any(3), 48 + any(16), any(3000));
+            if (any(3) == 0) act(any(28000));
+        }
+    }
+    Scene& scene() { return scene_; }
+
+private:
+    int any(int count) { return static_cast<int>(random_() % static_cast<unsigned>(count)); }
+
+    static void transpose(IGrooveSampler& sampler, std::int32_t pad, std::int32_t semitones) {
+        std::int32_t grains = 0;
+        sampler.GetGrainCount(kPadLoop, static_cast<std::uint32_t>(pad), &grains);
+        if (grains > 0) sampler.SetGrainTranspose(pad, grains / 2, semitones);
+    }
+
+    void act(std::int64_t frame) {
+        const std::int32_t pad = any(16), value = any(12), on = any(2);
+        const auto number = static_cast<std::uint32_t>(pad);
+        const auto flag = static_cast<std::uint32_t>(on);
+        const std::function<void(LiveHost&)> acts[] = {
+            [=](LiveHost& host) { host.play(); },
+            [=](LiveHost& host) { host.stop(); },
+            [=](LiveHost& host) { host.locate(value * 333.3 - 500); },
+            [=](LiveHost& host) { host.setTempo(80 + 11.1 * value); },
+            [=](LiveHost& host) { host.setKey(static_cast<std::uint32_t>(value)); },
+            [=](LiveHost& host) { host.panic(); },
+            [=](LiveHost& host) { host.sampler().AuditionPad(pad, -1); },
+            [=](LiveHost& host) { host.sampler().StopPad(pad); },
+            [=](LiveHost& host) { host.sampler().AuditionBinFile(value % 4, -1); },
+            [=](LiveHost& host) { host.sampler().StopBinAudition(value % 4); },
+            [=](LiveHost& host) { host.sampler().SetPadMute(pad, flag); },
+            [=](LiveHost& host) { host.sampler().SetPadSolo(pad, flag); },
+            [=](LiveHost& host) { host.sampler().SetPadPan(pad, 0.1f * static_cast<float>(value)); },
+            [=](LiveHost& host) { host.sampler().SetPadVolume(pad, 0.1f * static_cast<float>(value)); },
+            [=](LiveHost& host) { host.sampler().SetPadFollowKey(pad, 1); },
+            [=](LiveHost& host) { transpose(host.sampler(), pad, value - 6); },
+            [=](LiveHost& host) { host.sampler().SetPadTail(pad, flag); },
+            [=](LiveHost& host) { host.sampler().SetPadOneShot(pad, flag); },
+            [=](LiveHost& host) { host.sampler().SetPadLooping(pad, flag); },
+            [=](LiveHost& host) { host.sampler().SetPadSynced(pad, flag); },
+            [=](LiveHost& host) { host.sampler().SetLoopLength(kPadLoop, number, 100000 * (1 + value)); },
+            [=](LiveHost& host) { host.sampler().LoadPadFromBin(pad, value % 4); },
+            [=](LiveHost& host) { host.sampler().PushUndoState(); },
+            [=](LiveHost& host) { host.sampler().Undo(); },
+            [=](LiveHost& host) { host.sampler().RemoveBinFile(value); },
+        };
+        scene_.command(frame, acts[any(std::size(acts))]);
+    }
+
+    std::mt19937 random_;
+    Scene scene_;
+};
+
+TEST(LiveSteady, AnythingAtRandom) {
+    for (unsigned seed = 1; seed <= 4; ++seed) {
+        SCOPED_TRACE(seed);
+        expectSameInAllBlocks(RandomScene(seed).scene());
+    }
 }
 
 }  // namespace
