@@ -8,6 +8,7 @@
 #include "engine/render/KeyHistory.h"
 #include "engine/render/PadLevels.h"
 #include "engine/render/Semitones.h"
+#include "engine/render/Voice.h"
 
 namespace marnoth {
 
@@ -32,6 +33,9 @@ struct Block {
     std::int32_t projectKey = 0;        ///< the host's key at the middle of the block; `kNoKey` none
     std::int64_t positionSkew = 0;      ///< 16.16 ticks by which the block is ahead of the host's position
 
+    /// Takes a voice behind the block. In the steady mode it is where the block ends, whatever its start was
+    /// rounded from, so that it ends at one frame wherever blocks do.
+    void advance(VoiceState& voice) const;
     /// Where a fade-out that begins with this block ends, 16.16 ticks.
     std::int64_t fadeOutEnd() const;
 };

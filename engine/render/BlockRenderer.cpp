@@ -25,6 +25,14 @@ std::int64_t Block::fadeOutEnd() const {
     return time.toTicks(plus(fades.out, time.startSamples()));
 }
 
+void Block::advance(VoiceState& voice) const {
+    if (steady) {
+        voice.moveTo(plus(time.startTicks(), time.lengthTicks()));
+    } else {
+        voice.advance(time.lengthTicks());
+    }
+}
+
 void BlockRenderer::render(const Model& model, const Job& job) {
     const float* const input = job.input.silent ? nullptr : GetBufferData(job.input);
     const std::int32_t frames = job.input.frames;
@@ -111,9 +119,13 @@ void BlockRenderer::placeSteadily(Block& block) {
 
 void BlockRenderer::runStages(const Block& block, NoteQueue* notes) {
     playing_.padNoteSounded = {};
-    if (notes) NoteStage(block, playing_, phase_, renderer_).render(*notes, stopAll_);
-    if (notes) stopAll_ = false;
+    NoteStage noteStage(block, playing_, phase_, renderer_);
     PageStages page(block, playing_, phase_, renderer_);
+    // What begins may move what plays already: in the steady mode it does so from this frame on.
+    if (block.steady && notes) noteStage.startNotes(*notes);
+    if (block.steady) page.startPads();
+    if (notes) noteStage.render(*notes, stopAll_);
+    if (notes) stopAll_ = false;
     page.renderPads();
     page.renderBinAuditions();
     page.renderGrainAudition();

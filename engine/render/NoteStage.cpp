@@ -5,15 +5,13 @@
 namespace marnoth {
 
 void NoteStage::render(NoteQueue& notes, bool stopAll) {
-    notes_ = &notes;
-    if (block_.steady) startNotes(notes);
     for (QueuedEvent& note : notes) {
         if (note.event.type == SynthEventType::note && note.voice) renderNote(note, stopAll);
     }
 }
 
-/// A note may switch off what an earlier one plays, so all of them begin before any is rendered.
 void NoteStage::startNotes(NoteQueue& notes) {
+    notes_ = &notes;
     for (QueuedEvent& note : notes) {
         if (note.event.type != SynthEventType::note || !note.voice) continue;
         if (take(note.voice->startPending))
@@ -43,7 +41,7 @@ void NoteStage::renderNote(QueuedEvent& note, bool stopAll) {
     // From its note-off on, the gate lane has exactly one block; where sound is steady, as many as its fade
     // takes.
     if (voice.releasing && !block_.steady) voice.gate.kill();
-    voice.advance(block_.time.lengthTicks());
+    block_.advance(voice);
 }
 
 void NoteStage::startNote(VoiceState& voice, const SynthEvent& event, PlayList playList) {

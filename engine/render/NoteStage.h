@@ -19,13 +19,14 @@ public:
     NoteStage(const Block& block, PlayState& playing, SyncPhase& phase, VoiceRenderer& renderer)
         : block_(block), playing_(playing), phase_(phase), renderer_(renderer) {}
 
+    /// Begins the notes that are new, ahead of `render`, which begins those that are left.
+    void startNotes(NoteQueue& notes);
     /// `stopAll`: every voice's shot lane ends with this block.
     void render(NoteQueue& notes, bool stopAll);
 
 private:
     using PlayList = PadsOfNote::List;
 
-    void startNotes(NoteQueue& notes);
     void renderNote(QueuedEvent& note, bool stopAll);
     void startNote(VoiceState& voice, const SynthEvent& event, PlayList playList);
     void moveLater(VoiceState& voice);

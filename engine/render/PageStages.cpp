@@ -4,6 +4,13 @@
 
 namespace marnoth {
 
+void PageStages::startPads() {
+    for (std::int32_t pad = 0; pad < kPads; ++pad) {
+        const CGrooveTrack& track = block_.model.pads[static_cast<std::size_t>(pad)];
+        if (track.GetSize() > 0 && take(playing_.padVoice(pad).startPending)) pressPad(pad, track);
+    }
+}
+
 void PageStages::renderPads() {
     for (std::int32_t pad = 0; pad < kPads; ++pad) {
         const CGrooveTrack& track = block_.model.pads[static_cast<std::size_t>(pad)];
@@ -85,7 +92,7 @@ void PageStages::renderGrainAudition() {
 
 void PageStages::play(VoiceState& voice, const TrackPlayInfo& entry, PadFlags* soundedFlags) {
     renderer_.render(block_, {&entry, 1}, voice, playing_, phase_, soundedFlags);
-    voice.advance(block_.time.lengthTicks());
+    block_.advance(voice);
 }
 
 }  // namespace marnoth

@@ -18,6 +18,8 @@ public:
     PageStages(const Block& block, PlayState& playing, SyncPhase& phase, VoiceRenderer& renderer)
         : block_(block), playing_(playing), phase_(phase), renderer_(renderer) {}
 
+    /// Begins the pads that are pressed, ahead of `renderPads`, which begins those that are left.
+    void startPads();
     void renderPads();
     void renderBinAuditions();
     void renderGrainAudition();

@@ -24,7 +24,7 @@ public:
               RenderSpace& space);
 
     /// Whether a track that doesn't loop has nothing more to play at a frame, counted in samples.
-    bool hasPlayedOutAt(std::int64_t frame) const;
+    bool hasPlayedOutAt(std::int64_t frame) const { return frame >= playedOut_; }
     /// Whether its voice lasts at a frame, and has something to play. A muted pad sounds too.
     bool soundsAt(std::int64_t frame) const { return frame < end_ && !hasPlayedOutAt(frame); }
     /// Adds the frames of `range`, in samples, to the interleaved ones at `dest`, at the level of the pad.
@@ -33,6 +33,8 @@ public:
 private:
     struct Target;
 
+    std::int64_t firstFrameFrom(std::int64_t ticks16) const;
+    std::int64_t playedOutFrame() const;
     std::int64_t cycleAt(std::int64_t frame) const;
     std::int64_t endOfCycle(std::int64_t cycle, TimeRange frames) const;
     void renderCycle(std::int64_t cycle, TimeRange frames, const Target& target) const;
@@ -54,12 +56,13 @@ private:
     const VoiceState& voice_;
     RenderSpace& space_;
     const VoiceLane& lane_;
-    const LevelGlide glide_;       ///< of the pad; an audition has none
-    const std::int64_t from_;      ///< samples; the voice's start
-    const std::int64_t glideEnd_;  ///< samples
-    const std::int64_t end_;       ///< samples; the voice's end
-    const std::int64_t origin_;    ///< the zero of the loop, in the time by which the track is played
-    const std::int64_t length_;    ///< of the loop, likewise
+    const LevelGlide glide_;        ///< of the pad; an audition has none
+    const std::int64_t from_;       ///< samples; the voice's start
+    const std::int64_t glideEnd_;   ///< samples
+    const std::int64_t end_;        ///< samples; the voice's end
+    const std::int64_t origin_;     ///< the zero of the loop, in the time by which the track is played
+    const std::int64_t length_;     ///< of the loop, likewise
+    const std::int64_t playedOut_;  ///< the first frame that is; open-ended for what loops
 };
 
 }  // namespace marnoth

@@ -72,6 +72,8 @@ struct VoiceState {
         gate.position = plus(gate.position, ticks16);
         shot.position = plus(shot.position, ticks16);
     }
+    /// Both positions are there.
+    void moveTo(std::int64_t ticks16) { gate.position = shot.position = ticks16; }
     /// The pad, or the file, is to be started by the next block.
     void requestStart();
     /// The same for an audition, which plays on past the length of its track.

@@ -22,9 +22,11 @@ GatePass passGate(PadGate& gate, const VoiceState& voice) {
     return justSwitchedOff ? GatePass::fading : GatePass::shut;
 }
 
-/// The voice has nothing left to play, and asks for its own end; once.
-void askForEnd(VoiceState& voice) {
+/// The voice has nothing left to play, and asks for its own end; once. In the steady mode it ends with the
+/// block, before anything can happen that would let it play on.
+void askForEnd(VoiceState& voice, bool steady) {
     if (voice.finished) return;
+    if (steady) return voice.endBoth();
     voice.stopRequest = 1;
     voice.finished = 1;
 }
@@ -228,7 +230,7 @@ private:
         const std::int64_t first = block_.time.startSamples();
         const TimeRange frames{first, plus(first, pin->frames)};
         ++(!track.oneShot || track.looping ? tally_.lasting : tally_.shots);
-        if (!silencedBySolo && pad.hasPlayedOutAt(first)) ++tally_.ended;
+        if (!silencedBySolo && pad.hasPlayedOutAt(frames.to)) ++tally_.ended;
         if (isPad && soundedFlags_ && !silencedBySolo && pad.soundsAt(frames.to - 1))
             (*soundedFlags_)[static_cast<std::size_t>(entry.pad)] = 1;
         if (isPad ? block_.levels->of(entry.pad).isHeard() : !track.mute && !silencedBySolo)
@@ -277,7 +279,7 @@ void VoiceRenderer::render(const Block& block, std::span<const TrackPlayInfo> pl
     Pass pass(*this, block, voice, playing, phase, soundedFlags);
     for (const TrackPlayInfo& entry : playList)
         if (entry.track->GetSize() > 0) pass.play(entry);
-    if (pass.hasEnded()) askForEnd(voice);
+    if (pass.hasEnded()) askForEnd(voice, block.steady);
 }
 
 }  // namespace marnoth

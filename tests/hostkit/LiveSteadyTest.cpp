@@ -213,6 +213,38 @@ TEST(LiveSteady, WhatIsPlayedFromThePage) {
     expectSameInAllBlocks(scene);
 }
 
+TEST(LiveSteady, APadThatIsPressedWhileANotePlaysIt) {
+    Scene scene;
+    scene.note(606, 52, 1);  // switches a loop on
+    scene.command(1178, [](LiveHost& host) { host.sampler().SetPadSolo(1, 1); });
+    scene.command(1232, [](LiveHost& host) { host.sampler().AuditionPad(4, -1); });
+    scene.note(20000, 49, 3000);
+    expectSameInAllBlocks(scene);
+}
+
+TEST(LiveSteady, NotesBeforeTickZero) {
+    Scene scene;
+    scene.command(629, [](LiveHost& host) { host.locate(-500); });
+    scene.command(1321, [](LiveHost& host) { host.play(); });
+    scene.command(2161, [](LiveHost& host) { host.stop(); });
+    for (int pad = 0; pad < kPads; ++pad) scene.note(3166 + 501 * pad, 48 + pad, 1480 + pad);
+    expectSameInAllBlocks(scene);
+}
+
+TEST(LiveSteady, WhatHasPlayedOutIsOverWhateverMovesItsZeroOrItsEnd) {
+    Scene scene;
+    scene.command(10, [](LiveHost& host) { host.sampler().SetPadLooping(13, 0); });
+    scene.command(11, [](LiveHost& host) { host.sampler().PushUndoState(); });
+    for (const std::uint32_t pad : {13u, 14u})
+        scene.command(12, [pad](LiveHost& host) { host.sampler().SetLoopLength(kPadLoop, pad, 500000); });
+    scene.command(601, [](LiveHost& host) { host.sampler().AuditionPad(13, -1); });
+    scene.note(910, 61, 5044);
+    scene.command(4327, [](LiveHost& host) { host.sampler().AuditionPad(14, -1); });
+    scene.command(5333, [](LiveHost& host) { host.sampler().Undo(); });
+    scene.note(20000, 49, 3000);
+    expectSameInAllBlocks(scene);
+}
+
 /// A page, a clock and two hands at random.
 class RandomScene {
 public:
