@@ -5,9 +5,12 @@
 namespace marnoth {
 
 /// The noise that makes the error of rounding independent of what is rounded: triangular, as the sum of two
-/// uniform values is. Every sequence begins alike, so that the same audio gives the same file.
+/// uniform values is. A sequence is the same each time, so that the same audio gives the same file; those of
+/// different numbers have nothing in common, so that the noise of files that are mixed doesn't add up.
 class Dither {
 public:
+    explicit Dither(std::uint32_t sequence) : state_(sequence) {}
+
     /// In steps of the format that is rounded to, above -1 and below 1.
     double next() {
         const double first = uniform();
@@ -23,7 +26,7 @@ private:
         return static_cast<double>(state_ >> 32) / 4294967296.0;
     }
 
-    std::uint64_t state_ = 0;
+    std::uint64_t state_;
 };
 
 }  // namespace marnoth

@@ -13,8 +13,9 @@ namespace marnoth {
 /// What becomes of samples on their way into a file.
 struct Encoding {
     SampleFormat format = SampleFormat::float32;
-    bool dither = true;  ///< of integers
-    double gain = 1;     ///< a factor, applied first
+    bool dither = true;                ///< of integers
+    double gain = 1;                   ///< a factor, applied first
+    std::uint32_t ditherSequence = 0;  ///< another one for each of files that may be mixed
 };
 
 /// Samples above full scale that integers couldn't hold.
@@ -30,7 +31,7 @@ struct Clipping {
 class SampleEncoder {
 public:
     SampleEncoder(const Encoding& encoding, std::uint32_t channels)
-        : encoding_(encoding), channels_(channels) {}
+        : encoding_(encoding), channels_(channels), dither_(encoding.ditherSequence) {}
 
     void setGain(double gain) { encoding_.gain = gain; }
     /// Takes whole frames. The bytes are good until the next call, and as long as `interleaved` is.

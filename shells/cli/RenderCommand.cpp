@@ -238,7 +238,7 @@ private:
     }
 
     void open(int pin, std::unique_ptr<OutputFile> file) {
-        RenderOutput& output = outputs_->add(std::move(file));
+        RenderOutput& output = outputs_->add(pin, std::move(file));
         rig_.setTaker(pin, [this, &output](std::span<const float> samples, bool) {
             if (rendered_ >= before_) output.take(samples);
         });

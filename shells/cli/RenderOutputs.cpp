@@ -35,11 +35,13 @@ std::string changeText(double factor) {
 RenderOutputs::RenderOutputs(const FileForm& form, std::uint32_t rate, std::uint32_t channels,
                              std::int64_t frames)
     : form_(form),
-      options_{rate, channels, {form.format, form.dither, factor(form.gainDecibels)}, frames},
+      options_{rate, channels, {form.format, form.dither, factor(form.gainDecibels), 0}, frames},
       gain_(options_.encoding.gain) {}
 
-RenderOutput& RenderOutputs::add(std::unique_ptr<OutputFile> file) {
-    files_.push_back(std::make_unique<RenderOutput>(std::move(file), options_, form_.normalize));
+RenderOutput& RenderOutputs::add(int pin, std::unique_ptr<OutputFile> file) {
+    WaveOptions options = options_;
+    options.encoding.ditherSequence = static_cast<std::uint32_t>(pin);
+    files_.push_back(std::make_unique<RenderOutput>(std::move(file), options, form_.normalize));
     return *files_.back();
 }
 

@@ -25,7 +25,8 @@ public:
     /// Of so many frames each.
     RenderOutputs(const FileForm& form, std::uint32_t rate, std::uint32_t channels, std::int64_t frames);
 
-    RenderOutput& add(std::unique_ptr<OutputFile> file);
+    /// Of a pin: 0 is the mix.
+    RenderOutput& add(int pin, std::unique_ptr<OutputFile> file);
     /// Before anything is rendered: whether the disks can take all files.
     void checkRoom() const;
     /// Throws what taking audio met.

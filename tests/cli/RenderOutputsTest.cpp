@@ -12,7 +12,7 @@ namespace {
 std::string told(const FileForm& form, std::int64_t frames, float level) {
     const TempFolder folder;
     RenderOutputs outputs(form, 48000, 2, frames);
-    outputs.add(std::make_unique<OutputFile>(folder / "a.wav")).take(std::vector<float>{level, 0.0f});
+    outputs.add(0, std::make_unique<OutputFile>(folder / "a.wav")).take(std::vector<float>{level, 0.0f});
     outputs.finish([](const std::string&) {});
     return outputs.tellMix();
 }
@@ -34,7 +34,7 @@ TEST(RenderOutputs, ALevelOfNothingHasNoSign) {
 TEST(RenderOutputs, AMixOfInfiniteLevelIsNotNormalized) {
     const TempFolder folder;
     RenderOutputs outputs({.normalize = true}, 48000, 1, 1);
-    outputs.add(std::make_unique<OutputFile>(folder / "a.wav"))
+    outputs.add(0, std::make_unique<OutputFile>(folder / "a.wav"))
         .take(std::vector<float>{std::numeric_limits<float>::infinity()});
     std::string warning;
     outputs.finish([&](const std::string& text) { warning = text; });

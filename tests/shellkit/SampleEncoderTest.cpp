@@ -93,6 +93,31 @@ TEST(SampleEncoder, DitherIsTriangularNoiseOfTwoSteps) {
         EXPECT_NEAR(count[value] / double{kCount}, share, 0.005) << value;
 }
 
+/// The correlation of two rows of values with mean 0.
+double correlation(const std::vector<std::int32_t>& a, const std::vector<std::int32_t>& b) {
+    double ab = 0;
+    double aa = 0;
+    double bb = 0;
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        ab += a[i] * b[i];
+        aa += a[i] * a[i];
+        bb += b[i] * b[i];
+    }
+    return ab / std::sqrt(aa * bb);
+}
+
+TEST(SampleEncoder, TheNoiseOfOneFileIsNotThatOfAnother) {
+    // Of so many values that have nothing in common the correlation is within a hundredth.
+    const Samples silence(100'000);
+    const Encoding first{.format = SampleFormat::integer16};
+    Encoding other = first;
+    for (const std::uint32_t sequence : {1u, 2u, 16u}) {
+        other.ditherSequence = sequence;
+        EXPECT_NEAR(correlation(encoded(first, silence), encoded(other, silence)), 0, 0.02) << sequence;
+    }
+    EXPECT_EQ(correlation(encoded(first, silence), encoded(first, silence)), 1);
+}
+
 TEST(SampleEncoder, DitheredLevelsBelowAStepSurviveOnAverage) {
     constexpr int kCount = 200000;
     double sum = 0;
