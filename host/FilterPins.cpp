@@ -55,7 +55,8 @@ HRESULT CFilterInputPin::CheckMediaType(const AM_MEDIA_TYPE* type) {
 }
 
 HRESULT CFilterInputPin::SetMediaType(const AM_MEDIA_TYPE* type) {
-    CBaseInputPin::SetMediaType(type);
+    // Nothing else that it says is looked at.
+    if (CBaseInputPin::SetMediaType(type) == E_OUTOFMEMORY) return E_OUTOFMEMORY;
     if (const HRESULT hr = CheckAudioMediaType(type); FAILED(hr)) return hr;
     return SetFormat(filter_.pzi(), PINDIR_INPUT, type);
 }
