@@ -37,7 +37,9 @@ struct Block {
     /// rounded from, so that it ends at one frame wherever blocks do.
     void advance(VoiceState& voice) const;
     /// Where a fade-out that begins with this block ends, 16.16 ticks.
-    std::int64_t fadeOutEnd() const;
+    std::int64_t fadeOutEnd() const { return fadeOutEndFrom(time.startSamples()); }
+    /// Where one ends that begins at a frame.
+    std::int64_t fadeOutEndFrom(std::int64_t frame) const { return time.toTicks(plus(fades.out, frame)); }
 };
 
 }  // namespace marnoth

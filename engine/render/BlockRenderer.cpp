@@ -21,10 +21,6 @@ std::int32_t countOf(const PadFlags& flags) {
 
 }  // namespace
 
-std::int64_t Block::fadeOutEnd() const {
-    return time.toTicks(plus(fades.out, time.startSamples()));
-}
-
 void Block::advance(VoiceState& voice) const {
     if (steady) {
         voice.moveTo(plus(time.startTicks(), time.lengthTicks()));

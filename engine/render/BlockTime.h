@@ -33,6 +33,9 @@ public:
         return ticks_.answer(samples, [this](std::int64_t frames) { return askTicks(frames); });
     }
 
+    /// The first frame at or behind a time. A conversion there and back may be one frame off.
+    std::int64_t firstFrameFrom(std::int64_t ticks16);
+
     // The block's own place.
     std::int64_t startSamples() const { return startSamples_; }
     std::int64_t startTicks() const { return startTicks_; }

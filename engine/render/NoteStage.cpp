@@ -1,5 +1,7 @@
 #include "engine/render/NoteStage.h"
 
+#include <algorithm>
+
 #include "platform/system/Overflow.h"
 
 namespace marnoth {
@@ -27,11 +29,8 @@ void NoteStage::renderNote(QueuedEvent& note, bool stopAll) {
     const bool held = holdsGate(voice, playList);
     if (stopAll && block_.steady && event.duration != kDurationReleased) event.duration = kDurationOff;
     if (event.duration == kDurationOff) takeNoteOff(voice, event);
-    if (voice.gate.ranOut()) {
-        voice.releasing = 1;
-        voice.gate.kill();
-    }
-    endShotLane(voice, held);
+    const std::int64_t from = release(voice);
+    endShotLane(voice, held, from);
     if (stopAll && block_.steady) cutShots(voice, playList);
     if (stopAll || (voice.releasing && voice.shot.position >= voice.shot.end)) {
         voice.shot.kill();
@@ -131,14 +130,30 @@ void NoteStage::takeNoteOff(VoiceState& voice, SynthEvent& event) {
     event.duration = kDurationReleased;
 }
 
-void NoteStage::endShotLane(VoiceState& voice, bool held) {
+std::int64_t NoteStage::release(VoiceState& voice) {
+    const BlockTime& time = block_.time;
+    std::int64_t from = time.startSamples();
+    // A length that is known ends anywhere in a block, which a steady sound may not wait for the end of.
+    const bool ends = voice.gate.end >= 1 && voice.gate.end < plus(time.startTicks(), time.lengthTicks());
+    if (block_.steady && ends && !voice.releasing) {
+        voice.releasing = 1;
+        from = std::max(from, block_.time.firstFrameFrom(voice.gate.end));
+    }
+    if (voice.gate.ranOut()) {
+        voice.releasing = 1;
+        voice.gate.kill();
+    }
+    return from;
+}
+
+void NoteStage::endShotLane(VoiceState& voice, bool held, std::int64_t from) {
     VoiceLane& shot = voice.shot;
     const bool told = (!voice.releasing || held) && voice.stopRequest;
     const bool released = voice.releasing && !held && (shot.end == kOpenEnded || voice.stopRequest);
     if (!told && !released) return;
     voice.releasing = 1;
     voice.stopRequest = 0;
-    shot.end = block_.fadeOutEnd();
+    shot.end = block_.fadeOutEndFrom(from);
     shot.length = minus(shot.end, shot.start);
     if (shot.end < shot.position && !block_.steady) {
         shot.end = plus(shot.end, block_.time.lengthTicks());

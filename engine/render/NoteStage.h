@@ -36,7 +36,10 @@ private:
     void setPhase(std::int32_t pad, const CGrooveTrack& track, const VoiceState& voice);
     bool holdsGate(const VoiceState& voice, PlayList playList);
     void takeNoteOff(VoiceState& voice, SynthEvent& event);
-    void endShotLane(VoiceState& voice, bool held);
+    /// The frame from which on the note isn't held any more, if that comes with this block; else its first.
+    std::int64_t release(VoiceState& voice);
+    /// `from`: the frame at which its fade begins, if it has to end.
+    void endShotLane(VoiceState& voice, bool held, std::int64_t from);
 
     const Block& block_;
     PlayState& playing_;

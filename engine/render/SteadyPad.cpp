@@ -34,24 +34,17 @@ SteadyPad::SteadyPad(const Block& block, const TrackPlayInfo& entry, const Voice
                                                          : LevelGlide{{}, {1, 1}}),
       from_(block.time.toSamplesOrOpen(lane_.from)),
       glideEnd_(plus(block.time.startSamples(), glide_.left)),
-      end_(lane_.end == kOpenEnded ? kOpenEnded : firstFrameFrom(lane_.end)),
+      end_(lane_.end == kOpenEnded ? kOpenEnded : block.time.firstFrameFrom(lane_.end)),
       origin_(track_.synced ? phase.origin : from_),
       length_(track_.GetLength(track_.synced ? kTicks16 : kSamples)),
       playedOut_(playedOutFrame()) {}
-
-/// The first frame at or behind a time in ticks. A conversion there and back may be one frame off.
-std::int64_t SteadyPad::firstFrameFrom(std::int64_t ticks16) const {
-    const std::int64_t frame = block_.time.toSamples(ticks16);
-    if (block_.time.toTicks(minus(frame, 1)) >= ticks16) return minus(frame, 1);
-    return block_.time.toTicks(frame) < ticks16 ? plus(frame, 1) : frame;
-}
 
 /// The first frame at which a track that doesn't loop has nothing more to play. It never has again, also
 /// where another note moves the zero of its loop.
 std::int64_t SteadyPad::playedOutFrame() const {
     if (track_.looping || voice_.ignoreLength || lane_.length < 1 || track_.lengthTicks < 1)
         return kOpenEnded;
-    if (track_.synced) return firstFrameFrom(plus(plus(length_, lane_.from), 1));
+    if (track_.synced) return block_.time.firstFrameFrom(plus(plus(length_, lane_.from), 1));
     return plus(plus(length_, from_), 1);
 }
 

@@ -33,7 +33,6 @@ public:
 private:
     struct Target;
 
-    std::int64_t firstFrameFrom(std::int64_t ticks16) const;
     std::int64_t playedOutFrame() const;
     std::int64_t cycleAt(std::int64_t frame) const;
     std::int64_t endOfCycle(std::int64_t cycle, TimeRange frames) const;

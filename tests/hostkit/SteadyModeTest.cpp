@@ -86,6 +86,85 @@ TEST(SteadyMode, SameNotesGiveTheSameAudioHoweverTimeIsCut) {
     }
 }
 
+/// Pads, tempos and a sequence at random, of which many events fall on one frame.
+class RandomPart {
+public:
+    explicit RandomPart(unsigned seed) : random_(seed) {
+        for (int pad = 0; pad < 8; ++pad) setUp(pad);
+        double tempo = any(3) == 0 ? 3000 + 0.1 * any(1000) : 70 + 0.1 * any(900);
+        std::int32_t tick = any(2) == 0 ? 0 : 1 + any(2000);
+        const double ticksPerFrame = tempo * 960 / 60 / kRate;
+        rig_.attach(tempo);
+        start_ = tick;
+        for (const double end = tick + kFrames * ticksPerFrame; any(2) == 0 && tick < end;) {
+            tick += 1 + any(static_cast<int>(end / 3) + 1);
+            EXPECT_TRUE(rig_.rig.addTempo(tick, tempo *= 0.7 + 0.1 * any(7)));
+        }
+        for (int i = 0; i < 120; ++i) addNote(start_ + any(static_cast<int>(kFrames * ticksPerFrame) + 1));
+    }
+    template <class Next>
+    std::vector<float> play(Next next) {
+        std::stable_sort(notes_.begin(), notes_.end(),
+                         [](const SynthEvent& a, const SynthEvent& b) { return a.time < b.time; });
+        EXPECT_EQ(rig_.rig.synth().StartPlayback(start_), S_OK);
+        EXPECT_EQ(rig_.rig.queueEvents(0, notes_), S_OK);
+        for (std::int64_t done = 0, frames = 0; done < kFrames; done += frames) {
+            frames = std::min<std::int64_t>(next(), kFrames - done);
+            rig_.render(frames);
+        }
+        return rig_.audio;
+    }
+
+private:
+    static constexpr std::int64_t kFrames = 30000;
+
+    int any(int count) { return static_cast<int>(random_() % static_cast<unsigned>(count)); }
+
+    void setUp(int pad) {
+        IGrooveSampler& sampler = rig_.rig.sampler();
+        const bool isLoop = any(3) != 0;
+        rig_.load(pad, isLoop ? beatLoop(pad) : plainSound(500 + any(9000), 0.1), 60 + pad);
+        sampler.SetPadOneShot(pad, static_cast<std::uint32_t>(any(2)));
+        if (any(3) == 0) sampler.SetPadLooping(pad, static_cast<std::uint32_t>(any(2)));
+        if (any(3) == 0) sampler.SetPadSynced(pad, static_cast<std::uint32_t>(any(2)));
+        if (any(3) == 0) sampler.SetPadTail(pad, 1);
+        if (any(3) == 0) sampler.SetGrainTranspose(pad, 0, any(24) - 12);
+        const auto number = static_cast<std::uint32_t>(pad);
+        if (any(3) == 0) sampler.SetLoopLength(kPadLoop, number, 65536LL * (1 + any(3000)));
+        // Other pads may answer the same key.
+        const KeyMapRecord keys{pad, 60 + any(8), 60 + any(8), 60 + pad, 0, 127};
+        if (any(3) == 0) sampler.SetKeyMapEntry(&keys);
+    }
+    void addNote(std::int32_t tick) {
+        const int key = 60 + any(8);
+        const auto length = static_cast<std::uint32_t>(any(2) == 0 ? any(5) : any(900));
+        if (any(2) == 0) {
+            notes_.push_back(note(tick, key, length + 1));
+            return;
+        }
+        notes_.push_back(note(tick, key, kOpen));
+        notes_.push_back(note(tick + static_cast<std::int32_t>(length), key, 0));
+    }
+
+    std::mt19937 random_;
+    SteadyRig rig_;
+    std::vector<SynthEvent> notes_;
+    std::int32_t start_ = 0;
+};
+
+TEST(SteadyMode, SequencesAtRandomSoundTheSameHoweverTimeIsCut) {
+    for (unsigned seed = 1; seed <= 4; ++seed) {
+        const auto expected = RandomPart(seed).play([] { return 4096; });
+        for (const int block : {1, 64, 441}) {
+            EXPECT_EQ(firstDifference(RandomPart(seed).play([=] { return block; }), expected), -1)
+                << "seed " << seed << ", blocks of " << block;
+        }
+        std::mt19937 random(seed);
+        const auto cut = [&] { return 1 + static_cast<std::int64_t>(random() % 3000); };
+        EXPECT_EQ(firstDifference(RandomPart(seed).play(cut), expected), -1) << "seed " << seed;
+    }
+}
+
 TEST(SteadyMode, IsOffUntilItIsAskedFor) {
     HostRig rig{createInstrument};
     RefPtr<IMarnothOptions> options;
