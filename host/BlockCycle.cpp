@@ -1,4 +1,6 @@
 #include <algorithm>
+#include <cstring>
+#include <span>
 #include <utility>
 
 #include "host/Filter.h"
@@ -23,11 +25,12 @@ std::int64_t framesAt(REFERENCE_TIME time, std::int64_t rate) {
     return wrappingSum(wrappingProduct(seconds, rate), rest * rate / kTimeUnitsPerSecond);
 }
 
-/// The first start time in the sample's own time, if it has any.
-bool startTimeOf(IMediaSample& sample, REFERENCE_TIME& start) {
+std::optional<REFERENCE_TIME> startTimeOf(IMediaSample& sample) {
+    REFERENCE_TIME start = 0;
     REFERENCE_TIME end = 0;
     const HRESULT hr = sample.GetTime(&start, &end);
-    return hr == S_OK || hr == VFW_S_NO_STOP_TIME;
+    if (hr != S_OK && hr != VFW_S_NO_STOP_TIME) return std::nullopt;
+    return start;
 }
 
 PinBuffer describeInput(IMediaSample& in, std::int32_t frames) {
@@ -41,6 +44,20 @@ PinBuffer describeInput(IMediaSample& in, std::int32_t frames) {
     return input;
 }
 
+/// What lay in a buffer before isn't for anybody's ears: what can't be marked as silent has to be it.
+void clear(IMediaSample& sample) {
+    BYTE* memory = nullptr;
+    const LONG bytes = sample.GetSize();
+    if (SUCCEEDED(sample.GetPointer(&memory)) && memory && bytes > 0)
+        std::memset(memory, 0, static_cast<std::size_t>(bytes));
+}
+
+/// What stayed silent and can't say so is cleared as whoever asks for the audio of a silent pin finds it.
+void clearUnmarkedSilence(std::span<PinBuffer> buffers) {
+    for (PinBuffer& buffer : buffers)
+        if (buffer.silent && !silenceOf(*buffer.sample)) GetBufferData(buffer);
+}
+
 void releaseSample(PinBuffer& buffer) {
     RefPtr<IMediaSample>::adopt(std::exchange(buffer.sample, nullptr)).reset();
 }
@@ -52,18 +69,24 @@ struct CFilter::SampleFlags {
     bool sync = false;
     bool discontinuity = false;
     bool preroll = false;
-    REFERENCE_TIME* time = nullptr;  ///< null: none is stamped
+    std::optional<REFERENCE_TIME> time;  ///< of the first frame, where it is stamped
 };
 
 /// The storage for a block's descriptors, taken from the filter for a scope. A pin that comes or goes while
 /// the block is under way doesn't touch it.
 class CFilter::BlockScope {
 public:
-    explicit BlockScope(CFilter& filter) : block(std::move(filter.m_spareBuffers)), filter_(filter) {}
+    explicit BlockScope(CFilter& filter) : filter_(filter) {
+        const CAutoLock lock(filter.pzi());
+        block = std::move(filter.m_spareBuffers);
+    }
     ~BlockScope() {
+        // The last holder of a pin may be here, and calls its peer as it lets go.
         block.buffers.clear();
-        block.pins.clear();
+        block.outlets.clear();
         block.pieces.clear();
+        block.rendered.reset();
+        const CAutoLock lock(filter_.pzi());
         BlockBuffers& spare = filter_.m_spareBuffers;
         if (spare.buffers.capacity() < block.buffers.capacity()) spare = std::move(block);
     }
@@ -78,26 +101,44 @@ private:
 
 HRESULT CFilter::Receive(IMediaSample* in) {
     if (!in) return E_POINTER;
-    CAutoLock lock(pzi());
-    if (inputFormat.nBlockAlign == 0) return VFW_E_NOT_CONNECTED;
-    SampleFlags flags{in->IsSyncPoint() == S_OK, in->IsDiscontinuity() == S_OK, in->IsPreroll() == S_OK};
-    REFERENCE_TIME start = 0;
-    if (flags.discontinuity && startTimeOf(*in, start)) {
-        m_streamPosition = framesAt(start, inputFormat.nSamplesPerSec);
-        flags.time = &start;
-    }
-    const std::int32_t frames = std::max<LONG>(in->GetActualDataLength(), 0) / inputFormat.nBlockAlign;
-    PinBuffer input = describeInput(*in, frames);
+    const CAutoLock stream(m_streamLock);
     BlockScope scope(*this);
-    const HRESULT hr = renderReceived(scope.block, input, flags);
-    // Whoever gave the buffers of a failed block doesn't get them back yet.
-    if (FAILED(hr)) abandonSamples(scope.block);
+    BlockBuffers& block = scope.block;
+    SampleFlags flags;
+    PinBuffer input;
+    input.sample = in;
+    if (const HRESULT hr = beginBlock(block, input, flags); FAILED(hr)) return hr;
+    HRESULT hr = prepareBuffers(block, flags);
+    if (SUCCEEDED(hr)) hr = renderReceived(block, input);
+    if (block.rendered) {
+        deliverBlock(block);
+    } else {
+        // Whoever gave the buffers of a failed block doesn't get them back yet.
+        abandonSamples(block);
+    }
     return hr;
 }
 
+/// What the sample says of the block, where that stands in the stream, and to whom it goes.
+HRESULT CFilter::beginBlock(BlockBuffers& block, PinBuffer& input, SampleFlags& flags) {
+    const CAutoLock lock(pzi());
+    if (inputFormat.nBlockAlign == 0) return VFW_E_NOT_CONNECTED;
+    IMediaSample& in = *input.sample;
+    flags.sync = in.IsSyncPoint() == S_OK;
+    flags.discontinuity = in.IsDiscontinuity() == S_OK;
+    flags.preroll = in.IsPreroll() == S_OK;
+    if (flags.discontinuity) flags.time = startTimeOf(in);
+    if (flags.time) m_streamPosition = framesAt(*flags.time, inputFormat.nSamplesPerSec);
+    input = describeInput(in, std::max<LONG>(in.GetActualDataLength(), 0) / inputFormat.nBlockAlign);
+    takeOutlets(block);
+    return S_OK;
+}
+
 /// A failure of the render itself costs the block and is no failure here.
-HRESULT CFilter::renderReceived(BlockBuffers& block, PinBuffer& input, const SampleFlags& flags) {
-    if (const HRESULT hr = prepareBuffers(block, flags); FAILED(hr)) return hr;
+HRESULT CFilter::renderReceived(BlockBuffers& block, PinBuffer& input) {
+    const CAutoLock lock(pzi());
+    // While buffers were waited for, the graph may have been stopped and connected in other formats.
+    if (!isAsItCame(block)) return VFW_E_WRONG_STATE;
     const LONG bytes = input.sample->GetActualDataLength();
     if (const HRESULT hr = fitBuffers(block, input.frames, bytes); FAILED(hr)) return hr;
     return IsSteady() ? renderPieces(block, input) : renderWhole(block, input);
@@ -105,10 +146,7 @@ HRESULT CFilter::renderReceived(BlockBuffers& block, PinBuffer& input, const Sam
 
 HRESULT CFilter::renderWhole(BlockBuffers& block, PinBuffer& input) {
     if (const HRESULT hr = DrainEvents(position(), input.frames); FAILED(hr)) return hr;
-    const HRESULT rendered =
-        ProcessBlock(m_streamPosition, &input, block.buffers.data(),
-                     static_cast<std::int32_t>(block.buffers.size()), position(), &eventQueue());
-    deliverBlock(block, rendered);
+    block.rendered = processBlock(block, &input);
     advance(input.frames);
     return RetireEvents(position(), 0);
 }
@@ -130,7 +168,8 @@ HRESULT CFilter::renderPieces(BlockBuffers& block, PinBuffer& input) {
         advance(piece.frames);
         if (const HRESULT hr = RetireEvents(position(), 0); FAILED(hr)) return hr;
     }
-    deliverBlock(block, S_OK);
+    clearUnmarkedSilence(block.buffers);
+    block.rendered = S_OK;
     return S_OK;
 }
 
@@ -145,33 +184,68 @@ PinBuffer CFilter::pieceOf(PinBuffer& whole, std::int64_t from, std::int64_t to)
     return piece;
 }
 
+HRESULT CFilter::processBlock(BlockBuffers& block, PinBuffer* input) {
+    const HRESULT rendered =
+        ProcessBlock(m_streamPosition, input, block.buffers.data(),
+                     static_cast<std::int32_t>(block.buffers.size()), position(), &eventQueue());
+    if (rendered == S_OK) clearUnmarkedSilence(block.buffers);
+    return rendered;
+}
+
+/// The connected output pin at `index` or the next behind it, whose index `index` then is; none behind the
+/// last.
+std::optional<CFilter::Outlet> CFilter::connectedOutlet(std::size_t& index) {
+    const CAutoLock lock(pzi());
+    for (; index < m_outputPins.size(); ++index)
+        if (const auto& pin = m_outputPins[index]; pin->IsConnected())
+            return Outlet{pin, pin->GetDownstream()};
+    return std::nullopt;
+}
+
+void CFilter::takeOutlets(BlockBuffers& block) {
+    const CAutoLock lock(pzi());
+    for (std::size_t index = 0; auto outlet = connectedOutlet(index); ++index)
+        block.outlets.push_back(std::move(*outlet));
+    block.input = inputFormat;
+    block.output = outputFormat;
+}
+
+bool CFilter::isAsItCame(const BlockBuffers& block) const {
+    return std::memcmp(&block.input, &inputFormat, sizeof inputFormat) == 0 &&
+           std::memcmp(&block.output, &outputFormat, sizeof outputFormat) == 0;
+}
+
+/// Buffers may be waited for as long as whoever is downstream keeps them: without the instrument's lock.
 HRESULT CFilter::prepareBuffers(BlockBuffers& block, const SampleFlags& flags) {
-    for (const auto& pin : m_outputPins) {
-        if (!pin->IsConnected()) continue;
+    for (const Outlet& outlet : block.outlets) {
         PinBuffer buffer;
-        const HRESULT hr = prepareBuffer(pin.get(), &buffer, flags);
+        const HRESULT hr = prepareBuffer(outlet, block.output, &buffer, flags);
         if (FAILED(hr)) return hr;
         block.buffers.push_back(buffer);
-        block.pins.push_back(pin);
     }
     return S_OK;
 }
 
-HRESULT CFilter::prepareBuffer(CFilterOutputPin* pin, PinBuffer* buffer, const SampleFlags& flags) {
-    if (!pin || !buffer) return E_POINTER;
-    if (!pin->IsConnected() || outputFormat.nBlockAlign == 0) return E_UNEXPECTED;
+HRESULT CFilter::prepareBuffer(const Outlet& outlet, const WAVEFORMATEX& format, PinBuffer* buffer,
+                               const SampleFlags& flags) {
+    if (format.nBlockAlign == 0) return E_UNEXPECTED;
     RefPtr<IMediaSample> sample;
-    const HRESULT hr = pin->GetDeliveryBuffer(sample.put(), nullptr, nullptr, 0);
+    const HRESULT hr = outlet.to.getBuffer(sample.put(), nullptr, nullptr, 0);
     if (FAILED(hr)) return hr;
     if (!sample) return E_UNEXPECTED;
-    sample->SetTime(flags.time, nullptr);
+    REFERENCE_TIME time = flags.time.value_or(0);
+    sample->SetTime(flags.time ? &time : nullptr, nullptr);
     sample->SetSyncPoint(flags.sync);
     sample->SetDiscontinuity(flags.discontinuity);
     sample->SetPreroll(flags.preroll);
-    buffer->frames = sample->GetSize() / outputFormat.nBlockAlign;
-    buffer->pinId = pin->id();
+    buffer->frames = sample->GetSize() / format.nBlockAlign;
+    buffer->pinId = outlet.pin->id();
     buffer->silent = 1;
-    if (const auto silence = silenceOf(*sample)) silence->SetSilent(1);
+    if (const auto silence = silenceOf(*sample)) {
+        silence->SetSilent(1);
+    } else {
+        clear(*sample);
+    }
     buffer->sample = sample.detach();
     return S_OK;
 }
@@ -188,25 +262,26 @@ HRESULT CFilter::fitBuffers(BlockBuffers& block, std::int32_t frames, LONG bytes
     return S_OK;
 }
 
-void CFilter::deliverBlock(BlockBuffers& block, HRESULT rendered) {
+/// Without the instrument's lock: a renderer may keep a block for as long as the graph is paused.
+void CFilter::deliverBlock(BlockBuffers& block) {
     for (std::size_t i = 0; i < block.buffers.size(); ++i) {
-        if (rendered == S_OK) deliverBuffer(*block.pins[i], block.buffers[i]);
-        if (rendered == S_FALSE) block.pins[i]->DeliverEndOfStream();
+        if (*block.rendered == S_OK) deliverBuffer(block, i);
+        if (*block.rendered == S_FALSE) block.outlets[i].to.endOfStream();
         releaseSample(block.buffers[i]);
     }
 }
 
-HRESULT CFilter::deliverBuffer(CFilterOutputPin& pin, PinBuffer& buffer) {
-    // What can't be marked as silence has to be silent.
-    if (buffer.silent && !silenceOf(*buffer.sample)) GetBufferData(buffer);
-    const HRESULT hr = buffer.sample->SetActualDataLength(outputFormat.nBlockAlign * buffer.frames);
-    return FAILED(hr) ? hr : pin.Deliver(buffer.sample);
+HRESULT CFilter::deliverBuffer(const BlockBuffers& block, std::size_t index) {
+    const PinBuffer& buffer = block.buffers[index];
+    const HRESULT hr = buffer.sample->SetActualDataLength(block.output.nBlockAlign * buffer.frames);
+    return FAILED(hr) ? hr : block.outlets[index].to.deliver(buffer.sample);
 }
 
 HRESULT CFilter::EndOfStream() {
-    CAutoLock lock(pzi());
+    const CAutoLock stream(m_streamLock);
     BlockScope scope(*this);
     BlockBuffers& block = scope.block;
+    takeOutlets(block);
     HRESULT hr = prepareBuffers(block, {});
     if (SUCCEEDED(hr) && block.buffers.empty()) return S_OK;
     const std::int32_t frames = block.buffers.empty() ? 0 : block.buffers.front().frames;
@@ -214,24 +289,32 @@ HRESULT CFilter::EndOfStream() {
         if (buffer.frames > frames && SUCCEEDED(hr)) hr = E_FAIL;
         buffer.frames = frames;
     }
-    if (SUCCEEDED(hr)) hr = DrainEvents(position(), frames);
+    if (SUCCEEDED(hr)) hr = drainRest(frames);
     if (SUCCEEDED(hr)) return renderRest(block, frames);
     for (PinBuffer& buffer : block.buffers) releaseSample(buffer);
     return hr;
 }
 
+HRESULT CFilter::drainRest(std::int32_t frames) {
+    const CAutoLock lock(pzi());
+    return DrainEvents(position(), frames);
+}
+
 /// Blocks without input, over and over in the same samples, until the engine has nothing more.
 HRESULT CFilter::renderRest(BlockBuffers& block, std::int32_t frames) {
     for (;;) {
-        const HRESULT rendered =
-            ProcessBlock(m_streamPosition, nullptr, block.buffers.data(),
-                         static_cast<std::int32_t>(block.buffers.size()), position(), &eventQueue());
+        HRESULT rendered;
+        {
+            const CAutoLock lock(pzi());
+            rendered = isAsItCame(block) ? processBlock(block, nullptr) : VFW_E_WRONG_STATE;
+        }
         const HRESULT delivered = deliverRest(block, rendered);
         if (rendered != S_OK || FAILED(delivered)) {
             const HRESULT ended = endAllStreams(block);
             if (FAILED(rendered)) return rendered;
             return FAILED(delivered) ? delivered : ended;
         }
+        const CAutoLock lock(pzi());
         advance(frames);
         RetireEvents(position(), 0);
         DrainEvents(position(), frames);
@@ -242,8 +325,8 @@ HRESULT CFilter::renderRest(BlockBuffers& block, std::int32_t frames) {
 HRESULT CFilter::deliverRest(BlockBuffers& block, HRESULT rendered) {
     HRESULT last = S_OK;
     for (std::size_t i = 0; i < block.buffers.size(); ++i) {
-        if (rendered == S_OK) last = deliverBuffer(*block.pins[i], block.buffers[i]);
-        if (rendered == S_FALSE) block.pins[i]->DeliverEndOfStream();
+        if (rendered == S_OK) last = deliverBuffer(block, i);
+        if (rendered == S_FALSE) block.outlets[i].to.endOfStream();
     }
     return last;
 }
@@ -251,7 +334,7 @@ HRESULT CFilter::deliverRest(BlockBuffers& block, HRESULT rendered) {
 HRESULT CFilter::endAllStreams(BlockBuffers& block) {
     HRESULT last = S_OK;
     for (std::size_t i = 0; i < block.buffers.size(); ++i) {
-        last = block.pins[i]->DeliverEndOfStream();
+        last = block.outlets[i].to.endOfStream();
         releaseSample(block.buffers[i]);
     }
     return last;
@@ -263,6 +346,7 @@ void CFilter::advance(std::int32_t frames) {
 }
 
 void CFilter::abandonSamples(BlockBuffers& block) {
+    const CAutoLock lock(pzi());
     for (PinBuffer& buffer : block.buffers)
         m_abandonedSamples.push_back(RefPtr<IMediaSample>::adopt(std::exchange(buffer.sample, nullptr)));
 }

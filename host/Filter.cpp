@@ -60,33 +60,57 @@ HRESULT CFilter::ReadFromStream(IStream* stream) {
 }
 
 HRESULT CFilter::Pause() {
+    FILTER_STATE before = State_Paused;
+    HRESULT hr = S_OK;
+    {
+        CAutoLock lock(pzi());
+        before = State();
+        if (before == State_Paused) return S_OK;
+        m_streamPosition = 0;
+        hr = CBaseFilter::Pause();
+    }
+    if (SUCCEEDED(hr)) hr = endOfStreamWithoutInput();
     CAutoLock lock(pzi());
-    const FILTER_STATE before = State();
-    if (before == State_Paused) return S_OK;
-    m_streamPosition = 0;
-    HRESULT hr = CBaseFilter::Pause();
-    if (SUCCEEDED(hr) && !m_inputPin.IsConnected()) hr = EndOfStream();
     if (SUCCEEDED(hr) && before == State_Stopped) hr = guarded([this] { return PrepareResources(); });
     return hr;
 }
 
+/// The stream's lock comes before the instrument's, so this is called without that.
+HRESULT CFilter::endOfStreamWithoutInput() {
+    RefPtr<IPin> source;
+    return m_inputPin.ConnectedTo(source.put()) == S_OK ? S_OK : EndOfStream();
+}
+
 HRESULT CFilter::Run(REFERENCE_TIME start) {
-    CAutoLock lock(pzi());
-    CBaseFilter::Run(start);
-    if (!m_inputPin.IsConnected()) EndOfStream();
+    FILTER_STATE before = State_Stopped;
+    GetState(0, &before);
+    // Here, since the platform's operation would do it under the lock.
+    if (before != State_Stopped || SUCCEEDED(Pause())) CBaseFilter::Run(start);
+    endOfStreamWithoutInput();
     SetRefreshRequest(2);
     return S_OK;
 }
 
 HRESULT CFilter::Stop() {
+    HRESULT hr = S_OK;
+    {
+        CAutoLock lock(pzi());
+        if (State() == State_Stopped) return S_OK;
+        releaseAbandonedSamples();
+        hr = CBaseFilter::Stop();
+    }
+    awaitStream();
     CAutoLock lock(pzi());
-    if (State() == State_Stopped) return S_OK;
-    releaseAbandonedSamples();
-    HRESULT hr = CBaseFilter::Stop();
     if (SUCCEEDED(hr)) hr = FreeResources();
     ClearPhaseAnchor();
     SetRefreshRequest(2);
     return hr;
+}
+
+/// Returns when no block is on its way any more. A block may need the instrument's lock, so whoever stops the
+/// graph from under that doesn't wait.
+void CFilter::awaitStream() {
+    if (!pzi().isHeldHere()) const CAutoLock stream(m_streamLock);
 }
 
 }  // namespace marnoth

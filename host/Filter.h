@@ -6,8 +6,8 @@
 
 #include "engine/GrooveSampler.h"
 #include "host/FilterPins.h"
-#include "host/Module.h"
 #include "host/SoftSynth.h"
+#include "platform/com/ModuleLock.h"
 #include "platform/com/PersistStream.h"
 #include "platform/com/RefPtr.h"
 #include "platform/graph/BaseFilter.h"
@@ -17,9 +17,13 @@ namespace marnoth {
 /// The whole instrument as one object: the engine, what the sequencer talks to, and the node of the audio
 /// graph with one input pin and seventeen output pins ("Mix Output", "Chan 1" to "Chan 16").
 ///
-/// One identity and one reference count for every interface. One lock, that of `CPzi`: the streaming thread
-/// holds it for a block, everybody else for one operation. Audio at the input pin is the only clock: each
+/// One identity and one reference count for every interface. Audio at the input pin is the only clock: each
 /// sample received is one block rendered and one sample delivered on every connected output pin.
+///
+/// The instrument's lock is that of `CPzi`: the streaming thread holds it while it renders a block, everybody
+/// else for one operation. The stream has a lock of its own, held from the sample that comes in to the last
+/// one that is handed out, and taken first: whoever is kept waiting downstream, or for a buffer, keeps no one
+/// waiting but the stream, and the stop of the graph.
 class CFilter : public CSoftSynth,
                 public CGrooveSampler,
                 public CBaseFilter,
@@ -80,15 +84,16 @@ public:
     HRESULT Receive(IMediaSample* in);
     /// Lets the engine play out, then sends the end of the stream down.
     HRESULT EndOfStream();
-    /// Calls `deliver` for the connected output pins in order until one fails.
-    template <class Deliver>
-    HRESULT tellConnectedOutputs(Deliver deliver) {
-        for (const auto& pin : m_outputPins) {
-            if (!pin->IsConnected()) continue;
-            if (const HRESULT hr = deliver(*pin); FAILED(hr)) return hr;
-        }
+    /// Calls `tell(const Downstream&)` for the connected output pins in order until one fails. Without the
+    /// lock, since whoever hears of it may ask back from any thread.
+    template <class Tell>
+    HRESULT tellConnectedOutputs(Tell tell) {
+        for (std::size_t index = 0; const auto outlet = connectedOutlet(index); ++index)
+            if (const HRESULT hr = tell(outlet->to); FAILED(hr)) return hr;
         return S_OK;
     }
+    /// For the stream alone: held while a sample, a segment or the end of the stream goes through.
+    CCritSec& streamLock() { return m_streamLock; }
 
 protected:
     /// References delete the object; nobody else does.
@@ -103,38 +108,66 @@ protected:
     int SizeMax() override { return GetPersistSize(); }
 
 private:
+    /// An output pin and what it sends to, both kept until the block is handed out.
+    struct Outlet {
+        RefPtr<CFilterOutputPin> pin;
+        Downstream to;
+    };
     /// The buffers of one block: one descriptor for each connected output pin, in order.
     struct BlockBuffers {
         std::vector<PinBuffer> buffers;
-        std::vector<RefPtr<CFilterOutputPin>> pins;  ///< of `buffers`, index for index
-        std::vector<PinBuffer> pieces;               ///< likewise, those of the present piece
+        std::vector<Outlet> outlets;    ///< of `buffers`, index for index
+        std::vector<PinBuffer> pieces;  ///< likewise, those of the present piece
+        /// What the engine said; nothing while it hasn't been asked.
+        std::optional<HRESULT> rendered;
+        // As they were when the block came.
+        WAVEFORMATEX input{};
+        WAVEFORMATEX output{};
     };
     class BlockScope;
     struct SampleFlags;
 
     // Output pins.
+    /// `change(OutputPins&)`, seen by whoever only looks whole or not at all. What it takes out is held
+    /// longer by the caller: nobody's end belongs under that lock.
+    template <class Change>
+    void changePins(Change change) {
+        const CAutoLock look(LookLock());
+        change(m_outputPins);
+        IncrementPinVersion();
+    }
     HRESULT askForPinSet(std::int32_t count);
     HRESULT NotifyPinSetChanged(std::int32_t count);
     void disconnectLeftOverPins();
 
     // Block cycle.
+    std::optional<Outlet> connectedOutlet(std::size_t& index);
+    void takeOutlets(BlockBuffers& block);
+    HRESULT beginBlock(BlockBuffers& block, PinBuffer& input, SampleFlags& flags);
     HRESULT prepareBuffers(BlockBuffers& block, const SampleFlags& flags);
-    HRESULT prepareBuffer(CFilterOutputPin* pin, PinBuffer* buffer, const SampleFlags& flags);
+    HRESULT prepareBuffer(const Outlet& outlet, const WAVEFORMATEX& format, PinBuffer* buffer,
+                          const SampleFlags& flags);
+    bool isAsItCame(const BlockBuffers& block) const;
     HRESULT fitBuffers(BlockBuffers& block, std::int32_t frames, LONG bytes);
-    HRESULT renderReceived(BlockBuffers& block, PinBuffer& input, const SampleFlags& flags);
+    HRESULT renderReceived(BlockBuffers& block, PinBuffer& input);
     HRESULT renderWhole(BlockBuffers& block, PinBuffer& input);
     HRESULT renderPieces(BlockBuffers& block, PinBuffer& input);
     PinBuffer pieceOf(PinBuffer& whole, std::int64_t from, std::int64_t to) const;
-    void deliverBlock(BlockBuffers& block, HRESULT rendered);
-    HRESULT deliverBuffer(CFilterOutputPin& pin, PinBuffer& buffer);
+    HRESULT processBlock(BlockBuffers& block, PinBuffer* input);
+    void deliverBlock(BlockBuffers& block);
+    HRESULT deliverBuffer(const BlockBuffers& block, std::size_t index);
+    HRESULT drainRest(std::int32_t frames);
     HRESULT renderRest(BlockBuffers& block, std::int32_t frames);
     HRESULT deliverRest(BlockBuffers& block, HRESULT rendered);
     HRESULT endAllStreams(BlockBuffers& block);
+    HRESULT endOfStreamWithoutInput();
+    void awaitStream();
     void advance(std::int32_t frames);
     void abandonSamples(BlockBuffers& block);
     void releaseAbandonedSamples();
 
     std::optional<ModuleLock> m_moduleLock;
+    CCritSec m_streamLock;
     CFilterInputPin m_inputPin;
     OutputPins m_outputPins;
     std::int32_t m_outputPinCount = 0;  ///< as told to the host; may differ from the list after odd removals

@@ -86,23 +86,19 @@ HRESULT CFilterInputPin::EndOfStream() {
 }
 
 HRESULT CFilterInputPin::BeginFlush() {
-    CAutoLock lock(filter_.pzi());
-    const HRESULT hr =
-        filter_.tellConnectedOutputs([](CFilterOutputPin& pin) { return pin.DeliverBeginFlush(); });
+    const HRESULT hr = filter_.tellConnectedOutputs([](const Downstream& to) { return to.beginFlush(); });
     return FAILED(hr) ? hr : CBaseInputPin::BeginFlush();
 }
 
 HRESULT CFilterInputPin::EndFlush() {
-    CAutoLock lock(filter_.pzi());
-    const HRESULT hr =
-        filter_.tellConnectedOutputs([](CFilterOutputPin& pin) { return pin.DeliverEndFlush(); });
+    const HRESULT hr = filter_.tellConnectedOutputs([](const Downstream& to) { return to.endFlush(); });
     return FAILED(hr) ? hr : CBaseInputPin::EndFlush();
 }
 
 HRESULT CFilterInputPin::NewSegment(REFERENCE_TIME start, REFERENCE_TIME stop, double rate) {
-    CAutoLock lock(filter_.pzi());
-    const HRESULT hr = filter_.tellConnectedOutputs(
-        [&](CFilterOutputPin& pin) { return pin.DeliverNewSegment(start, stop, rate); });
+    const CAutoLock stream(filter_.streamLock());
+    const HRESULT hr =
+        filter_.tellConnectedOutputs([&](const Downstream& to) { return to.newSegment(start, stop, rate); });
     return FAILED(hr) ? hr : CBaseInputPin::NewSegment(start, stop, rate);
 }
 
@@ -135,17 +131,17 @@ HRESULT CFilterOutputPin::QueryInterface(REFIID iid, void** out) {
 }
 
 IUnknown* CFilterOutputPin::keptPassThru() const {
-    CAutoLock lock(filter_.pzi());
+    CAutoLock look(LookLock());
     return passThru_.get();
 }
 
 HRESULT CFilterOutputPin::findPassThru(IUnknown** out) {
     if (!keptPassThru()) {
-        // Made without the lock, since a block mustn't wait for the system to look for the class.
+        // Made without a lock, since nobody is to wait for the system to look for the class.
         RefPtr<IUnknown> made;
         const HRESULT hr = makeSeekingPassThru(static_cast<IPin*>(this), &filter_.inputPin(), &made);
         if (FAILED(hr)) return hr;
-        CAutoLock lock(filter_.pzi());
+        CAutoLock look(LookLock());
         if (!passThru_) passThru_ = std::move(made);
     }
     *out = keptPassThru();

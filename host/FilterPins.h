@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string_view>
 
+#include "platform/com/ModuleLock.h"
 #include "platform/com/RefPtr.h"
 #include "platform/graph/BaseInputPin.h"
 #include "platform/graph/BaseOutputPin.h"
@@ -74,6 +75,7 @@ private:
     RefPtr<IUnknown> passThru_;  ///< its inner identity; null until asked for, then kept
     std::atomic<ULONG> references_ = 0;
     bool checkingType_ = false;
+    [[no_unique_address]] ModuleLock module_;
 };
 
 }  // namespace marnoth

@@ -57,6 +57,7 @@ private:
     HRESULT makeList(std::wstring_view kind, std::uint32_t maxCount, List& list) const;
     HRESULT makeEntry(Lists& lists, std::int32_t key, std::wstring_view kind) const;
 
+    [[no_unique_address]] ModuleLock m_module;
     CCritSec m_lock;
     std::int32_t m_references = 0;
     const std::wstring m_name;

@@ -47,12 +47,13 @@ HRESULT CFilter::AddOutputPin(const char* name, std::uint32_t* id) try {
     const std::uint32_t newId = pin->id();
     // A block must find room for every pin without asking for memory.
     m_spareBuffers.buffers.reserve(m_outputPins.size() + 1);
-    m_spareBuffers.pins.reserve(m_outputPins.size() + 1);
+    m_spareBuffers.outlets.reserve(m_outputPins.size() + 1);
     m_spareBuffers.pieces.reserve(m_outputPins.size() + 1);
     m_abandonedSamples.reserve(kFailedBlocks * (m_outputPins.size() + 1));
-    m_outputPins.push_back(std::move(pin));
-    m_outputPinCount = count;
-    IncrementPinVersion();
+    changePins([&](OutputPins& pins) {
+        pins.push_back(std::move(pin));
+        m_outputPinCount = count;
+    });
     if (id) *id = newId;
     NotifyPinSetChanged(count);
     return S_OK;
@@ -69,9 +70,10 @@ HRESULT CFilter::RemoveOutputPin(std::uint32_t id) {
     if (const HRESULT hr = askForPinSet(m_outputPinCount - 1); FAILED(hr)) return hr;
     if (pin->IsConnected()) return E_UNEXPECTED;
     // The host may have changed the set when it was asked.
-    std::erase_if(m_outputPins, hasId);
-    --m_outputPinCount;
-    IncrementPinVersion();
+    changePins([&](OutputPins& pins) {
+        std::erase_if(pins, hasId);
+        --m_outputPinCount;
+    });
     return NotifyPinSetChanged(m_outputPinCount);
 }
 
@@ -80,10 +82,12 @@ HRESULT CFilter::RemoveAllOutputPins() {
     if (const HRESULT hr = askForPinSet(0); FAILED(hr)) return hr;
     while (!m_outputPins.empty()) {
         if (m_outputPins.front()->IsConnected()) return E_UNEXPECTED;
-        m_outputPins.erase(m_outputPins.begin());
-        IncrementPinVersion();
+        changePins([first = m_outputPins.front()](OutputPins& pins) { pins.erase(pins.begin()); });
     }
-    m_outputPinCount = 0;
+    {
+        const CAutoLock look(LookLock());
+        m_outputPinCount = 0;
+    }
     NotifyPinSetChanged(0);
     return S_OK;
 }

@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "platform/com/ModuleLock.h"
 #include "seam/KvxInterfaces.h"
 
 namespace marnoth {
@@ -38,6 +39,7 @@ protected:
     virtual ~CStringMap() = default;
 
 private:
+    [[no_unique_address]] ModuleLock m_module;
     std::int32_t m_references = 0;
     const Names m_names;
     Names::const_iterator m_cursor = m_names.end();

@@ -3,6 +3,7 @@
 #include <atomic>
 
 #include "platform/com/Com.h"
+#include "platform/com/ModuleLock.h"
 
 namespace marnoth {
 
@@ -51,6 +52,7 @@ private:
 
     InnerIdentity inner_;
     IUnknown* const outer_;
+    [[no_unique_address]] ModuleLock module_;
 };
 
 /// `Base` with further interfaces: routes the `IUnknown` part of all of them to `Base`, which is a `CUnknown`

@@ -1,5 +1,7 @@
 #include "platform/graph/BaseFilter.h"
 
+#include <utility>
+
 #include "platform/com/Enumerator.h"
 #include "platform/com/Guarded.h"
 #include "platform/graph/BasePin.h"
@@ -14,7 +16,7 @@ struct PinList {
     using Item = IPin;
     static const IID& iid() { return IID_IEnumPins; }
 
-    CCritSec& lock() const { return filter->Lock(); }
+    CCritSec& lock() const { return filter->LookLock(); }
     int version() const { return filter->PinVersion(); }
     IPin* take(int position) const { return RefPtr<IPin>(filter->GetPin(position)).detach(); }
     void giveBack(IPin* pin) const { pin->Release(); }
@@ -39,6 +41,11 @@ HRESULT CBaseFilter::GetClassID(CLSID* out) {
     if (!out) return E_POINTER;
     *out = id_;
     return S_OK;
+}
+
+void CBaseFilter::SetState(FILTER_STATE state) {
+    CAutoLock look(lookLock_);
+    state_ = state;
 }
 
 HRESULT CBaseFilter::DeactivatePins(int count) {
@@ -70,7 +77,7 @@ HRESULT CBaseFilter::Stop() {
     CAutoLock hold(lock_);
     HRESULT hr = S_OK;
     if (state_ != State_Stopped) hr = DeactivatePins(GetPinCount());
-    state_ = State_Stopped;
+    SetState(State_Stopped);
     return hr;
 }
 
@@ -80,7 +87,7 @@ HRESULT CBaseFilter::Pause() {
         const HRESULT hr = ActivatePins();
         if (FAILED(hr)) return hr;
     }
-    state_ = State_Paused;
+    SetState(State_Paused);
     return S_OK;
 }
 
@@ -99,40 +106,42 @@ HRESULT CBaseFilter::Run(REFERENCE_TIME start) {
             if (FAILED(hr)) return hr;
         }
     }
-    state_ = State_Running;
+    SetState(State_Running);
     return S_OK;
 }
 
 HRESULT CBaseFilter::GetState(DWORD, FILTER_STATE* out) {
     if (!out) return E_POINTER;
-    CAutoLock hold(lock_);
+    CAutoLock look(lookLock_);
     *out = state_;
     return S_OK;
 }
 
 HRESULT CBaseFilter::SetSyncSource(IReferenceClock* clock) {
+    RefPtr<IReferenceClock> held(clock);
     CAutoLock hold(lock_);
-    clock_ = RefPtr<IReferenceClock>(clock);
+    CAutoLock look(lookLock_);
+    std::swap(clock_, held);
     return S_OK;
 }
 
 HRESULT CBaseFilter::GetSyncSource(IReferenceClock** out) {
     if (!out) return E_POINTER;
-    CAutoLock hold(lock_);
+    CAutoLock look(lookLock_);
     *out = RefPtr(clock_).detach();
     return S_OK;
 }
 
 HRESULT CBaseFilter::EnumPins(IEnumPins** out) {
     if (!out) return E_POINTER;
-    CAutoLock hold(lock_);
+    CAutoLock look(lookLock_);
     return CEnumerator<PinList>::Make({RefPtr<CBaseFilter>(this)}, out);
 }
 
 HRESULT CBaseFilter::FindPin(LPCWSTR id, IPin** out) {
     if (!id || !out) return E_POINTER;
     *out = nullptr;
-    CAutoLock hold(lock_);
+    CAutoLock look(lookLock_);
     for (int i = 0; i < GetPinCount(); ++i) {
         CBasePin* pin = GetPin(i);
         if (!pin || pin->Name() != id) continue;
@@ -144,7 +153,7 @@ HRESULT CBaseFilter::FindPin(LPCWSTR id, IPin** out) {
 
 HRESULT CBaseFilter::QueryFilterInfo(FILTER_INFO* out) {
     if (!out) return E_POINTER;
-    CAutoLock hold(lock_);
+    CAutoLock look(lookLock_);
     *out = {};
     name_.copy(out->achName, std::size(out->achName) - 1);
     out->pGraph = RefPtr<IFilterGraph>(graph_).detach();
@@ -152,9 +161,11 @@ HRESULT CBaseFilter::QueryFilterInfo(FILTER_INFO* out) {
 }
 
 HRESULT CBaseFilter::JoinFilterGraph(IFilterGraph* graph, LPCWSTR name) {
-    CAutoLock hold(lock_);
     return guarded([=, this] {
-        name_ = name ? name : L"";
+        std::wstring given = name ? name : L"";
+        CAutoLock hold(lock_);
+        CAutoLock look(lookLock_);
+        std::swap(name_, given);
         graph_ = graph;
         return S_OK;
     });

@@ -15,13 +15,16 @@ class CBasePin;
 /// that derives from it says.
 ///
 /// Operations may come on any thread and run under the lock that the filter was given, which its pins share.
+/// Who only looks, at the state, the clock, the pins and their peers and types, doesn't wait for it: graphs
+/// look while a block is on its way. What can be seen changes under both locks, and is read under
+/// `LookLock()` alone.
 class CBaseFilter : public Implements<CUnknown, IBaseFilter, IAMovieSetup> {
 public:
     /// `outer` is the object that this one becomes a part of, or null. `lock` lives longer than the filter.
     CBaseFilter(IUnknown* outer, CCritSec& lock, REFCLSID id);
 
     virtual int GetPinCount() = 0;
-    /// The pin at `index`, without a reference; null out of range.
+    /// The pin at `index`, without a reference; null out of range. Under either lock.
     virtual CBasePin* GetPin(int index) = 0;
 
     // IPersist
@@ -56,6 +59,7 @@ public:
     HRESULT Register() override;
     HRESULT Unregister() override;
 
+    /// Under the lock.
     FILTER_STATE State() const { return state_; }
     /// The graph, without a reference; null outside a graph.
     IFilterGraph* Graph() const { return graph_; }
@@ -65,11 +69,14 @@ public:
     /// Asks the graph to connect `pin` anew, with `type` or, for null, with whatever the pins agree on.
     HRESULT ReconnectPin(IPin* pin, const AM_MEDIA_TYPE* type);
 
-    /// Grows whenever pins come or go, which makes enumerators of them out of date.
+    /// Grows whenever pins come or go, which makes enumerators of them out of date. Changes under both locks.
     int PinVersion() const { return pinVersion_; }
     void IncrementPinVersion() { ++pinVersion_; }
 
     CCritSec& Lock() const { return lock_; }
+    /// For a few fields at a time, and taken last of all: under it nobody is called, except to count
+    /// references.
+    CCritSec& LookLock() const { return lookLock_; }
 
 protected:
     /// When the filter began to run: the argument of `Run`.
@@ -78,10 +85,12 @@ protected:
     IUnknown* FindInterface(REFIID iid) override;
 
 private:
+    void SetState(FILTER_STATE state);
     HRESULT ActivatePins();
     HRESULT DeactivatePins(int count);
 
     CCritSec& lock_;
+    mutable CCritSec lookLock_;
     const CLSID id_;
     FILTER_STATE state_ = State_Stopped;
     REFERENCE_TIME startTime_ = 0;

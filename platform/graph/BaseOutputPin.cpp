@@ -63,29 +63,27 @@ HRESULT CBaseOutputPin::Inactive() {
 
 HRESULT CBaseOutputPin::GetDeliveryBuffer(IMediaSample** out, REFERENCE_TIME* start, REFERENCE_TIME* end,
                                           DWORD flags) {
-    if (!IsConnected()) return VFW_E_NOT_CONNECTED;
-    if (!allocator_) return VFW_E_NO_ALLOCATOR;
-    return allocator_->GetBuffer(out, start, end, flags);
+    return GetDownstream().getBuffer(out, start, end, flags);
 }
 
 HRESULT CBaseOutputPin::Deliver(IMediaSample* sample) {
-    return receiver_ ? receiver_->Receive(sample) : VFW_E_NOT_CONNECTED;
+    return GetDownstream().deliver(sample);
 }
 
 HRESULT CBaseOutputPin::DeliverEndOfStream() {
-    return IsConnected() ? GetConnected()->EndOfStream() : VFW_E_NOT_CONNECTED;
+    return GetDownstream().endOfStream();
 }
 
 HRESULT CBaseOutputPin::DeliverBeginFlush() {
-    return IsConnected() ? GetConnected()->BeginFlush() : VFW_E_NOT_CONNECTED;
+    return GetDownstream().beginFlush();
 }
 
 HRESULT CBaseOutputPin::DeliverEndFlush() {
-    return IsConnected() ? GetConnected()->EndFlush() : VFW_E_NOT_CONNECTED;
+    return GetDownstream().endFlush();
 }
 
 HRESULT CBaseOutputPin::DeliverNewSegment(REFERENCE_TIME start, REFERENCE_TIME stop, double rate) {
-    return IsConnected() ? GetConnected()->NewSegment(start, stop, rate) : VFW_E_NOT_CONNECTED;
+    return GetDownstream().newSegment(start, stop, rate);
 }
 
 HRESULT CBaseOutputPin::EndOfStream() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/graph/BasePin.h"
+#include "platform/graph/Downstream.h"
 
 namespace marnoth {
 
@@ -47,6 +48,9 @@ public:
     HRESULT EndOfStream() override;
     HRESULT BeginFlush() override;
     HRESULT EndFlush() override;
+
+    /// Under the lock.
+    Downstream GetDownstream() const { return {RefPtr<IPin>(GetConnected()), receiver_, allocator_}; }
 
     /// Both without a reference; null when not connected.
     IMemAllocator* Allocator() const { return allocator_.get(); }

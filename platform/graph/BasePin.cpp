@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 
 #include "platform/com/Enumerator.h"
 #include "platform/com/Unknown.h"
@@ -54,6 +55,24 @@ IUnknown* CBasePin::FindInterface(REFIID iid) {
     return nullptr;
 }
 
+CCritSec& CBasePin::LookLock() const {
+    return filter_.LookLock();
+}
+
+// What was there before is let go of outside the lock: its owners may do anything then.
+void CBasePin::SetConnected(RefPtr<IPin> peer) {
+    CAutoLock look(LookLock());
+    std::swap(connected_, peer);
+}
+
+HRESULT CBasePin::KeepType(const AM_MEDIA_TYPE& type) {
+    CMediaType kept;
+    if (const HRESULT hr = kept.Set(type); FAILED(hr)) return hr;
+    CAutoLock look(LookLock());
+    type_ = std::move(kept);  // which leaves the former one in `kept`
+    return S_OK;
+}
+
 bool CBasePin::IsStopped() const {
     return filter_.State() == State_Stopped;
 }
@@ -63,7 +82,7 @@ HRESULT CBasePin::GetMediaType(int position, CMediaType*) {
 }
 
 HRESULT CBasePin::SetMediaType(const AM_MEDIA_TYPE* type) {
-    return type ? type_.Set(*type) : E_POINTER;
+    return type ? KeepType(*type) : E_POINTER;
 }
 
 HRESULT CBasePin::CheckConnect(IPin* peer) {
@@ -172,8 +191,8 @@ HRESULT CBasePin::TryConnection(IPin* receiver, const AM_MEDIA_TYPE& type) {
 
 HRESULT CBasePin::Establish(IPin* receiver, const AM_MEDIA_TYPE& type) {
     // Both are in place before the receiver hears of it: it may ask back.
-    connected_ = RefPtr<IPin>(receiver);
-    HRESULT hr = type_.Set(type);
+    SetConnected(RefPtr<IPin>(receiver));
+    HRESULT hr = KeepType(type);
     if (FAILED(hr)) return hr;
     hr = receiver->ReceiveConnection(this, &type);
     if (FAILED(hr)) return hr;
@@ -199,7 +218,7 @@ HRESULT CBasePin::Accept(IPin* connector, const AM_MEDIA_TYPE* type) {
     hr = CheckMediaType(type);
     if (FAILED(hr)) return hr;
     if (hr != S_OK) return VFW_E_TYPE_NOT_ACCEPTED;
-    connected_ = RefPtr<IPin>(connector);
+    SetConnected(RefPtr<IPin>(connector));
     hr = SetMediaType(type);
     if (FAILED(hr)) return hr;
     return CompleteConnect(connector);
@@ -207,8 +226,8 @@ HRESULT CBasePin::Accept(IPin* connector, const AM_MEDIA_TYPE* type) {
 
 HRESULT CBasePin::LetGo() {
     const HRESULT hr = BreakConnect();
-    connected_.reset();
-    type_.Reset();
+    SetConnected(nullptr);
+    KeepType({});
     return hr;
 }
 
@@ -222,14 +241,14 @@ HRESULT CBasePin::Disconnect() {
 
 HRESULT CBasePin::ConnectedTo(IPin** out) {
     if (!out) return E_POINTER;
-    CAutoLock hold(lock_);
+    CAutoLock look(LookLock());
     *out = RefPtr<IPin>(connected_).detach();
     return *out ? S_OK : VFW_E_NOT_CONNECTED;
 }
 
 HRESULT CBasePin::ConnectionMediaType(AM_MEDIA_TYPE* out) {
     if (!out) return E_POINTER;
-    CAutoLock hold(lock_);
+    CAutoLock look(LookLock());
     *out = {};
     return IsConnected() ? type_.CopyTo(out) : VFW_E_NOT_CONNECTED;
 }

@@ -15,7 +15,8 @@ class CBaseFilter;
 /// A pin of a `CBaseFilter`: negotiates connections and keeps what was agreed.
 ///
 /// Belongs to its filter and shares its reference count; a class with a count of its own overrides `AddRef`
-/// and `Release`. Graph operations come on any thread and take the lock that the pin was given.
+/// and `Release`. Graph operations come on any thread and take the lock that the pin was given; `ConnectedTo`
+/// and `ConnectionMediaType`, which only look, take the filter's `LookLock()`.
 ///
 /// A connection is tried on the output pin by `Connect`, in these steps, of which the first failure ends the
 /// attempt and is followed by `BreakConnect`: `CheckConnect`, `CheckMediaType`, the receiver's
@@ -93,9 +94,12 @@ protected:
     virtual IUnknown* FindInterface(REFIID iid);
 
     CCritSec& Lock() const { return lock_; }
+    CCritSec& LookLock() const;
     bool IsStopped() const;
 
 private:
+    void SetConnected(RefPtr<IPin> peer);
+    HRESULT KeepType(const AM_MEDIA_TYPE& type);
     HRESULT CheckMayConnect() const;
     HRESULT AgreeMediaType(IPin* receiver, const AM_MEDIA_TYPE* wanted);
     HRESULT TryTypes(IEnumMediaTypes* types, IPin* receiver, const AM_MEDIA_TYPE* wanted, HRESULT* failure);

@@ -1,6 +1,6 @@
 #include "host/CreateInstance.h"
 #include "host/FilterHost.h"
-#include "host/Module.h"
+#include "platform/com/ModuleLock.h"
 #include "seam/ClassIds.h"
 
 namespace marnoth::test::filter_identity_test {
@@ -55,7 +55,7 @@ TEST(Instrument, KeepsTheModuleLoadedWhileItLives) {
     const long before = ModuleLock::count();
     {
         FilterHost host;
-        EXPECT_EQ(ModuleLock::count(), before + 1);
+        EXPECT_GT(ModuleLock::count(), before);
     }
     EXPECT_EQ(ModuleLock::count(), before);
 }

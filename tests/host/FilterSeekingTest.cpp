@@ -2,7 +2,7 @@
 /// the system's own pass-through is between the two.
 
 #include "host/FilterHost.h"
-#include "host/Module.h"
+#include "platform/com/ModuleLock.h"
 #include "support/SeekingSource.h"
 
 namespace marnoth::test::filter_seeking_test {

@@ -4,8 +4,8 @@
 
 namespace marnoth {
 
-/// What keeps the module that carries the instrument loaded: every living filter holds one lock, and a server
-/// adds those that its callers ask for. Any thread.
+/// What keeps the module that carries the instrument loaded: everything that is given out holds one lock as
+/// long as it lives, and a server adds those that its callers ask for. Any thread.
 class ModuleLock {
 public:
     ModuleLock() { ++count_; }
