@@ -1,10 +1,9 @@
 #include "tools/GrooveMidi.h"
 
-#include <smf.h>
-
 #include <algorithm>
 #include <cmath>
-#include <memory>
+#include <cstdint>
+#include <fstream>
 #include <stdexcept>
 #include <vector>
 
@@ -41,56 +40,76 @@ const std::vector<Switches> kPart{
     {kChords, {0, 47, 48, kEnd}},
 };
 
-struct SmfDeleter {
-    void operator()(smf_t* smf) const { smf_delete(smf); }
+using Bytes = std::vector<std::uint8_t>;
+
+std::uint32_t pulses(double beats) {
+    return static_cast<std::uint32_t>(std::lround(beats * kPulsesPerBeat));
+}
+
+void appendBig(Bytes& bytes, std::uint32_t value, int count) {
+    for (int shift = 8 * (count - 1); shift >= 0; shift -= 8)
+        bytes.push_back(static_cast<std::uint8_t>(value >> shift));
+}
+
+/// Seven bits a byte, the highest first; all but the last are marked.
+void appendVariable(Bytes& bytes, std::uint32_t value) {
+    for (int shift = 21; shift > 0; shift -= 7)
+        if (value >> shift) bytes.push_back(static_cast<std::uint8_t>(0x80 | (value >> shift & 0x7F)));
+    bytes.push_back(value & 0x7F);
+}
+
+/// Events, each a message or a meta event, in the order of their times.
+class Track {
+public:
+    void add(double beat, const Bytes& event) {
+        appendVariable(events_, pulses(beat) - last_);
+        last_ = pulses(beat);
+        events_.insert(events_.end(), event.begin(), event.end());
+    }
+
+    /// Behind the chunks of a file, as the next of them.
+    void appendTo(Bytes& file) {
+        add(kBeats, {0xFF, 0x2F, 0});
+        file.insert(file.end(), {'M', 'T', 'r', 'k'});
+        appendBig(file, static_cast<std::uint32_t>(events_.size()), 4);
+        file.insert(file.end(), events_.begin(), events_.end());
+    }
+
+private:
+    Bytes events_;
+    std::uint32_t last_ = 0;  ///< pulses
 };
 
-int pulses(double beats) {
-    return static_cast<int>(std::lround(beats * kPulsesPerBeat));
-}
-
-/// A message or a meta event. The track owns what it is given.
-void add(smf_track_t* track, double beat, std::vector<unsigned char> bytes) {
-    smf_event_t* event = smf_event_new_from_pointer(bytes.data(), static_cast<int>(bytes.size()));
-    if (!event) throw std::runtime_error("a MIDI event can't be made");
-    smf_track_add_event_pulses(track, event, pulses(beat));
-}
-
-smf_track_t* newTrack(smf_t* smf) {
-    smf_track_t* track = smf_track_new();
-    if (!track) throw std::runtime_error("a MIDI track can't be made");
-    smf_add_track(smf, track);
+Track tempoTrack() {
+    Track track;
+    track.add(0, {0xFF, 0x58, 4, 4, 2, 24, 8});
+    Bytes tempo{0xFF, 0x51, 3};
+    appendBig(tempo, static_cast<std::uint32_t>(std::lround(60e6 / kTempo)), 3);
+    track.add(0, tempo);
     return track;
 }
 
-void addTempoTrack(smf_t* smf) {
-    smf_track_t* track = newTrack(smf);
-    const auto microseconds = static_cast<unsigned>(std::lround(60e6 / kTempo));
-    const auto byte = [&](int shift) { return static_cast<unsigned char>(microseconds >> shift & 0xFF); };
-    add(track, 0, {0xFF, 0x58, 4, 4, 2, 24, 8});
-    add(track, 0, {0xFF, 0x51, 3, byte(16), byte(8), byte(0)});
-    if (smf_track_add_eot_pulses(track, pulses(kBeats))) throw std::runtime_error("a MIDI track has no end");
-}
-
-void addPad(smf_t* smf, const Switches& pad) {
-    smf_track_t* track = newTrack(smf);
-    const auto key = static_cast<unsigned char>(pad.key);
+Track padTrack(const Switches& pad) {
+    Track track;
+    const auto key = static_cast<std::uint8_t>(pad.key);
     for (const double beat : pad.beats) {
-        add(track, beat, {0x90, key, kVelocity});
-        add(track, std::min<double>(beat + kNoteBeats, kBeats), {0x80, key, 64});
+        track.add(beat, {0x90, key, kVelocity});
+        track.add(std::min<double>(beat + kNoteBeats, kBeats), {0x80, key, 64});
     }
-    if (smf_track_add_eot_pulses(track, pulses(kBeats))) throw std::runtime_error("a MIDI track has no end");
+    return track;
 }
 
 }  // namespace
 
 void writeGroove(const std::filesystem::path& path) {
-    const std::unique_ptr<smf_t, SmfDeleter> smf(smf_new());
-    if (!smf || smf_set_ppqn(smf.get(), kPulsesPerBeat))
-        throw std::runtime_error("a MIDI file can't be made");
-    addTempoTrack(smf.get());
-    for (const Switches& pad : kPart) addPad(smf.get(), pad);
-    if (smf_save(smf.get(), path.c_str())) throw std::runtime_error(path.string() + ": it can't be written");
+    Bytes file{'M', 'T', 'h', 'd', 0, 0, 0, 6, 0, 1};
+    appendBig(file, static_cast<std::uint32_t>(kPart.size() + 1), 2);
+    appendBig(file, kPulsesPerBeat, 2);
+    tempoTrack().appendTo(file);
+    for (const Switches& pad : kPart) padTrack(pad).appendTo(file);
+    std::ofstream out(path, std::ios::binary);
+    out.write(reinterpret_cast<const char*>(file.data()), static_cast<std::streamsize>(file.size()));
+    if (!out.flush()) throw std::runtime_error(path.string() + ": it can't be written");
 }
 
 }  // namespace marnoth::tools

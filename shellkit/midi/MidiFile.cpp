@@ -1,7 +1,5 @@
 #include "shellkit/midi/MidiFile.h"
 
-#include <smf.h>
-
 #include <algorithm>
 #include <array>
 #include <deque>
@@ -9,12 +7,11 @@
 #include <fstream>
 #include <iterator>
 #include <limits>
-#include <memory>
 #include <span>
 
 #include "seam/MusicalTime.h"
 #include "shellkit/files/Failure.h"
-#include "shellkit/midi/MidiChunks.h"
+#include "shellkit/midi/MidiEvents.h"
 #include "shellkit/text/InstrumentText.h"
 
 namespace marnoth {
@@ -22,21 +19,10 @@ namespace marnoth {
 namespace {
 
 constexpr double kMicrosecondsPerMinute = 60e6;
-constexpr int kNoteOff = 0x80;
-constexpr int kNoteOn = 0x90;
-constexpr int kLargestDenominatorExponent = 8;
+constexpr int kLargestUnitExponent = 8;
 constexpr std::uint16_t kFilmFrames = 0x8000;
 constexpr std::uint16_t kOnePiece = 1;  ///< the highest format of a piece in one
-constexpr std::size_t kMostTracks = 0xFFFF;
 constexpr std::uintmax_t kMostFileBytes = 64 << 20;
-
-struct SmfDeleter {
-    void operator()(smf_t* smf) const { smf_delete(smf); }
-};
-using Smf = std::unique_ptr<smf_t, SmfDeleter>;
-
-/// What the library has to say about a damaged file would stand between our own lines.
-void dropMessage(const gchar*, GLogLevelFlags, const gchar*, gpointer) {}
 
 /// Turns the events of a file into a part, one after the other in the order of their times.
 class PartBuilder {
@@ -44,14 +30,11 @@ public:
     PartBuilder(std::string file, int pulsesPerBeat)
         : file_(std::move(file)), pulsesPerBeat_(pulsesPerBeat) {}
 
-    void take(const smf_event_t& event) {
-        now_ = ticks(event.time_pulses);
-        const std::span<const unsigned char> bytes(event.midi_buffer,
-                                                   static_cast<std::size_t>(event.midi_buffer_length));
-        if (bytes.size() >= 3 && bytes[0] == kMetaStatus)
-            takeMeta(bytes);
-        else if (bytes.size() >= 3 && bytes[0] < 0xF0)
-            takeNote(bytes);
+    void take(const MidiEvent& event) {
+        now_ = ticks(event.pulses);
+        if (const auto* note = std::get_if<MidiNote>(&event.what)) takeNote(*note);
+        if (const auto* tempo = std::get_if<MidiTempo>(&event.what)) takeTempo(*tempo);
+        if (const auto* signature = std::get_if<MidiSignature>(&event.what)) takeSignature(*signature);
     }
 
     MidiPart finish() {
@@ -78,31 +61,29 @@ private:
         return narrowed((pulses * kTicksPerBeat * 2 + pulsesPerBeat_) / (2 * pulsesPerBeat_));
     }
 
-    void takeMeta(std::span<const unsigned char> bytes) {
-        if (bytes[1] == kTempoMeta && bytes.size() >= 6) {
-            const int microseconds = bytes[3] << 16 | bytes[4] << 8 | bytes[5];
-            if (microseconds > 0) part_.tempo.add(now_, kMicrosecondsPerMinute / microseconds);
-        } else if (bytes[1] == kSignatureMeta && bytes.size() >= 5) {
-            if (bytes[3] == 0 || bytes[4] > kLargestDenominatorExponent) return;
-            barTicks_ = std::max<std::int64_t>(1, 4 * kTicksPerBeat * bytes[3] >> bytes[4]);
-            barOrigin_ = now_;
-        }
+    void takeTempo(MidiTempo tempo) {
+        if (tempo.microsecondsPerBeat > 0)
+            part_.tempo.add(now_, kMicrosecondsPerMinute / tempo.microsecondsPerBeat);
     }
 
-    void takeNote(std::span<const unsigned char> bytes) {
-        const int kind = bytes[0] & 0xF0;
-        if (kind != kNoteOn && kind != kNoteOff) return;
-        OpenNotes& open = open_[bytes[0] & 0x0F][bytes[1] & 0x7F];
-        if (kind == kNoteOff || bytes[2] == 0) {
+    void takeSignature(MidiSignature signature) {
+        if (signature.count == 0 || signature.unitExponent > kLargestUnitExponent) return;
+        barTicks_ = std::max<std::int64_t>(1, 4 * kTicksPerBeat * signature.count >> signature.unitExponent);
+        barOrigin_ = now_;
+    }
+
+    void takeNote(MidiNote told) {
+        OpenNotes& open = open_[told.channel][told.key];
+        if (told.velocity == 0) {
             if (!open.empty()) end(open);
             return;
         }
         SynthEvent note;
         note.type = SynthEventType::note;
         note.time = now_;
-        note.channel = bytes[0] & 0x0F;
-        note.note = bytes[1] & 0x7F;
-        note.velocity = bytes[2] & 0x7F;
+        note.channel = told.channel;
+        note.note = told.key;
+        note.velocity = told.velocity;
         open.push_back(part_.notes.size());
         part_.notes.push_back(note);
     }
@@ -135,39 +116,26 @@ std::vector<std::uint8_t> readFile(const std::string& file) {
 }
 
 /// Why a sound file can't be played, or nothing.
-std::string problemOf(const MidiChunks& chunks) {
-    if (chunks.division >= kFilmFrames) return "it counts in film frames, not in beats: export it in beats";
-    if (chunks.division == 0) return "it says that a beat has no length";
-    if (chunks.format > kOnePiece) return "its tracks are pieces of their own: export it as one piece";
-    if (chunks.tracks.size() > kMostTracks) return "it has too many tracks";
+std::string problemOf(const MidiEvents& midi) {
+    if (midi.division >= kFilmFrames) return "it counts in film frames, not in beats: export it in beats";
+    if (midi.division == 0) return "it says that a beat has no length";
+    if (midi.format > kOnePiece) return "its tracks are pieces of their own: export it as one piece";
     return {};
 }
 
-Smf load(const std::vector<std::uint8_t>& file) {
-    g_log_set_default_handler(dropMessage, nullptr);
-    return Smf(smf_load_from_memory(file.data(), static_cast<int>(file.size())));
-}
-
 }  // namespace
-
-bool canReadMidi() {
-    return true;
-}
 
 MidiPart readMidi(const std::string& file) {
     return readMidi(readFile(file), file);
 }
 
 MidiPart readMidi(std::span<const std::uint8_t> bytes, const std::string& file) {
-    const auto chunks = readMidiChunks(bytes);
-    if (!chunks) throw FileFailure(file + ": it isn't a standard MIDI file, or it is damaged");
-    const std::string problem = problemOf(*chunks);
+    const auto midi = readMidiEvents(bytes);
+    if (!midi) throw FileFailure(file + ": it isn't a standard MIDI file, or it is damaged");
+    const std::string problem = problemOf(*midi);
     if (!problem.empty()) throw FileFailure(file + ": " + problem);
-    const Smf smf = load(writeMidiChunks(*chunks));
-    if (!smf) throw FileFailure(file + ": it isn't a standard MIDI file of a known kind");
-    smf_rewind(smf.get());
-    PartBuilder builder(file, smf->ppqn);
-    while (const smf_event_t* event = smf_get_next_event(smf.get())) builder.take(*event);
+    PartBuilder builder(file, midi->division);
+    for (const MidiEvent& event : midi->events) builder.take(event);
     return builder.finish();
 }
 

@@ -17,9 +17,6 @@ struct MidiPart {
     std::int32_t endTicks = 0;      ///< the end of the file, rounded up to a whole bar of its time signature
 };
 
-/// Whether this build reads MIDI files.
-bool canReadMidi();
-
 /// Reads a file. Throws `FileFailure` with the reason when it isn't a standard MIDI file that counts in
 /// beats, or plays no note. Notes that the file leaves open end with it.
 MidiPart readMidi(const std::string& file);

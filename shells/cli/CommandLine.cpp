@@ -49,8 +49,6 @@ RenderOptions renderOptions(const Request& request) {
     options.form.format = readBits(request.bits);
     options.form.dither = !request.noDither;
     if (!request.key.empty()) options.key = readKey(request.key);
-    if (!options.midi.empty() && !canReadMidi())
-        throw WrongUse("--midi needs a build for Linux: render without it, or use 'marnoth script'");
     return options;
 }
 

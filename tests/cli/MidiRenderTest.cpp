@@ -7,16 +7,6 @@
 namespace marnoth::test::midi_render_test {
 namespace {
 
-#ifdef _WIN32
-
-TEST(MidiRender, IsRefusedInOneLine) {
-    const CliRun run = marnoth({"render", "--pad", "1=a.wav", "--midi", "a.mid", "--out", "b.wav"});
-    EXPECT_EQ(run.status, 2);
-    EXPECT_NE(run.err.find("--midi needs a build for Linux"), std::string::npos) << run.err;
-}
-
-#else
-
 TEST(MidiRender, ANoteStartsALoopAndTheNextOneEndsIt) {
     const TempFolder folder;
     WaveFile()
@@ -130,8 +120,6 @@ TEST(MidiRender, InALoopNothingIsAppended) {
     const LatchedLoop it;
     EXPECT_EQ(it.render({"--loop"}).samples.size() / 2, 4 * 22050u);
 }
-
-#endif
 
 }  // namespace
 }  // namespace marnoth::test::midi_render_test

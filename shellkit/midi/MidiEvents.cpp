@@ -1,9 +1,7 @@
-#include "shellkit/midi/MidiChunks.h"
+#include "shellkit/midi/MidiEvents.h"
 
 #include <algorithm>
-#include <array>
 #include <limits>
-#include <optional>
 
 namespace marnoth {
 
@@ -16,11 +14,19 @@ constexpr std::uint32_t kFormType = 0x524D4944;  // "RMID"
 constexpr std::uint32_t kDataId = 0x64617461;    // "data"
 constexpr std::uint32_t kHeaderBytes = 6;
 constexpr std::size_t kChunkHeadBytes = 8;
-constexpr int kLongestVariableNumber = 4;     // bytes
+constexpr int kLongestVariableNumber = 4;  // bytes
+// The first bytes of events; of messages without their channel.
+constexpr std::uint8_t kNoteOff = 0x80;
+constexpr std::uint8_t kNoteOn = 0x90;
+constexpr std::uint8_t kProgram = 0xC0;  ///< one byte follows, as behind the next
+constexpr std::uint8_t kPressure = 0xD0;
 constexpr std::uint8_t kSystem = 0xF0;        ///< a whole message, or its beginning
 constexpr std::uint8_t kSystemGoesOn = 0xF7;  ///< the rest of one, or any bytes
-constexpr std::uint8_t kText = 0x01;
+constexpr std::uint8_t kMeta = 0xFF;
+// Kinds of meta events.
 constexpr std::uint8_t kEndOfTrack = 0x2F;
+constexpr std::uint8_t kTempo = 0x51;
+constexpr std::uint8_t kSignature = 0x58;
 
 /// Takes bytes off the front. Once something wasn't there, everything fails.
 class Bytes {
@@ -39,17 +45,9 @@ public:
         return taken;
     }
 
-    std::uint32_t big32() {
-        std::uint32_t value = 0;
-        for (const std::uint8_t byte : take(4)) value = value << 8 | byte;
-        return value;
-    }
-
-    std::uint16_t big16() {
-        std::uint16_t value = 0;
-        for (const std::uint8_t byte : take(2)) value = static_cast<std::uint16_t>(value << 8 | byte);
-        return value;
-    }
+    std::uint32_t big32() { return big(4); }
+    std::uint32_t big24() { return big(3); }
+    std::uint16_t big16() { return static_cast<std::uint16_t>(big(2)); }
 
     std::uint32_t little32() {
         std::uint32_t value = 0;
@@ -77,98 +75,89 @@ public:
     void fail() { ok_ = false; }
 
 private:
+    std::uint32_t big(std::size_t count) {
+        std::uint32_t value = 0;
+        for (const std::uint8_t byte : take(count)) value = value << 8 | byte;
+        return value;
+    }
+
     std::span<const std::uint8_t> rest_;
     bool ok_ = true;
 };
 
-/// Walks the events of a track up to its end, and writes them down as they should stand.
+/// Walks the events of a track up to its end.
 class TrackReader {
 public:
-    explicit TrackReader(std::span<const std::uint8_t> track) : bytes_(track) {}
+    TrackReader(std::span<const std::uint8_t> track, std::vector<MidiEvent>& events)
+        : bytes_(track), events_(events) {}
 
-    /// Nothing for a track that isn't sound.
-    std::optional<std::vector<std::uint8_t>> read() {
+    /// False for a track that isn't sound.
+    bool read() {
         while (bytes_.size() > 0 && !ended_ && readTime()) event();
-        if (!bytes_.ok()) return {};
-        if (!ended_) putMeta(kEndOfTrack, {});
-        return std::move(track_);
+        if (!ended_) put({});
+        return bytes_.ok();
     }
 
 private:
     /// False, too, for a time at the very end, which no event follows.
     bool readTime() {
-        delta_ = bytes_.variableNumber();
-        pulses_ += delta_;
+        pulses_ += bytes_.variableNumber();
         if (pulses_ > std::numeric_limits<std::int32_t>::max()) bytes_.fail();
         return bytes_.ok() && bytes_.size() > 0;
     }
 
     void event() {
         if (bytes_.peek() >= kSystem) return systemEvent(bytes_.byte());
-        if (bytes_.peek() >= 0x80) running_ = bytes_.byte();
+        if (bytes_.peek() >= kNoteOff) running_ = bytes_.byte();
         if (!running_) return bytes_.fail();
         const std::uint8_t kind = *running_ & 0xF0;
-        const bool hasOneByte = kind == 0xC0 || kind == 0xD0;
-        const auto data = bytes_.take(hasOneByte ? 1 : 2);
+        const auto data = bytes_.take(kind == kProgram || kind == kPressure ? 1 : 2);
         if (std::any_of(data.begin(), data.end(), [](std::uint8_t byte) { return byte >= 0x80; }))
             return bytes_.fail();
-        putTime();
-        track_.push_back(*running_);
-        track_.insert(track_.end(), data.begin(), data.end());
+        put(bytes_.ok() ? message(kind, *running_ & 0x0F, data) : What{});
     }
 
     void systemEvent(std::uint8_t status) {
-        if (status != kMetaStatus && status != kSystem && status != kSystemGoesOn) return bytes_.fail();
-        const std::uint8_t kind = status == kMetaStatus ? bytes_.byte() : kText;
+        if (status != kMeta && status != kSystem && status != kSystemGoesOn) return bytes_.fail();
+        const std::uint8_t kind = status == kMeta ? bytes_.byte() : 0;
         if (kind >= 0x80) return bytes_.fail();
         const auto body = bytes_.take(bytes_.variableNumber());
-        ended_ = status == kMetaStatus && kind == kEndOfTrack;
-        const bool isPlayed =
-            (kind == kTempoMeta && body.size() == 3) || (kind == kSignatureMeta && body.size() == 4);
-        if (ended_)
-            putMeta(kEndOfTrack, {});
-        else if (isPlayed)
-            putMeta(kind, body);
-        else
-            putMeta(kText, std::array<std::uint8_t, 1>{' '});
+        put(meta(kind, body));
+        ended_ = kind == kEndOfTrack;
     }
 
-    void putMeta(std::uint8_t kind, std::span<const std::uint8_t> body) {
-        putTime();
-        track_.insert(track_.end(), {kMetaStatus, kind, static_cast<std::uint8_t>(body.size())});
-        track_.insert(track_.end(), body.begin(), body.end());
+    using What = decltype(MidiEvent::what);
+
+    static What message(std::uint8_t kind, int channel, std::span<const std::uint8_t> data) {
+        if (kind != kNoteOn && kind != kNoteOff) return {};
+        const std::uint8_t velocity = kind == kNoteOn ? data[1] : std::uint8_t{0};
+        return MidiNote{static_cast<std::uint8_t>(channel), data[0], velocity};
     }
 
-    void putTime() {
-        for (int shift = 7 * (kLongestVariableNumber - 1); shift > 0; shift -= 7)
-            if (delta_ >> shift) track_.push_back(static_cast<std::uint8_t>(0x80 | (delta_ >> shift & 0x7F)));
-        track_.push_back(delta_ & 0x7F);
-        delta_ = 0;
+    static What meta(std::uint8_t kind, std::span<const std::uint8_t> body) {
+        if (kind == kTempo && body.size() == 3) return MidiTempo{Bytes(body).big24()};
+        if (kind == kSignature && body.size() == 4) return MidiSignature{body[0], body[1]};
+        return {};
     }
+
+    void put(What what) { events_.push_back({pulses_, what}); }
 
     Bytes bytes_;
-    std::uint32_t delta_ = 0;  ///< of the event that is being read
+    std::vector<MidiEvent>& events_;
     std::int64_t pulses_ = 0;
     std::optional<std::uint8_t> running_;  ///< stays behind meta and system events, as many files have it
     bool ended_ = false;
-    std::vector<std::uint8_t> track_;
 };
 
-/// Reads the chunk at the front and keeps it if it is a track; false behind the last one.
-bool takeChunk(Bytes& bytes, MidiChunks& chunks) {
+/// Reads the chunk at the front, and its events if it is a track; false behind the last one.
+bool takeChunk(Bytes& bytes, std::vector<MidiEvent>& events) {
     if (!bytes.ok() || bytes.size() < kChunkHeadBytes) return false;
     const bool isTrack = bytes.big32() == kTrackId;
     const std::uint32_t length = bytes.big32();
     if (!isTrack && length > bytes.size()) return false;
     const auto body = bytes.take(length);
-    if (!isTrack) return true;
-    auto track = bytes.ok() ? TrackReader(body).read() : std::nullopt;
-    if (!track) {
-        bytes.fail();
-        return false;
-    }
-    chunks.tracks.push_back(std::move(*track));
-    return true;
+    if (isTrack && bytes.ok() && !TrackReader(body, events).read()) bytes.fail();
+    return bytes.ok();
 }
 
 /// The MIDI file within a RIFF form; any other file as it is.
@@ -186,42 +175,24 @@ std::span<const std::uint8_t> withoutForm(std::span<const std::uint8_t> file) {
     return {};
 }
 
-void appendBig(std::vector<std::uint8_t>& file, std::size_t value, int bytes) {
-    for (int shift = 8 * (bytes - 1); shift >= 0; shift -= 8)
-        file.push_back(static_cast<std::uint8_t>(value >> shift));
-}
-
 }  // namespace
 
-std::optional<MidiChunks> readMidiChunks(std::span<const std::uint8_t> file) {
+std::optional<MidiEvents> readMidiEvents(std::span<const std::uint8_t> file) {
     Bytes bytes(withoutForm(file));
     if (bytes.big32() != kHeaderId) return {};
     const std::uint32_t headerBytes = bytes.big32();
     if (headerBytes < kHeaderBytes) return {};
     Bytes header(bytes.take(headerBytes));
-    MidiChunks chunks;
-    chunks.format = header.big16();
+    MidiEvents midi;
+    midi.format = header.big16();
     header.big16();
-    chunks.division = header.big16();
-    while (takeChunk(bytes, chunks)) {
+    midi.division = header.big16();
+    while (takeChunk(bytes, midi.events)) {
     }
-    if (!bytes.ok() || chunks.tracks.empty()) return {};
-    return chunks;
-}
-
-std::vector<std::uint8_t> writeMidiChunks(const MidiChunks& chunks) {
-    std::vector<std::uint8_t> file;
-    appendBig(file, kHeaderId, 4);
-    appendBig(file, kHeaderBytes, 4);
-    appendBig(file, chunks.format, 2);
-    appendBig(file, chunks.tracks.size(), 2);
-    appendBig(file, chunks.division, 2);
-    for (const auto& track : chunks.tracks) {
-        appendBig(file, kTrackId, 4);
-        appendBig(file, track.size(), 4);
-        file.insert(file.end(), track.begin(), track.end());
-    }
-    return file;
+    if (!bytes.ok() || midi.events.empty()) return {};
+    std::stable_sort(midi.events.begin(), midi.events.end(),
+                     [](const MidiEvent& a, const MidiEvent& b) { return a.pulses < b.pulses; });
+    return midi;
 }
 
 }  // namespace marnoth
