@@ -11,19 +11,28 @@ PageQuestions::~PageQuestions() {
     if (isOpen()) window_.cancelQuestion();
 }
 
-template <class Answer>
-std::function<void(Answer)> PageQuestions::opened(Answer cancelled, std::function<void(Answer)> then) {
+/// Has a question asked, whose answer goes to `then`; one that can't be asked isn't open.
+template <class Answer, class Ask>
+void PageQuestions::open(Answer cancelled, std::function<void(Answer)> then, Ask ask) {
     begin_();
-    cancelOpen_ = std::make_shared<Act>();
-    std::function<void(Answer)> answer = [this, open = std::weak_ptr(cancelOpen_),
+    auto cancelOpen = std::make_shared<Act>();
+    std::function<void(Answer)> answer = [this, open = std::weak_ptr(cancelOpen),
                                           then = std::move(then)](Answer given) {
         // It has its answer already, or the page is gone.
         if (open.expired()) return;
         cancelOpen_.reset();
         carryOut_([&] { then(std::move(given)); });
     };
-    *cancelOpen_ = [answer, cancelled] { answer(cancelled); };
-    return answer;
+    *cancelOpen = [answer, cancelled] { answer(cancelled); };
+    const std::weak_ptr<Act> own = cancelOpen;
+    cancelOpen_ = std::move(cancelOpen);
+    try {
+        ask(std::move(answer));
+    } catch (...) {
+        // Behind an answer there may be another question, or no page.
+        if (!own.expired()) cancelOpen_.reset();
+        throw;
+    }
 }
 
 void PageQuestions::cancel() {
@@ -36,18 +45,20 @@ void PageQuestions::cancel() {
 void PageQuestions::askMessage(std::string_view text, MessageKind kind,
                                std::function<void(PageAnswer)> then) {
     if (isOpen()) return then(PageAnswer::cancel);
-    window_.askMessage(text, kind, opened(PageAnswer::cancel, std::move(then)));
+    open(PageAnswer::cancel, std::move(then),
+         [&](auto answer) { window_.askMessage(text, kind, std::move(answer)); });
 }
 
 void PageQuestions::askFile(std::string_view filter, FileKind kind,
                             std::function<void(std::optional<std::string>)> then) {
     if (isOpen()) return then({});
-    window_.askFile(filter, kind, opened(std::optional<std::string>(), std::move(then)));
+    open(std::optional<std::string>(), std::move(then),
+         [&](auto answer) { window_.askFile(filter, kind, std::move(answer)); });
 }
 
 void PageQuestions::askMenu(Point at, std::span<const MenuItem> items, std::function<void(int)> then) {
     if (isOpen()) return then(0);
-    window_.askMenu(at, items, opened(0, std::move(then)));
+    open(0, std::move(then), [&](auto answer) { window_.askMenu(at, items, std::move(answer)); });
 }
 
 }  // namespace marnoth

@@ -36,9 +36,8 @@ public:
     void cancel();
 
 private:
-    /// What a window is to call with the answer of the question that begins here.
-    template <class Answer>
-    std::function<void(Answer)> opened(Answer cancelled, std::function<void(Answer)> then);
+    template <class Answer, class Ask>
+    void open(Answer cancelled, std::function<void(Answer)> then, Ask ask);
 
     PageWindow& window_;
     Act begin_;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <new>
 #include <utility>
 
 #include "platform/text/Text.h"
@@ -189,7 +190,13 @@ void HeadlessWindow::answer(std::string word) {
 }
 
 void HeadlessWindow::cancelQuestion() {
-    if (open_) log(std::exchange(open_, {})->line, kCancel);
+    if (!open_) return;
+    const std::optional<Question> taken = std::exchange(open_, {});
+    try {
+        log(taken->line, kCancel);
+    } catch (const std::bad_alloc&) {
+        // A page that goes takes its question back, be there room for the line or not.
+    }
 }
 
 void HeadlessWindow::ask(Question question) {

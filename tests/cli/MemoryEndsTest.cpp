@@ -27,6 +27,8 @@ constexpr int kStride = 17;
 #else
 constexpr int kStride = 1;
 #endif
+/// Of commands that do what others do, and more.
+constexpr int kSampled = 31;
 
 /// Keeps what is printed without taking memory.
 class Printed : public std::streambuf {
@@ -123,8 +125,9 @@ public:
     bool mayDiffer = false;  ///< a run that ends well may have made something else, but that whole
 
 private:
-    /// By the size that stands at the front of audio and projects.
+    /// By the end of a picture, and the size that stands at the front of audio and projects.
     static bool isWhole(const std::string& bytes) {
+        if (bytes.starts_with("\x89PNG")) return bytes.ends_with("IEND\xAE\x42\x60\x82");
         std::uint32_t size = 0;
         if (bytes.size() < 8 || !bytes.starts_with("RIFF")) return false;
         std::memcpy(&size, bytes.data() + 4, sizeof size);
@@ -138,12 +141,12 @@ private:
 /// Runs a command with each allocation failing. A run that ends well has made everything, or its print
 /// satisfies `tells`.
 void sweep(Stage& stage, const std::vector<std::string>& words,
-           const std::function<bool(const std::string&)>& tells = {}) {
+           const std::function<bool(const std::string&)>& tells = {}, int stride = kStride) {
     stage.learn(words);
     for (const MemoryEnds kind : {MemoryEnds::once, MemoryEnds::forGood}) {
         std::int64_t number = 1;
         int failed = 0;
-        for (bool happened = true; happened; number += kStride) {
+        for (bool happened = true; happened; number += stride) {
             const auto [run, did] = runFailing(words, number, kind);
             happened = did;
             SCOPED_TRACE("allocation " + std::to_string(number) +
@@ -163,7 +166,7 @@ void sweep(Stage& stage, const std::vector<std::string>& words,
             stage.prepare();
             if (::testing::Test::HasFailure()) return;
         }
-        EXPECT_GT(failed, 500 / kStride);
+        EXPECT_GT(failed, 500 / stride);
     }
 }
 
@@ -200,6 +203,25 @@ TEST(MemoryEnds, InAScript) {
     stage.mayDiffer = true;
     // A failure of the instrument is a line of the transcript like any other.
     sweep(stage, words, [&](const std::string& out) { return out == good || out.find("-> 8") != out.npos; });
+}
+
+TEST(MemoryEnds, InAScriptThatIsAPagesUser) {
+    Stage stage;
+    writeText(stage.folder / "test.mrs",
+              "connect 44100 2 mix\nLoadProject p.mrn\npage open\npress 40 100\nmove 60 120\nrelease 60 120\n"
+              "key 46\nanswer later\nanswer cancel\nshot ../o.png\n");
+    const std::vector<std::string> words{"script", stage.name("test.mrs"), "--out", stage.name("out")};
+    stage.mayDiffer = true;
+    sweep(
+        stage, words, [&](const std::string& out) { return out.find("shot") != out.npos; }, kSampled);
+}
+
+TEST(MemoryEnds, InAPageWithAQuestion) {
+    Stage stage;
+    sweep(stage,
+          {"page", stage.name("p.mrn"), "--key-map", "--scale", "2", "--open", "clear", "--out",
+           stage.name("o.png")},
+          {}, kSampled);
 }
 
 TEST(MemoryEnds, InAPage) {
