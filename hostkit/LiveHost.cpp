@@ -13,6 +13,7 @@
 #include "hostkit/SteadyMode.h"
 #include "hostkit/StreamPosition.h"
 #include "hostkit/TransportFollower.h"
+#include "hostkit/UnderLock.h"
 
 namespace marnoth {
 
@@ -49,6 +50,7 @@ struct LiveHost::Parts {
         makeObject<TimeConverter>(RefPtr<TempoService>(tempoMap.get()), 44100.0);
     RefPtr<KeyService> key = makeObject<KeyService>(kNoProjectKey);
     RefPtr<RawEventBatch> batch = makeObject<RawEventBatch>();
+    RefPtr<UnderLock> lock = makeObject<UnderLock>();  ///< for changes of the tempo map
     LiveCommands commands;
     OwnTransport own;
     TransportFollower follower{tempoMap};
@@ -96,7 +98,7 @@ void LiveHost::Parts::startAnew() {
     instrument.synth().StopPlayback();
     setSteady(instrument.sampler(), true);
     pieces.forgetSounding();
-    follower.restart(instrument.rate());
+    lock->run(instrument.synth(), [this] { follower.restart(instrument.rate()); });
     own.locate(own.tick());
     moved = true;
 }
@@ -149,7 +151,8 @@ void LiveHost::Parts::follow(LiveTransport transport) {
     if (!transport.tempo) transport.tempo = own.tempo();
     // What sounds fades out by the time that it sounded in, which is over with the change.
     if (follower.endsSound(transport)) instrument.synth().StopPlayback();
-    const Change change = follower.follow(transport);
+    Change change{};
+    lock->run(instrument.synth(), [&] { change = follower.follow(transport); });
     if (change == Change::started) instrument.synth().StartPlayback(roundedToInt32(follower.tick()));
     if (change == Change::started || change == Change::stopped) pieces.forgetSounding();
     if (change == Change::started || change == Change::moved) moved = true;

@@ -15,7 +15,8 @@ namespace marnoth {
 /// of their mean tempo: where those begin and end the past stays where it was, and in between it moves by a
 /// fraction of a frame.
 ///
-/// Changed and asked by the thread that renders. The instrument asks only while it renders.
+/// Changed and asked by the thread that renders. The instrument asks under its lock, on that thread and, for
+/// what fades out when something is removed or replaced, on others: it is changed under that lock.
 class LiveTempoMap : public TempoService {
 public:
     static constexpr std::size_t kRoom = 2048;

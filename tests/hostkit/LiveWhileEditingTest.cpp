@@ -1,11 +1,10 @@
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <chrono>
 #include <functional>
 #include <random>
-#include <thread>
 
+#include "hostkit/Busy.h"
 #include "hostkit/LiveRig.h"
 #include "hostkit/MakeObject.h"
 #include "hostkit/MemoryStream.h"
@@ -17,31 +16,6 @@ constexpr std::chrono::seconds kDuration{2};
 /// A machine with much else to do may take that long to let the players come to a note.
 constexpr std::chrono::seconds kPatience{60};
 constexpr float kAudible = 0.1f;
-/// Whoever never rests would keep the lock from the blocks.
-constexpr std::chrono::microseconds kRest{50};
-
-/// A thread that does something over and over, with a number from 0 on, until its time is over.
-class Busy {
-public:
-    explicit Busy(std::function<void(int)> work)
-        : thread_([this, work = std::move(work)] {
-              while (!done_) {
-                  work(rounds_++);
-                  std::this_thread::sleep_for(kRest);
-              }
-          }) {}
-    /// How often it did it.
-    int finish() {
-        done_ = true;
-        thread_.join();
-        return rounds_;
-    }
-
-private:
-    std::atomic<bool> done_ = false;
-    std::atomic<int> rounds_ = 0;
-    std::thread thread_;
-};
 
 /// A hand on a keyboard of another thread, with a channel of its own, and on the transport.
 std::function<void(int)> player(LiveHost& host, std::uint8_t channel) {

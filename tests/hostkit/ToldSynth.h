@@ -44,8 +44,9 @@ public:
     HRESULT QueueRawInput(std::uint32_t port, IKvxRawEventList* list) override {
         std::int32_t count = 0;
         list->GetCount(&count);
-        told.push_back("messages " + std::to_string(count));
-        return FAILED(messages) ? messages : synth_->QueueRawInput(port, list);
+        // An empty list is counted under the instrument's lock, and that is all.
+        if (count > 0) told.push_back("messages " + std::to_string(count));
+        return count > 0 && FAILED(messages) ? messages : synth_->QueueRawInput(port, list);
     }
     HRESULT GetBankList(std::int32_t** banks, std::uint32_t* count) override {
         return synth_->GetBankList(banks, count);
