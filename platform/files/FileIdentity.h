@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <tuple>
 
 namespace marnoth {
 
@@ -12,7 +13,10 @@ struct FileIdentity {
     std::uint64_t file = 0;       ///< and its own on that
     std::filesystem::path place;  ///< of one that isn't, behind symbolic links; else empty
 
-    auto operator<=>(const FileIdentity&) const = default;
+    bool operator==(const FileIdentity&) const = default;
+    bool operator<(const FileIdentity& other) const {
+        return std::tie(volume, file, place) < std::tie(other.volume, other.file, other.place);
+    }
 };
 
 FileIdentity identityOf(const std::filesystem::path& name);

@@ -57,7 +57,7 @@ HRESULT load(IGrooveSampler& sampler, const std::string& file) {
 
 /// Why a project isn't loaded, and where what was saved before is: in `backup`, unless that is empty.
 std::string withBackup(const std::string& file, const LoadFault& fault, const std::string& backup) {
-    const std::string reason = whyNotLoaded(file, fault);
+    std::string reason = whyNotLoaded(file, fault);
     if (backup.empty()) return reason;
     const bool isTold = fault.kind == FaultKind::neverFinished || isSavedWhole(pathFromUtf8(file));
     return reason + (isTold ? "" : ": a save of it was cut off") + "; what was saved before is in " + backup;
