@@ -81,7 +81,7 @@ public:
         block = std::move(filter.m_spareBuffers);
     }
     ~BlockScope() {
-        // The last holder of a pin may be here, and calls its peer as it lets go.
+        // The last holder of what is downstream may be here, and who it is may call anyone as it goes.
         block.buffers.clear();
         block.outlets.clear();
         block.pieces.clear();
@@ -198,7 +198,7 @@ std::optional<CFilter::Outlet> CFilter::connectedOutlet(std::size_t& index) {
     const CAutoLock lock(pzi());
     for (; index < m_outputPins.size(); ++index)
         if (const auto& pin = m_outputPins[index]; pin->IsConnected())
-            return Outlet{pin, pin->GetDownstream()};
+            return Outlet{pin->id(), pin->GetDownstream()};
     return std::nullopt;
 }
 
@@ -230,7 +230,7 @@ HRESULT CFilter::prepareBuffer(const Outlet& outlet, const WAVEFORMATEX& format,
                                const SampleFlags& flags) {
     if (format.nBlockAlign == 0) return E_UNEXPECTED;
     RefPtr<IMediaSample> sample;
-    const HRESULT hr = outlet.to.getBuffer(sample.put(), nullptr, nullptr, 0);
+    const HRESULT hr = outlet.to->getBuffer(sample.put(), nullptr, nullptr, 0);
     if (FAILED(hr)) return hr;
     if (!sample) return E_UNEXPECTED;
     REFERENCE_TIME time = flags.time.value_or(0);
@@ -239,7 +239,7 @@ HRESULT CFilter::prepareBuffer(const Outlet& outlet, const WAVEFORMATEX& format,
     sample->SetDiscontinuity(flags.discontinuity);
     sample->SetPreroll(flags.preroll);
     buffer->frames = sample->GetSize() / format.nBlockAlign;
-    buffer->pinId = outlet.pin->id();
+    buffer->pinId = outlet.pinId;
     buffer->silent = 1;
     if (const auto silence = silenceOf(*sample)) {
         silence->SetSilent(1);
@@ -266,7 +266,7 @@ HRESULT CFilter::fitBuffers(BlockBuffers& block, std::int32_t frames, LONG bytes
 void CFilter::deliverBlock(BlockBuffers& block) {
     for (std::size_t i = 0; i < block.buffers.size(); ++i) {
         if (*block.rendered == S_OK) deliverBuffer(block, i);
-        if (*block.rendered == S_FALSE) block.outlets[i].to.endOfStream();
+        if (*block.rendered == S_FALSE) block.outlets[i].to->endOfStream();
         releaseSample(block.buffers[i]);
     }
 }
@@ -274,7 +274,7 @@ void CFilter::deliverBlock(BlockBuffers& block) {
 HRESULT CFilter::deliverBuffer(const BlockBuffers& block, std::size_t index) {
     const PinBuffer& buffer = block.buffers[index];
     const HRESULT hr = buffer.sample->SetActualDataLength(block.output.nBlockAlign * buffer.frames);
-    return FAILED(hr) ? hr : block.outlets[index].to.deliver(buffer.sample);
+    return FAILED(hr) ? hr : block.outlets[index].to->deliver(buffer.sample);
 }
 
 HRESULT CFilter::EndOfStream() {
@@ -326,7 +326,7 @@ HRESULT CFilter::deliverRest(BlockBuffers& block, HRESULT rendered) {
     HRESULT last = S_OK;
     for (std::size_t i = 0; i < block.buffers.size(); ++i) {
         if (rendered == S_OK) last = deliverBuffer(block, i);
-        if (rendered == S_FALSE) block.outlets[i].to.endOfStream();
+        if (rendered == S_FALSE) block.outlets[i].to->endOfStream();
     }
     return last;
 }
@@ -334,7 +334,7 @@ HRESULT CFilter::deliverRest(BlockBuffers& block, HRESULT rendered) {
 HRESULT CFilter::endAllStreams(BlockBuffers& block) {
     HRESULT last = S_OK;
     for (std::size_t i = 0; i < block.buffers.size(); ++i) {
-        last = block.outlets[i].to.endOfStream();
+        last = block.outlets[i].to->endOfStream();
         releaseSample(block.buffers[i]);
     }
     return last;

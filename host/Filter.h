@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -89,7 +90,7 @@ public:
     template <class Tell>
     HRESULT tellConnectedOutputs(Tell tell) {
         for (std::size_t index = 0; const auto outlet = connectedOutlet(index); ++index)
-            if (const HRESULT hr = tell(outlet->to); FAILED(hr)) return hr;
+            if (const HRESULT hr = tell(*outlet->to); FAILED(hr)) return hr;
         return S_OK;
     }
     /// For the stream alone: held while a sample, a segment or the end of the stream goes through.
@@ -108,10 +109,10 @@ protected:
     int SizeMax() override { return GetPersistSize(); }
 
 private:
-    /// An output pin and what it sends to, both kept until the block is handed out.
+    /// Where the audio of a pin goes, kept until the block is handed out.
     struct Outlet {
-        RefPtr<CFilterOutputPin> pin;
-        Downstream to;
+        std::uint32_t pinId = 0;
+        std::shared_ptr<const Downstream> to;
     };
     /// The buffers of one block: one descriptor for each connected output pin, in order.
     struct BlockBuffers {

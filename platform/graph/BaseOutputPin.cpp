@@ -1,25 +1,33 @@
 #include "platform/graph/BaseOutputPin.h"
 
 #include <algorithm>
+#include <utility>
 
+#include "platform/com/Guarded.h"
 #include "platform/graph/MemAllocator.h"
 
 namespace marnoth {
 
 HRESULT CBaseOutputPin::CheckConnect(IPin* peer) {
+    downstream_.reset();
     const HRESULT hr = CBasePin::CheckConnect(peer);
     if (FAILED(hr)) return hr;
-    return peer->QueryInterface(IID_IMemInputPin, receiver_.putVoid());
+    return guarded([&] {
+        auto found = std::make_shared<Downstream>();
+        const HRESULT asked = peer->QueryInterface(IID_IMemInputPin, found->receiver.putVoid());
+        if (SUCCEEDED(asked)) downstream_ = std::move(found);
+        return asked;
+    });
 }
 
-HRESULT CBaseOutputPin::CompleteConnect(IPin*) {
-    return DecideAllocator(receiver_.get(), &allocator_);
+HRESULT CBaseOutputPin::CompleteConnect(IPin* peer) {
+    downstream_->pin = RefPtr<IPin>(peer);
+    return DecideAllocator(downstream_->receiver.get(), &downstream_->allocator);
 }
 
 HRESULT CBaseOutputPin::BreakConnect() {
-    if (allocator_) allocator_->Decommit();
-    allocator_.reset();
-    receiver_.reset();
+    if (Allocator()) Allocator()->Decommit();
+    downstream_.reset();
     return S_OK;
 }
 
@@ -54,36 +62,42 @@ HRESULT CBaseOutputPin::OfferAllocator(IMemInputPin* receiver, IMemAllocator* al
 }
 
 HRESULT CBaseOutputPin::Active() {
-    return allocator_ ? allocator_->Commit() : VFW_E_NO_ALLOCATOR;
+    return Allocator() ? Allocator()->Commit() : VFW_E_NO_ALLOCATOR;
 }
 
 HRESULT CBaseOutputPin::Inactive() {
-    return allocator_ ? allocator_->Decommit() : VFW_E_NO_ALLOCATOR;
+    return Allocator() ? Allocator()->Decommit() : VFW_E_NO_ALLOCATOR;
 }
 
 HRESULT CBaseOutputPin::GetDeliveryBuffer(IMediaSample** out, REFERENCE_TIME* start, REFERENCE_TIME* end,
                                           DWORD flags) {
-    return GetDownstream().getBuffer(out, start, end, flags);
+    const auto to = GetDownstream();
+    return to ? to->getBuffer(out, start, end, flags) : VFW_E_NOT_CONNECTED;
 }
 
 HRESULT CBaseOutputPin::Deliver(IMediaSample* sample) {
-    return GetDownstream().deliver(sample);
+    const auto to = GetDownstream();
+    return to ? to->deliver(sample) : VFW_E_NOT_CONNECTED;
 }
 
 HRESULT CBaseOutputPin::DeliverEndOfStream() {
-    return GetDownstream().endOfStream();
+    const auto to = GetDownstream();
+    return to ? to->endOfStream() : VFW_E_NOT_CONNECTED;
 }
 
 HRESULT CBaseOutputPin::DeliverBeginFlush() {
-    return GetDownstream().beginFlush();
+    const auto to = GetDownstream();
+    return to ? to->beginFlush() : VFW_E_NOT_CONNECTED;
 }
 
 HRESULT CBaseOutputPin::DeliverEndFlush() {
-    return GetDownstream().endFlush();
+    const auto to = GetDownstream();
+    return to ? to->endFlush() : VFW_E_NOT_CONNECTED;
 }
 
 HRESULT CBaseOutputPin::DeliverNewSegment(REFERENCE_TIME start, REFERENCE_TIME stop, double rate) {
-    return GetDownstream().newSegment(start, stop, rate);
+    const auto to = GetDownstream();
+    return to ? to->newSegment(start, stop, rate) : VFW_E_NOT_CONNECTED;
 }
 
 HRESULT CBaseOutputPin::EndOfStream() {

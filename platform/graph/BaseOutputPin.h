@@ -1,5 +1,7 @@
 #pragma once
 
+#include <memory>
+
 #include "platform/graph/BasePin.h"
 #include "platform/graph/Downstream.h"
 
@@ -49,18 +51,18 @@ public:
     HRESULT BeginFlush() override;
     HRESULT EndFlush() override;
 
-    /// Under the lock.
-    Downstream GetDownstream() const { return {RefPtr<IPin>(GetConnected()), receiver_, allocator_}; }
+    /// Under the lock; null when not connected. What it points to doesn't change.
+    std::shared_ptr<const Downstream> GetDownstream() const { return IsConnected() ? downstream_ : nullptr; }
 
     /// Both without a reference; null when not connected.
-    IMemAllocator* Allocator() const { return allocator_.get(); }
-    IMemInputPin* Receiver() const { return receiver_.get(); }
+    IMemAllocator* Allocator() const { return downstream_ ? downstream_->allocator.get() : nullptr; }
+    IMemInputPin* Receiver() const { return downstream_ ? downstream_->receiver.get() : nullptr; }
 
 private:
     HRESULT OfferAllocator(IMemInputPin* receiver, IMemAllocator* allocator, ALLOCATOR_PROPERTIES request);
 
-    RefPtr<IMemAllocator> allocator_;
-    RefPtr<IMemInputPin> receiver_;
+    /// From the test of the peer on; whole when the connection is.
+    std::shared_ptr<Downstream> downstream_;
 };
 
 }  // namespace marnoth

@@ -5,9 +5,9 @@
 
 namespace marnoth {
 
-/// What an output pin sends to, with references of its own: a connection that ends meanwhile takes nothing
-/// from whoever is about to deliver. All null where nothing is connected; each operation then gives
-/// `VFW_E_NOT_CONNECTED`.
+/// What an output pin sends to, with references of its own: shared by the pin and whoever is about to
+/// deliver, from whom a connection that ends meanwhile so takes nothing. While the connection is being made
+/// some are null; what needs them gives `VFW_E_NOT_CONNECTED`.
 struct Downstream {
     RefPtr<IPin> pin;
     RefPtr<IMemInputPin> receiver;
