@@ -36,6 +36,15 @@ std::int64_t mostOfAFileIn(const fs::path& folder) {
     return known && std::wstring_view(form.data()).starts_with(L"FAT") ? kMostOfFat : Room::kUnknown;
 }
 
+/// The library's own function takes memory here and ends the process where there is none.
+std::int64_t freeBytesIn(const fs::path& folder) {
+    ULARGE_INTEGER available{};
+    const bool known = GetDiskFreeSpaceExW(folder.c_str(), &available, nullptr, nullptr) != 0;
+    constexpr auto kMost = static_cast<std::uint64_t>(Room::kUnknown);
+    return known ? static_cast<std::int64_t>(std::min<std::uint64_t>(available.QuadPart, kMost))
+                 : Room::kUnknown;
+}
+
 #else
 
 std::int64_t mostOfAFileIn(const fs::path& folder) {
@@ -49,6 +58,13 @@ std::int64_t mostOfAFileIn(const fs::path& folder) {
     return isFat ? std::min(own, kMostOfFat) : own;
 }
 
+std::int64_t freeBytesIn(const fs::path& folder) {
+    std::error_code error;
+    const std::uintmax_t available = fs::space(folder, error).available;
+    const bool known = !error && available < static_cast<std::uintmax_t>(Room::kUnknown);
+    return known ? static_cast<std::int64_t>(available) : Room::kUnknown;
+}
+
 #endif
 
 }  // namespace
@@ -57,10 +73,7 @@ Room roomIn(const fs::path& folder) {
     Room room;
     room.volume = identityOf(folder).volume;
     room.mostOfAFile = mostOfAFileIn(folder);
-    std::error_code error;
-    const fs::space_info space = fs::space(folder, error);
-    if (!error && space.available < static_cast<std::uintmax_t>(Room::kUnknown))
-        room.freeBytes = static_cast<std::int64_t>(space.available);
+    room.freeBytes = freeBytesIn(folder);
     return room;
 }
 

@@ -21,8 +21,9 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Every allocation fails, but under a sanitizer, where a run takes ten times as long, one of so many.
-#ifdef MARNOTH_SANITIZED
+/// Every allocation fails, but one of so many where a run takes ten times as long: under a sanitizer or an
+/// emulator.
+#if defined(MARNOTH_SANITIZED) || defined(_WIN32)
 constexpr int kStride = 17;
 #else
 constexpr int kStride = 1;
