@@ -14,7 +14,9 @@ endif()
 set(expected
     bin/marnoth${SUFFIX} share/doc/marnoth/CHANGELOG.md share/doc/marnoth/README.md
     share/doc/marnoth/assets/groove.svg share/doc/marnoth/assets/page.png)
-if(NOT SUFFIX)
+if(SUFFIX)
+    list(APPEND expected bin/Marnoth.dll)
+else()
     list(APPEND expected
         share/bash-completion/completions/marnoth share/fish/vendor_completions.d/marnoth.fish
         share/man/man1/marnoth.1 share/zsh/site-functions/_marnoth)

@@ -108,6 +108,23 @@ public:
     using CSoftSynth::position;
 };
 
+/// Where the system's objects are made in.
+class Apartment {
+public:
+#ifdef _WIN32
+    Apartment() {
+        EXPECT_TRUE(SUCCEEDED(CoInitializeEx(nullptr, COINIT_MULTITHREADED)));
+    }
+    ~Apartment() {
+        CoUninitialize();
+    }
+#else
+    Apartment() {}
+#endif
+    Apartment(const Apartment&) = delete;
+    Apartment& operator=(const Apartment&) = delete;
+};
+
 /// The instrument with a graph, a source and a sink for each of its pins, all of the test's own making.
 class FilterHost {
 public:

@@ -8,23 +8,6 @@
 namespace marnoth::test::filter_seeking_test {
 namespace {
 
-/// Where the system's objects are made in.
-class Apartment {
-public:
-#ifdef _WIN32
-    Apartment() {
-        EXPECT_TRUE(SUCCEEDED(CoInitializeEx(nullptr, COINIT_MULTITHREADED)));
-    }
-    ~Apartment() {
-        CoUninitialize();
-    }
-#else
-    Apartment() {}
-#endif
-    Apartment(const Apartment&) = delete;
-    Apartment& operator=(const Apartment&) = delete;
-};
-
 template <class Interface>
 RefPtr<Interface> query(IUnknown& object, REFIID iid) {
     RefPtr<Interface> found;

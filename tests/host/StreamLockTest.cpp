@@ -90,6 +90,7 @@ public:
 };
 
 TEST(Looking, DoesNotWaitForTheInstrument) {
+    Apartment apartment;
     FilterHost host;
     host.start({0});
     RefPtr<IMediaSeeking> seeking;
