@@ -18,7 +18,7 @@ TEST(TwoTurns, NotesOfATurnComeAgainAndThoseBehindItNot) {
     part.endTicks = 3840;
     const MidiPart twice = twoTurns(part, 1920);
     std::vector<std::pair<std::int32_t, std::uint32_t>> heard;
-    for (const SynthEvent& event : twice.notes) heard.emplace_back(event.time, event.duration);
+    for (const SynthEvent& event : twice.notes) heard.emplace_back(+event.time, +event.duration);
     EXPECT_EQ(heard, (std::vector<std::pair<std::int32_t, std::uint32_t>>{
                          {0, 10}, {1900, 500}, {1920, 10}, {3820, 500}}));
     EXPECT_EQ(twice.endTicks, 3840);

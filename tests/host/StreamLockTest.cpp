@@ -84,8 +84,8 @@ public:
     }
     ~KeptBlock() { sink.letGo.open(); }
 
-    FilterHost host;
     KeepingSink sink;
+    FilterHost host;
     std::future<HRESULT> block;
 };
 
@@ -183,8 +183,8 @@ public:
 };
 
 TEST(KeptDownstream, AWaitForABufferKeepsNobodyWaitingAndEndsWithTheStop) {
-    FilterHost host;
     StingySink sink;
+    FilterHost host;
     host.inputAllocator.properties = {1, 512 * 8, 1, 0};
     ASSERT_EQ(host.connectInput(), S_OK);
     const CMediaType type = audioType(44100, 2);
@@ -217,8 +217,8 @@ public:
 };
 
 TEST(HandingOut, ASinkThatAsksBackFindsThePositionBehindTheBlock) {
-    FilterHost host;
     AskingSink sink;
+    FilterHost host;
     host.inputAllocator.properties.cbBuffer = 512 * 8;
     ASSERT_EQ(host.connectInput(), S_OK);
     const CMediaType type = audioType(44100, 2);
@@ -232,8 +232,8 @@ TEST(HandingOut, ASinkThatAsksBackFindsThePositionBehindTheBlock) {
 }
 
 TEST(HandingOut, GoesOnWhileTheGraphIsTakenApartFromWithin) {
-    FilterHost host;
     AskingSink first;
+    FilterHost host;
     host.inputAllocator.properties.cbBuffer = 512 * 8;
     ASSERT_EQ(host.connectInput(), S_OK);
     const CMediaType type = audioType(44100, 2);
