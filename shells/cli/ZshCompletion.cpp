@@ -38,8 +38,8 @@ std::string zshValue(const OptionText& option) {
     return ":" + escaped(option.value, ":\\") + ":" + zshAction(option.value);
 }
 
-/// One specification for each name; those of one option exclude each other unless it may be repeated.
-std::string zshSpecifications(const OptionText& option) {
+/// A line for each name; those of one option exclude each other unless it may be repeated.
+std::string zshLines(const OptionText& option) {
     const std::string excluded = option.repeated ? "*" : "(" + joined(option.names, " ") + ")";
     const std::string told = "[" + escaped(option.meaning, "[]:\\") + "]" + zshValue(option);
     std::string lines;
@@ -48,9 +48,9 @@ std::string zshSpecifications(const OptionText& option) {
     return lines;
 }
 
-std::string zshSpecifications(const CommandText& command) {
+std::string zshLines(const CommandText& command) {
     std::string lines;
-    for (const OptionText& option : command.options) lines += zshSpecifications(option);
+    for (const OptionText& option : command.options) lines += zshLines(option);
     for (const OptionText& argument : command.arguments)
         lines += " \\\n                '" + std::string(argument.required ? ":" : "::") +
                  escaped(argument.meaning, ":\\") + ":" + zshAction(argument.value) + "'";
@@ -65,12 +65,12 @@ std::string zshCompletion(const ProgramText& text) {
         "    commands=(\n";
     for (const CommandText& command : text.commands)
         script += "        '" + command.name + ":" + escaped(command.meaning, ":\\") + "'\n";
-    script += "    )\n    _arguments -C" + zshSpecifications(text.program) +
+    script += "    )\n    _arguments -C" + zshLines(text.program) +
               " \\\n                '1:command:->command' \\\n                '*::argument:->argument'\n"
               "    case $state in\n        command) _describe command commands ;;\n        argument)\n"
               "            case $words[1] in\n";
     for (const CommandText& command : text.commands)
-        script += "                " + command.name + ") _arguments" + zshSpecifications(command) + " ;;\n";
+        script += "                " + command.name + ") _arguments" + zshLines(command) + " ;;\n";
     return script + "            esac\n            ;;\n    esac\n}\n\n_marnoth \"$@\"\n";
 }
 

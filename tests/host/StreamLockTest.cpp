@@ -54,6 +54,17 @@ bool goesOn(std::future<Result>& future) {
     return future.wait_for(kMoment) == std::future_status::timeout;
 }
 
+/// Connects the mix with `sink` and the other outputs with the host's own, for blocks of up to 512 frames,
+/// and pauses. A sink of a test's own is declared before the host, which lets go of it at its end.
+void startWith(FilterHost& host, SinkPin& sink, std::initializer_list<int> others = {}) {
+    host.inputAllocator.properties.cbBuffer = 512 * 8;
+    EXPECT_EQ(host.connectInput(), S_OK);
+    const CMediaType type = audioType(44100, 2);
+    EXPECT_EQ(host.output(0).Connect(&sink, type.Get()), S_OK);
+    for (const int index : others) EXPECT_EQ(host.connectOutput(index), S_OK);
+    EXPECT_EQ(host.filter->Pause(), S_OK);
+}
+
 /// A renderer of a paused graph: keeps the first block until it is flushed or let go.
 class KeepingSink : public SinkPin {
 public:
@@ -74,11 +85,7 @@ public:
 class KeptBlock {
 public:
     KeptBlock() {
-        host.inputAllocator.properties.cbBuffer = 512 * 8;
-        EXPECT_EQ(host.connectInput(), S_OK);
-        const CMediaType type = audioType(44100, 2);
-        EXPECT_EQ(host.output(0).Connect(&sink, type.Get()), S_OK);
-        EXPECT_EQ(host.filter->Pause(), S_OK);
+        startWith(host, sink);
         block = elsewhere([this] { return host.send(100, 0.5f); });
         EXPECT_TRUE(sink.inside.await());
     }
@@ -185,11 +192,8 @@ public:
 TEST(KeptDownstream, AWaitForABufferKeepsNobodyWaitingAndEndsWithTheStop) {
     StingySink sink;
     FilterHost host;
-    host.inputAllocator.properties = {1, 512 * 8, 1, 0};
-    ASSERT_EQ(host.connectInput(), S_OK);
-    const CMediaType type = audioType(44100, 2);
-    ASSERT_EQ(host.output(0).Connect(&sink, type.Get()), S_OK);
-    ASSERT_EQ(host.filter->Pause(), S_OK);
+    host.inputAllocator.properties = {1, 0, 1, 0};
+    startWith(host, sink);
     RefPtr<IMediaSample> taken;
     ASSERT_EQ(sink.one->GetBuffer(taken.put(), nullptr, nullptr, 0), S_OK);
 
@@ -219,11 +223,7 @@ public:
 TEST(HandingOut, ASinkThatAsksBackFindsThePositionBehindTheBlock) {
     AskingSink sink;
     FilterHost host;
-    host.inputAllocator.properties.cbBuffer = 512 * 8;
-    ASSERT_EQ(host.connectInput(), S_OK);
-    const CMediaType type = audioType(44100, 2);
-    ASSERT_EQ(host.output(0).Connect(&sink, type.Get()), S_OK);
-    ASSERT_EQ(host.filter->Pause(), S_OK);
+    startWith(host, sink);
     std::vector<std::int64_t> seen;
     sink.onReceive = [&] { seen.push_back(host.filter->position()); };
     EXPECT_EQ(host.send(100), S_OK);
@@ -234,12 +234,7 @@ TEST(HandingOut, ASinkThatAsksBackFindsThePositionBehindTheBlock) {
 TEST(HandingOut, GoesOnWhileTheGraphIsTakenApartFromWithin) {
     AskingSink first;
     FilterHost host;
-    host.inputAllocator.properties.cbBuffer = 512 * 8;
-    ASSERT_EQ(host.connectInput(), S_OK);
-    const CMediaType type = audioType(44100, 2);
-    ASSERT_EQ(host.output(0).Connect(&first, type.Get()), S_OK);
-    ASSERT_EQ(host.connectOutput(5), S_OK);
-    ASSERT_EQ(host.filter->Pause(), S_OK);
+    startWith(host, first, {5});
     first.onReceive = [&] {
         EXPECT_EQ(host.filter->Stop(), S_OK);
         for (int index : {0, 5}) EXPECT_EQ(host.output(index).Disconnect(), S_OK);
