@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cstring>
+#include <new>
 #include <span>
 #include <utility>
 
@@ -81,6 +82,7 @@ public:
         block = std::move(filter.m_spareBuffers);
     }
     ~BlockScope() {
+        keepSamples();
         // The last holder of what is downstream may be here, and who it is may call anyone as it goes.
         block.buffers.clear();
         block.outlets.clear();
@@ -96,6 +98,20 @@ public:
     BlockBuffers block;
 
 private:
+    /// Whoever gave the buffers of a block that failed, or whose render raised an exception, doesn't get them
+    /// back yet.
+    void keepSamples() {
+        const CAutoLock lock(filter_.pzi());
+        for (PinBuffer& buffer : block.buffers)
+            if (buffer.sample) keep(RefPtr<IMediaSample>::adopt(std::exchange(buffer.sample, nullptr)));
+    }
+
+    /// One for which there is no room goes back.
+    void keep(RefPtr<IMediaSample> sample) try {
+        filter_.m_abandonedSamples.push_back(std::move(sample));
+    } catch (const std::bad_alloc&) {
+    }
+
     CFilter& filter_;
 };
 
@@ -110,12 +126,7 @@ HRESULT CFilter::Receive(IMediaSample* in) {
     if (const HRESULT hr = beginBlock(block, input, flags); FAILED(hr)) return hr;
     HRESULT hr = prepareBuffers(block, flags);
     if (SUCCEEDED(hr)) hr = renderReceived(block, input);
-    if (block.rendered) {
-        deliverBlock(block);
-    } else {
-        // Whoever gave the buffers of a failed block doesn't get them back yet.
-        abandonSamples(block);
-    }
+    if (block.rendered) deliverBlock(block);
     return hr;
 }
 
@@ -343,12 +354,6 @@ HRESULT CFilter::endAllStreams(BlockBuffers& block) {
 void CFilter::advance(std::int32_t frames) {
     m_streamPosition = wrappingSum(m_streamPosition, frames);
     advancePosition(frames);
-}
-
-void CFilter::abandonSamples(BlockBuffers& block) {
-    const CAutoLock lock(pzi());
-    for (PinBuffer& buffer : block.buffers)
-        m_abandonedSamples.push_back(RefPtr<IMediaSample>::adopt(std::exchange(buffer.sample, nullptr)));
 }
 
 void CFilter::releaseAbandonedSamples() {

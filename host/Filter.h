@@ -164,7 +164,6 @@ private:
     HRESULT endOfStreamWithoutInput();
     void awaitStream();
     void advance(std::int32_t frames);
-    void abandonSamples(BlockBuffers& block);
     void releaseAbandonedSamples();
 
     std::optional<ModuleLock> m_moduleLock;

@@ -9,6 +9,7 @@
 #include "host/Filter.h"
 #include "platform/com/Guarded.h"
 #include "platform/graph/SeekingPassThru.h"
+#include "platform/system/FlagScope.h"
 
 namespace marnoth {
 
@@ -16,18 +17,6 @@ namespace {
 
 /// A count that no pair of calls brings to 0.
 constexpr ULONG kDying = 0x40000000;
-
-/// Sets a flag for a scope.
-class FlagScope {
-public:
-    explicit FlagScope(bool& flag) : flag_(flag) { flag_ = true; }
-    ~FlagScope() { flag_ = false; }
-    FlagScope(const FlagScope&) = delete;
-    FlagScope& operator=(const FlagScope&) = delete;
-
-private:
-    bool& flag_;
-};
 
 LONG doubled(LONG bytes) {
     constexpr LONG kMost = std::numeric_limits<LONG>::max();

@@ -5,6 +5,7 @@
 #include "engine/render/NoteStage.h"
 #include "engine/render/PadsOfNote.h"
 #include "engine/render/PageStages.h"
+#include "platform/system/FlagScope.h"
 #include "platform/system/Overflow.h"
 
 namespace marnoth {
@@ -32,7 +33,8 @@ void Block::advance(VoiceState& voice) const {
 void BlockRenderer::render(const Model& model, const Job& job) {
     const float* const input = job.input.silent ? nullptr : GetBufferData(job.input);
     const std::int32_t frames = job.input.frames;
-    inBlock_ = true;
+    // Also where a grain that can't be played raises an exception.
+    const FlagScope inBlock(inBlock_);
     BlockPins pins(job.pins, pins_, job.format);
     Block block{model, time_, pins, job.format, fades_};
     placeBlock(block, job.position, frames);
@@ -46,7 +48,6 @@ void BlockRenderer::render(const Model& model, const Job& job) {
     format_ = job.format;
     end_ = plus(time_.startSamples(), frames);
     notes_ = job.notes;
-    inBlock_ = false;
 }
 
 void BlockRenderer::cutNotes(const Block& block, const NoteQueue& notes, double level) {

@@ -1,3 +1,5 @@
+#include <stdexcept>
+
 #include "host/FilterHost.h"
 #include "support/AllocationMeter.h"
 #include "support/EventLists.h"
@@ -131,6 +133,18 @@ TEST(Receive, GivesBackTheFailureOfTheDrain) {
     EXPECT_EQ(host.filter->position(), 0);
     EXPECT_EQ(host.sink(0).allocator.samplesOut(), 1u);
     EXPECT_EQ(host.send(100), S_OK);
+}
+
+TEST(Receive, ARenderThatRaisesAnExceptionKeepsTheSamplesUntilTheStop) {
+    FilterHost host;
+    host.start({0, 1});
+    host.filter->onProcess = [](const Block&) -> HRESULT { throw std::invalid_argument("a grain"); };
+    EXPECT_THROW(host.send(100), std::invalid_argument);
+    EXPECT_EQ(host.sink(0).deliveries.size(), 0u);
+    EXPECT_EQ(host.sink(0).allocator.samplesOut() + host.sink(1).allocator.samplesOut(), 2u);
+    host.filter->onProcess = nullptr;
+    EXPECT_EQ(host.filter->Stop(), S_OK);
+    EXPECT_EQ(host.sink(0).allocator.samplesOut() + host.sink(1).allocator.samplesOut(), 0u);
 }
 
 TEST(Receive, GivesBackTheFailureToRetireANote) {
