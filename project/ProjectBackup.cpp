@@ -1,6 +1,5 @@
 #include "project/ProjectBackup.h"
 
-#include <fstream>
 #include <system_error>
 
 #include "platform/bytes/RiffStream.h"
@@ -14,11 +13,6 @@ namespace fs = std::filesystem;
 bool isFile(const fs::path& path) {
     std::error_code error;
     return fs::is_regular_file(path, error);
-}
-
-/// Renaming needs rights to the folder alone: those to the file itself are tested separately.
-bool mayBeWritten(const fs::path& path) {
-    return std::fstream(path, std::ios::in | std::ios::out | std::ios::binary).is_open();
 }
 
 }  // namespace

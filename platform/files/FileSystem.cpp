@@ -1,5 +1,6 @@
 #include "platform/files/FileSystem.h"
 
+#include <fstream>
 #include <system_error>
 
 #ifdef _WIN32
@@ -79,6 +80,10 @@ public:
 FileSystem& systemFiles() {
     static SystemFiles files;
     return files;
+}
+
+bool mayBeWritten(const fs::path& file) {
+    return std::fstream(file, std::ios::in | std::ios::out | std::ios::binary).is_open();
 }
 
 }  // namespace marnoth

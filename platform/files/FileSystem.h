@@ -25,4 +25,8 @@ public:
 /// That of the process. Any thread.
 FileSystem& systemFiles();
 
+/// Whether a file that is there may be written over. Renaming needs rights to the folder alone: those to the
+/// file itself are to be asked for.
+bool mayBeWritten(const std::filesystem::path& file);
+
 }  // namespace marnoth

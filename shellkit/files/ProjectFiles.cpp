@@ -65,8 +65,9 @@ std::string withBackup(const std::string& file, const LoadFault& fault, const st
 
 std::string whyNotSaved(const std::string& name) {
     std::error_code ignored;
-    const bool hasBackup = std::filesystem::exists(pathFromUtf8(name + ".bak"), ignored);
-    return hasBackup ? "saving failed; what was there before is in " + name + ".bak" : "saving failed";
+    const std::filesystem::path backup = backupOf(pathFromUtf8(name));
+    const bool isThere = std::filesystem::exists(backup, ignored);
+    return isThere ? "saving failed; what was there before is in " + utf8FromPath(backup) : "saving failed";
 }
 
 }  // namespace

@@ -4,23 +4,14 @@
 #include <system_error>
 #include <vector>
 
+#include "platform/files/FileSystem.h"
 #include "platform/files/Links.h"
 #include "shellkit/files/Failure.h"
 #include "shellkit/text/InstrumentText.h"
 
 namespace marnoth {
 
-namespace {
-
 namespace fs = std::filesystem;
-
-/// Renaming needs rights to the folder alone: those to the file itself are tested separately.
-bool isProtected(const fs::path& path) {
-    std::error_code error;
-    return fs::exists(path, error) && !std::ofstream(path, std::ios::in | std::ios::binary).is_open();
-}
-
-}  // namespace
 
 OutputFile::OutputFile(const fs::path& path) : name_(utf8FromPath(path)), target_(behindLinks(path)) {
     std::error_code ignored;
@@ -37,12 +28,12 @@ OutputFile::OutputFile(std::ostream& stream) : name_("standard output"), stream_
 }
 
 void OutputFile::openBeside() {
-    if (isProtected(target_)) fail("it is write-protected");
+    std::error_code ignored;
+    if (fs::exists(target_, ignored) && !mayBeWritten(target_)) fail("it is write-protected");
     fs::path beside = target_;
     beside += ".part";
     temporary_ = TemporaryFile::make(beside);
     if (temporary_) return;
-    std::error_code ignored;
     if (!fs::exists(fs::symlink_status(beside, ignored))) fail("it can't be created");
     fail(utf8FromPath(beside.filename()) +
          " is in the way: another run is writing it, or was killed while it did; remove it if none runs");

@@ -43,8 +43,8 @@ struct MidiEvents {
 /// events. The file may stand in a RIFF form ("RMID"). Chunks of other kinds, and what stands behind the last
 /// chunk, are passed over.
 ///
-/// Nothing when there is no track, or one doesn't lie within the file, isn't made of whole events, or is
-/// longer than an event may be late.
+/// Nothing when there is no track, or one doesn't lie within the file, isn't made of whole events, or lasts
+/// beyond 2^31 - 1 pulses.
 std::optional<MidiEvents> readMidiEvents(std::span<const std::uint8_t> file);
 
 }  // namespace marnoth
