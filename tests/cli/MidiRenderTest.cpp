@@ -7,14 +7,19 @@
 namespace marnoth::test::midi_render_test {
 namespace {
 
-TEST(MidiRender, ANoteStartsALoopAndTheNextOneEndsIt) {
-    const TempFolder folder;
+/// A level of 0.25 that lasts a beat at 120 and 44100, as "a.wav".
+void writeLevel(const TempFolder& folder) {
     WaveFile()
         .floats()
         .channels(2)
         .frames(22050, [](auto, int) { return 0.25; })
         .acid({.beats = 1})
         .write(folder / "a.wav");
+}
+
+TEST(MidiRender, ANoteStartsALoopAndTheNextOneEndsIt) {
+    const TempFolder folder;
+    writeLevel(folder);
     // On from beat 1, off at beat 2, at 120.
     WaveFile::writeBytes(folder / "a.mid",
                          midi(24, {24, 0x90, 60, 1, 6, 0x80, 60, 0, 18, 0x90, 60, 1, 6, 0x80, 60, 0}));
@@ -34,12 +39,7 @@ TEST(MidiRender, ANoteStartsALoopAndTheNextOneEndsIt) {
 
 TEST(MidiRender, WithGatesANoteLastsAsLongAsItIsHeld) {
     const TempFolder folder;
-    WaveFile()
-        .floats()
-        .channels(2)
-        .frames(22050, [](auto, int) { return 0.25; })
-        .acid({.beats = 1})
-        .write(folder / "a.wav");
+    writeLevel(folder);
     WaveFile::writeBytes(folder / "a.mid", midi(24, {24, 0x90, 60, 1, 24, 0x80, 60, 0}));
     const CliRun run = marnoth({"render", "--pad", "1=" + folder.name("a.wav"), "--midi",
                                 folder.name("a.mid"), "--gate", "--out", folder.name("out.wav")});
@@ -54,12 +54,7 @@ TEST(MidiRender, WithGatesANoteLastsAsLongAsItIsHeld) {
 /// A level on pad 1 that a note on beat 1 switches on, in a bar at 120.
 struct LatchedLoop {
     LatchedLoop() {
-        WaveFile()
-            .floats()
-            .channels(2)
-            .frames(22050, [](auto, int) { return 0.25; })
-            .acid({.beats = 1})
-            .write(folder / "a.wav");
+        writeLevel(folder);
         WaveFile::writeBytes(folder / "a.mid", midi(24, {24, 0x90, 60, 1, 6, 0x80, 60, 0}));
     }
     WaveFrames render(std::vector<std::string> more) const {

@@ -47,22 +47,15 @@ TEST(SteadyChanges, AFileThatIsRemovedFadesOut) {
     }
 }
 
-TEST(SteadyChanges, APadThatThePagePlaysFadesOutWithTheFile) {
-    CutRig it;
-    EXPECT_EQ(it.sampler().AuditionPad(0, -1), S_OK);
-    it.render(kCut);
-    EXPECT_EQ(it.sampler().RemoveBinFile(0), S_OK);
-    it.render(kCut);
-    it.expectFadeFrom(kCut);
-}
-
-TEST(SteadyChanges, AnAuditionFadesOutWithItsFile) {
-    CutRig it;
-    EXPECT_EQ(it.sampler().AuditionBinFile(0, -1), S_OK);
-    it.render(kCut);
-    EXPECT_EQ(it.sampler().RemoveBinFile(0), S_OK);
-    it.render(kCut);
-    it.expectFadeFrom(kCut);
+TEST(SteadyChanges, WhatThePagePlaysFadesOutWithItsFile) {
+    for (const auto audition : {&IGrooveSampler::AuditionPad, &IGrooveSampler::AuditionBinFile}) {
+        CutRig it;
+        EXPECT_EQ((it.sampler().*audition)(0, -1), S_OK);
+        it.render(kCut);
+        EXPECT_EQ(it.sampler().RemoveBinFile(0), S_OK);
+        it.render(kCut);
+        it.expectFadeFrom(kCut);
+    }
 }
 
 TEST(SteadyChanges, AHeldNoteGoesOnAsItIsWhenAnotherFileIsRemoved) {

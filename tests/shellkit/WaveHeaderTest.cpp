@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
+#include "shellkit/WaveBytes.h"
 #include "shellkit/media/WaveHeader.h"
-#include "support/WaveFile.h"
 
 namespace marnoth::test::wave_header_test {
 namespace {
@@ -19,14 +19,8 @@ TEST(WaveHeader, IntegersNeedNoMoreThanFormatAndData) {
     append(expected, std::string("RIFF"));
     // Five frames of 3 bytes, and one that makes their number even.
     append(expected, std::uint32_t{4 + 24 + 8 + 16});
-    append(expected, std::string("WAVEfmt "));
-    append(expected, std::uint32_t{16});
-    append(expected, std::uint16_t{1});
-    append(expected, std::uint16_t{1});
-    append(expected, std::uint32_t{44100});
-    append(expected, std::uint32_t{44100 * 3});
-    append(expected, std::uint16_t{3});
-    append(expected, std::uint16_t{24});
+    append(expected, std::string("WAVE"));
+    appendFormat(expected, 1, 1, 44100, 24);
     append(expected, std::string("data"));
     append(expected, std::uint32_t{15});
     EXPECT_EQ(asBytes(waveHeader(kMono24, WaveForm::riff, 5)), expected);
@@ -49,18 +43,7 @@ TEST(WaveHeader, BeyondFourGigabytesSizesHave64Bits) {
     append(expected, std::uint64_t{40'000'000'000});
     append(expected, std::uint64_t{5'000'000'000});
     append(expected, std::uint32_t{0});
-    append(expected, std::string("fmt "));
-    append(expected, std::uint32_t{18});
-    append(expected, std::uint16_t{3});
-    append(expected, std::uint16_t{2});
-    append(expected, std::uint32_t{48000});
-    append(expected, std::uint32_t{48000 * 8});
-    append(expected, std::uint16_t{8});
-    append(expected, std::uint16_t{32});
-    append(expected, std::uint16_t{0});
-    append(expected, std::string("fact"));
-    append(expected, std::uint32_t{4});
-    append(expected, std::uint32_t{0xFFFFFFFF});
+    appendFormat(expected, 3, 2, 48000, 32, 0xFFFFFFFF);
     append(expected, std::string("data"));
     append(expected, std::uint32_t{0xFFFFFFFF});
     EXPECT_EQ(asBytes(waveHeader(kStereoFloat, WaveForm::rf64, kFrames)), expected);

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "shellkit/TempFolder.h"
+#include "shellkit/WaveBytes.h"
 #include "shellkit/files/Failure.h"
 #include "shellkit/media/WaveFrames.h"
 #include "shellkit/media/WaveWriter.h"
@@ -19,18 +20,8 @@ TEST(WaveWriter, WritesAFloatFileByteForByte) {
     Bytes expected;
     append(expected, std::string("RIFF"));
     append(expected, std::uint32_t{4 + 26 + 12 + 8 + 16});
-    append(expected, std::string("WAVEfmt "));
-    append(expected, std::uint32_t{18});
-    append(expected, std::uint16_t{3});
-    append(expected, std::uint16_t{2});
-    append(expected, std::uint32_t{48000});
-    append(expected, std::uint32_t{48000 * 8});
-    append(expected, std::uint16_t{8});
-    append(expected, std::uint16_t{32});
-    append(expected, std::uint16_t{0});
-    append(expected, std::string("fact"));
-    append(expected, std::uint32_t{4});
-    append(expected, std::uint32_t{2});
+    append(expected, std::string("WAVE"));
+    appendFormat(expected, 3, 2, 48000, 32, 2);
     append(expected, std::string("data"));
     append(expected, std::uint32_t{16});
     for (const float sample : {0.5f, -1.0f, 0.25f, 2.0f}) append(expected, sample);
