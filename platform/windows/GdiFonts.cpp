@@ -1,29 +1,18 @@
 #include "platform/windows/GdiFonts.h"
 
-#include <windows.h>
-
 #include <algorithm>
 #include <optional>
-#include <type_traits>
 #include <unordered_map>
 #include <utility>
 
 #include "platform/drawing/FaceScale.h"
 #include "platform/drawing/PlatformFonts.h"
 #include "platform/text/Text.h"
+#include "platform/windows/SystemHandle.h"
 
 namespace marnoth {
 
 namespace {
-
-struct DeviceRelease {
-    void operator()(HDC device) const { DeleteDC(device); }
-};
-struct FontRelease {
-    void operator()(HFONT font) const { DeleteObject(font); }
-};
-using Device = std::unique_ptr<std::remove_pointer_t<HDC>, DeviceRelease>;
-using FontHandle = std::unique_ptr<std::remove_pointer_t<HFONT>, FontRelease>;
 
 constexpr UINT kNoSuchGlyph = 0xFFFF;
 constexpr int kFullCoverage = 64;  // of GGO_GRAY8_BITMAP
@@ -59,7 +48,7 @@ std::optional<FaceExtent> extentOf(HDC device, const std::wstring& face) {
 
 class GdiFont final : public Font {
 public:
-    GdiFont(Device device, FontHandle font, FontHandle unscaled, const FaceScale& scale, int unitsPerEm)
+    GdiFont(DeviceHandle device, FontHandle font, FontHandle unscaled, const FaceScale& scale, int unitsPerEm)
         : font_(std::move(font)),
           unscaled_(std::move(unscaled)),
           device_(std::move(device)),
@@ -129,7 +118,7 @@ private:
     // The device goes first: what is selected into it can't be deleted.
     FontHandle font_;
     FontHandle unscaled_;  ///< as large as the face's own units
-    Device device_;
+    DeviceHandle device_;
     FaceScale scale_;
     int unitsPerEm_;
     std::unordered_map<UINT, Glyph> glyphs_;
@@ -139,7 +128,7 @@ private:
 std::unique_ptr<Font> openFace(const std::wstring& face, int height) {
     constexpr int kAnySize = 16;
     const FontHandle probe = makeFont(face, kAnySize);
-    Device device(CreateCompatibleDC(nullptr));
+    DeviceHandle device(CreateCompatibleDC(nullptr));
     if (!device || !probe) return nullptr;
     const HGDIOBJ before = SelectObject(device.get(), probe.get());
     std::optional<FaceExtent> extent;
