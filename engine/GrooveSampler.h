@@ -204,7 +204,7 @@ private:
     HRESULT LoadFile(const char* name, const char* path, std::int32_t& index, std::uint32_t& status,
                      LoadOutcome& outcome);
     /// Puts a file that has been read behind the others of the Loop Bin, if there is room; `status` says so.
-    void addToBin(const BinFile& file, std::int32_t& index, std::uint32_t& status);
+    HRESULT addToBin(const BinFile& file, std::int32_t& index, std::uint32_t& status);
 
     /// Empties the project, and again when `load` fails or throws.
     template <class Load>

@@ -92,16 +92,19 @@ HRESULT CGrooveSampler::LoadFile(const char* name, const char* path, std::int32_
     // Long work on a file that nobody else can see: blocks go on meanwhile.
     BinFile file;
     if (const HRESULT result = readFile(file, name, path, reading, outcome); FAILED(result)) return result;
-    addToBin(file, index, status);
+    if (const HRESULT result = addToBin(file, index, status); FAILED(result)) {
+        outcome.fault = {.kind = FaultKind::noMemory};
+        return result;
+    }
     return status == kBinFull ? kSeeStatus : loadedResult(forced, status);
 }
 
-void CGrooveSampler::addToBin(const BinFile& file, std::int32_t& index, std::uint32_t& status) {
+HRESULT CGrooveSampler::addToBin(const BinFile& file, std::int32_t& index, std::uint32_t& status) {
     struct Draft {
         std::int32_t index;
         BinFile file;
     };
-    edit(
+    return edit(
         [&](const Model& now) {
             return Draft{now.bin.size(), file};
         },
@@ -123,8 +126,8 @@ HRESULT CGrooveSampler::RemoveBinFile(std::int32_t bin) {
         LoopBin bin;
         bool removes;
     };
-    HRESULT result = S_FALSE;
-    edit(
+    bool removed = false;
+    const HRESULT result = edit(
         [&](const Model& now) {
             return Draft{now.pads, now.bin, now.bin.has(bin)};
         },
@@ -142,10 +145,10 @@ HRESULT CGrooveSampler::RemoveBinFile(std::int32_t bin) {
                 if (!draft.removes) return;
                 std::swap(model.pads, draft.pads);
                 std::swap(model.bin, draft.bin);
-                result = S_OK;
+                removed = true;
             });
         });
-    return result;
+    return result == S_OK && !removed ? S_FALSE : result;
 }
 
 }  // namespace marnoth

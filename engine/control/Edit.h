@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <mutex>
+#include <new>
 #include <optional>
 #include <utility>
 
@@ -59,9 +60,10 @@ HRESULT CGrooveSampler::changePad(std::int32_t pad, Write write, HRESULT refusal
 /// An edit: `take(const Model&)` copies under the lock what it needs of the present state, `build(draft)`
 /// makes the next state of that with the lock free, and `put(Model&, draft)` puts it in place under the lock,
 /// leaving what it replaced in the draft, which goes behind the lock. Built anew when the state has changed
-/// meanwhile. A failure of `build`, and what it throws, leave everything as it was.
+/// meanwhile. A failure of `build`, what it throws, and memory that ends leave everything as it was; the last
+/// is `E_OUTOFMEMORY`, anything else that is thrown goes on to the caller.
 template <class Take, class Build, class Put>
-HRESULT CGrooveSampler::edit(Take take, Build build, Put put) {
+HRESULT CGrooveSampler::edit(Take take, Build build, Put put) try {
     // Others change plain fields all the time; after so many tries nobody does.
     constexpr int kMostTries = 16;
     const WritersTurn turn(*this);
@@ -80,6 +82,8 @@ HRESULT CGrooveSampler::edit(Take take, Build build, Put put) {
         put(bank_.change(), draft);
         return S_OK;
     }
+} catch (const std::bad_alloc&) {
+    return E_OUTOFMEMORY;
 }
 
 /// An edit of one pad: `build(CGrooveTrack& pad)` makes the next of the present one.

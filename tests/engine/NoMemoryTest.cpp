@@ -1,5 +1,4 @@
 #include <functional>
-#include <new>
 
 #include "engine/EditRig.h"
 #include "engine/ProjectRig.h"
@@ -89,18 +88,18 @@ std::vector<std::int64_t> seen(EditRig& rig) {
 }
 
 TEST(NoMemory, AnEditThatRunsOutAnywhereLeavesEverythingAsItWas) {
-    using Edit = std::function<void(IGrooveSampler&)>;
+    using Edit = std::function<HRESULT(IGrooveSampler&)>;
     std::int32_t newIndex = 0;
     const std::vector<Edit> edits{
-        [](IGrooveSampler& engine) { engine.SetGrainTranspose(0, 2, 5); },
-        [](IGrooveSampler& engine) { engine.SetPadTail(0, 1); },
-        [](IGrooveSampler& engine) { engine.AddGrain(0, 1, 1, 5 * kBeat); },
-        [](IGrooveSampler& engine) { engine.ReplaceGrain(0, 3, 0, 0); },
-        [](IGrooveSampler& engine) { engine.DeleteGrain(0, 0, 0); },
-        [&](IGrooveSampler& engine) { engine.MoveGrain(0, 1, 1, 0, &newIndex, 0); },
-        [&](IGrooveSampler& engine) { engine.CopyGrain(0, 1, 0, 9 * kBeat, &newIndex); },
-        [](IGrooveSampler& engine) { engine.CommitGrainEdits(); },
-        [](IGrooveSampler& engine) { engine.RemoveBinFile(0); },
+        [](IGrooveSampler& engine) { return engine.SetGrainTranspose(0, 2, 5); },
+        [](IGrooveSampler& engine) { return engine.SetPadTail(0, 1); },
+        [](IGrooveSampler& engine) { return engine.AddGrain(0, 1, 1, 5 * kBeat); },
+        [](IGrooveSampler& engine) { return engine.ReplaceGrain(0, 3, 0, 0); },
+        [](IGrooveSampler& engine) { return engine.DeleteGrain(0, 0, 0); },
+        [&](IGrooveSampler& engine) { return engine.MoveGrain(0, 1, 1, 0, &newIndex, 0); },
+        [&](IGrooveSampler& engine) { return engine.CopyGrain(0, 1, 0, 9 * kBeat, &newIndex); },
+        [](IGrooveSampler& engine) { return engine.CommitGrainEdits(); },
+        [](IGrooveSampler& engine) { return engine.RemoveBinFile(0); },
     };
     for (std::size_t which = 0; which < edits.size(); ++which) {
         EditRig rig;
@@ -112,17 +111,14 @@ TEST(NoMemory, AnEditThatRunsOutAnywhereLeavesEverythingAsItWas) {
         int failures = 0;
         for (std::int64_t call = 1;; ++call) {
             ASSERT_LT(call, 1000);
-            bool threw = false;
+            HRESULT result;
             {
                 const FailingAllocation failing(call);
-                try {
-                    edits[which](rig.engine);
-                } catch (const std::bad_alloc&) {
-                    threw = true;
-                }
+                result = edits[which](rig.engine);
+                if (!failing.happened()) break;
             }
-            if (!threw) break;
             ++failures;
+            ASSERT_EQ(result, E_OUTOFMEMORY) << "edit " << which << ", call " << call;
             ASSERT_EQ(seen(rig), before) << "edit " << which << ", call " << call;
         }
         EXPECT_GT(failures, 0) << "edit " << which;
