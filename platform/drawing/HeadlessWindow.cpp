@@ -1,11 +1,11 @@
 #include "platform/drawing/HeadlessWindow.h"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <new>
 #include <utility>
 
+#include "platform/drawing/CharacterKeys.h"
 #include "platform/text/Text.h"
 
 namespace marnoth {
@@ -13,8 +13,6 @@ namespace marnoth {
 namespace {
 
 constexpr std::string_view kCancel = "cancel";
-
-using Words = std::vector<std::string>;
 
 /// In double quotes, with quotes and backslashes escaped.
 std::string quoted(std::string_view text) {
@@ -39,25 +37,6 @@ std::optional<int> numberIn(std::string_view word) {
 }
 
 }  // namespace
-
-int keyOfCharacter(char32_t character) {
-    if (character >= 'a' && character <= 'z') return static_cast<int>(character - 'a') + 'A';
-    if (character >= 'A' && character <= 'Z') return static_cast<int>(character);
-    if (character >= '0' && character <= '9') return static_cast<int>(character);
-    if (character == ' ') return kKeySpace;
-    struct Sign {
-        std::u32string_view characters;
-        int key;
-    };
-    static constexpr std::array<Sign, 21> kSigns{{
-        {U"!", '1'},  {U"@", '2'},  {U"#", '3'},  {U"$", '4'},  {U"%", '5'},   {U"^", '6'},  {U"&", '7'},
-        {U"*", '8'},  {U"(", '9'},  {U")", '0'},  {U";:", 186}, {U"=+", 187},  {U",<", 188}, {U"-_", 189},
-        {U".>", 190}, {U"/?", 191}, {U"`~", 192}, {U"[{", 219}, {U"\\|", 220}, {U"]}", 221}, {U"'\"", 222},
-    }};
-    for (const Sign& sign : kSigns)
-        if (sign.characters.find(character) != sign.characters.npos) return sign.key;
-    return 0;
-}
 
 template <class Event>
 void HeadlessWindow::tell(Event event) {
@@ -227,10 +206,7 @@ std::vector<std::string> HeadlessWindow::takeLog() {
 
 void HeadlessWindow::askMessage(std::string_view text, MessageKind kind,
                                 std::function<void(PageAnswer)> then) {
-    const bool isNote = kind == MessageKind::note;
-    const std::vector<std::string> buttons = isNote ? Words{"OK"} : Words{"Yes", "No"};
-    ask({"message " + quoted(text),
-         {std::string(text), buttons, {}, {}},
+    ask({"message " + quoted(text), shownMessage(text, kind),
          [then = std::move(then)](const std::string& answer) {
              then(answer == "yes"  ? PageAnswer::yes
                   : answer == "no" ? PageAnswer::no

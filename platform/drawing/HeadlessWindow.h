@@ -12,16 +12,9 @@
 #include "platform/drawing/Bitmap.h"
 #include "platform/drawing/Font.h"
 #include "platform/drawing/PageWindow.h"
+#include "platform/drawing/ShownQuestion.h"
 
 namespace marnoth {
-
-/// A question that waits for its answer, as a user sees it.
-struct ShownQuestion {
-    std::string text;                  ///< UTF-8; empty for a menu
-    std::vector<std::string> buttons;  ///< none for a menu
-    std::vector<MenuItem> items;       ///< of a menu
-    Point at;                          ///< where a menu is wanted
-};
 
 /// A window without a screen. A test or a script is its user: it moves the pointer, presses keys, waits for
 /// the timer and answers questions in advance; what the page wanted of the window can be read back.
@@ -145,9 +138,5 @@ private:
     bool wantsFocus_ = false;
     bool paintRequested_ = false;
 };
-
-/// The key that makes a character on an American keyboard, in the codes of `PageKey`, without its modifiers;
-/// 0 for a character that has none.
-int keyOfCharacter(char32_t character);
 
 }  // namespace marnoth

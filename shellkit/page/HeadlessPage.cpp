@@ -35,7 +35,7 @@ Bitmap HeadlessPage::picture() {
         const std::unique_ptr<Font> font = window_.openFont(kFontFace, kQuestionHeight, error);
         if (!font) throw std::runtime_error(error);
         RasterSurface surface(picture);
-        drawQuestion(surface, *question, *font, picture.bounds());
+        drawQuestion(surface, *question, layOut(*question, *font, picture.bounds()), *font);
     }
     return picture;
 }

@@ -16,7 +16,9 @@ using Lines = std::vector<std::string>;
 /// Draws a question in a face whose characters are six pixels wide and twelve high.
 class QuestionPicture : public testing::Test {
 protected:
-    void draw(const ShownQuestion& question) { drawQuestion(surface, question, font, kPage); }
+    void draw(const ShownQuestion& question) {
+        drawQuestion(surface, question, layOut(question, font, kPage), font);
+    }
     /// The calls of a name.
     Lines calls(const std::string& name) const {
         Lines found;

@@ -1,0 +1,76 @@
+#include "shellkit/page/QuestionLayout.h"
+
+#include <algorithm>
+#include <string_view>
+
+#include "platform/drawing/Font.h"
+
+namespace marnoth {
+
+namespace {
+
+constexpr int kPadding = 16;
+constexpr int kTextWidth = 330;
+constexpr int kButtonWidth = 72;
+constexpr int kButtonHeight = 20;
+constexpr int kButtonGap = 8;
+constexpr int kMenuMargin = 18;  ///< left of the texts, for checks, and right of them
+constexpr int kMenuBorder = 3;
+constexpr int kRowLeading = 4;
+
+/// Words go into the next line where they don't fit.
+std::vector<std::string> wrapped(std::string_view text, Font& font) {
+    std::vector<std::string> lines{""};
+    while (!text.empty()) {
+        const std::string word(text.substr(0, text.find(' ')));
+        text.remove_prefix(std::min(word.size() + 1, text.size()));
+        const std::string longer = lines.back().empty() ? word : lines.back() + " " + word;
+        if (lines.back().empty() || font.widthOf(longer) <= kTextWidth)
+            lines.back() = longer;
+        else
+            lines.push_back(word);
+    }
+    return lines;
+}
+
+QuestionLayout layOutBox(const ShownQuestion& question, Font& font, const Rect& page) {
+    QuestionLayout layout;
+    layout.lines = wrapped(question.text, font);
+    const int textHeight = static_cast<int>(layout.lines.size()) * font.lineHeight();
+    const int width = kTextWidth + 2 * kPadding;
+    const int height = textHeight + kButtonHeight + 3 * kPadding;
+    layout.box = Rect::at(page.left + (page.width() - width) / 2, page.top + (page.height() - height) / 2,
+                          width, height);
+    layout.text = {layout.box.left + kPadding, layout.box.top + kPadding};
+    const int step = kButtonWidth + kButtonGap;
+    int left = layout.box.right - kPadding + kButtonGap - step * static_cast<int>(question.buttons.size());
+    for (std::size_t button = 0; button < question.buttons.size(); ++button, left += step)
+        layout.choices.push_back(
+            Rect::at(left, layout.box.bottom - kPadding - kButtonHeight, kButtonWidth, kButtonHeight));
+    return layout;
+}
+
+QuestionLayout layOutMenu(const ShownQuestion& menu, Font& font, const Rect& page) {
+    QuestionLayout layout;
+    int width = 0;
+    for (const MenuItem& item : menu.items) width = std::max(width, font.widthOf(item.text));
+    width += 2 * kMenuMargin;
+    const int rowHeight = font.lineHeight() + kRowLeading;
+    const int fullWidth = width + 2 * kMenuBorder;
+    const int height = static_cast<int>(menu.items.size()) * rowHeight + 2 * kMenuBorder;
+    layout.box = Rect::at(std::clamp(menu.at.x, page.left, std::max(page.left, page.right - fullWidth)),
+                          std::clamp(menu.at.y, page.top, std::max(page.top, page.bottom - height)),
+                          fullWidth, height);
+    int top = layout.box.top + kMenuBorder;
+    for (std::size_t item = 0; item < menu.items.size(); ++item, top += rowHeight)
+        layout.choices.push_back(Rect::at(layout.box.left + kMenuBorder, top, width, rowHeight));
+    return layout;
+}
+
+}  // namespace
+
+QuestionLayout layOut(const ShownQuestion& question, Font& font, const Rect& page) {
+    return (question.items.empty() ? layOutBox : layOutMenu)(question, font, page);
+}
+
+}  // namespace marnoth

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "shells/desktop/AudioDriver.h"
+
+namespace marnoth {
+
+/// What the program is started with.
+struct DesktopOptions {
+    std::vector<std::string> files;  ///< UTF-8: one project, or loops that go into the Loop Bin
+    std::string audio;               ///< "", "jack", "null", or part of a device's name
+    AudioWish wish;
+    int scale = 0;  ///< pixels of the screen for one of the page; 0 by the user's resolution
+};
+
+/// The instrument in a window with sound, until the user closes it. Gives the program's exit status; what
+/// can't be had is said on `errors`.
+int runDesktop(const DesktopOptions& options, std::ostream& errors);
+
+}  // namespace marnoth

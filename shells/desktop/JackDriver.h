@@ -1,0 +1,51 @@
+#pragma once
+
+#include <array>
+#include <atomic>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "shells/desktop/AudioDriver.h"
+#include "shells/desktop/JackLibrary.h"
+
+namespace marnoth {
+
+/// Sound and MIDI through JACK, which PipeWire speaks too: the seventeen outputs as ports with names, and one
+/// port for notes. The mix is connected to the speakers and the port to what sends MIDI, at the start and
+/// whenever such ports come.
+class JackDriver final : public AudioDriver {
+public:
+    /// `client` outlives it. Throws `std::runtime_error`, with a sentence for the user, when no server runs
+    /// or it has another rate than is wished.
+    JackDriver(const AudioWish& wish, AudioClient& client);
+    ~JackDriver() override;
+
+    std::string name() const override { return "JACK"; }
+    std::uint32_t rate() const override { return rate_; }
+    std::int32_t frames() const override { return frames_; }
+    std::string trouble() const override;
+    void look() override;
+
+private:
+    int process(std::int32_t frames);
+    bool addPorts();
+    void connectMix();
+    void connectMidi();
+    /// The names of ports of others; physical ones first, as the server lists them.
+    std::vector<std::string> portsOf(const char* type, unsigned long flags) const;
+
+    const JackLibrary& jack_;
+    AudioClient& client_;
+    const AudioWish wish_;
+    jack_client_t* handle_ = nullptr;
+    std::array<jack_port_t*, SeparateOutputs::kPointers> audio_{};
+    jack_port_t* midi_ = nullptr;
+    std::uint32_t rate_ = 0;
+    std::atomic<std::int32_t> frames_ = 0;
+    std::atomic<bool> gone_ = false;
+    std::vector<std::string> knownMidi_;  ///< ports that were connected once: who takes a cable out means it
+    bool mixIsConnected_ = false;
+};
+
+}  // namespace marnoth
