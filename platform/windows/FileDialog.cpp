@@ -46,7 +46,7 @@ std::optional<std::wstring> showFileDialog(HWND owner, std::string_view filter, 
     // Where the host's process stands is the host's affair.
     dialog.Flags = OFN_HIDEREADONLY | OFN_OVERWRITEPROMPT | OFN_EXPLORER | OFN_ENABLESIZING | OFN_NOCHANGEDIR;
     const BOOL chosen = kind == FileKind::save ? GetSaveFileNameW(&dialog) : GetOpenFileNameW(&dialog);
-    if (!chosen) return {};
+    if (!chosen || path.front() == L'\0') return {};
     return path.data();
 }
 

@@ -36,6 +36,10 @@ private:
     PAINTSTRUCT paint_{};
 };
 
+bool isControl(char32_t character) {
+    return character < 0x20 || (character >= 0x7F && character < 0xA0);
+}
+
 /// As the page and the engine take names of files.
 std::string pageName(const std::wstring& path) {
     return utf8FromWide(pathForCodePage(path));
@@ -284,7 +288,7 @@ void Win32Window::key(const Message& message) {
 void Win32Window::characters(const Message& message) {
     const std::optional<char32_t> character = joiner_.take(static_cast<char16_t>(message.first));
     // What the editing keys make beside their codes is none.
-    if (!character || *character < U' ' || *character == 0x7F) return;
+    if (!character || isControl(*character)) return;
     for (int times = repeatsOf(message.second); times > 0; --times)
         tell([&](PageEvents& page) { page.character(*character, heldModifiers()); });
 }
@@ -308,6 +312,10 @@ Win32Window::Answer Win32Window::answerWindow(const Message& message) {
             if (LOWORD(message.second) != HTCLIENT) return {};
             pointer_.showCursor();
             return TRUE;
+        case WM_SHOWWINDOW:
+            // Hidden, no window keeps the mouse.
+            if (!message.first && pointer_.isCaptured()) ReleaseCapture();
+            return {};
         case WM_DESTROY:
             leave();
             return 0;

@@ -5,6 +5,8 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "platform/com/Com.h"
 
@@ -38,33 +40,36 @@ inline HWND openQuestion() {
     return found;
 }
 
-/// A user who does something once at the next question, from within the messages that the question
+/// A user who does something once at each of the next questions, from within the messages that a question
 /// dispatches. A question that stays open for long is ended.
 class AtQuestion {
 public:
     using Act = std::function<void(HWND question)>;
 
-    explicit AtQuestion(Act act) : act_(std::move(act)), outer_(current_) {
-        current_ = this;
-        timer_ = SetTimer(nullptr, 0, 10, tick);
+    explicit AtQuestion(Act act) : AtQuestion(std::vector{std::move(act)}) {}
+    explicit AtQuestion(std::vector<Act> acts)
+        : acts_(std::move(acts)), outer_(std::exchange(current_, this)) {
+        timer_ = SetTimer(nullptr, 0, kPeriod, [](HWND, UINT, UINT_PTR, DWORD) { current_->look(); });
     }
     ~AtQuestion() {
         KillTimer(nullptr, timer_);
         current_ = outer_;
-        EXPECT_TRUE(seen_) << "no question was asked";
+        EXPECT_EQ(done_, acts_.size()) << "that many questions were asked";
     }
     AtQuestion(const AtQuestion&) = delete;
     AtQuestion& operator=(const AtQuestion&) = delete;
 
 private:
-    static void CALLBACK tick(HWND, UINT, UINT_PTR, DWORD) {
+    static constexpr UINT kPeriod = 10;  // milliseconds
+
+    void look() {
         HWND const question = openQuestion();
-        if (!current_ || !question) return;
-        if (!current_->seen_) {
-            current_->seen_ = true;
-            return current_->act_(question);
+        if (question && question != last_ && done_ < acts_.size()) {
+            last_ = question;
+            looks_ = 0;
+            return acts_[done_++](question);
         }
-        if (++current_->ticks_ == 1000) {
+        if (question && ++looks_ == 1000) {
             ADD_FAILURE() << "a question stays open";
             EndMenu();
             EndDialog(question, IDCANCEL);
@@ -72,11 +77,12 @@ private:
     }
 
     static inline AtQuestion* current_ = nullptr;
-    Act act_;
+    std::vector<Act> acts_;
     AtQuestion* const outer_;
     UINT_PTR timer_ = 0;
-    bool seen_ = false;
-    int ticks_ = 0;
+    std::size_t done_ = 0;
+    HWND last_ = nullptr;
+    int looks_ = 0;
 };
 
 }  // namespace marnoth::test
