@@ -12,6 +12,7 @@ namespace {
 using namespace marnoth;
 
 constexpr DWORD kLongestPath = 260;
+constexpr HRESULT kPathIsTooLong = static_cast<HRESULT>(0x80070000 + ERROR_FILENAME_EXCED_RANGE);
 
 HINSTANCE moduleHandle = nullptr;
 
@@ -49,8 +50,9 @@ HRESULT WINAPI DllCanUnloadNow() {
 
 HRESULT WINAPI DllRegisterServer() try {
     std::array<wchar_t, kLongestPath + 1> path{};
-    GetModuleFileNameW(moduleHandle, path.data(), kLongestPath);
-    return registerClasses(path.data(), servedClasses());
+    // What doesn't fit is cut, and would have hosts look for another file.
+    const DWORD length = GetModuleFileNameW(moduleHandle, path.data(), static_cast<DWORD>(path.size()));
+    return length > kLongestPath ? kPathIsTooLong : registerClasses(path.data(), servedClasses());
 } catch (const std::bad_alloc&) {
     return E_OUTOFMEMORY;
 }

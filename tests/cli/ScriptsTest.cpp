@@ -7,6 +7,7 @@
 
 #include "cli/CliRun.h"
 #include "shellkit/media/WaveFrames.h"
+#include "support/TestData.h"
 
 /// Runs every script of tests/scripts, in a copy of that folder: scripts may write files beside themselves.
 /// Beside a script stands what must come of it: NAME.transcript, all that
@@ -25,7 +26,7 @@ namespace fs = std::filesystem;
 constexpr float kTolerance = 1e-6f;
 
 const fs::path& scriptFolder() {
-    static const fs::path folder(MARNOTH_SCRIPTS);
+    static const fs::path folder = testData(MARNOTH_SCRIPTS);
     return folder;
 }
 

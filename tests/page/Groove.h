@@ -9,6 +9,7 @@
 
 #include "seam/IGrooveSampler.h"
 #include "seam/MusicalTime.h"
+#include "support/TestData.h"
 
 namespace marnoth::test {
 
@@ -16,7 +17,7 @@ namespace marnoth::test {
 /// relative names have the same names everywhere, and the strip shows them.
 class SoundFolder {
 public:
-    SoundFolder() { std::filesystem::current_path(MARNOTH_SCRIPTS); }
+    SoundFolder() { std::filesystem::current_path(testData(MARNOTH_SCRIPTS)); }
     SoundFolder(const SoundFolder&) = delete;
     SoundFolder& operator=(const SoundFolder&) = delete;
     ~SoundFolder() { std::filesystem::current_path(before_); }

@@ -11,6 +11,8 @@
 #include <optional>
 #include <ostream>
 
+#include "support/TestData.h"
+
 namespace marnoth {
 
 void PrintTo(const Color& color, std::ostream* out) {
@@ -103,7 +105,7 @@ std::string described(const Difference& difference, const Bitmap& shown, const B
 }  // namespace
 
 void expectPicture(const Bitmap& shown, const std::string& name) {
-    const fs::path path = fs::path(MARNOTH_PICTURES) / (name + ".png");
+    const fs::path path = testData(MARNOTH_PICTURES) / (name + ".png");
     if (keepsPictures()) {
         writePicture(path, shown);
         std::cout << "stored " << path << std::endl;

@@ -6,16 +6,19 @@
 
 #include "platform/com/RefPtr.h"
 #include "platform/graph/Graph.h"
+#include "support/TestData.h"
 
 namespace marnoth::test {
 
 /// The component, loaded by its path. What it gave out has to go before it.
 class Component {
 public:
-    static std::filesystem::path builtFile() { return MARNOTH_COMPONENT; }
+    static std::filesystem::path builtFile() {
+        return std::filesystem::absolute(testData(MARNOTH_COMPONENT));
+    }
 
     explicit Component(const std::filesystem::path& file = builtFile())
-        : module_(LoadLibraryW(std::filesystem::absolute(file).c_str())) {
+        : module_(LoadLibraryW(file.c_str())) {
         EXPECT_TRUE(module_) << GetLastError();
     }
     ~Component() { FreeLibrary(module_); }

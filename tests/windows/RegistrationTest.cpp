@@ -1,62 +1,36 @@
-#include <map>
+#include <algorithm>
+#include <array>
 #include <string>
-#include <vector>
+#include <utility>
 
 #include "seam/ClassIds.h"
 #include "windows/Component.h"
+#include "windows/RegistryView.h"
 
 namespace marnoth::test::registration_test {
 namespace {
 
-using Values = std::map<std::wstring, std::wstring>;
+namespace fs = std::filesystem;
 
-std::wstring idText(REFCLSID id) {
-    wchar_t text[40]{};
-    StringFromGUID2(id, text, 40);
-    return text;
-}
+const std::wstring kInstances = L"CLSID\\{083863F1-70DE-11D0-BD40-00A0C911CE86}\\Instance";
+const std::wstring kSynths = L"KvxSoftSynths";
 
 std::wstring classKey() {
     return L"CLSID\\" + idText(CLSID_Marnoth);
 }
-
 std::wstring synthKey() {
-    return L"KvxSoftSynths\\" + idText(CLSID_Marnoth);
+    return kSynths + L"\\" + idText(CLSID_Marnoth);
+}
+std::wstring filterKey() {
+    return kInstances + L"\\" + idText(CLSID_Marnoth);
 }
 
-/// All values beneath a key of `HKEY_CLASSES_ROOT`, each by its path; empty without the key. What isn't a
-/// string is told by its type.
-void collect(HKEY key, const std::wstring& path, Values& values) {
-    wchar_t name[300]{};
-    BYTE bytes[4096]{};
-    DWORD nameUnits = 300, type = 0, size = sizeof bytes;
-    for (DWORD i = 0; RegEnumValueW(key, i, name, &nameUnits, nullptr, &type, bytes, &size) == ERROR_SUCCESS;
-         ++i, nameUnits = 300, size = sizeof bytes) {
-        values[path + L"|" + name] =
-            type == REG_SZ ? reinterpret_cast<const wchar_t*>(bytes) : L"type " + std::to_wstring(type);
-    }
-    for (DWORD i = 0; RegEnumKeyW(key, i, name, 300) == ERROR_SUCCESS; ++i) {
-        HKEY below = nullptr;
-        ASSERT_EQ(RegOpenKeyExW(key, name, 0, KEY_READ, &below), ERROR_SUCCESS);
-        collect(below, path + L"\\" + name, values);
-        RegCloseKey(below);
-    }
-}
-
-Values valuesBeneath(const std::wstring& path) {
-    Values values;
-    HKEY key = nullptr;
-    if (RegOpenKeyExW(HKEY_CLASSES_ROOT, path.c_str(), 0, KEY_READ, &key) != ERROR_SUCCESS) return values;
-    collect(key, L"", values);
-    RegCloseKey(key);
-    return values;
-}
-
-bool isThere(const std::wstring& path) {
-    HKEY key = nullptr;
-    const bool found = RegOpenKeyExW(HKEY_CLASSES_ROOT, path.c_str(), 0, KEY_READ, &key) == ERROR_SUCCESS;
-    if (found) RegCloseKey(key);
-    return found;
+/// All keys that there are where classes, filters and soft synths are entered.
+std::set<std::wstring> keysOfAll() {
+    std::set<std::wstring> keys;
+    for (const std::wstring& place : {std::wstring(L"CLSID"), kInstances, kSynths, std::wstring()})
+        keys.merge(keysBeneath(place));
+    return keys;
 }
 
 /// COM for a test, and nothing of the component in the registry before and behind it.
@@ -64,6 +38,7 @@ class Registration : public testing::Test {
 protected:
     Registration() {
         CoInitialize(nullptr);
+        makeKey(kSynths);
         EXPECT_EQ(component.unregisterServer(), S_OK);
     }
     ~Registration() override {
@@ -76,6 +51,9 @@ protected:
                                                      {L"\\InprocServer32|", registered.path().wstring()},
                                                      {L"\\InprocServer32|ThreadingModel", L"Both"}}));
         EXPECT_EQ(valuesBeneath(synthKey()), (Values{{L"|Description", L"Marnoth"}}));
+        EXPECT_EQ(valuesBeneath(filterKey()), (Values{{L"|CLSID", idText(CLSID_Marnoth)},
+                                                      {L"|FilterData", L"type 3"},
+                                                      {L"|FriendlyName", L"Marnoth"}}));
         EXPECT_TRUE(isFilterListed());
     }
 
@@ -107,8 +85,42 @@ TEST_F(Registration, WritesTheClassTheFilterAndTheSoftSynth) {
     expectRegistered(component);
 }
 
+TEST_F(Registration, TellsTheMeritAndTheTwoPinsOfTheFilter) {
+    EXPECT_EQ(component.registerServer(), S_OK);
+    // Merit and number of pins stand behind the version of the form.
+    std::array<DWORD, 3> data{};
+    std::array<BYTE, 4096> bytes{};
+    DWORD size = sizeof bytes;
+    ASSERT_EQ(RegGetValueW(HKEY_CLASSES_ROOT, filterKey().c_str(), L"FilterData", RRF_RT_REG_BINARY, nullptr,
+                           bytes.data(), &size),
+              ERROR_SUCCESS);
+    ASSERT_GE(size, sizeof data);
+    std::copy_n(bytes.data(), sizeof data, reinterpret_cast<BYTE*>(data.data()));
+    EXPECT_EQ(data[1], 0x200000u);
+    EXPECT_EQ(data[2], 2u);
+}
+
+TEST_F(Registration, MakesThreeKeysAndTakesTheThreeAway) {
+    const auto before = keysOfAll();
+    EXPECT_EQ(component.registerServer(), S_OK);
+    auto expected = before;
+    expected.insert({classKey(), filterKey(), synthKey()});
+    EXPECT_EQ(keysOfAll(), expected);
+    EXPECT_EQ(component.unregisterServer(), S_OK);
+    EXPECT_EQ(keysOfAll(), before);
+}
+
 TEST_F(Registration, TwiceIsAsOnce) {
     EXPECT_EQ(component.registerServer(), S_OK);
+    EXPECT_EQ(component.registerServer(), S_OK);
+    expectRegistered(component);
+}
+
+TEST_F(Registration, WritesOverWhatStoodThere) {
+    makeKey(classKey() + L"\\InprocServer32");
+    const wchar_t other[] = L"C:\\elsewhere\\Marnoth.dll";
+    RegSetKeyValueW(HKEY_CLASSES_ROOT, (classKey() + L"\\InprocServer32").c_str(), nullptr, REG_SZ, other,
+                    sizeof other);
     EXPECT_EQ(component.registerServer(), S_OK);
     expectRegistered(component);
 }
@@ -123,45 +135,110 @@ TEST_F(Registration, IsTakenBackWhole) {
 }
 
 TEST_F(Registration, TakesWhatOthersPutBeneathItsKeys) {
+    const std::wstring longest(255, L'k');
     EXPECT_EQ(component.registerServer(), S_OK);
-    for (const std::wstring& key : {synthKey(), classKey()}) {
-        for (const wchar_t* below : {L"\\one\\two", L"\\one\\three", L"\\four"}) {
-            HKEY made = nullptr;
-            ASSERT_EQ(RegCreateKeyW(HKEY_CLASSES_ROOT, (key + below).c_str(), &made), ERROR_SUCCESS);
-            RegCloseKey(made);
-        }
-    }
+    for (const std::wstring& key : {synthKey(), classKey()})
+        for (const std::wstring& below : {std::wstring(L"one\\two"), std::wstring(L"one\\three"), longest})
+            makeKey(key + L"\\" + below);
     EXPECT_EQ(component.unregisterServer(), S_OK);
     EXPECT_FALSE(isThere(classKey()));
     EXPECT_FALSE(isThere(synthKey()));
 }
 
-TEST_F(Registration, NamesItsFileWhateverItIsCalled) {
-    namespace fs = std::filesystem;
-    const fs::path folder = fs::temp_directory_path() / L"M\u00e4r n\u014dth \u97f3\u4e50";
-    fs::create_directories(folder);
-    fs::copy_file(Component::builtFile(), folder / "Marnoth.dll", fs::copy_options::overwrite_existing);
-    {
-        const Component elsewhere(folder / "Marnoth.dll");
-        EXPECT_EQ(elsewhere.path().parent_path().filename(), folder.filename());
-        EXPECT_EQ(elsewhere.registerServer(), S_OK);
-        expectRegistered(elsewhere);
-    }
-    fs::remove_all(folder);
+TEST_F(Registration, EntersNoPageAmongTheSoftSynths) {
+    EXPECT_EQ(component.registerServer(), S_OK);
+    EXPECT_FALSE(isThere(kSynths + L"\\" + idText(CLSID_MarnothProperties)));
 }
 
+TEST_F(Registration, LeavesTheKeysOfOtherSoftSynths) {
+    const std::wstring other = kSynths + L"\\{0F1E2D3C-1111-2222-0102-030405060708}";
+    makeKey(other);
+    EXPECT_EQ(component.registerServer(), S_OK);
+    EXPECT_EQ(component.unregisterServer(), S_OK);
+    EXPECT_TRUE(isThere(other));
+    RegDeleteKeyW(HKEY_CLASSES_ROOT, other.c_str());
+}
+
+/// The component's file once more in a folder that goes with it.
+class Copy {
+public:
+    explicit Copy(fs::path folder) : folder_(std::move(folder)) {
+        fs::create_directories(folder_);
+        fs::copy_file(Component::builtFile(), file(), fs::copy_options::overwrite_existing);
+    }
+    ~Copy() { fs::remove_all(folder_); }
+    Copy(const Copy&) = delete;
+    Copy& operator=(const Copy&) = delete;
+
+    fs::path file() const { return folder_ / "Marnoth.dll"; }
+
+private:
+    fs::path folder_;
+};
+
+TEST_F(Registration, NamesItsFileWhateverItIsCalled) {
+    const Copy copy(fs::temp_directory_path() / L"M\u00e4r n\u014dth \u97f3\u4e50");
+    const Component elsewhere(copy.file());
+    EXPECT_EQ(elsewhere.path().parent_path().filename(), copy.file().parent_path().filename());
+    EXPECT_EQ(elsewhere.registerServer(), S_OK);
+    expectRegistered(elsewhere);
+}
+
+/// A folder with a file "Marnoth.dll" whose path has `length` characters, in the form for long paths.
+fs::path folderFor(std::size_t length) {
+    const std::wstring begin = L"\\\\?\\" + fs::temp_directory_path().wstring();
+    const std::wstring end = L"\\Marnoth.dll";
+    return begin + std::wstring(length + 4 - begin.size() - end.size(), L'm');
+}
+
+TEST_F(Registration, NamesAFileOf260CharactersAndNoneThatIsLonger) {
+    std::set<std::size_t> seen;
+    // Some systems count the form in which the file was loaded, and some don't.
+    for (const std::size_t length : {256, 257, 260, 261}) {
+        const Copy copy(folderFor(length));
+        const Component elsewhere(copy.file());
+        const std::size_t told = elsewhere.path().wstring().size();
+        seen.insert(told);
+        EXPECT_EQ(elsewhere.registerServer(), told <= 260 ? S_OK : static_cast<HRESULT>(0x800700CE));
+        EXPECT_EQ(isThere(classKey()), told <= 260);
+        if (told <= 260) expectRegistered(elsewhere);
+        EXPECT_EQ(component.unregisterServer(), S_OK);
+    }
+    EXPECT_TRUE(seen.contains(260) && seen.contains(261));
+}
+
+/// The classes are looked for in a key that has been taken away, for a scope.
+class RefusingRegistry {
+public:
+    RefusingRegistry() {
+        const wchar_t* const name = L"Software\\Marnoth tests of classes";
+        EXPECT_EQ(RegCreateKeyW(HKEY_CURRENT_USER, name, &gone_), ERROR_SUCCESS);
+        EXPECT_EQ(RegDeleteKeyW(HKEY_CURRENT_USER, name), ERROR_SUCCESS);
+        EXPECT_EQ(RegOverridePredefKey(HKEY_CLASSES_ROOT, gone_), ERROR_SUCCESS);
+    }
+    ~RefusingRegistry() {
+        RegOverridePredefKey(HKEY_CLASSES_ROOT, nullptr);
+        RegCloseKey(gone_);
+    }
+    RefusingRegistry(const RefusingRegistry&) = delete;
+    RefusingRegistry& operator=(const RefusingRegistry&) = delete;
+
+private:
+    HKEY gone_ = nullptr;
+};
+
 TEST_F(Registration, GivesTheFailureOfTheRegistry) {
-    // A key that has been taken away, in place of the classes.
-    HKEY gone = nullptr;
-    const wchar_t* const name = L"Software\\Marnoth tests of classes";
-    ASSERT_EQ(RegCreateKeyW(HKEY_CURRENT_USER, name, &gone), ERROR_SUCCESS);
-    ASSERT_EQ(RegDeleteKeyW(HKEY_CURRENT_USER, name), ERROR_SUCCESS);
-    ASSERT_EQ(RegOverridePredefKey(HKEY_CLASSES_ROOT, gone), ERROR_SUCCESS);
-    const HRESULT result = component.registerServer();
-    RegOverridePredefKey(HKEY_CLASSES_ROOT, nullptr);
-    RegCloseKey(gone);
-    EXPECT_EQ(result, static_cast<HRESULT>(0x800703FA));
+    {
+        const RefusingRegistry refusing;
+        EXPECT_EQ(component.registerServer(), static_cast<HRESULT>(0x800703FA));
+    }
     EXPECT_FALSE(isThere(synthKey()));
+    EXPECT_EQ(component.registerServer(), S_OK);
+    {
+        const RefusingRegistry refusing;
+        EXPECT_TRUE(FAILED(component.unregisterServer()));
+    }
+    expectRegistered(component);
 }
 
 TEST_F(Registration, LetsHostsFindTheInstrumentByItsClass) {
@@ -172,6 +249,41 @@ TEST_F(Registration, LetsHostsFindTheInstrumentByItsClass) {
         S_OK);
     RefPtr<IPin> pin;
     EXPECT_EQ(filter->FindPin(L"Chan 16", pin.put()), S_OK);
+}
+
+/// Has the system make an instrument of the registered class, and gives its pin.
+RefPtr<IPin> pinOfRegistered() {
+    RefPtr<IBaseFilter> filter;
+    EXPECT_EQ(
+        CoCreateInstance(CLSID_Marnoth, nullptr, CLSCTX_INPROC_SERVER, IID_IBaseFilter, filter.putVoid()),
+        S_OK);
+    RefPtr<IPin> pin;
+    EXPECT_EQ(filter->FindPin(L"Chan 1", pin.put()), S_OK);
+    return pin;
+}
+
+void dropUnused() {
+    // Once to find what isn't used, and once for what has been found long enough ago.
+    for (int i = 0; i < 2; ++i) CoFreeUnusedLibrariesEx(0, 0);
+}
+
+TEST_F(Registration, LetsTheSystemDropTheModuleOnceNothingIsHeld) {
+    const Copy copy(fs::temp_directory_path() / "Marnoth that is dropped");
+    std::wstring path;
+    {
+        const Component elsewhere(copy.file());
+        path = elsewhere.path();
+        EXPECT_EQ(elsewhere.registerServer(), S_OK);
+    }
+    EXPECT_FALSE(GetModuleHandleW(path.c_str()));
+    for (int round = 0; round < 2; ++round) {
+        auto pin = pinOfRegistered();
+        dropUnused();
+        EXPECT_TRUE(GetModuleHandleW(path.c_str())) << "for the pin";
+        pin.reset();
+        dropUnused();
+        EXPECT_FALSE(GetModuleHandleW(path.c_str()));
+    }
 }
 
 }  // namespace

@@ -69,15 +69,26 @@ TEST(Server, MakesPartsOfOtherObjectsThatAskForTheirIdentity) {
     EXPECT_EQ(factory->CreateInstance(nullptr, kForeign, &out), E_NOINTERFACE);
 }
 
-TEST(Server, StaysWhileItIsLocked) {
+void lock(const Component& component, BOOL on) {
+    EXPECT_EQ(component.factory(CLSID_Marnoth)->LockServer(on), S_OK);
+}
+
+TEST(Server, StaysWhileItIsLockedThoughNothingIsHeld) {
     const Component component;
-    const auto factory = component.factory(CLSID_Marnoth);
-    EXPECT_EQ(factory->LockServer(TRUE), S_OK);
-    { RefPtr<IUnknown> gone(factory.get()); }
-    EXPECT_EQ(factory->LockServer(TRUE), S_OK);
-    EXPECT_EQ(factory->LockServer(FALSE), S_OK);
+    lock(component, TRUE);
+    lock(component, TRUE);
+    lock(component, FALSE);
     EXPECT_EQ(component.canUnloadNow(), S_FALSE);
-    EXPECT_EQ(factory->LockServer(FALSE), S_OK);
+    lock(component, FALSE);
+    EXPECT_EQ(component.canUnloadNow(), S_OK);
+}
+
+TEST(Server, UnlockedMoreOftenThanLockedMayGo) {
+    const Component component;
+    lock(component, FALSE);
+    EXPECT_EQ(component.canUnloadNow(), S_OK);
+    lock(component, TRUE);
+    EXPECT_EQ(component.canUnloadNow(), S_OK);
 }
 
 TEST(Server, MayGoWhenNothingIsHeld) {
@@ -130,23 +141,66 @@ TEST(Server, StaysForAnEnumerator) {
     });
 }
 
-TEST(Server, StaysForAnAllocator) {
+RefPtr<IMemAllocator> allocatorOf(const Component& component) {
+    RefPtr<IMemInputPin> input;
+    EXPECT_EQ(pinOf(component, L"Input")->QueryInterface(IID_IMemInputPin, input.putVoid()), S_OK);
+    RefPtr<IMemAllocator> allocator;
+    EXPECT_EQ(input->GetAllocator(allocator.put()), S_OK);
+    return allocator;
+}
+
+RefPtr<IKvxInstrument> namesOf(const Component& component) {
+    RefPtr<IKvxSoftSynth> synth;
+    EXPECT_EQ(filterOf(component)->QueryInterface(IID_IKvxSoftSynth, synth.putVoid()), S_OK);
+    RefPtr<IKvxInstrument> names;
+    EXPECT_EQ(synth->GetInstrument(0, names.put()), S_OK);
+    return names;
+}
+
+TEST(Server, StaysForAnEnumeratorOfTypes) {
     expectKept([](const Component& component) {
-        RefPtr<IMemInputPin> input;
-        EXPECT_EQ(pinOf(component, L"Input")->QueryInterface(IID_IMemInputPin, input.putVoid()), S_OK);
-        RefPtr<IMemAllocator> allocator;
-        EXPECT_EQ(input->GetAllocator(allocator.put()), S_OK);
-        return allocator;
+        RefPtr<IEnumMediaTypes> types;
+        EXPECT_EQ(pinOf(component, L"Input")->EnumMediaTypes(types.put()), S_OK);
+        return types;
     });
 }
 
-TEST(Server, StaysForTheInstrumentsNames) {
+TEST(Server, StaysForAnAllocator) {
+    expectKept([](const Component& component) { return allocatorOf(component); });
+}
+
+TEST(Server, StaysForASample) {
     expectKept([](const Component& component) {
-        RefPtr<IKvxSoftSynth> synth;
-        EXPECT_EQ(filterOf(component)->QueryInterface(IID_IKvxSoftSynth, synth.putVoid()), S_OK);
-        RefPtr<IKvxInstrument> names;
-        EXPECT_EQ(synth->GetInstrument(0, names.put()), S_OK);
-        return names;
+        const auto allocator = allocatorOf(component);
+        ALLOCATOR_PROPERTIES request{1, 64, 1, 0};
+        ALLOCATOR_PROPERTIES actual{};
+        EXPECT_EQ(allocator->SetProperties(&request, &actual), S_OK);
+        EXPECT_EQ(allocator->Commit(), S_OK);
+        RefPtr<IMediaSample> sample;
+        EXPECT_EQ(allocator->GetBuffer(sample.put(), nullptr, nullptr, 0), S_OK);
+        return sample;
+    });
+}
+
+TEST(Server, StaysForTheWayUpstreamOfAPin) {
+    CoInitialize(nullptr);
+    expectKept([](const Component& component) {
+        RefPtr<IMediaSeeking> seeking;
+        EXPECT_EQ(pinOf(component, L"Chan 2")->QueryInterface(IID_IMediaSeeking, seeking.putVoid()), S_OK);
+        return seeking;
+    });
+    CoUninitialize();
+}
+
+TEST(Server, StaysForTheInstrumentsNames) {
+    expectKept([](const Component& component) { return namesOf(component); });
+}
+
+TEST(Server, StaysForAListOfNames) {
+    expectKept([](const Component& component) {
+        RefPtr<IKvxNameList> list;
+        EXPECT_EQ(namesOf(component)->GetPatchList(0, list.put()), S_OK);
+        return list;
     });
 }
 
