@@ -154,10 +154,42 @@ std::wstring wideFromStored(std::string_view text) {
     return isUtf8(text) ? wideFromUtf8(text) : wideFromSystem(text);
 }
 
+namespace {
+
+/// Bytes 0x80 to 0x9F of Windows-1252, after the mapping table that the Unicode Consortium publishes
+/// (CP1252.TXT). The five bytes that it leaves undefined stand for the control characters of the same value,
+/// as Windows reads them.
+constexpr std::array<char16_t, 32> kWindows1252{
+    0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
+    0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
+    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
+
+std::wstring wideFromWindows1252(std::string_view text) {
+    std::wstring out;
+    out.reserve(text.size());
+    for (const char c : text) {
+        const auto byte = static_cast<unsigned char>(c);
+        out.push_back(byte >= 0x80 && byte < 0xA0 ? static_cast<wchar_t>(kWindows1252[byte - 0x80u]) : byte);
+    }
+    return out;
+}
+
+std::wstring wideFromUtf8OrWindows1252(std::string_view text) {
+    return isUtf8(text) ? wideFromUtf8(text) : wideFromWindows1252(text);
+}
+
+/// Text that isn't UTF-8 is read with one byte a character.
+std::string_view cutUtf8OrWindows1252(std::string_view text, std::size_t maxBytes) {
+    return isUtf8(text) ? cutUtf8(text, maxBytes) : text.substr(0, maxBytes);
+}
+
+}  // namespace
+
 #ifdef _WIN32
 
 std::wstring wideFromSystem(std::string_view text) {
     if (text.empty()) return {};
+    if (GetACP() == CP_UTF8) return wideFromUtf8OrWindows1252(text);
     const int bytes = static_cast<int>(text.size());
     std::wstring out(static_cast<std::size_t>(MultiByteToWideChar(CP_ACP, 0, text.data(), bytes, nullptr, 0)),
                      L'\0');
@@ -167,6 +199,7 @@ std::wstring wideFromSystem(std::string_view text) {
 
 std::string systemFromWide(std::wstring_view text) {
     if (text.empty()) return {};
+    if (GetACP() == CP_UTF8) return utf8FromWide(text);
     const int units = static_cast<int>(text.size());
     const int bytes = WideCharToMultiByte(CP_ACP, 0, text.data(), units, nullptr, 0, nullptr, nullptr);
     std::string out(static_cast<std::size_t>(bytes), '\0');
@@ -176,7 +209,7 @@ std::string systemFromWide(std::wstring_view text) {
 
 std::string_view cutSystem(std::string_view text, std::size_t maxBytes) {
     if (text.size() <= maxBytes) return text;
-    if (GetACP() == CP_UTF8) return isUtf8(text) ? cutUtf8(text, maxBytes) : text.substr(0, maxBytes);
+    if (GetACP() == CP_UTF8) return cutUtf8OrWindows1252(text, maxBytes);
     // In a code page of one or two bytes only a walk from the front tells where characters begin.
     std::size_t end = 0;
     while (end < maxBytes) {
@@ -198,30 +231,8 @@ std::wstring wideFromPath(const std::filesystem::path& path) {
 
 #else
 
-namespace {
-
-/// Bytes 0x80 to 0x9F of Windows-1252, after the mapping table that the Unicode Consortium publishes
-/// (CP1252.TXT). The five bytes that it leaves undefined stand for the control characters of the same value,
-/// as Windows reads them.
-constexpr std::array<char16_t, 32> kWindows1252{
-    0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
-    0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
-    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
-
-std::wstring wideFromWindows1252(std::string_view text) {
-    std::wstring out;
-    out.reserve(text.size());
-    for (const char c : text) {
-        const auto byte = static_cast<unsigned char>(c);
-        out.push_back(byte >= 0x80 && byte < 0xA0 ? kWindows1252[byte - 0x80u] : byte);
-    }
-    return out;
-}
-
-}  // namespace
-
 std::wstring wideFromSystem(std::string_view text) {
-    return isUtf8(text) ? wideFromUtf8(text) : wideFromWindows1252(text);
+    return wideFromUtf8OrWindows1252(text);
 }
 
 std::string systemFromWide(std::wstring_view text) {
@@ -229,8 +240,7 @@ std::string systemFromWide(std::wstring_view text) {
 }
 
 std::string_view cutSystem(std::string_view text, std::size_t maxBytes) {
-    // Text that isn't UTF-8 is read with one byte a character.
-    return isUtf8(text) ? cutUtf8(text, maxBytes) : text.substr(0, maxBytes);
+    return cutUtf8OrWindows1252(text, maxBytes);
 }
 
 std::filesystem::path pathFromWide(std::wstring_view name) {

@@ -10,9 +10,10 @@ namespace marnoth {
 /// Text between the three forms that the system meets: wide characters (interfaces and file names), the
 /// system's code page (names in files and projects) and UTF-8 (our own terminals and scripts).
 ///
-/// The system's code page is the platform's on Windows and UTF-8 elsewhere. Nothing here fails on hostile
-/// text: what can't be converted becomes a replacement character. Wide text is UTF-16 or UTF-32 by the width
-/// of `wchar_t`; a pair of surrogates counts as one character in both.
+/// The system's code page is the process's on Windows, where that of our own programs is UTF-8, and UTF-8
+/// elsewhere. Nothing here fails on hostile text: what can't be converted becomes a replacement character.
+/// Wide text is UTF-16 or UTF-32 by the width of `wchar_t`; a pair of surrogates counts as one character in
+/// both.
 
 /// Code page to wide. Where the code page is UTF-8, text that isn't UTF-8 is read as Windows-1252 as a whole:
 /// files from elsewhere have such names.

@@ -137,9 +137,9 @@ TEST(Text, StoredTextThatIsUtf8IsReadAsUtf8Everywhere) {
     EXPECT_EQ(wideFromStored("caf\xE9"), wideFromSystem("caf\xE9"));
 }
 
-#ifndef _WIN32
+#if !defined(_WIN32) || defined(MARNOTH_UTF8_PROCESS)
 
-TEST(Text, OutsideWindowsTheCodePageIsUtf8) {
+TEST(Text, OutsideWindowsAndInOurProgramsTheCodePageIsUtf8) {
     EXPECT_EQ(wideFromSystem("caf\xC3\xA9"), L"caf\u00E9");
     EXPECT_EQ(systemFromWide(L"caf\u00E9"), "caf\xC3\xA9");
 }

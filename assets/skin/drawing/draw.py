@@ -1,10 +1,11 @@
 #!/usr/bin/env python3
-"""Draws every picture of the skin and writes it as a BMP. Usage: draw.py DIRECTORY [--svg DIRECTORY]"""
+"""Draws every picture of the skin and writes it as a BMP, and the program's icon. Usage: draw.py DIRECTORY [--svg DIRECTORY]"""
 
 import argparse
 import pathlib
 
 import controls
+import icon
 import panel
 import places
 import raster
@@ -63,6 +64,7 @@ def main():
     write(290, cut(waveform, places.PAD_BLOCK))
     for name, sheet in drawings():
         write(name, render(name, sheet))
+    (words.directory / "marnoth.ico").write_bytes(icon.file())
 
 
 main()

@@ -1,12 +1,12 @@
-"""From a sheet to the bytes of a 24-bit BMP, by way of librsvg and PNG."""
+"""From a sheet to PNG by librsvg, and on to rows of pixels and the bytes of a 24-bit BMP."""
 
 import struct
 import subprocess
 import zlib
 
 
-def rows_of_png(data):
-    """Rows of (red, green, blue) bytes of an opaque 8-bit PNG without interlace."""
+def rows_of_png(data, alpha=False):
+    """Rows of (red, green, blue) bytes of an 8-bit PNG without interlace, or of four with `alpha`, which it then has."""
     at, packed = 8, b""
     while at < len(data):
         size, kind = struct.unpack(">I4s", data[at : at + 8])
@@ -19,12 +19,14 @@ def rows_of_png(data):
         elif kind == b"IDAT":
             packed += body
         at += 12 + size
-    raw, stride = zlib.decompress(packed), width * channels
+    raw, stride, kept = zlib.decompress(packed), width * channels, 4 if alpha else 3
+    if kept > channels:
+        raise ValueError("a PNG without alpha")
     above, rows = bytearray(stride), []
     for y in range(height):
         start = y * (stride + 1)
         row = unfilter(raw[start], bytearray(raw[start + 1 : start + 1 + stride]), above, channels)
-        rows.append(b"".join(bytes(row[x : x + 3]) for x in range(0, stride, channels)))
+        rows.append(b"".join(bytes(row[x : x + kept]) for x in range(0, stride, channels)))
         above = row
     return rows
 
@@ -55,6 +57,10 @@ def bmp(rows):
     return struct.pack("<2sIHHI", b"BM", 54 + len(pixels), 0, 0, 54) + head + pixels
 
 
+def png(sheet):
+    done = subprocess.run(["rsvg-convert", "-f", "png"], input=sheet.source().encode(), capture_output=True, check=True)
+    return done.stdout
+
+
 def rendered(sheet):
-    png = subprocess.run(["rsvg-convert", "-f", "png"], input=sheet.source().encode(), capture_output=True, check=True)
-    return rows_of_png(png.stdout)
+    return rows_of_png(png(sheet))

@@ -25,10 +25,13 @@ def paint(colour):
 
 
 class Sheet:
+    """Opaque, or with None for its ground transparent where nothing is drawn."""
+
     def __init__(self, width, height, ground=PLATE):
         self.width, self.height = width, height
         self.defs, self.parts, self.labels = [], [], []
-        self.rect(0, 0, width, height, ground)
+        if ground:
+            self.rect(0, 0, width, height, ground)
 
     def element(self, name, text=None, **attributes):
         words = " ".join('%s="%s"' % (key.replace("_", "-"), value) for key, value in attributes.items())

@@ -1,0 +1,33 @@
+# What files of ours carry for Windows to read: icon, version and, for programs, how Windows is to treat them.
+if(WIN32)
+    enable_language(RC)
+endif()
+
+# marnoth_windows_resources(TARGET DESCRIPTION [PROGRAM]): gives a program or a module its icon and its version. A PROGRAM
+# is told of as what runs by itself, in UTF-8, with paths of any length and pixels of its own: a module takes all that from
+# whoever loads it. Elsewhere nothing.
+function(marnoth_windows_resources target description)
+    if(NOT WIN32)
+        return()
+    endif()
+    cmake_parse_arguments(ARG "PROGRAM" "" "" ${ARGN})
+    set(resources ${PROJECT_SOURCE_DIR}/cmake/windows)
+    set(icon ${PROJECT_SOURCE_DIR}/assets/skin/marnoth.ico)
+    get_target_property(name ${target} OUTPUT_NAME)
+    if(NOT name)
+        set(name ${target})
+    endif()
+    set(file_type VFT_DLL)
+    set(file_name ${name}.dll)
+    set(manifest "")
+    if(ARG_PROGRAM)
+        set(file_type VFT_APP)
+        set(file_name ${name}.exe)
+        configure_file(${resources}/Program.manifest.in ${CMAKE_CURRENT_BINARY_DIR}/${name}.manifest @ONLY)
+        set(manifest "1 24 \"${CMAKE_CURRENT_BINARY_DIR}/${name}.manifest\"")
+    endif()
+    set(script ${CMAKE_CURRENT_BINARY_DIR}/${name}.rc)
+    configure_file(${resources}/Resources.rc.in ${script} @ONLY)
+    set_source_files_properties(${script} PROPERTIES OBJECT_DEPENDS ${icon})
+    target_sources(${target} PRIVATE ${script})
+endfunction()
