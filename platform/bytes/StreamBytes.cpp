@@ -92,8 +92,11 @@ bool StreamBytes::close() {
 }  // namespace
 
 std::unique_ptr<ByteStream> openStreamBytes(IStream* stream) {
+    // Nothing is stored behind so many bytes, and what is counted from there stays in range.
+    constexpr ULONGLONG kFarthest = std::numeric_limits<std::int64_t>::max() / 2;
     ULARGE_INTEGER base{};
     if (!stream || !seekStream(*stream, 0, STREAM_SEEK_CUR, &base)) return nullptr;
+    if (base.QuadPart > kFarthest) return nullptr;
     return std::make_unique<StreamBytes>(stream, static_cast<std::int64_t>(base.QuadPart));
 }
 
