@@ -37,7 +37,7 @@ Bitmap partOf(const Bitmap& whole, const Rect& area) {
 }
 
 /// A cursor's file has the picture on the left and its mask on the right.
-SkinCursor cursorFrom(const std::string& name, Point hotSpot) {
+CursorPicture cursorFrom(const std::string& name, Point hotSpot) {
     const Bitmap& both = picture(name);
     const int width = both.width() / 2;
     return {partOf(both, Rect::at(0, 0, width, both.height())),
@@ -50,8 +50,8 @@ const Bitmap& skinBitmap(int number) {
     return picture(std::to_string(number));
 }
 
-const SkinCursor& skinCursor(PageCursor cursor) {
-    static const std::map<PageCursor, SkinCursor> cursors{
+const CursorPicture& skinCursor(PageCursor cursor) {
+    static const std::map<PageCursor, CursorPicture> cursors{
         {PageCursor::dragCopy, cursorFrom("drag-copy", {0, 0})},
         {PageCursor::sizeHorizontal, cursorFrom("size-bar-h", {15, 15})},
         {PageCursor::sizeVertical, cursorFrom("size-bar-v", {15, 15})},

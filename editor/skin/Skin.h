@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/drawing/Bitmap.h"
+#include "platform/drawing/CursorPicture.h"
 #include "platform/drawing/PageWindow.h"
 
 namespace marnoth {
@@ -9,15 +10,8 @@ namespace marnoth {
 /// once and kept for the life of the process. An unknown number throws `std::out_of_range`. Any thread.
 const Bitmap& skinBitmap(int number);
 
-/// A pointer of the page's own.
-struct SkinCursor {
-    Bitmap picture;
-    Bitmap mask;    ///< white where the picture shows, black where it doesn't
-    Point hotSpot;  ///< the pixel that points
-};
-
 /// The picture of `dragCopy`, `sizeHorizontal` or `sizeVertical`, each 32 by 32. The others are the system's
 /// or nothing, and throw `std::out_of_range`. Any thread.
-const SkinCursor& skinCursor(PageCursor cursor);
+const CursorPicture& skinCursor(PageCursor cursor);
 
 }  // namespace marnoth

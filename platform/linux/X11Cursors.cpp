@@ -1,16 +1,40 @@
 #include "platform/linux/X11Cursors.h"
 
-#include <initializer_list>
+#include <memory>
 
 namespace marnoth {
 
 namespace {
 
-/// The first that the theme has, by the names of desktops and of the core font; else the core font's `plain`.
-::Cursor themed(::Display* display, std::initializer_list<const char*> names, unsigned plain) {
-    for (const char* const name : names)
-        if (const ::Cursor found = XcursorLibraryLoadCursor(display, name)) return found;
-    return XCreateFontCursor(display, plain);
+::Cursor arrow(::Display* display) {
+    const ::Cursor themed = XcursorLibraryLoadCursor(display, "left_ptr");
+    return themed ? themed : XCreateFontCursor(display, XC_left_ptr);
+}
+
+struct ImageFreed {
+    void operator()(XcursorImage* image) const { XcursorImageDestroy(image); }
+};
+
+/// Blue, green, red and cover, from the lowest byte up.
+XcursorPixel packed(Color color) {
+    return 0xFF000000u | static_cast<XcursorPixel>(color.red) << 16 |
+           static_cast<XcursorPixel>(color.green) << 8 | color.blue;
+}
+
+::Cursor pictured(::Display* display, const CursorPicture& cursor, int scale) {
+    const int width = cursor.picture.width() * scale;
+    const int height = cursor.picture.height() * scale;
+    const std::unique_ptr<XcursorImage, ImageFreed> image(XcursorImageCreate(width, height));
+    if (!image) return XCreateFontCursor(display, XC_left_ptr);
+    image->xhot = static_cast<XcursorDim>(cursor.hotSpot.x * scale);
+    image->yhot = static_cast<XcursorDim>(cursor.hotSpot.y * scale);
+    XcursorPixel* to = image->pixels;
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x) {
+            const bool shows = cursor.mask.at(x / scale, y / scale) != Color{};
+            *to++ = shows ? packed(cursor.picture.at(x / scale, y / scale)) : 0;
+        }
+    return XcursorImageLoadCursor(display, image.get());
 }
 
 ::Cursor invisible(X11Display& display) {
@@ -24,16 +48,15 @@ namespace {
 
 }  // namespace
 
-X11Cursors::X11Cursors(X11Display& display) : display_(display) {
-    const auto put = [this](PageCursor which, ::Cursor cursor) {
-        cursors_[static_cast<std::size_t>(which)] = cursor;
+X11Cursors::X11Cursors(X11Display& display, const CursorPictures& pictures, int scale) : display_(display) {
+    const auto place = [this](PageCursor which) -> ::Cursor& {
+        return cursors_[static_cast<std::size_t>(which)];
     };
-    ::Display* const d = display.get();
-    put(PageCursor::arrow, themed(d, {"default", "left_ptr"}, XC_left_ptr));
-    put(PageCursor::dragCopy, themed(d, {"dnd-copy", "copy"}, XC_plus));
-    put(PageCursor::sizeHorizontal, themed(d, {"ew-resize", "sb_h_double_arrow"}, XC_sb_h_double_arrow));
-    put(PageCursor::sizeVertical, themed(d, {"ns-resize", "sb_v_double_arrow"}, XC_sb_v_double_arrow));
-    put(PageCursor::none, invisible(display));
+    place(PageCursor::arrow) = arrow(display.get());
+    place(PageCursor::none) = invisible(display);
+    for (const PageCursor which :
+         {PageCursor::dragCopy, PageCursor::sizeHorizontal, PageCursor::sizeVertical})
+        place(which) = pictured(display.get(), pictures(which), scale);
 }
 
 X11Cursors::~X11Cursors() {

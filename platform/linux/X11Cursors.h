@@ -2,16 +2,17 @@
 
 #include <array>
 
-#include "platform/drawing/PageWindow.h"
+#include "platform/drawing/CursorPicture.h"
 #include "platform/linux/X11Display.h"
 
 namespace marnoth {
 
-/// The page's cursors, in the user's own theme where it has them. One thread.
+/// The page's cursors: the arrow is the user's own, those with pictures are the page's, as large as its
+/// pixels. One thread.
 class X11Cursors {
 public:
     /// `display` outlives it.
-    explicit X11Cursors(X11Display& display);
+    X11Cursors(X11Display& display, const CursorPictures& pictures, int scale);
     ~X11Cursors();
     X11Cursors(const X11Cursors&) = delete;
     X11Cursors& operator=(const X11Cursors&) = delete;

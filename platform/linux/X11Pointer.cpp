@@ -2,8 +2,8 @@
 
 namespace marnoth {
 
-X11Pointer::X11Pointer(X11Display& display, ::Window window)
-    : display_(display), window_(window), cursors_(display) {
+X11Pointer::X11Pointer(X11Display& display, ::Window window, const CursorPictures& pictures, int scale)
+    : display_(display), window_(window), cursors_(display, pictures, scale) {
     show(PageCursor::arrow);
 }
 

@@ -15,7 +15,7 @@ namespace marnoth {
 class X11Pointer {
 public:
     /// `display` outlives it.
-    X11Pointer(X11Display& display, ::Window window);
+    X11Pointer(X11Display& display, ::Window window, const CursorPictures& pictures, int scale);
     ~X11Pointer();
     X11Pointer(const X11Pointer&) = delete;
     X11Pointer& operator=(const X11Pointer&) = delete;

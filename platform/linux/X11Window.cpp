@@ -62,7 +62,7 @@ public:
           scale(setup.scale > 0 ? setup.scale : display.wantedScale()),
           window(newWindow(display, setup, scale)),
           screen(display, window, scale),
-          pointer(display, window),
+          pointer(display, window, setup.cursors, scale),
           keyboard(display, window),
           clipboard(display, window),
           drop(

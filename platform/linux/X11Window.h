@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 
+#include "platform/drawing/CursorPicture.h"
 #include "platform/drawing/PageWindow.h"
 
 namespace marnoth {
@@ -30,6 +31,7 @@ public:
         int width = 0;             ///< of the page
         int height = 0;
         std::string title;  ///< UTF-8
+        CursorPictures cursors;
     };
 
     /// `fonts`, `questions` and `files` outlive it. Throws `std::runtime_error`, with a sentence for the

@@ -1,15 +1,24 @@
 #include "shells/desktop/LiveInstrument.h"
 
-#include <array>
+#include <algorithm>
+#include <chrono>
+#include <cmath>
 #include <numeric>
+#include <utility>
 
 #include "host/CreateInstance.h"
 #include "hostkit/MakeObject.h"
 #include "hostkit/MemoryStream.h"
+#include "seam/MusicalTime.h"
 
 namespace marnoth {
 
 namespace {
+
+constexpr int kBeatsOfBar = 4;
+constexpr std::uint8_t kNoteOn = 0x90;
+constexpr std::uint8_t kNoteOff = 0x80;
+constexpr std::uint8_t kPlainVelocity = 100;
 
 constexpr std::array<int, kOutputPins> allOutputs() {
     std::array<int, kOutputPins> outputs{};
@@ -17,9 +26,29 @@ constexpr std::array<int, kOutputPins> allOutputs() {
     return outputs;
 }
 
+std::uint8_t statusOf(std::uint8_t kind, std::uint8_t channel) {
+    return static_cast<std::uint8_t>(kind | channel);
+}
+
 }  // namespace
 
 LiveInstrument::LiveInstrument() : host_(createInstrument) {}
+
+void LiveInstrument::setTempo(double beatsPerMinute) {
+    tempo_ = beatsPerMinute;
+    command({Command::Kind::tempo, beatsPerMinute});
+}
+
+void LiveInstrument::setSong(std::unique_ptr<const Song> song) {
+    // Of those before, the one that is being read stays until another is.
+    std::erase_if(songs_, [this](const auto& former) { return former.get() != readSong_; });
+    command({Command::Kind::song, 0.0, song.get()});
+    songs_.push_back(std::move(song));
+}
+
+void LiveInstrument::note(std::uint8_t key, bool on) {
+    host_.send(on ? kNoteOn : kNoteOff, key, on ? kPlainVelocity : std::uint8_t{0});
+}
 
 bool LiveInstrument::prepare(std::uint32_t rate, std::int32_t mostFrames) {
     static constexpr auto kAll = allOutputs();
@@ -28,17 +57,138 @@ bool LiveInstrument::prepare(std::uint32_t rate, std::int32_t mostFrames) {
     if (isOtherRate && FAILED(host_.save(*project))) return false;
     if (FAILED(host_.connect({rate, mostFrames, kAll}))) return false;
     rate_ = rate;
+    metronome_.setRate(rate);
+    left_.assign(static_cast<std::size_t>(mostFrames), 0.0f);
+    right_ = left_;
     if (!isOtherRate) return true;
     project->Seek({}, STREAM_SEEK_SET, nullptr);
     return SUCCEEDED(host_.load(*project));
 }
 
 void LiveInstrument::midi(std::int32_t frame, std::uint8_t status, std::uint8_t data1, std::uint8_t data2) {
+    ++messages_;
     host_.addMessage(frame, status, data1, data2);
 }
 
+void LiveInstrument::take(const Command& command) {
+    switch (command.kind) {
+        case Command::Kind::play:
+            if (!transport_.playing()) arrive(transport_.tick());
+            transport_.play();
+            break;
+        case Command::Kind::stop:
+            transport_.stop();
+            break;
+        case Command::Kind::locate:
+            arrive(command.value);
+            break;
+        case Command::Kind::tempo:
+            transport_.setTempo(command.value);
+            break;
+        case Command::Kind::loop:
+            loopEnd_ = command.value > 0 ? command.value * kBeatsOfBar * kTicksPerBeat : SongReader::kNever;
+            break;
+        case Command::Kind::follow:
+            followsTempo_ = command.value != 0.0;
+            break;
+        case Command::Kind::song:
+            // What the song before has switched on would sound on.
+            if (song_.song()) host_.panic();
+            song_.setSong(command.song);
+            readSong_ = command.song;
+            arrive(transport_.tick());
+            break;
+    }
+}
+
+/// The transport stands or plays on from `tick`, and all that goes with it.
+void LiveInstrument::arrive(double tick) {
+    transport_.locate(tick);
+    song_.locate(tick);
+    if (followsTempo_) transport_.setTempo(song_.tempoAt(tick, transport_.tempo()));
+}
+
+double LiveInstrument::ticksPerFrame() const {
+    return transport_.playing() ? transport_.tempo() * kTicksPerBeat / 60.0 / rate_ : 0.0;
+}
+
+/// The frames up to the loop's end or the next change of tempo, whichever is nearer; at least 1.
+std::int32_t LiveInstrument::framesToCut(std::int32_t most) const {
+    const double step = ticksPerFrame();
+    if (step <= 0.0) return most;
+    const double tick = transport_.tick();
+    double cut = loopEnd_ > tick ? loopEnd_ : SongReader::kNever;
+    if (followsTempo_) cut = std::min(cut, song_.nextTempoChange(tick));
+    // A hair less, for a cut that falls on a frame is that frame.
+    constexpr double kHair = 1e-6;
+    const double frames = std::ceil((cut - tick) / step - kHair);
+    return static_cast<std::int32_t>(std::clamp(frames, 1.0, static_cast<double>(most)));
+}
+
+/// Hands the song's notes on, to the frames that they are nearest to.
+void LiveInstrument::playSong(double begin, double end) {
+    const double step = ticksPerFrame();
+    const auto frameOf = [&](double tick) {
+        return static_cast<std::int32_t>(std::max(0.0, std::round((tick - begin) / step)));
+    };
+    song_.read(
+        end,
+        [&](const Song::Note& note, double tick) {
+            host_.addMessage(frameOf(tick), statusOf(kNoteOn, note.channel), note.key, note.velocity);
+        },
+        [&](const Song::Note& note, double tick) {
+            host_.addMessage(frameOf(tick), statusOf(kNoteOff, note.channel), note.key, 0);
+        });
+}
+
+std::int32_t LiveInstrument::renderPiece(std::int32_t done, std::int32_t frames, const Pointers& outputs) {
+    const std::int32_t length = framesToCut(frames - done);
+    const double begin = transport_.tick();
+    const double step = ticksPerFrame();
+    const double end = begin + step * length;
+    if (step > 0.0) playSong(begin, end);
+    Pointers piece{};
+    std::ranges::transform(outputs, piece.begin(),
+                           [done](float* output) { return output ? output + done : output; });
+    host_.process(length, transport_.next(rate_), piece);
+    transport_.advance(length, host_.isPlaying() ? host_.tick() : begin);
+    const auto count = static_cast<std::size_t>(length);
+    const std::span left(piece[0], count);
+    const std::span right(piece[1], count);
+    master_.apply(left, right);
+    recorder_.take(left, right);
+    metronome_.add(left, right, begin, step, metronomeIsOn_);
+    if (step > 0.0 && end >= loopEnd_ - step / 2 && begin < loopEnd_) arrive(0.0);
+    if (step > 0.0) followTempo(begin, end + step / 2);
+    return length;
+}
+
+/// A change of the song's tempo that a stretch of ticks has come to.
+void LiveInstrument::followTempo(double begin, double end) {
+    const double change = song_.nextTempoChange(begin);
+    if (followsTempo_ && change <= end) transport_.setTempo(song_.tempoAt(change, transport_.tempo()));
+}
+
+LiveInstrument::Pointers LiveInstrument::wholeMix(OutputPointers outputs) {
+    Pointers whole{};
+    std::ranges::copy(outputs.first(std::min(outputs.size(), whole.size())), whole.begin());
+    if (!whole[0]) whole[0] = left_.data();
+    if (!whole[1]) whole[1] = right_.data();
+    return whole;
+}
+
 void LiveInstrument::render(std::int32_t frames, OutputPointers outputs) {
-    host_.process(frames, outputs);
+    using Clock = std::chrono::steady_clock;
+    if (rate_ == 0 || frames <= 0) return;
+    const auto begin = Clock::now();
+    while (const std::optional<Command> next = commands_.pop()) take(*next);
+    const Pointers whole = wholeMix(outputs);
+    for (std::int32_t done = 0; done < frames;) done += renderPiece(done, frames, whole);
+    isPlaying_ = transport_.playing();
+    tick_ = transport_.tick();
+    tempo_ = transport_.tempo();
+    const std::chrono::duration<float> took = Clock::now() - begin;
+    load_ = std::max<float>(load_, took.count() * static_cast<float>(rate_) / static_cast<float>(frames));
 }
 
 }  // namespace marnoth

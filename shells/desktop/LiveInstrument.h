@@ -1,33 +1,116 @@
 #pragma once
 
+#include <array>
 #include <atomic>
 #include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
 
+#include "hostkit/CommandQueue.h"
 #include "hostkit/LiveHost.h"
+#include "hostkit/OwnTransport.h"
 #include "shells/desktop/AudioDriver.h"
+#include "shells/desktop/MasterLevel.h"
+#include "shells/desktop/Metronome.h"
+#include "shells/desktop/Song.h"
+#include "shells/desktop/SongReader.h"
+#include "shells/desktop/TakeRecorder.h"
 
 namespace marnoth {
 
-/// The instrument as an audio system plays it. Another rate keeps the project: its files are read anew from
-/// the project's own state.
+/// The instrument as a program plays it: with a transport of its own, a song along with it, a metronome, the
+/// level of the mix and takes of it.
+///
+/// Two threads call, the window's and the one that renders. What the window's thread wants is carried out at
+/// the start of the next block.
 class LiveInstrument final : public AudioClient {
 public:
     /// `std::runtime_error` when there can be no instrument.
     LiveInstrument();
 
-    LiveHost& host() { return host_; }
-    /// How often something wasn't heard. Any thread.
-    std::uint32_t dropouts() const { return dropouts_; }
+    // The window's thread.
+    IGrooveSampler& sampler() { return host_.sampler(); }
+    void play() { command({Command::Kind::play}); }
+    void stop() { command({Command::Kind::stop}); }
+    /// 960 to the beat. Playing goes on from there.
+    void locate(double tick) { command({Command::Kind::locate, tick}); }
+    /// Beats per minute. Holds until a song's next change of tempo, where those are followed.
+    void setTempo(double beatsPerMinute);
+    /// The transport goes back to the start behind so many bars of four beats; 0 lets it go on.
+    void setLoop(int bars) { command({Command::Kind::loop, static_cast<double>(bars)}); }
+    void setMetronome(bool on) { metronomeIsOn_ = on; }
+    /// Plays with the transport from now on; null plays none.
+    void setSong(std::unique_ptr<const Song> song);
+    void followSongTempo(bool on) { command({Command::Kind::follow, on ? 1.0 : 0.0}); }
+    /// A key of the computer or of the page: on channel 1, at once.
+    void note(std::uint8_t key, bool on);
+    void panic() { host_.panic(); }
+    bool setKey(std::optional<std::uint32_t> key) { return host_.setKey(key); }
 
+    bool isPlaying() const { return isPlaying_; }
+    double tick() const { return tick_; }
+    double tempo() const { return tempo_; }
+    MasterLevel& master() { return master_; }
+    TakeRecorder& recorder() { return recorder_; }
+    std::uint32_t rate() const { return rate_; }
+    /// How often something wasn't heard, and how many messages came.
+    std::uint32_t dropouts() const { return dropouts_; }
+    std::uint32_t messages() const { return messages_; }
+    /// The longest block since the last call, as a part of its own length in time.
+    float takeLoad() { return load_.exchange(0.0f); }
+
+    // AudioClient.
     bool prepare(std::uint32_t rate, std::int32_t mostFrames) override;
     void midi(std::int32_t frame, std::uint8_t status, std::uint8_t data1, std::uint8_t data2) override;
     void render(std::int32_t frames, OutputPointers outputs) override;
     void dropout() override { ++dropouts_; }
 
 private:
+    struct Command {
+        enum class Kind : std::uint8_t { play, stop, locate, tempo, loop, follow, song };
+        Kind kind = Kind::play;
+        double value = 0.0;
+        const Song* song = nullptr;
+    };
+    using Pointers = std::array<float*, SeparateOutputs::kPointers>;
+
+    void command(const Command& command) { commands_.push(command); }
+    void take(const Command& command);
+    /// The next piece, which begins `done` frames behind the block's start; its length.
+    std::int32_t renderPiece(std::int32_t done, std::int32_t frames, const Pointers& outputs);
+    std::int32_t framesToCut(std::int32_t most) const;
+    void playSong(double begin, double end);
+    void followTempo(double begin, double end);
+    void arrive(double tick);
+    double ticksPerFrame() const;
+    /// The outputs, the mix in room of our own where nobody takes it.
+    Pointers wholeMix(OutputPointers outputs);
+
     LiveHost host_;
-    std::uint32_t rate_ = 0;  ///< frames per second; 0 before it was prepared
+    std::atomic<std::uint32_t> rate_ = 0;  ///< frames per second; 0 before it was prepared
+    CommandQueue<Command, 64> commands_;
+    std::vector<std::unique_ptr<const Song>> songs_;  ///< the present one, and those that may be read yet
+    std::atomic<const Song*> readSong_ = nullptr;
+    MasterLevel master_;
+    TakeRecorder recorder_;
+    std::atomic<bool> metronomeIsOn_ = false;
+    std::atomic<bool> isPlaying_ = false;
+    std::atomic<double> tick_ = 0.0;
+    std::atomic<double> tempo_ = kDefaultLiveTempo;
     std::atomic<std::uint32_t> dropouts_ = 0;
+    std::atomic<std::uint32_t> messages_ = 0;
+    std::atomic<float> load_ = 0.0f;
+
+    // The thread that renders.
+    OwnTransport transport_;
+    SongReader song_;
+    Metronome metronome_;
+    std::vector<float> left_;
+    std::vector<float> right_;
+    double loopEnd_ = SongReader::kNever;  ///< ticks
+    bool followsTempo_ = true;
 };
 
 }  // namespace marnoth

@@ -130,7 +130,7 @@ TEST(Skin, PadBlockAndStripLieOnThePageWithoutASeam) {
 
 TEST(SkinCursor, PointsWithAPixelThatShows) {
     for (PageCursor name : {PageCursor::dragCopy, PageCursor::sizeHorizontal, PageCursor::sizeVertical}) {
-        const SkinCursor& cursor = skinCursor(name);
+        const CursorPicture& cursor = skinCursor(name);
         EXPECT_EQ(cursor.picture.bounds(), Rect::at(0, 0, 32, 32));
         EXPECT_EQ(cursor.mask.bounds(), cursor.picture.bounds());
         EXPECT_EQ(cursor.mask.at(cursor.hotSpot.x, cursor.hotSpot.y), kPalette[2]);
@@ -139,7 +139,7 @@ TEST(SkinCursor, PointsWithAPixelThatShows) {
 
 TEST(SkinCursor, TheMaskIsBlackOrWhiteAndThePictureBlackOutsideIt) {
     for (PageCursor name : {PageCursor::dragCopy, PageCursor::sizeHorizontal, PageCursor::sizeVertical}) {
-        const SkinCursor& cursor = skinCursor(name);
+        const CursorPicture& cursor = skinCursor(name);
         for (int y = 0; y < 32; ++y)
             for (int x = 0; x < 32; ++x)
                 EXPECT_TRUE(cursor.mask.at(x, y) == kPalette[2] ||
