@@ -49,6 +49,8 @@ public:
     void open();
     /// For a shell in a window: what it has to say of projects that aren't loaded.
     void adviseOnLoads(LoadAdvisor advisor) { m_files.adviseOnLoads(std::move(advisor)); }
+    /// And what it has to say of them before they are.
+    void checkLoads(LoadCheck check) { m_files.checkLoads(std::move(check)); }
 
     /// How root notes are named and set; `fromA` at first. Shells whose hosts give the project's key by the
     /// scale of loops name roots by it too.

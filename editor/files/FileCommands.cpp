@@ -1,6 +1,7 @@
 #include "editor/files/FileCommands.h"
 
 #include <filesystem>
+#include <optional>
 #include <stdexcept>
 #include <utility>
 
@@ -9,6 +10,7 @@
 #include "editor/PageView.h"
 #include "editor/controls/PageControls.h"
 #include "editor/texts/PageTexts.h"
+#include "platform/files/SystemName.h"
 #include "platform/text/Text.h"
 #include "seam/Limits.h"
 
@@ -19,19 +21,22 @@ namespace {
 /// The engine's texts end there.
 constexpr std::size_t kMostBytes = 259;
 
-/// A path as the engine takes it. A longer one than it takes has no name at all: cut, it would be another
-/// file's.
+std::wstring lastPart(const std::wstring& path) {
+    return wideFromPath(pathFromWide(path).filename());
+}
+
+/// A file as the engine takes it. One that the code page can't name, or only by more bytes than the engine
+/// takes, has no name at all: cut or with other characters, it would be another file's.
 struct EngineFile {
-    explicit EngineFile(const std::string& path)
-        : EngineFile(wideFromUtf8(path), pathFromWide(wideFromUtf8(path)).filename()) {}
+    EngineFile(const std::string& file, NamedFile kind) : path(systemName(wideFromUtf8(file), kind)) {
+        if (!path) return;
+        const std::wstring own = lastPart(wideFromUtf8(file));
+        title = systemFromWide(isInSystem(own) ? own : lastPart(wideFromSystem(*path)));
+    }
 
     std::string title;
-    std::string path;
-    bool fits() const { return path.size() <= kMostBytes && title.size() <= kMostBytes; }
-
-private:
-    EngineFile(const std::wstring& path, const std::filesystem::path& name)
-        : title(systemFromWide(wideFromPath(name))), path(systemFromWide(path)) {}
+    std::optional<std::string> path;
+    bool fits() const { return path && path->size() <= kMostBytes && title.size() <= kMostBytes; }
 };
 
 }  // namespace
@@ -79,15 +84,15 @@ void FileCommands::RunFileCommand(FileTarget target, bool save, std::function<vo
 
 LoadResult FileCommands::load(FileTarget target, const std::string& path) {
     LoadResult result;
-    const EngineFile file(path);
+    const EngineFile file(path, NamedFile::existing);
     const char* const title = file.title.c_str();
     if (!file.fits())
         result.code = E_INVALIDARG;
     else if (target == FileTarget::pad)
         result.code = page_.engine().call(&IGrooveSampler::LoadFileToPad, page_.view().currentPad, title,
-                                          file.path.c_str(), &result.bin, &result.status);
+                                          file.path->c_str(), &result.bin, &result.status);
     else
-        result.code = page_.engine().call(&IGrooveSampler::LoadFileToBin, title, file.path.c_str(),
+        result.code = page_.engine().call(&IGrooveSampler::LoadFileToBin, title, file.path->c_str(),
                                           &result.bin, &result.status);
     if (result.isInBin()) page_.view().currentBinFile = result.bin;
     return result;
@@ -114,24 +119,25 @@ void FileCommands::report(const LoadResult& result, const std::function<void()>&
 }
 
 void FileCommands::runProject(const std::string& path, bool save, const std::function<void()>& then) {
-    const EngineFile file(path);
+    const EngineFile file(path, save ? NamedFile::fresh : NamedFile::existing);
+    if (check_ && !save)
+        if (const std::optional<LoadAdvice> advice = check_(path)) return advise(*advice, then);
     const BoundEngine& engine = page_.engine();
     HRESULT result = E_INVALIDARG;
     try {
-        if (file.fits() && save) result = engine.call(&IGrooveSampler::SaveProject, 0, file.path.c_str());
-        if (file.fits() && !save) result = engine.call(&IGrooveSampler::LoadProject, file.path.c_str());
+        if (file.fits() && save) result = engine.call(&IGrooveSampler::SaveProject, 0, file.path->c_str());
+        if (file.fits() && !save) result = engine.call(&IGrooveSampler::LoadProject, file.path->c_str());
     } catch (const std::invalid_argument&) {
         // The project names a grain that can't be.
     }
     if (result == S_OK) return then();
-    if (advisor_ && !save && file.fits() && FAILED(result)) return advise(path, then);
+    if (advisor_ && !save && file.fits() && FAILED(result)) return advise(advisor_(path), then);
     // A project that loads and has to set the format gives 1: its user is told as well.
     page_.questions().askMessage(save ? kSaveProjectFailed : kLoadProjectFailed, MessageKind::note,
                                  [then](PageAnswer) { then(); });
 }
 
-void FileCommands::advise(const std::string& path, const std::function<void()>& then) {
-    const LoadAdvice advice = advisor_(path);
+void FileCommands::advise(const LoadAdvice& advice, const std::function<void()>& then) {
     const bool asks = !advice.instead.empty();
     page_.questions().askMessage(advice.text, asks ? MessageKind::yesNo : MessageKind::note,
                                  [this, other = advice.instead, then](PageAnswer answer) {

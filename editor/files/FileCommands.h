@@ -40,6 +40,8 @@ public:
     /// From now on the user is told of a project that isn't loaded what `advisor` says, in place of the
     /// page's own message, and asked what to load instead.
     void adviseOnLoads(LoadAdvisor advisor) { advisor_ = std::move(advisor); }
+    /// From now on a project is loaded only when `check` has nothing to say of it.
+    void checkLoads(LoadCheck check) { check_ = std::move(check); }
 
     /// Asks for a file and loads or saves it. `then` follows, also when the user cancels.
     void RunFileCommand(FileTarget target, bool save, std::function<void()> then);
@@ -57,7 +59,7 @@ private:
     LoadResult load(FileTarget target, const std::string& path);
     void loadChosen(FileTarget target, const std::string& path, const std::function<void()>& then);
     void runProject(const std::string& path, bool save, const std::function<void()>& then);
-    void advise(const std::string& path, const std::function<void()>& then);
+    void advise(const LoadAdvice& advice, const std::function<void()>& then);
     void projectCommand(bool save);
     void openForPad(int pad);
     void openForBin();
@@ -68,6 +70,7 @@ private:
     std::function<void()> keyboard_;
     std::function<void(bool)> poll_;
     LoadAdvisor advisor_;
+    LoadCheck check_;
 };
 
 }  // namespace marnoth

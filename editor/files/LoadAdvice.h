@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 
 namespace marnoth {
@@ -13,5 +14,9 @@ struct LoadAdvice {
 
 /// What a shell has to say about the load of `path` that has just failed, on the same thread.
 using LoadAdvisor = std::function<LoadAdvice(const std::string& path)>;
+
+/// What a shell has to say of the project in `path` before it is loaded, on the same thread, since a load
+/// begins with an empty project whatever comes of it; nothing where it may be loaded.
+using LoadCheck = std::function<std::optional<LoadAdvice>(const std::string& path)>;
 
 }  // namespace marnoth

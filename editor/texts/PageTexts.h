@@ -4,6 +4,7 @@ namespace marnoth {
 
 /// What the page says to the user, as it stands.
 
+inline constexpr const char* kPageCaption = "Marnoth";
 inline constexpr const char* kFontFace = "Arial";
 inline constexpr const char* kAskDeleteFile =
     "Any grains sourced from this file will be deleted from the Pad Editor.  OK to proceed?";

@@ -1,6 +1,7 @@
 #include "shellkit/files/ProjectFiles.h"
 
 #include <filesystem>
+#include <new>
 #include <stdexcept>
 
 #include "platform/text/Text.h"
@@ -55,9 +56,9 @@ HRESULT load(IGrooveSampler& sampler, const std::string& file) {
     }
 }
 
-/// Why a project isn't loaded, and where what was saved before is: in `backup`, unless that is empty.
-std::string withBackup(const std::string& file, const LoadFault& fault, const std::string& backup) {
-    std::string reason = whyNotLoaded(file, fault);
+/// `reason`, which is that of `fault`, and where what was saved before is: in `backup`, unless that is empty.
+std::string withBackup(const std::string& reason, const std::string& file, const LoadFault& fault,
+                       const std::string& backup) {
     if (backup.empty()) return reason;
     const bool isTold = fault.kind == FaultKind::neverFinished || isSavedWhole(pathFromUtf8(file));
     return reason + (isTold ? "" : ": a save of it was cut off") + "; what was saved before is in " + backup;
@@ -70,10 +71,31 @@ std::string whyNotSaved(const std::string& name) {
     return isThere ? "saving failed; what was there before is in " + utf8FromPath(backup) : "saving failed";
 }
 
+/// What is wrong with the project in `file`, whether the instrument's code page has its name or not.
+LoadFault faultOf(const std::string& file) try {
+    RiffStream stream;
+    Project project;
+    LoadFault fault = openProject(stream, wideFromPath(pathFromUtf8(file)));
+    if (!fault) fault = readProject(stream, project);
+    return fault ? fault : grainBelowZero(project);
+} catch (const std::bad_alloc&) {
+    return {.kind = FaultKind::noMemory};
+}
+
+LoadAdvice adviceOn(const std::string& file, const LoadFault& fault, const std::string& reason) {
+    LoadAdvice advice{{}, backupNextTo(file)};
+    const auto nameOf = [](const std::string& path) { return utf8FromPath(pathFromUtf8(path).filename()); };
+    advice.text = nameOf(file) + " isn't loaded: " +
+                  withBackup(reason, file, fault, advice.instead.empty() ? "" : nameOf(advice.instead)) + ".";
+    if (!advice.instead.empty()) advice.text += "  Load that?";
+    return advice;
+}
+
 }  // namespace
 
 ProjectFailure::ProjectFailure(const std::string& file, const LoadFault& fault)
-    : FileFailure(file + ": " + withBackup(file, fault, backupNextTo(file))), backup(backupNextTo(file)) {}
+    : FileFailure(file + ": " + withBackup(whyNotLoaded(file, fault), file, fault, backupNextTo(file))),
+      backup(backupNextTo(file)) {}
 
 std::string backupNextTo(const std::string& file) {
     const std::filesystem::path path = backupOf(pathFromUtf8(file));
@@ -104,13 +126,13 @@ void loadProjectFile(IGrooveSampler& sampler, const std::string& file) {
 }
 
 LoadAdvice adviceOnLoad(IGrooveSampler& sampler, const std::string& file) {
-    LoadAdvice advice{{}, backupNextTo(file)};
-    const auto nameOf = [](const std::string& path) { return utf8FromPath(pathFromUtf8(path).filename()); };
-    advice.text =
-        nameOf(file) + " isn't loaded: " +
-        withBackup(file, lastLoadFault(sampler), advice.instead.empty() ? "" : nameOf(advice.instead)) + ".";
-    if (!advice.instead.empty()) advice.text += "  Load that?";
-    return advice;
+    const LoadFault fault = lastLoadFault(sampler);
+    return adviceOn(file, fault, whyNotLoaded(file, fault));
+}
+
+std::optional<LoadAdvice> adviceBeforeLoad(const std::string& file) {
+    const LoadFault fault = faultOf(file);
+    return fault ? std::optional(adviceOn(file, fault, inWords(fault))) : std::nullopt;
 }
 
 void saveProjectFile(IGrooveSampler& sampler, const std::string& file) {

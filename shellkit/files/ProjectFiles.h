@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "editor/files/LoadAdvice.h"
@@ -40,6 +41,9 @@ void loadProjectFile(IGrooveSampler& sampler, const std::string& file);
 /// For a page in a window (`CGrooveSamplerPropPage::adviseOnLoads`): why the load of a project into this
 /// instrument failed, and whether to load what was saved before.
 LoadAdvice adviceOnLoad(IGrooveSampler& sampler, const std::string& file);
+/// The same before it is loaded (`CGrooveSamplerPropPage::checkLoads`), for it is read whole here and thrown
+/// away; nothing where it may be loaded.
+std::optional<LoadAdvice> adviceBeforeLoad(const std::string& file);
 
 /// Saves the project of an instrument as `savedName(file)`.
 void saveProjectFile(IGrooveSampler& sampler, const std::string& file);

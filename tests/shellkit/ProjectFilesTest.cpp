@@ -3,6 +3,7 @@
 #include "shellkit/TempFolder.h"
 #include "shellkit/files/Failure.h"
 #include "shellkit/files/ProjectFiles.h"
+#include "shellkit/text/InstrumentText.h"
 #include "support/ProjectBytes.h"
 
 namespace marnoth::test::kit_project_files_test {
@@ -79,6 +80,40 @@ TEST(ProjectFiles, ASaveGetsTheExtensionOnce) {
     EXPECT_EQ(savedName("groove"), "groove.mrn");
     EXPECT_EQ(savedName("groove.wav"), "groove.wav.mrn");
     EXPECT_EQ(savedName("groove.MRN"), "groove.MRN");
+}
+
+TEST(ProjectFiles, AShellHasNothingToSayBeforehandOfAWholeProject) {
+    EXPECT_FALSE(adviceBeforeLoad(Placed("p.mrn", ProjectBytes().bytes()).name));
+}
+
+TEST(ProjectFiles, BeforehandItTellsWhatTheLoadOfADamagedProjectWouldFailWith) {
+    Bytes cut = ProjectBytes().bytes();
+    cut.resize(cut.size() - 1);
+    const Placed file("p.mrn", cut);
+    const std::optional<LoadAdvice> advice = adviceBeforeLoad(file.name);
+    ASSERT_TRUE(advice);
+    EXPECT_EQ(advice->text, "p.mrn isn't loaded" + file.failure() + ".");
+    EXPECT_EQ(advice->instead, "");
+}
+
+TEST(ProjectFiles, BeforehandItAsksForWhatAnEndedSaveLeft) {
+    const Placed file("p.mrn", Bytes(100, 'x'));
+    WaveFile::writeBytes(file.folder / "p.mrn.bak", ProjectBytes().bytes());
+    const std::optional<LoadAdvice> advice = adviceBeforeLoad(file.name);
+    ASSERT_TRUE(advice);
+    EXPECT_EQ(advice->instead, file.folder.name("p.mrn.bak"));
+    EXPECT_TRUE(advice->text.ends_with("; what was saved before is in p.mrn.bak.  Load that?"))
+        << advice->text;
+}
+
+TEST(ProjectFiles, BeforehandANameOutsideTheCodePageIsAsGoodAsAnother) {
+    const TempFolder folder;
+    const std::filesystem::path path = folder / pathFromUtf8("\u97f3\u4e50.mrn");
+    WaveFile::writeBytes(path, ProjectBytes().bytes());
+    EXPECT_FALSE(adviceBeforeLoad(utf8FromPath(path)));
+    WaveFile::writeBytes(path, Bytes(100, 'x'));
+    ASSERT_TRUE(adviceBeforeLoad(utf8FromPath(path)));
+    EXPECT_EQ(adviceBeforeLoad(utf8FromPath(path))->text.find("rename"), std::string::npos);
 }
 
 }  // namespace

@@ -241,6 +241,24 @@ TEST_F(FileCommands, AShellTellsWhyAProjectIsntLoadedAndAsksWhatToLoadInstead) {
     EXPECT_EQ(asked.size(), 3u) << "a save is none of its affairs";
 }
 
+TEST_F(FileCommands, AProjectThatAShellRefusesBeforehandIsntLoaded) {
+    open();
+    rig.page->checkLoads([](const std::string& path) {
+        return path == "song.mrn" ? std::optional(LoadAdvice{"It is broken.  Load another?", "other.mrn"})
+                                  : std::nullopt;
+    });
+    const std::string question = "? message \"It is broken.  Load another?\" -> ";
+    click(kOpenProject, {"song.mrn", "no"});
+    EXPECT_EQ(rig.window.takeLog(), (Calls{kAskProject + "song.mrn", question + "no"}));
+    EXPECT_EQ(rig.changes(), kRequests);
+    click(kOpenProject, {"song.mrn", "yes"});
+    EXPECT_EQ(rig.window.takeLog(), (Calls{kAskProject + "song.mrn", question + "yes"}));
+    EXPECT_EQ(lastCalls(), (Calls{"LoadProject other.mrn", kRequests[0], kRequests[1]}));
+    click(kSaveProject, {"song.mrn"});
+    EXPECT_EQ(lastCalls(), (Calls{"SaveProject 0 song.mrn", kRequests[0], kRequests[1]}))
+        << "a save is none of its affairs";
+}
+
 TEST_F(FileCommands, ACancelledProjectStillEndsAtPadOneWithoutAFile) {
     open();
     selectGrain();
