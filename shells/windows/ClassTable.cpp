@@ -4,6 +4,7 @@
 
 #include "host/CreateInstance.h"
 #include "seam/ClassIds.h"
+#include "shells/windows/PropertyPage.h"
 
 namespace marnoth {
 
@@ -31,7 +32,9 @@ REGFILTERPINS pin(const wchar_t* name, BOOL isOutput, const wchar_t* peer) {
 std::span<const ServedClass> servedClasses() {
     static const std::array pins{pin(L"Input", FALSE, L"Output"), pin(L"Output", TRUE, L"Input")};
     static const FilterSetup filter{kMerit, pins};
-    static const std::array classes{ServedClass{L"Marnoth", &CLSID_Marnoth, createInstrument, &filter}};
+    static const std::array classes{
+        ServedClass{L"Marnoth", &CLSID_Marnoth, createInstrument, &filter},
+        ServedClass{L"Marnoth Properties", &CLSID_MarnothProperties, createPropertyPage, nullptr}};
     return classes;
 }
 

@@ -4,6 +4,7 @@
 #include <new>
 
 #include "platform/com/ModuleLock.h"
+#include "platform/windows/Win32Window.h"
 #include "shells/windows/ClassFactory.h"
 #include "shells/windows/Registration.h"
 
@@ -25,6 +26,9 @@ BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, void*) {
         moduleHandle = module;
         DisableThreadLibraryCalls(module);
     }
+    // A class of windows that stayed would call into what is no longer there, and the next module couldn't
+    // make its own.
+    if (reason == DLL_PROCESS_DETACH) Win32Window::unregisterClass();
     return TRUE;
 }
 

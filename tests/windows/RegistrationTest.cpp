@@ -18,6 +18,9 @@ const std::wstring kSynths = L"KvxSoftSynths";
 std::wstring classKey() {
     return L"CLSID\\" + idText(CLSID_Marnoth);
 }
+std::wstring pageKey() {
+    return L"CLSID\\" + idText(CLSID_MarnothProperties);
+}
 std::wstring synthKey() {
     return kSynths + L"\\" + idText(CLSID_Marnoth);
 }
@@ -55,6 +58,10 @@ protected:
                                                       {L"|FilterData", L"type 3"},
                                                       {L"|FriendlyName", L"Marnoth"}}));
         EXPECT_TRUE(isFilterListed());
+        EXPECT_EQ(valuesBeneath(pageKey()), (Values{{L"|", L"Marnoth Properties"},
+                                                    {L"\\InprocServer32|", registered.path().wstring()},
+                                                    {L"\\InprocServer32|ThreadingModel", L"Both"}}));
+        EXPECT_FALSE(isThere(L"KvxSoftSynths\\" + idText(CLSID_MarnothProperties)));
     }
 
     /// Whether the system's list of filters names the instrument.
@@ -100,11 +107,11 @@ TEST_F(Registration, TellsTheMeritAndTheTwoPinsOfTheFilter) {
     EXPECT_EQ(data[2], 2u);
 }
 
-TEST_F(Registration, MakesThreeKeysAndTakesTheThreeAway) {
+TEST_F(Registration, MakesFourKeysAndTakesTheFourAway) {
     const auto before = keysOfAll();
     EXPECT_EQ(component.registerServer(), S_OK);
     auto expected = before;
-    expected.insert({classKey(), filterKey(), synthKey()});
+    expected.insert({classKey(), pageKey(), filterKey(), synthKey()});
     EXPECT_EQ(keysOfAll(), expected);
     EXPECT_EQ(component.unregisterServer(), S_OK);
     EXPECT_EQ(keysOfAll(), before);
@@ -129,6 +136,7 @@ TEST_F(Registration, IsTakenBackWhole) {
     EXPECT_EQ(component.registerServer(), S_OK);
     EXPECT_EQ(component.unregisterServer(), S_OK);
     EXPECT_FALSE(isThere(classKey()));
+    EXPECT_FALSE(isThere(pageKey()));
     EXPECT_FALSE(isThere(synthKey()));
     EXPECT_FALSE(isFilterListed());
     EXPECT_EQ(component.unregisterServer(), S_OK) << "and there is nothing left to take";
