@@ -9,7 +9,6 @@
 #include "platform/windows/Clipboard.h"
 #include "platform/windows/FileDialog.h"
 #include "platform/windows/KeyMessages.h"
-#include "platform/windows/NarrowNames.h"
 #include "platform/windows/SystemGeometry.h"
 #include "platform/windows/SystemQuestions.h"
 
@@ -38,11 +37,6 @@ private:
 
 bool isControl(char32_t character) {
     return character < 0x20 || (character >= 0x7F && character < 0xA0);
-}
-
-/// As the page and the engine take names of files.
-std::string pageName(const std::wstring& path) {
-    return utf8FromWide(pathForCodePage(path));
 }
 
 }  // namespace
@@ -149,7 +143,7 @@ void Win32Window::askFile(std::string_view filter, FileKind kind,
                           std::function<void(std::optional<std::string>)> then) {
     ask(OpenQuestion::Kind::dialog, std::optional<std::string>(), then, [&](HWND owner) {
         const std::optional<std::wstring> path = showFileDialog(owner, filter, kind);
-        return path ? std::optional(pageName(*path)) : std::nullopt;
+        return path ? std::optional(utf8FromWide(*path)) : std::nullopt;
     });
 }
 
@@ -375,7 +369,7 @@ DropEffect Win32Window::filesDropped(POINT at, const std::optional<std::vector<s
     const std::shared_ptr<void> life = life_.lock();
     std::vector<std::string> names;
     if (paths)
-        for (const std::wstring& path : *paths) names.push_back(pageName(path));
+        for (const std::wstring& path : *paths) names.push_back(utf8FromWide(path));
     const Point place = onWindow(handle(), at);
     tell([&](PageEvents& page) {
         effect = paths ? page.drop(place, std::span<const std::string>(names)) : page.drop(place, {});

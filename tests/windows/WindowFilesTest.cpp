@@ -4,7 +4,6 @@
 #include <fstream>
 
 #include "platform/text/Text.h"
-#include "platform/windows/NarrowNames.h"
 #include "support/TempPath.h"
 #include "windows/AtQuestion.h"
 #include "windows/WindowRig.h"
@@ -108,47 +107,17 @@ TEST_F(WindowFiles, LeavesTheFolderInWhichTheProcessStands) {
     EXPECT_EQ(fs::current_path(), before);
 }
 
+TEST_F(WindowFiles, NamesAreWholeWhateverTheyHold) {
+    const fs::path file = fileHere(L"\u97f3\u4e50 \u0101.wav");
+    EXPECT_EQ(ask(FileKind::open, kWaves, {type(file)}), utf8(file));
+}
+
 TEST_F(WindowFiles, PathsMayBeLong) {
     fs::path deep = folder.path();
     while (deep.native().size() < 180) deep /= L"a folder with a name";
     fs::create_directories(deep);
     const fs::path file = deep / (std::wstring(60, L'n') + L".mrn");
     EXPECT_EQ(ask(FileKind::save, kProjects, {type(file)}), utf8(file));
-}
-
-TEST(NarrowNames, NamesThatTheCodePageHoldsStay) {
-    EXPECT_EQ(pathForCodePage(L"C:\\loops\\a.wav"), L"C:\\loops\\a.wav");
-    EXPECT_EQ(pathForCodePage(L""), L"");
-}
-
-TEST(NarrowNames, NamesThatItDoesNotHoldGoInTheirShortForm) {
-    if (GetACP() == CP_UTF8) GTEST_SKIP() << "it holds all";
-    const TempPath folder;
-    fs::create_directories(folder.path());
-    const fs::path file = folder.path() / L"\u97f3\u4e50.wav";
-    std::ofstream(file) << "x";
-    const fs::path named = pathForCodePage(file.native());
-    EXPECT_NE(named, file);
-    EXPECT_EQ(wideFromSystem(systemFromWide(named.native())), named.native());
-    EXPECT_TRUE(fs::exists(named));
-    fs::remove_all(folder.path());
-}
-
-TEST(NarrowNames, ANewFileGoesByTheShortFormOfItsFolder) {
-    if (GetACP() == CP_UTF8) GTEST_SKIP() << "it holds all";
-    const TempPath place;
-    const fs::path folder = place.path() / L"\u97f3\u4e50";
-    fs::create_directories(folder);
-    const fs::path named = pathForCodePage((folder / L"new.mrn").native());
-    EXPECT_EQ(named.filename(), L"new.mrn");
-    EXPECT_EQ(wideFromSystem(systemFromWide(named.native())), named.native());
-    EXPECT_TRUE(fs::exists(named.parent_path()));
-    fs::remove_all(place.path());
-}
-
-TEST(NarrowNames, WhereThereIsNoShortFormTheNameStays) {
-    if (GetACP() == CP_UTF8) GTEST_SKIP() << "it holds all";
-    EXPECT_EQ(pathForCodePage(L"C:\\isn't there\\\u97f3.mrn"), L"C:\\isn't there\\\u97f3.mrn");
 }
 
 }  // namespace
