@@ -63,6 +63,10 @@ std::vector<RefPtr<IPin>> pinsOf(IBaseFilter& filter) {
     return pins;
 }
 
+RefPtr<AudioGraph> makeHostGraph() {
+    return RefPtr<AudioGraph>::adopt(new HostGraph);
+}
+
 HostGraph::~HostGraph() {
     stop();
     disconnectAll();
@@ -119,8 +123,11 @@ int HostGraph::eventCount(LONG code) {
 }
 
 HRESULT HostGraph::AddFilter(IBaseFilter* filter, LPCWSTR name) {
-    if (!filter) return E_POINTER;
-    return guarded([&] { return join(*filter, name); });
+    return filter ? add(*filter, name) : E_POINTER;
+}
+
+HRESULT HostGraph::add(IBaseFilter& filter, LPCWSTR name) {
+    return guarded([&] { return join(filter, name); });
 }
 
 HRESULT HostGraph::join(IBaseFilter& filter, LPCWSTR name) {
@@ -163,6 +170,10 @@ HRESULT HostGraph::FindFilterByName(LPCWSTR name, IBaseFilter** out) {
         return S_OK;
     }
     return VFW_E_NOT_FOUND;
+}
+
+HRESULT HostGraph::connect(IPin& output, IPin& input, const AM_MEDIA_TYPE& type) {
+    return ConnectDirect(&output, &input, &type);
 }
 
 HRESULT HostGraph::ConnectDirect(IPin* output, IPin* input, const AM_MEDIA_TYPE* type) {

@@ -3,6 +3,7 @@
 #include <map>
 #include <vector>
 
+#include "hostkit/AudioGraph.h"
 #include "platform/com/RefPtr.h"
 #include "platform/com/Unknown.h"
 #include "platform/graph/Graph.h"
@@ -16,21 +17,21 @@ namespace marnoth {
 ///
 /// One thread at a time, except for `Notify`. Filters keep no reference to their graph; it takes everything
 /// apart when it goes.
-class HostGraph : public Implements<CUnknown, IFilterGraph2, IMediaEventSink> {
+class HostGraph : public Implements<CUnknown, IFilterGraph2, IMediaEventSink, AudioGraph> {
 public:
     HostGraph() : Implements(nullptr) {}
     ~HostGraph() override;
 
-    /// Takes every filter to the state, those downstream first, so that nobody sends to one who isn't ready.
-    /// A failure on the way up from stopped stops everything again, and is the result.
-    HRESULT pause();
-    HRESULT run();
-    /// Stops every filter whatever the others say; the first failure is the result.
-    HRESULT stop();
-    FILTER_STATE state() const { return state_; }
+    // AudioGraph. Filters change their state behind those that they send to, so that nobody sends to one who
+    // isn't ready.
+    HRESULT add(IBaseFilter& filter, LPCWSTR name) override;
+    HRESULT connect(IPin& output, IPin& input, const AM_MEDIA_TYPE& type) override;
+    HRESULT disconnectAll() override;
+    HRESULT pause() override;
+    HRESULT run() override;
+    HRESULT stop() override;
+    FILTER_STATE state() override { return state_; }
 
-    /// Takes all connections of all filters apart. The graph must be stopped.
-    HRESULT disconnectAll();
     /// How often filters have told the graph this event.
     int eventCount(LONG code);
 

@@ -28,7 +28,7 @@ bool areUsable(const AttachOptions& options) {
 }  // namespace
 
 struct HostRig::Parts {
-    explicit Parts(InstrumentMaker make) : instrument(make) {}
+    Parts(InstrumentMaker make, GraphMaker makeGraph) : instrument(make, makeGraph) {}
 
     HRESULT attach(const AttachOptions& options);
     HRESULT sendBlock(std::int32_t frames);
@@ -49,7 +49,8 @@ HRESULT HostRig::Parts::sendBlock(std::int32_t frames) {
     return instrument.send(next);
 }
 
-HostRig::HostRig(InstrumentMaker make) : parts_(std::make_unique<Parts>(make)) {}
+HostRig::HostRig(InstrumentMaker make, GraphMaker makeGraph)
+    : parts_(std::make_unique<Parts>(make, makeGraph)) {}
 
 HostRig::~HostRig() = default;
 

@@ -7,6 +7,7 @@
 #include <span>
 #include <vector>
 
+#include "hostkit/AudioGraph.h"
 #include "hostkit/KeyService.h"
 #include "seam/IGrooveSampler.h"
 #include "seam/InstrumentMaker.h"
@@ -36,9 +37,10 @@ using AudioTaker = std::function<void(std::span<const float> samples, bool silen
 /// Output pins are numbered as the instrument orders them: 0 the mix, 1 to 16 the channels.
 class HostRig {
 public:
-    /// Has the instrument made by `make`. `std::runtime_error` when that fails, `std::bad_alloc` without
-    /// memory. What comes later ends in `E_OUTOFMEMORY` then.
-    explicit HostRig(InstrumentMaker make);
+    /// Has the instrument made by `make`, and the graph that it plays in by `makeGraph`. `std::runtime_error`
+    /// when that fails or the instrument lacks an interface, `std::bad_alloc` without memory. What comes
+    /// later ends in `E_OUTOFMEMORY` then.
+    explicit HostRig(InstrumentMaker make, GraphMaker makeGraph = makeHostGraph);
     ~HostRig();
     HostRig(const HostRig&) = delete;
     HostRig& operator=(const HostRig&) = delete;

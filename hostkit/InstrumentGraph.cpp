@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "hostkit/FloatFormat.h"
+#include "hostkit/HostGraph.h"
 #include "hostkit/MakeObject.h"
 #include "platform/com/Guarded.h"
 #include "platform/graph/MediaType.h"
@@ -20,9 +21,9 @@ void need(HRESULT result, const char* failure) {
 }
 
 template <class Interface>
-RefPtr<Interface> query(IUnknown& object, REFIID iid) {
+RefPtr<Interface> query(IUnknown& object, REFIID iid, const char* failure) {
     RefPtr<Interface> found;
-    need(object.QueryInterface(iid, found.putVoid()), "the instrument lacks an interface");
+    need(object.QueryInterface(iid, found.putVoid()), failure);
     return found;
 }
 
@@ -46,14 +47,15 @@ private:
 
 }  // namespace
 
-InstrumentGraph::InstrumentGraph(InstrumentMaker make)
+InstrumentGraph::InstrumentGraph(InstrumentMaker make, GraphMaker makeGraph)
     : instrument_(makeInstrument(make)),
-      filter_(query<IBaseFilter>(*instrument_, IID_IBaseFilter)),
-      sampler_(query<IGrooveSampler>(*instrument_, IID_IGrooveSampler)),
-      synth_(query<IKvxSoftSynth2>(*instrument_, IID_IKvxSoftSynth2)),
-      notify_(query<IKvxNotify>(*instrument_, IID_IKvxNotify)),
+      filter_(query<IBaseFilter>(*instrument_, IID_IBaseFilter, "the instrument has no IBaseFilter")),
+      sampler_(
+          query<IGrooveSampler>(*instrument_, IID_IGrooveSampler, "the instrument has no IGrooveSampler")),
+      synth_(query<IKvxSoftSynth2>(*instrument_, IID_IKvxSoftSynth2, "the instrument has no IKvxSoftSynth2")),
+      notify_(query<IKvxNotify>(*instrument_, IID_IKvxNotify, "the instrument has no IKvxNotify")),
       source_(makeObject<StreamSource>()),
-      graph_(makeObject<HostGraph>()) {
+      graph_(makeGraph()) {
     add(*source_, L"Source");
     add(*filter_, L"Instrument");
     for (std::size_t pin = 0; pin < sinks_.size(); ++pin) {
@@ -63,7 +65,7 @@ InstrumentGraph::InstrumentGraph(InstrumentMaker make)
 }
 
 void InstrumentGraph::add(IBaseFilter& filter, LPCWSTR name) {
-    need(graph_->AddFilter(&filter, name), "the graph can't be built");
+    need(graph_->add(filter, name), "the graph can't be built");
 }
 
 InstrumentGraph::~InstrumentGraph() {
@@ -90,8 +92,7 @@ HRESULT InstrumentGraph::connectAll(std::span<const int> pins) {
     if (FAILED(made)) return made;
     FirstFailure failure;
     const std::vector<RefPtr<IPin>> all = pinsOf(*filter_);
-    failure.note(all.empty() ? VFW_E_NOT_FOUND
-                             : graph_->ConnectDirect(&source_->pin(), all.front().get(), type.Get()));
+    failure.note(all.empty() ? VFW_E_NOT_FOUND : graph_->connect(source_->pin(), *all.front(), *type));
     for (int pin : pins) failure.note(connectPin(pin, *type));
     return failure.result();
 }
@@ -100,7 +101,7 @@ HRESULT InstrumentGraph::connectPin(int pin, const AM_MEDIA_TYPE& type) {
     // The instrument's input stands before its outputs.
     const std::vector<RefPtr<IPin>> all = pinsOf(*filter_);
     if (pin < 0 || pin >= kOutputPins || pin + 1 >= static_cast<int>(all.size())) return E_INVALIDARG;
-    return graph_->ConnectDirect(all[pin + 1].get(), &sink(pin), &type);
+    return graph_->connect(*all[pin + 1], sink(pin), type);
 }
 
 HRESULT InstrumentGraph::growBuffers(std::int32_t frames) {
@@ -132,11 +133,15 @@ HRESULT InstrumentGraph::detach() {
 }
 
 HRESULT InstrumentGraph::save(IStream& stream) {
-    return query<IPersistStream>(*instrument_, IID_IPersistStream)->Save(&stream, 1);
+    RefPtr<IPersistStream> state;
+    const HRESULT hr = instrument_->QueryInterface(IID_IPersistStream, state.putVoid());
+    return FAILED(hr) ? hr : state->Save(&stream, 1);
 }
 
 HRESULT InstrumentGraph::load(IStream& stream) {
-    return query<IPersistStream>(*instrument_, IID_IPersistStream)->Load(&stream);
+    RefPtr<IPersistStream> state;
+    const HRESULT hr = instrument_->QueryInterface(IID_IPersistStream, state.putVoid());
+    return FAILED(hr) ? hr : state->Load(&stream);
 }
 
 }  // namespace marnoth

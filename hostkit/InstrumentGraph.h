@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <span>
 
+#include "hostkit/AudioGraph.h"
 #include "hostkit/HostContext.h"
-#include "hostkit/HostGraph.h"
 #include "hostkit/StreamSink.h"
 #include "hostkit/StreamSource.h"
 #include "platform/com/RefPtr.h"
@@ -24,9 +24,9 @@ namespace marnoth {
 /// stopped and taken apart, and the instrument is detached.
 class InstrumentGraph {
 public:
-    /// Has the instrument made by `make`. `std::runtime_error` when that fails, `std::bad_alloc`
-    /// without memory.
-    explicit InstrumentGraph(InstrumentMaker make);
+    /// Has the instrument made by `make`, and the graph by `makeGraph`. `std::runtime_error` when that fails
+    /// or the instrument lacks an interface, `std::bad_alloc` without memory.
+    explicit InstrumentGraph(InstrumentMaker make, GraphMaker makeGraph = makeHostGraph);
     ~InstrumentGraph();
     InstrumentGraph(const InstrumentGraph&) = delete;
     InstrumentGraph& operator=(const InstrumentGraph&) = delete;
@@ -43,7 +43,7 @@ public:
     void setSilenceFlag(bool offered);
     /// The end of an output pin, 0 to 16.
     StreamSinkPin& sink(int pin) { return sinks_[static_cast<std::size_t>(pin)]->pin(); }
-    HostGraph& graph() { return *graph_; }
+    AudioGraph& graph() { return *graph_; }
 
     /// Gives the host's services to the instrument. `E_UNEXPECTED` while attached.
     HRESULT attach(const HostContext::Services& services);
@@ -71,7 +71,7 @@ private:
     RefPtr<IKvxNotify> notify_;
     RefPtr<StreamSource> source_;
     std::array<RefPtr<StreamSink>, kOutputPins> sinks_;
-    RefPtr<HostGraph> graph_;  ///< goes first: it takes the connections apart
+    RefPtr<AudioGraph> graph_;  ///< goes first: it takes the connections apart
     bool attached_ = false;
     std::uint32_t rate_ = 44100;
     std::uint32_t channels_ = 2;

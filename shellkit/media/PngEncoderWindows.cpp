@@ -5,25 +5,12 @@
 #include <wincodec.h>
 
 #include "platform/com/RefPtr.h"
+#include "shellkit/component/ComApartment.h"
 #include "shellkit/media/PngFile.h"
 
 namespace marnoth {
 
 namespace {
-
-/// COM on this thread, for as long as it lives.
-class ComApartment {
-public:
-    ComApartment() : entered_(SUCCEEDED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))) {}
-    ~ComApartment() {
-        if (entered_) CoUninitialize();
-    }
-    ComApartment(const ComApartment&) = delete;
-    ComApartment& operator=(const ComApartment&) = delete;
-
-private:
-    bool entered_;
-};
 
 /// Rows from the top, three bytes a pixel in the order that the component takes them.
 std::vector<BYTE> blueFirst(const Bitmap& picture) {
@@ -76,7 +63,7 @@ std::vector<std::byte> bytesOf(IStream& stream) {
 }  // namespace
 
 std::vector<std::byte> encodePng(const Bitmap& picture) {
-    const ComApartment apartment;
+    const ComApartment apartment(COINIT_APARTMENTTHREADED);
     RefPtr<IStream> stream;
     if (FAILED(CreateStreamOnHGlobal(nullptr, TRUE, stream.put()))) return {};
     if (FAILED(writeTo(*stream.get(), picture))) return {};

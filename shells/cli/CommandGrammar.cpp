@@ -18,6 +18,13 @@ constexpr double kFastestTempo = 1000;
 constexpr double kMostBeats = 1e6;
 constexpr double kMostGainDecibels = 100;
 
+/// Whether instruments can be registered on this system.
+#ifdef _WIN32
+constexpr bool kHasComponents = true;
+#else
+constexpr bool kHasComponents = false;
+#endif
+
 constexpr const char* kProgramHelp =
     "Marnoth, a loop-based groove sampler, without a host.\n"
     "'marnoth COMMAND --help' tells about a command.";
@@ -40,6 +47,11 @@ constexpr const char* kScriptHelp =
     "\n"
     "Examples:\n"
     "  marnoth script take.mrs --out audio > take.transcript\n";
+
+constexpr const char* kComponentHelp =
+    "  marnoth script take.mrs --out audio --com\n"
+    "\n"
+    "The component is Marnoth.dll as hosts find it: register.cmd, which lies beside it, registers it.\n";
 
 constexpr const char* kRenderHelp =
     "Pads count from 1, as on the page; pad 1 plays on note 60, the next ones on the white keys above.\n"
@@ -175,7 +187,10 @@ void CommandGrammar::addScript(Request& request) {
     script->add_option("-o,--out", request.scriptOut, "Folder for the audio; made when it is missing")
         ->required()
         ->type_name("DIR");
-    script->footer(kScriptHelp);
+    if (kHasComponents)
+        script->add_flag("--com", request.component,
+                         "Play the registered component, in the system's filter graph");
+    script->footer(std::string(kScriptHelp) + (kHasComponents ? kComponentHelp : ""));
 }
 
 void CommandGrammar::addRender(Request& request) {

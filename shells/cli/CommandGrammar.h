@@ -14,6 +14,7 @@ namespace marnoth {
 struct Request {
     std::string script;
     std::string scriptOut;
+    bool component = false;  ///< the script plays the registered one
     std::vector<std::string> pads;
     std::string bits;
     bool noDither = false;

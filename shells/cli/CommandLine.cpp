@@ -56,7 +56,8 @@ int carryOut(const Request& request, const CommandGrammar& grammar, std::ostream
     int status = 0;
     const Streams streams{out, errors, request.quiet};
     if (grammar.chose("script"))
-        status = runScriptFile(request.script, pathFromUtf8(request.scriptOut), out, errors);
+        status = runScriptFile(request.script, pathFromUtf8(request.scriptOut), out, errors,
+                               request.component ? Playing::component : Playing::ownInstrument);
     else if (grammar.chose("render"))
         runRender(renderOptions(request), streams);
     else if (grammar.chose("page"))

@@ -1,13 +1,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cmath>
 #include <filesystem>
 #include <map>
 
 #include "cli/CliRun.h"
+#include "cli/ScriptFolder.h"
 #include "shellkit/media/WaveFrames.h"
-#include "support/TestData.h"
 
 /// Runs every script of tests/scripts, in a copy of that folder: scripts may write files beside themselves.
 /// Beside a script stands what must come of it: NAME.transcript, all that
@@ -25,27 +24,8 @@ namespace fs = std::filesystem;
 /// Renders go through 32-bit floats several times.
 constexpr float kTolerance = 1e-6f;
 
-const fs::path& scriptFolder() {
-    static const fs::path folder = testData(MARNOTH_SCRIPTS);
-    return folder;
-}
-
-std::vector<std::string> scriptNames() {
-    std::vector<std::string> names;
-    for (const auto& entry : fs::directory_iterator(scriptFolder()))
-        if (entry.path().extension() == ".mrs") names.push_back(entry.path().stem().string());
-    std::sort(names.begin(), names.end());
-    return names;
-}
-
 fs::path beside(const std::string& name, const char* extension) {
     return scriptFolder() / (name + extension);
-}
-
-/// What scripts load.
-void copySoundsTo(const TempFolder& folder) {
-    fs::copy(scriptFolder() / "sounds", folder / "sounds");
-    fs::copy_file(scriptFolder() / "drums.wav", folder / "drums.wav");
 }
 
 /// The audio files of a run, read when they are asked for.
@@ -114,10 +94,9 @@ TEST_P(Scripts, GiveWhatStandsBesideThem) {
     ASSERT_TRUE(fs::exists(transcript) || fs::exists(audioLines)) << "nothing says what must come of it";
 
     const TempFolder scripts;
-    copySoundsTo(scripts);
-    fs::copy_file(beside(GetParam(), ".mrs"), scripts / (GetParam() + ".mrs"));
+    const std::string script = copyScript(GetParam(), scripts);
     const TempFolder folder;
-    const CliRun run = marnoth({"script", scripts.name(GetParam() + ".mrs"), "--out", folder.name("")});
+    const CliRun run = marnoth({"script", script, "--out", folder.name("")});
     EXPECT_EQ(run.status, 0) << run.err;
     if (fs::exists(transcript)) {
         EXPECT_EQ(run.out, readText(transcript));
@@ -128,11 +107,8 @@ TEST_P(Scripts, GiveWhatStandsBesideThem) {
         if (!line.empty() && line.front() != '#') checkAudioLine(audio, line);
 }
 
-INSTANTIATE_TEST_SUITE_P(Session, Scripts, testing::ValuesIn(scriptNames()), [](const auto& test) {
-    std::string name = test.param;
-    std::replace(name.begin(), name.end(), '-', '_');
-    return name;
-});
+INSTANTIATE_TEST_SUITE_P(Session, Scripts, testing::ValuesIn(scriptNames()),
+                         [](const auto& test) { return testNameOf(test.param); });
 
 }  // namespace
 }  // namespace marnoth::test::scripts_test
