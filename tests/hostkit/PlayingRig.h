@@ -17,7 +17,9 @@ namespace marnoth::test {
 struct PlayingRig {
     static constexpr std::uint32_t kRate = 44100;
 
-    explicit PlayingRig(std::vector<int> pins = {0}, std::uint32_t channels = 2) {
+    explicit PlayingRig(std::vector<int> pins = {0}, std::uint32_t channels = 2,
+                        InstrumentMaker make = createInstrument, GraphMaker makeGraph = makeHostGraph)
+        : rig(make, makeGraph) {
         for (int pin = 0; pin < 17; ++pin) {
             rig.setTaker(pin, [this, pin](std::span<const float> samples, bool silent) {
                 audio[pin].insert(audio[pin].end(), samples.begin(), samples.end());
@@ -73,7 +75,7 @@ struct PlayingRig {
         return out;
     }
 
-    HostRig rig{createInstrument};
+    HostRig rig;
     std::array<std::vector<float>, 17> audio;
     std::array<int, 17> blocks{};
     std::array<int, 17> silentBlocks{};
