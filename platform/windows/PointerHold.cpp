@@ -45,7 +45,7 @@ void PointerHold::capture(HWND window) {
 
 void PointerHold::release(HWND window) {
     endDrag();
-    if (std::exchange(captured_, false) && window && GetCapture() == window) ReleaseCapture();
+    if (std::exchange(captured_, false) && window) ReleaseCapture();
 }
 
 bool PointerHold::lost() {

@@ -264,7 +264,7 @@ Win32Window::Answer Win32Window::answerKeyboard(const Message& message) {
             keyboard_.came(reinterpret_cast<HWND>(message.first));
             return 0;
         case WM_KILLFOCUS:
-            keyboardLeft();
+            if (handle()) keyboard_.left(handle());
             return 0;
         default:
             return {};
@@ -287,15 +287,13 @@ void Win32Window::characters(const Message& message) {
         tell([&](PageEvents& page) { page.character(*character, heldModifiers()); });
 }
 
-void Win32Window::keyboardLeft() {
-    // A question takes the keyboard, and it comes back.
-    if (!question_ && handle()) keyboard_.left(handle());
-}
-
 Win32Window::Answer Win32Window::answerWindow(const Message& message) {
     switch (message.id) {
         case WM_PAINT:
             paint();
+            return 0;
+        case WM_PRINTCLIENT:
+            print(reinterpret_cast<HDC>(message.first));
             return 0;
         case WM_ERASEBKGND:
             return TRUE;
@@ -323,6 +321,7 @@ Win32Window::Answer Win32Window::answerWindow(const Message& message) {
 
 void Win32Window::timer(UINT_PTR id) {
     if (id == kPageTimer) return tell([](PageEvents& page) { page.timer(); });
+    // A question takes the keyboard, and it comes back.
     if (id == KeyboardHold::kTimer && !question_ && keyboard_.isLost(handle()))
         tell([](PageEvents& page) { page.focusLost(); });
 }
@@ -343,6 +342,13 @@ void Win32Window::paint() {
     }
     // Beginning to paint has taken back what was wanted meanwhile.
     repaintIfWanted();
+}
+
+/// For whoever takes a picture of the frame.
+void Win32Window::print(HDC device) const {
+    RECT room{};
+    GetClientRect(handle(), &room);
+    screen_.show(device, room);
 }
 
 DropEffect Win32Window::filesEnter(bool hasFiles) {

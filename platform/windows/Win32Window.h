@@ -116,8 +116,8 @@ private:
     void key(const Message& message);
     void characters(const Message& message);
     void timer(UINT_PTR id);
-    void keyboardLeft();
     void paint();
+    void print(HDC device) const;
     void repaintIfWanted();
 
     DropEffect filesEnter(bool hasFiles) override;

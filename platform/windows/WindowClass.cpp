@@ -33,6 +33,12 @@ LRESULT CALLBACK dispatch(HWND window, UINT message, WPARAM first, LPARAM second
     throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), what);
 }
 
+/// A parent of a language that is read from the right would turn the page over.
+void keepLeftToRight(HWND window) {
+    SetWindowLongPtrW(window, GWL_EXSTYLE,
+                      GetWindowLongPtrW(window, GWL_EXSTYLE) & ~LONG_PTR{WS_EX_LAYOUTRTL});
+}
+
 /// Who comes first registers it; for the others it is there.
 void registerClass() {
     WNDCLASSEXW description{};
@@ -54,6 +60,7 @@ HWND makeChildWindow(HWND parent, const RECT& place, MessageTaker& taker) {
                                         place.left, place.top, place.right - place.left,
                                         place.bottom - place.top, parent, nullptr, thisModule(), &taker);
     if (!window) fail("The page's window");
+    keepLeftToRight(window);
     return window;
 }
 

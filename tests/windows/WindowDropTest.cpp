@@ -1,3 +1,6 @@
+#include <array>
+#include <memory>
+
 #include "platform/com/RefPtr.h"
 #include "platform/windows/DroppedFiles.h"
 #include "windows/DropData.h"
@@ -122,6 +125,18 @@ TEST_F(WindowDrop, AWindowThatIsGoneTakesNothing) {
     EXPECT_EQ(effect, DWORD{DROPEFFECT_NONE});
     EXPECT_EQ(kept->DragLeave(), S_OK);
     EXPECT_EQ(page.take(), Lines{});
+}
+
+TEST_F(WindowDrop, ATargetThatIsKeptAsksNothingOfAWindowThatIsNoMore) {
+    alignas(Win32Window) std::array<std::byte, sizeof(Win32Window)> room{};
+    auto* const other = new (room.data()) Win32Window(frame.handle(), kPlace, fonts, {});
+    const RefPtr<IDropTarget> kept(
+        static_cast<IDropTarget*>(GetPropW(other->handle(), L"OleDropTargetInterface")));
+    std::destroy_at(other);
+    room.fill(std::byte{0xCC});
+    DWORD effect = DROPEFFECT_COPY;
+    EXPECT_EQ(kept->DragOver(0, {}, &effect), S_OK);
+    EXPECT_EQ(effect, DWORD{DROPEFFECT_NONE});
 }
 
 TEST_F(WindowDrop, ATargetThatIsKeptKeepsTheModule) {

@@ -134,6 +134,42 @@ TEST_F(WindowPaint, IsNeverErased) {
     EXPECT_EQ(pixel({5, 5}), systemColor(kSand));
 }
 
+TEST_F(WindowPaint, GivesItsPictureToWhoeverAsksForIt) {
+    show(kSand);
+    HDC const screen = GetDC(nullptr);
+    HDC const device = CreateCompatibleDC(screen);
+    HBITMAP const picture = CreateCompatibleBitmap(screen, kWidth, kHeight);
+    ReleaseDC(nullptr, screen);
+    HGDIOBJ const before = SelectObject(device, picture);
+    send(WM_PRINTCLIENT, reinterpret_cast<WPARAM>(device), PRF_CLIENT);
+    EXPECT_EQ(GetPixel(device, 0, 0), systemColor(kSand));
+    EXPECT_EQ(GetPixel(device, kWidth - 1, kHeight - 1), systemColor(kSand));
+    SelectObject(device, before);
+    DeleteObject(picture);
+    DeleteDC(device);
+}
+
+TEST_F(WindowPaint, IsNotTurnedOverInAFrameThatReadsFromTheRight) {
+    SetWindowLongPtrW(frame.handle(), GWL_EXSTYLE,
+                      GetWindowLongPtrW(frame.handle(), GWL_EXSTYLE) | WS_EX_LAYOUTRTL);
+    Win32Window other(frame.handle(), kPlace, fonts, {});
+    other.setPage(&page);
+    other.show(SW_SHOW);
+    Bitmap screen(kWidth, kHeight, kSand);
+    screen.at(0, 0) = kSea;
+    page.onPaint = [&] { other.present(screen, screen.bounds()); };
+    other.requestPaint();
+    pump();
+    HDC const device = GetDC(other.handle());
+    EXPECT_EQ(GetPixel(device, 0, 0), systemColor(kSea));
+    ReleaseDC(other.handle(), device);
+    POINT left{0, 0};
+    POINT right{50, 0};
+    ClientToScreen(other.handle(), &left);
+    ClientToScreen(other.handle(), &right);
+    EXPECT_EQ(right.x - left.x, 50);
+}
+
 TEST_F(WindowPaint, FollowsItsPlace) {
     window.move({30, 40, 30 + 50, 40 + 60});
     RECT place{};

@@ -78,10 +78,12 @@ TEST_F(WindowQuestions, ABoxStandsOverTheOutermostWindowWhichWaits) {
 TEST_F(WindowQuestions, TheKeyboardComesBackBehindAQuestion) {
     answered(MessageKind::note, [&](HWND box) {
         EXPECT_NE(GetFocus(), handle());
+        Sleep(150);
+        pump();
         EndDialog(box, IDOK);
     });
     EXPECT_EQ(GetFocus(), handle());
-    Sleep(300);
+    Sleep(150);
     pump();
     EXPECT_EQ(page.take(), Lines{}) << "and was never lost";
 }
@@ -303,8 +305,11 @@ TEST(WindowLifeUnderQuestions, ADropUnderWhoseQuestionThePageIsLetGoReturnsToo) 
     whole->isGone = &isGone;
     whole->window.setPage(&whole->page);
     whole->window.setLife(whole);
+    bool livedBehind = false;
     whole->page.act = [&, inside = whole.get()](const std::string& line) {
-        if (line.starts_with("drop")) inside->window.askMessage("No.", MessageKind::note, [](PageAnswer) {});
+        if (!line.starts_with("drop")) return;
+        inside->window.askMessage("No.", MessageKind::note, [](PageAnswer) {});
+        livedBehind = !isGone;
     };
     auto* const target =
         static_cast<IDropTarget*>(GetPropW(whole->window.handle(), L"OleDropTargetInterface"));
@@ -316,6 +321,7 @@ TEST(WindowLifeUnderQuestions, ADropUnderWhoseQuestionThePageIsLetGoReturnsToo) 
     });
     DWORD effect = DROPEFFECT_NONE;
     EXPECT_EQ(target->Drop(data.get(), 0, {}, &effect), S_OK);
+    EXPECT_TRUE(livedBehind);
     EXPECT_TRUE(isGone);
 }
 
