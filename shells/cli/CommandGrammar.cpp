@@ -18,11 +18,13 @@ constexpr double kFastestTempo = 1000;
 constexpr double kMostBeats = 1e6;
 constexpr double kMostGainDecibels = 100;
 
-/// Whether instruments can be registered on this system.
+/// Whether instruments can be registered on this system, and whether there is a window to play in.
 #ifdef _WIN32
 constexpr bool kHasComponents = true;
+constexpr bool kHasDesktop = false;
 #else
 constexpr bool kHasComponents = false;
+constexpr bool kHasDesktop = true;
 #endif
 
 constexpr const char* kProgramHelp =
@@ -108,6 +110,18 @@ constexpr const char* kPageHelp =
     "  marnoth page groove.mrn --out pad3.png --pad 3 --key-map --scale 2\n"
     "  marnoth page groove.mrn --out menu.png --open menu\n";
 
+constexpr const char* kPlayHelp =
+    "Sound and notes go through JACK where its server runs, and PipeWire counts as one; the mix is "
+    "connected\n"
+    "to the speakers, and whatever sends notes to the program. The keys 1 2 3 4, Q W E R, A S D F and\n"
+    "Z X C V play the pads, which lie alike; the space bar starts and stops. A project takes the place of\n"
+    "what there is, a loop goes onto the next pad, and a MIDI file plays with the transport.\n"
+    "\n"
+    "Examples:\n"
+    "  marnoth\n"
+    "  marnoth play groove.mrn song.mid\n"
+    "  marnoth play drums.wav bass.wav --audio null --scale 2\n";
+
 /// The settings of `--pad`, a line each.
 std::string padSettingsHelp() {
     constexpr std::size_t kColumn = 18;
@@ -179,6 +193,7 @@ CommandGrammar::CommandGrammar(Request& request) : app_(kProgramHelp, "marnoth")
     addRender(request);
     addInfo(request);
     addPage(request);
+    if (kHasDesktop) addPlay(request);
 }
 
 void CommandGrammar::addScript(Request& request) {
@@ -258,6 +273,30 @@ void CommandGrammar::addPage(Request& request) {
         ->type_name("S");
     addQuiet(*page, request.quiet);
     page->footer(kPageHelp);
+}
+
+void CommandGrammar::addPlay(Request& request) {
+    CLI::App* play = app_.add_subcommand("play", "Play in a window, with sound and MIDI");
+    PlayOptions& options = request.play;
+    play->add_option("FILE", options.files, "Projects, loops and MIDI files")->type_name("");
+    play->add_option("--audio", options.audio, "jack, null for no sound, or a part of the speakers' name")
+        ->type_name("NAME");
+    play->add_option("--midi", options.midi, "A part of the name of what sends notes; all by default")
+        ->type_name("NAME");
+    play->add_option("--rate", options.rate, "Frames per second, the device's own by default")
+        ->check(wholeWithin(LoopRates::kLowest, LoopRates::kHighest))
+        ->type_name("R");
+    play->add_option("--block", options.block, "Frames of one block, the device's own by default")
+        ->check(wholeWithin(1, kMostBlockFrames))
+        ->type_name("N");
+    play->add_option("--tempo", options.tempo, "Beats per minute, in place of the MIDI file's")
+        ->check(within(kSlowestTempo, kFastestTempo))
+        ->type_name("BPM");
+    play->add_option("--scale", options.scale,
+                     "Size of a pixel, 1 to 8; by the screen's resolution by default")
+        ->check(wholeWithin(1, 8))
+        ->type_name("S");
+    play->footer(kPlayHelp);
 }
 
 }  // namespace marnoth

@@ -6,6 +6,7 @@
 
 #include "shells/cli/InfoCommand.h"
 #include "shells/cli/PageCommand.h"
+#include "shells/cli/PlayCommand.h"
 #include "shells/cli/RenderCommand.h"
 
 namespace marnoth {
@@ -22,6 +23,7 @@ struct Request {
     RenderOptions render;
     InfoOptions info;
     PageOptions page;
+    PlayOptions play;
     bool quiet = false;
 };
 
@@ -42,6 +44,7 @@ private:
     void addRender(Request& request);
     void addInfo(Request& request);
     void addPage(Request& request);
+    void addPlay(Request& request);
 
     CLI::App app_;
 };

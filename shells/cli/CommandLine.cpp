@@ -52,7 +52,13 @@ RenderOptions renderOptions(const Request& request) {
     return options;
 }
 
-int carryOut(const Request& request, const CommandGrammar& grammar, std::ostream& out, std::ostream& errors) {
+int runPlay(const PlayOptions& options, const Streams& streams, const PlayCommand& play) {
+    if (!play) throw WrongUse("this program has no window");
+    return play(options, streams);
+}
+
+int carryOut(const Request& request, const CommandGrammar& grammar, std::ostream& out, std::ostream& errors,
+             const PlayCommand& play) {
     int status = 0;
     const Streams streams{out, errors, request.quiet};
     if (grammar.chose("script"))
@@ -62,6 +68,8 @@ int carryOut(const Request& request, const CommandGrammar& grammar, std::ostream
         runRender(renderOptions(request), streams);
     else if (grammar.chose("page"))
         runPage(request.page, streams);
+    else if (grammar.chose("play"))
+        status = runPlay(request.play, streams, play);
     else
         runInfo(request.info, streams);
     if (!out.flush()) throw FileFailure("standard output can't be written");
@@ -73,12 +81,14 @@ int report(std::ostream& errors, int status, const std::string& text) {
     return status;
 }
 
-int understandAndCarryOut(std::vector<std::string> arguments, std::ostream& out, std::ostream& errors) {
+int understandAndCarryOut(std::vector<std::string> arguments, std::ostream& out, std::ostream& errors,
+                          const PlayCommand& play) {
+    if (arguments.empty() && play) arguments = {"play"};
     Request request;
     CommandGrammar grammar(request);
     try {
         grammar.app().parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
-        return carryOut(request, grammar, out, errors);
+        return carryOut(request, grammar, out, errors, play);
     } catch (const CLI::Success& wish) {
         return grammar.app().exit(wish, out, errors);
     } catch (const CLI::Error& error) {
@@ -94,8 +104,9 @@ int understandAndCarryOut(std::vector<std::string> arguments, std::ostream& out,
 
 }  // namespace
 
-int runCommandLine(std::vector<std::string> arguments, std::ostream& out, std::ostream& errors) try {
-    return understandAndCarryOut(std::move(arguments), out, errors);
+int runCommandLine(std::vector<std::string> arguments, std::ostream& out, std::ostream& errors,
+                   const PlayCommand& play) try {
+    return understandAndCarryOut(std::move(arguments), out, errors, play);
 } catch (const std::bad_alloc&) {
     // Whatever the command had taken is back; even so this asks for none.
     errors << "marnoth: there isn't enough memory" << std::endl;

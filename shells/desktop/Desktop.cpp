@@ -52,8 +52,7 @@ std::string searchPath() {
 class Desktop final : public TransportBarHost {
 public:
     Desktop(const DesktopOptions& options, std::ostream& errors)
-        : audio_(options, instrument_, errors),
-          chooser_(loop_, findDialogProgram(searchPath())),
+        : chooser_(loop_, findDialogProgram(searchPath())),
           questionFont_(questionFont(*fonts_)),
           questions_(*questionFont_),
           window_({.scale = options.scale,
@@ -62,10 +61,15 @@ public:
                    .title = "Marnoth",
                    .cursors = skinCursor},
                   *fonts_, questions_, chooser_),
+          audio_(options, instrument_, errors),
           pages_(window_, kPageWidth, TransportBar::kHeight, kPageHeight),
           bar_(pages_.upperWindow(), *this),
           page_(pages_.lowerWindow()) {
         openFiles(options.files);
+        if (options.tempo > 0) {
+            instrument_.followSongTempo(false);
+            instrument_.setTempo(options.tempo);
+        }
         openPages();
     }
 
@@ -111,13 +115,13 @@ private:
     }
 
     LiveInstrument instrument_;
-    DesktopAudio audio_;
     EventLoop loop_;
     std::unique_ptr<FontSource> fonts_ = platformFonts();
     ProgramChooser chooser_;
     std::unique_ptr<Font> questionFont_;
     QuestionBox questions_;
     X11Window window_;
+    DesktopAudio audio_;
     StackedPages pages_;
     TransportBar bar_;
     CGrooveSamplerPropPage page_;

@@ -18,6 +18,7 @@ if(SUFFIX)
     list(APPEND expected bin/Marnoth.dll)
 else()
     list(APPEND expected
+        lib/marnoth/marnoth-desktop.so
         share/bash-completion/completions/marnoth share/fish/vendor_completions.d/marnoth.fish
         share/man/man1/marnoth.1 share/zsh/site-functions/_marnoth)
 endif()
@@ -57,6 +58,13 @@ foreach(file take.wav take.mrn page.png)
 endforeach()
 
 if(NOT SUFFIX)
+    # The window's part is found where it was installed: what it misses is a display.
+    execute_process(
+        COMMAND ${CMAKE_COMMAND} -E env --unset=DISPLAY "${FOLDER}/moved/bin/marnoth" play
+        RESULT_VARIABLE status ERROR_VARIABLE errors)
+    if(NOT status EQUAL 1 OR NOT errors MATCHES "There is no display")
+        message(FATAL_ERROR "marnoth play without a display: status ${status}\n${errors}")
+    endif()
     file(READ "${FOLDER}/moved/share/man/man1/marnoth.1" page)
     if(NOT page MATCHES "marnoth ${VERSION}")
         message(FATAL_ERROR "The manual page is of another version")

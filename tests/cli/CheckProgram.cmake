@@ -28,7 +28,7 @@ if(NOT EXISTS "${FOLDER}/audio/mix.wav" OR NOT EXISTS "${FOLDER}/audio/chan03.wa
 endif()
 
 run(0 --help)
-run(2 play)
+run(2 plya)
 run(2 render --pad 1=a.wav)
 run(1 info none.wav)
 run(1 script none.mrs --out audio)

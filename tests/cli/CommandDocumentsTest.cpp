@@ -10,7 +10,11 @@
 namespace marnoth::test::command_documents_test {
 namespace {
 
+#ifdef _WIN32
 const std::vector<std::string> kCommands{"script", "render", "info", "page"};
+#else
+const std::vector<std::string> kCommands{"script", "render", "info", "page", "play"};
+#endif
 
 /// The long options that a command's help tells of, by their lines.
 std::set<std::string> optionsInHelp(const std::string& command) {

@@ -54,6 +54,13 @@ TEST(CommandLine, AFileThatFailsGetsItsReasonAndStatusOne) {
     }
 }
 
+#ifdef _WIN32
+constexpr const char* kGiveACommand = "give a command: script, render, info or page; see marnoth --help";
+#else
+constexpr const char* kGiveACommand =
+    "give a command: script, render, info, page or play; see marnoth --help";
+#endif
+
 TEST(CommandLine, AnUnknownWordIsNamedWithTheOneThatWasMeant) {
     struct Case {
         Words words;
@@ -61,8 +68,7 @@ TEST(CommandLine, AnUnknownWordIsNamedWithTheOneThatWasMeant) {
     };
     for (const auto& [words, told] :
          {Case{{"rendr", "--out", "a.wav"}, "no command \"rendr\" (did you mean render?)"},
-          Case{{}, "give a command: script, render, info or page; see marnoth --help"},
-          Case{{"banana"}, "no command \"banana\"; see marnoth --help"},
+          Case{{}, kGiveACommand}, Case{{"banana"}, "no command \"banana\"; see marnoth --help"},
           Case{{"render", "--tmpo", "3", "--out", "a.wav"},
                "render has no option --tmpo (did you mean --tempo?)"},
           Case{{"render", "--tmpo=3", "--out", "a.wav"}, "--tmpo (did you mean --tempo?)"},

@@ -19,6 +19,7 @@ run(${CMAKE_COMMAND} -E env "DESTDIR=${stage}" ${CMAKE_COMMAND} --install "${BUI
 
 set(expected
     usr/bin/marnoth
+    usr/lib/marnoth/marnoth-desktop.so
     usr/share/bash-completion/completions/marnoth
     usr/share/doc/marnoth/CHANGELOG.md
     usr/share/doc/marnoth/README.md
