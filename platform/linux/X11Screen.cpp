@@ -23,8 +23,8 @@ X11Screen::~X11Screen() {
 }
 
 void X11Screen::enlarge(const Bitmap& picture, const Rect& area) {
-    const auto across = static_cast<std::size_t>(area.width() * scale_);
     const auto scale = static_cast<std::size_t>(scale_);
+    const std::size_t across = static_cast<std::size_t>(area.width()) * scale;
     pixels_.resize(across * static_cast<std::size_t>(area.height()) * scale);
     auto to = pixels_.begin();
     for (int y = area.top; y < area.bottom; ++y) {

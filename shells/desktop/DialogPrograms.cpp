@@ -58,7 +58,7 @@ std::string findDialogProgram(std::string_view path) {
     for (const char* const program : {"zenity", "kdialog"}) {
         std::istringstream folders{std::string(path)};
         for (std::string folder; std::getline(folders, folder, ':');) {
-            const std::string file = folder + "/" + program;
+            std::string file = folder + "/" + program;
             if (access(file.c_str(), X_OK) == 0) return file;
         }
     }

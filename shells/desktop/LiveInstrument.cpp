@@ -10,12 +10,12 @@
 #include "hostkit/MakeObject.h"
 #include "hostkit/MemoryStream.h"
 #include "seam/MusicalTime.h"
+#include "shells/desktop/Bars.h"
 
 namespace marnoth {
 
 namespace {
 
-constexpr int kBeatsOfBar = 4;
 constexpr std::uint8_t kNoteOn = 0x90;
 constexpr std::uint8_t kNoteOff = 0x80;
 constexpr std::uint8_t kPlainVelocity = 100;

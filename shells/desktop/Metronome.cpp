@@ -4,12 +4,12 @@
 #include <numbers>
 
 #include "seam/MusicalTime.h"
+#include "shells/desktop/Bars.h"
 
 namespace marnoth {
 
 namespace {
 
-constexpr int kBeatsOfBar = 4;
 constexpr double kBarPitch = 1760.0;   ///< Hz
 constexpr double kBeatPitch = 1175.0;  ///< Hz
 constexpr double kLoudness = 0.25;

@@ -39,6 +39,7 @@ bool ProgramChooser::start(std::vector<std::string> command) {
     std::array<int, 2> ends{};
     if (pipe2(ends.data(), O_CLOEXEC) != 0) return false;
     std::vector<char*> words;
+    words.reserve(command.size() + 1);
     for (std::string& word : command) words.push_back(word.data());
     words.push_back(nullptr);
     posix_spawn_file_actions_t files;

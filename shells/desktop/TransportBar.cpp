@@ -16,6 +16,7 @@
 #include "platform/drawing/Surface.h"
 #include "seam/MusicalTime.h"
 #include "shellkit/text/NoteNames.h"
+#include "shells/desktop/Bars.h"
 
 namespace marnoth {
 
@@ -51,7 +52,6 @@ constexpr double kLowestDecibels = -48.0;
 constexpr float kFullLevelPortion =
     static_cast<float>(-kLowestDecibels / (kHighestDecibels - kLowestDecibels));
 
-constexpr int kBeatsOfBar = 4;
 constexpr int kMostBars = 999;
 constexpr int kLitTicks = 3;           ///< how long a light shines, of the timer
 constexpr float kMeterFall = 0.86f;    ///< in a tick of the timer
@@ -61,12 +61,11 @@ constexpr int kKeys = 12;
 
 /// "5.2.480": bars and beats from 1, and what of the beat has gone, of 960.
 std::string positionText(double tick) {
-    const auto whole = static_cast<std::int64_t>(std::max(0.0, std::floor(tick)));
-    const std::int64_t beat = whole / kTicksPerBeat;
-    std::array<char, 48> text{};
-    std::snprintf(
-        text.data(), text.size(), "%lld.%lld.%03lld", static_cast<long long>(beat / kBeatsOfBar + 1),
-        static_cast<long long>(beat % kBeatsOfBar + 1), static_cast<long long>(whole % kTicksPerBeat));
+    const auto whole = static_cast<long long>(std::max(0.0, std::floor(tick)));
+    const long long beat = whole / kTicksPerBeat;
+    std::array<char, 64> text{};
+    std::snprintf(text.data(), text.size(), "%lld.%lld.%03lld", beat / kBeatsOfBar + 1,
+                  beat % kBeatsOfBar + 1, whole % kTicksPerBeat);
     return text.data();
 }
 

@@ -21,7 +21,7 @@ fs::path findModule() {
     std::error_code ignored;
     const fs::path folder = fs::read_symlink("/proc/self/exe", ignored).parent_path();
     for (const char* const place : {"../lib/marnoth", "../desktop", "."}) {
-        const fs::path module = folder / place / kModule;
+        fs::path module = folder / place / kModule;
         if (fs::exists(module, ignored)) return module;
     }
     throw std::runtime_error("the window's part of the program, " + std::string(kModule) +
