@@ -152,6 +152,7 @@ void Desktop::openPages() {
     window_.onUnusedKey([this](int key, Modifiers held, bool down) { useKey(key, held, down); });
     IGrooveSampler& sampler = instrument_.sampler();
     page_.setRootScale(RootScale::ofLoops);
+    page_.checkLoads(adviceBeforeLoad);
     page_.adviseOnLoads([&sampler](const std::string& file) { return adviceOnLoad(sampler, file); });
     const std::array<IUnknown*, 1> objects{&sampler};
     page_.bind(objects);

@@ -1,0 +1,63 @@
+#include <sndfile.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <iostream>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace {
+
+constexpr float kAudible = 1e-6f;
+
+struct Take {
+    int rate = 0;
+    std::vector<float> samples;  ///< stereo, from the first frame on that is heard
+};
+
+Take readTake(const std::string& name) {
+    SF_INFO info{};
+    SNDFILE* const file = sf_open(name.c_str(), SFM_READ, &info);
+    if (!file || info.channels != 2) throw std::runtime_error(name + " is no stereo recording");
+    Take take{info.samplerate, std::vector<float>(static_cast<std::size_t>(info.frames) * 2)};
+    sf_readf_float(file, take.samples.data(), info.frames);
+    sf_close(file);
+    const auto first =
+        std::ranges::find_if(take.samples, [](float sample) { return std::abs(sample) > kAudible; });
+    take.samples.erase(take.samples.begin(), first - (first - take.samples.begin()) % 2);
+    return take;
+}
+
+int compare(const char* one, const char* other, double seconds, double tolerance) {
+    const Take a = readTake(one);
+    const Take b = readTake(other);
+    const auto count = static_cast<std::size_t>(seconds * a.rate) * 2;
+    if (a.rate != b.rate || a.samples.size() < count || b.samples.size() < count) {
+        std::cerr << "there are " << a.samples.size() / 2 << " and " << b.samples.size() / 2
+                  << " audible frames, at " << a.rate << " and " << b.rate << "\n";
+        return 1;
+    }
+    double most = 0;
+    std::size_t where = 0;
+    for (std::size_t i = 0; i < count; ++i)
+        if (const double difference = std::abs(static_cast<double>(a.samples[i]) - b.samples[i]);
+            difference > most) {
+            most = difference;
+            where = i / 2;
+        }
+    std::cout << "largest difference in " << count / 2 << " frames: " << most << " at " << where << "\n";
+    return most <= tolerance ? 0 : 1;
+}
+
+}  // namespace
+
+/// Compares stereo recordings from where each begins to be heard: compare_takes A.wav B.wav SECONDS TOLERANCE
+int main(int argc, char** argv) try {
+    if (argc != 5) throw std::runtime_error("compare_takes A.wav B.wav SECONDS TOLERANCE");
+    return compare(argv[1], argv[2], std::atof(argv[3]), std::atof(argv[4]));
+} catch (const std::exception& error) {
+    std::cerr << error.what() << "\n";
+    return 2;
+}
