@@ -111,7 +111,8 @@ private:
         for (std::size_t y = 0; y < metrics.gmBlackBoxY; ++y)
             for (std::size_t x = 0; x < metrics.gmBlackBoxX; ++x) {
                 const int level = std::min<int>(picture[y * stride + x], kFullCoverage);
-                glyph.coverage.push_back(static_cast<unsigned char>(level * 255 / kFullCoverage));
+                glyph.coverage.push_back(
+                    static_cast<unsigned char>((level * 255 + kFullCoverage / 2) / kFullCoverage));
             }
     }
 
