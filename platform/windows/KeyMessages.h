@@ -1,7 +1,8 @@
 #pragma once
 
-#include "platform/com/Com.h"
-#include "platform/drawing/PageWindow.h"
+#include "platform/windows/CharacterJoiner.h"
+#include "platform/windows/KeyboardHold.h"
+#include "platform/windows/WindowMessage.h"
 
 namespace marnoth {
 
@@ -9,10 +10,26 @@ namespace marnoth {
 /// comes as control and alt, and is neither.
 Modifiers heldModifiers();
 
-/// Whether the key message that is being answered tells of the control key that comes with a third-level key.
-bool isOfThirdLevelKey(WPARAM key, LPARAM details);
+/// Tells a page what its user does with the keyboard, and when that is lost. What the page throws goes to the
+/// caller. One thread.
+class KeyMessages {
+public:
+    /// `keyboard` is that of the same window, and outlives this.
+    KeyMessages(KeyboardHold& keyboard, PageListener listener)
+        : keyboard_(keyboard), listener_(std::move(listener)) {}
 
-/// How often a message that stands for several was meant.
-int repeatsOf(LPARAM details);
+    MessageAnswer answer(HWND window, const WindowMessage& message);
+
+private:
+    MessageAnswer answerFocus(HWND window, const WindowMessage& message);
+    void down(const WindowMessage& message);
+    void up(const WindowMessage& message);
+    void character(const WindowMessage& message);
+    void timer(HWND window);
+
+    KeyboardHold& keyboard_;
+    const PageListener listener_;
+    CharacterJoiner joiner_;
+};
 
 }  // namespace marnoth

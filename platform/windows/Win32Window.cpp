@@ -8,7 +8,6 @@
 #include "platform/text/Text.h"
 #include "platform/windows/Clipboard.h"
 #include "platform/windows/FileDialog.h"
-#include "platform/windows/KeyMessages.h"
 #include "platform/windows/SystemGeometry.h"
 #include "platform/windows/SystemQuestions.h"
 
@@ -35,14 +34,13 @@ private:
     PAINTSTRUCT paint_{};
 };
 
-bool isControl(char32_t character) {
-    return character < 0x20 || (character >= 0x7F && character < 0xA0);
-}
-
 }  // namespace
 
 Win32Window::Win32Window(HWND parent, const RECT& place, FontSource& fonts, std::filesystem::path helpFile)
-    : fonts_(fonts), help_(std::move(helpFile)) {
+    : fonts_(fonts),
+      help_(std::move(helpFile)),
+      mouse_(pointer_, keyboard_, [this] { return listener(); }),
+      keys_(keyboard_, [this] { return listener(); }) {
     window_ = WindowHandle(makeChildWindow(parent, place, *this));
     takeDrops();
 }
@@ -159,135 +157,24 @@ void Win32Window::setClipboardText(std::string_view text) {
     if (handle()) writeClipboardText(handle(), text);
 }
 
-/// Whatever happens in the page ends there: above it is the system.
-template <class Event>
-void Win32Window::tell(Event event) try {
-    if (page_ && !question_) event(*page_);
-} catch (const std::exception&) {
-}
-
 LRESULT Win32Window::take(HWND window, UINT message, WPARAM first, LPARAM second) {
     const std::shared_ptr<void> life = life_.lock();
-    const Message told{message, first, second};
-    Answer answer = answerMouse(told);
-    if (!answer) answer = answerWheel(told);
-    if (!answer) answer = answerKeyboard(told);
-    if (!answer) answer = answerWindow(told);
-    return answer ? *answer : DefWindowProcW(window, message, first, second);
-}
-
-Win32Window::Answer Win32Window::answerMouse(const Message& message) {
-    switch (message.id) {
-        case WM_LBUTTONDOWN:
-            press(&PageEvents::leftDown, message.second);
-            return 0;
-        case WM_LBUTTONDBLCLK:
-            press(&PageEvents::doubleClick, message.second);
-            return 0;
-        case WM_LBUTTONUP:
-            mouse(&PageEvents::leftUp, message.second);
-            return 0;
-        case WM_RBUTTONDOWN:
-        case WM_RBUTTONDBLCLK:
-            press(&PageEvents::rightDown, message.second);
-            return 0;
-        case WM_MOUSEMOVE:
-            moved(message.second);
-            return 0;
-        case WM_CONTEXTMENU:
-            contextMenu(message.second);
-            return 0;
-        case WM_CAPTURECHANGED:
-            if (reinterpret_cast<HWND>(message.second) != handle() && pointer_.lost())
-                tell([](PageEvents& page) { page.captureLost(); });
-            return 0;
-        default:
-            return {};
+    try {
+        if (const MessageAnswer answer = answerTo(window, {message, first, second})) return *answer;
+    } catch (const std::exception&) {
+        // What went wrong in the page ends there: above is the system.
+        return 0;
     }
+    return DefWindowProcW(window, message, first, second);
 }
 
-void Win32Window::press(MouseEvent event, LPARAM at) {
-    if (!question_) keyboard_.take(handle());
-    mouse(event, at);
+MessageAnswer Win32Window::answerTo(HWND window, const WindowMessage& message) {
+    MessageAnswer answer = mouse_.answer(window, message);
+    if (!answer) answer = keys_.answer(window, message);
+    return answer ? answer : answerWindow(message);
 }
 
-void Win32Window::mouse(MouseEvent event, LPARAM at) {
-    const Point place = pointer_.isRelative() ? pointer() : pointOf(at);
-    tell([&](PageEvents& page) { (page.*event)(place, heldModifiers()); });
-}
-
-void Win32Window::moved(LPARAM at) {
-    if (!pointer_.isRelative()) return mouse(&PageEvents::mouseMove, at);
-    const Point way = pointer_.distance();
-    if (way != Point{}) tell([&](PageEvents& page) { page.relativeMove(way, heldModifiers()); });
-}
-
-void Win32Window::contextMenu(LPARAM at) {
-    // Asked for by the keyboard, where there is no place.
-    if (at == -1) return;
-    const Point place = onWindow(handle(), systemPoint(pointOf(at)));
-    tell([&](PageEvents& page) { page.contextMenu(place, heldModifiers()); });
-}
-
-Win32Window::Answer Win32Window::answerWheel(const Message& message) {
-    if (message.id == WM_MOUSEWHEEL && wheel(WheelAxis::vertical, vertical_, message)) return 0;
-    if (message.id == WM_MOUSEHWHEEL && wheel(WheelAxis::horizontal, horizontal_, message)) return 0;
-    return {};
-}
-
-/// False over another window, which the system then finds.
-bool Win32Window::wheel(WheelAxis axis, WheelParts& parts, const Message& message) {
-    const Point place = onWindow(handle(), systemPoint(pointOf(message.second)));
-    RECT room{};
-    GetClientRect(handle(), &room);
-    if (!pointer_.isCaptured() && !rectOf(room).contains(place)) return false;
-    const int steps = parts.take(GET_WHEEL_DELTA_WPARAM(message.first));
-    if (steps != 0) tell([&](PageEvents& page) { page.wheel(place, axis, steps, heldModifiers()); });
-    return true;
-}
-
-Win32Window::Answer Win32Window::answerKeyboard(const Message& message) {
-    switch (message.id) {
-        case WM_KEYDOWN:
-        case WM_KEYUP:
-            key(message);
-            return 0;
-        case WM_CHAR:
-            characters(message);
-            return 0;
-        case WM_GETDLGCODE:
-            return DLGC_WANTALLKEYS | DLGC_WANTCHARS | DLGC_WANTARROWS | DLGC_WANTTAB;
-        case WM_HELP:
-            // The key has come as a key.
-            return TRUE;
-        case WM_SETFOCUS:
-            keyboard_.came(reinterpret_cast<HWND>(message.first));
-            return 0;
-        case WM_KILLFOCUS:
-            if (handle()) keyboard_.left(handle());
-            return 0;
-        default:
-            return {};
-    }
-}
-
-void Win32Window::key(const Message& message) {
-    if (isOfThirdLevelKey(message.first, message.second)) return;
-    const int code = static_cast<int>(message.first);
-    if (message.id == WM_KEYUP) return tell([&](PageEvents& page) { page.keyUp(code, heldModifiers()); });
-    for (int times = repeatsOf(message.second); times > 0; --times)
-        tell([&](PageEvents& page) { page.keyDown(code, heldModifiers()); });
-}
-
-void Win32Window::characters(const Message& message) {
-    const std::optional<char32_t> character = joiner_.take(static_cast<char16_t>(message.first));
-    // What the editing keys make beside their codes is none.
-    if (!character || isControl(*character)) return;
-    for (int times = repeatsOf(message.second); times > 0; --times)
-        tell([&](PageEvents& page) { page.character(*character, heldModifiers()); });
-}
-
-Win32Window::Answer Win32Window::answerWindow(const Message& message) {
+MessageAnswer Win32Window::answerWindow(const WindowMessage& message) {
     switch (message.id) {
         case WM_PAINT:
             paint();
@@ -298,16 +185,8 @@ Win32Window::Answer Win32Window::answerWindow(const Message& message) {
         case WM_ERASEBKGND:
             return TRUE;
         case WM_TIMER:
-            timer(message.first);
+            if (PageEvents* const page = listener()) page->timer();
             return 0;
-        case WM_SETCURSOR:
-            if (LOWORD(message.second) != HTCLIENT) return {};
-            pointer_.showCursor();
-            return TRUE;
-        case WM_SHOWWINDOW:
-            // Hidden, no window keeps the mouse.
-            if (!message.first && pointer_.isCaptured()) ReleaseCapture();
-            return {};
         case WM_DESTROY:
             leave();
             return 0;
@@ -317,13 +196,6 @@ Win32Window::Answer Win32Window::answerWindow(const Message& message) {
         default:
             return {};
     }
-}
-
-void Win32Window::timer(UINT_PTR id) {
-    if (id == kPageTimer) return tell([](PageEvents& page) { page.timer(); });
-    // A question takes the keyboard, and it comes back.
-    if (id == KeyboardHold::kTimer && !question_ && keyboard_.isLost(handle()))
-        tell([](PageEvents& page) { page.focusLost(); });
 }
 
 void Win32Window::paint() {
@@ -351,36 +223,41 @@ void Win32Window::print(HDC device) const {
     screen_.show(device, room);
 }
 
-DropEffect Win32Window::filesEnter(bool hasFiles) {
-    DropEffect effect = DropEffect::none;
+/// What `event` answers; no effect while nothing reaches the page, or when something goes wrong in it.
+template <class Event>
+DropEffect Win32Window::ofDrag(Event event) {
     const std::shared_ptr<void> life = life_.lock();
-    tell([&](PageEvents& page) { effect = page.dragEnter(hasFiles); });
-    return effect;
+    try {
+        PageEvents* const page = listener();
+        return page ? event(*page) : DropEffect::none;
+    } catch (const std::exception&) {
+        return DropEffect::none;
+    }
+}
+
+DropEffect Win32Window::filesEnter(bool hasFiles) {
+    return ofDrag([&](PageEvents& page) { return page.dragEnter(hasFiles); });
 }
 
 DropEffect Win32Window::filesOver(POINT at) {
-    DropEffect effect = DropEffect::none;
-    const std::shared_ptr<void> life = life_.lock();
-    tell([&](PageEvents& page) { effect = page.dragOver(onWindow(handle(), at)); });
-    return effect;
+    return ofDrag([&](PageEvents& page) { return page.dragOver(onWindow(handle(), at)); });
 }
 
 void Win32Window::filesLeave() {
-    const std::shared_ptr<void> life = life_.lock();
-    tell([](PageEvents& page) { page.dragLeave(); });
+    ofDrag([](PageEvents& page) {
+        page.dragLeave();
+        return DropEffect::none;
+    });
 }
 
 DropEffect Win32Window::filesDropped(POINT at, const std::optional<std::vector<std::wstring>>& paths) {
-    DropEffect effect = DropEffect::none;
-    const std::shared_ptr<void> life = life_.lock();
-    std::vector<std::string> names;
-    if (paths)
+    return ofDrag([&](PageEvents& page) {
+        const Point place = onWindow(handle(), at);
+        if (!paths) return page.drop(place, {});
+        std::vector<std::string> names;
         for (const std::wstring& path : *paths) names.push_back(utf8FromWide(path));
-    const Point place = onWindow(handle(), at);
-    tell([&](PageEvents& page) {
-        effect = paths ? page.drop(place, std::span<const std::string>(names)) : page.drop(place, {});
+        return page.drop(place, names);
     });
-    return effect;
 }
 
 }  // namespace marnoth

@@ -6,16 +6,16 @@
 #include "platform/com/RefPtr.h"
 #include "platform/drawing/Font.h"
 #include "platform/drawing/PageWindow.h"
-#include "platform/windows/CharacterJoiner.h"
 #include "platform/windows/DibScreen.h"
 #include "platform/windows/HelpViewer.h"
+#include "platform/windows/KeyMessages.h"
 #include "platform/windows/KeyboardHold.h"
+#include "platform/windows/MouseMessages.h"
 #include "platform/windows/OleApartment.h"
 #include "platform/windows/OpenQuestion.h"
 #include "platform/windows/PageCursors.h"
 #include "platform/windows/PageDropTarget.h"
 #include "platform/windows/PointerHold.h"
-#include "platform/windows/WheelParts.h"
 #include "platform/windows/WindowClass.h"
 
 namespace marnoth {
@@ -94,42 +94,24 @@ public:
     void showHelp() override { help_.show(handle()); }
 
 private:
-    struct Message {
-        UINT id;
-        WPARAM first;
-        LPARAM second;
-    };
-    /// What a message is answered with; nothing for those that the system answers.
-    using Answer = std::optional<LRESULT>;
-    using MouseEvent = void (PageEvents::*)(Point, Modifiers);
-
     LRESULT take(HWND window, UINT message, WPARAM first, LPARAM second) override;
-    Answer answerMouse(const Message& message);
-    Answer answerWheel(const Message& message);
-    Answer answerKeyboard(const Message& message);
-    Answer answerWindow(const Message& message);
-    void press(MouseEvent event, LPARAM at);
-    void mouse(MouseEvent event, LPARAM at);
-    void moved(LPARAM at);
-    bool wheel(WheelAxis axis, WheelParts& parts, const Message& message);
-    void contextMenu(LPARAM at);
-    void key(const Message& message);
-    void characters(const Message& message);
-    void timer(UINT_PTR id);
-    void paint();
-    void print(HDC device) const;
-    void repaintIfWanted();
-
+    MessageAnswer answerTo(HWND window, const WindowMessage& message);
+    MessageAnswer answerWindow(const WindowMessage& message);
     DropEffect filesEnter(bool hasFiles) override;
     DropEffect filesOver(POINT at) override;
     void filesLeave() override;
     DropEffect filesDropped(POINT at, const std::optional<std::vector<std::wstring>>& paths) override;
 
+    /// Null while nothing but painting may reach the page.
+    PageEvents* listener() const { return question_ ? nullptr : page_; }
     void takeDrops();
     /// The window goes, by us or by its parent.
     void leave();
+    void paint();
+    void print(HDC device) const;
+    void repaintIfWanted();
     template <class Event>
-    void tell(Event event);
+    DropEffect ofDrag(Event event);
     template <class Result, class Ask>
     void ask(OpenQuestion::Kind kind, Result cancelled, const std::function<void(Result)>& then, Ask ask);
 
@@ -141,9 +123,8 @@ private:
     DibScreen screen_;
     PointerHold pointer_;
     KeyboardHold keyboard_;
-    CharacterJoiner joiner_;
-    WheelParts vertical_;
-    WheelParts horizontal_;
+    MouseMessages mouse_;
+    KeyMessages keys_;
     OpenQuestion::Innermost question_ = nullptr;
     RefPtr<PageDropTarget> dropTarget_;
     bool paintWanted_ = false;
