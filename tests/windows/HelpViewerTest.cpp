@@ -2,6 +2,7 @@
 
 #include "platform/windows/HelpViewer.h"
 #include "support/TempPath.h"
+#include "support/TestData.h"
 #include "windows/TestViewer.h"
 #include "windows/WindowRig.h"
 
@@ -47,7 +48,7 @@ protected:
     int calls() const { return callOf(viewer).count; }
 
     static constexpr const wchar_t* kClasses = L"Software\\Marnoth tests of help";
-    const fs::path file = fs::path(MARNOTH_TEST_VIEWER).make_preferred();
+    const fs::path file = testData(MARNOTH_TEST_VIEWER).make_preferred();
     HMODULE const viewer = load(file);
     HKEY classes = nullptr;
 };
@@ -100,7 +101,7 @@ TEST_F(HelpViewers, WithoutARegisteredOneItIsLookedForByName) {
 }
 
 TEST_F(HelpViewers, OneWithoutTheEntryIsNeverAskedNorLookedForAgain) {
-    registerViewer(fs::path(MARNOTH_NO_VIEWER).make_preferred());
+    registerViewer(testData(MARNOTH_NO_VIEWER).make_preferred());
     const int before = calls();
     HelpViewer help(kFile);
     help.show(handle());

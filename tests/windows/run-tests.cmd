@@ -1,14 +1,15 @@
 @echo off
 rem Runs the test programs beside this file, or those that are named: run-tests [NAME ...]
-rem Each one's output goes into results\NAME.txt. The exit status is the number of programs that failed.
+rem Each one's output goes into results\NAME.txt. The exit status is the number of programs that failed, 255 if none ran.
 setlocal DisableDelayedExpansion
+pushd "%~dp0"
 set "MARNOTH_TEST_DATA=%~dp0data"
-set "RESULTS=%~dp0results"
+set "RUN=0"
 set "FAILED=0"
-if not exist "%RESULTS%" mkdir "%RESULTS%"
+if not exist results mkdir results
 
 if not "%~1"=="" goto named
-for %%t in ("%~dp0*_tests.exe") do call :run "%%~nt"
+for %%t in (*.exe) do call :run "%%~nt"
 goto end
 
 :named
@@ -17,11 +18,14 @@ shift
 if not "%~1"=="" goto named
 
 :end
-echo Programs that failed: %FAILED%
+popd
+echo Programs that were run: %RUN%, of which failed: %FAILED%
+if "%RUN%"=="0" exit /b 255
 exit /b %FAILED%
 
 :run
-"%~dp0%~1.exe" --gtest_brief=1 >"%RESULTS%\%~1.txt" 2>&1
+set /a RUN+=1
+".\%~1.exe" --gtest_brief=1 >"results\%~1.txt" 2>&1
 if errorlevel 1 goto failed
 if not errorlevel 0 goto failed
 echo passed  %~1
