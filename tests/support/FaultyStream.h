@@ -27,7 +27,6 @@ public:
     int failAtCall = 0;    ///< the one call that fails, as if nothing had been asked; 0 for none
     /// The most that a call carries, as `S_OK` all the same.
     ULONG mostAtOnce = std::numeric_limits<ULONG>::max();
-    ULONG told = 0;                  ///< bytes that are told to have gone beyond those that have
     std::uint64_t toldPosition = 0;  ///< added to the position that is told
     /// The first byte that can be neither read nor written: what comes before it is, as far as it goes.
     std::uint64_t brokenFrom = std::numeric_limits<std::uint64_t>::max();
@@ -50,7 +49,7 @@ public:
             std::min({std::uint64_t{count}, left, bytesToTheBreak(), std::uint64_t{mostAtOnce}}));
         if (got > 0) std::memcpy(to, bytes.data() + position, got);
         position += got;
-        if (read) *read = got + told;
+        if (read) *read = got;
         if (position >= brokenFrom && got < count) return STG_E_READFAULT;
         return got == count || got == mostAtOnce ? S_OK : S_FALSE;
     }
@@ -61,7 +60,7 @@ public:
         if (position + count > bytes.size()) bytes.resize(position + count);
         if (count > 0) std::memcpy(bytes.data() + position, from, count);
         position += count;
-        if (written) *written = count + told;
+        if (written) *written = count;
         return count == wanted || count == mostAtOnce ? S_OK : STG_E_MEDIUMFULL;
     }
     HRESULT Seek(LARGE_INTEGER move, DWORD origin, ULARGE_INTEGER* now) override {
