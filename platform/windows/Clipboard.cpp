@@ -1,6 +1,5 @@
 #include "platform/windows/Clipboard.h"
 
-#include <algorithm>
 #include <cstddef>
 #include <cstring>
 
@@ -54,7 +53,7 @@ std::string readClipboardText(HWND window) {
     std::wstring text(bytes.size() / sizeof(wchar_t), L'\0');
     std::memcpy(text.data(), bytes.data(), text.size() * sizeof(wchar_t));
     // It should end with a 0, and needn't.
-    return utf8FromWide(text.substr(0, text.find(L'\0')));
+    return utf8FromWide(text.c_str());
 }
 
 void writeClipboardText(HWND window, std::string_view text) {

@@ -10,7 +10,7 @@ OpenQuestion::OpenQuestion(Innermost& innermost, Kind kind, HWND owner)
 }
 
 void OpenQuestion::takeBack() {
-    if (std::exchange(takenBack_, true)) return;
+    takenBack_ = true;
     if (dialog_)
         dialog_->end();
     else

@@ -2,7 +2,6 @@
 
 #include <new>
 
-#include "platform/com/RefPtr.h"
 #include "platform/windows/DroppedFiles.h"
 
 namespace marnoth {
@@ -16,8 +15,6 @@ template <class Ask>
 HRESULT PageDropTarget::answer(DWORD* effect, Ask ask) try {
     if (!effect) return E_POINTER;
     *effect = DROPEFFECT_NONE;
-    // Who lets the window go meanwhile may let this go too.
-    const RefPtr<IDropTarget> self(this);
     if (taker_) *effect = static_cast<DWORD>(ask(*taker_));
     return S_OK;
 } catch (const std::bad_alloc&) {

@@ -298,6 +298,24 @@ TEST(WindowLifeUnderQuestions, APageThatIsLetGoUnderItsQuestionLivesUntilThatHas
     EXPECT_FALSE(IsWindow(window));
 }
 
+TEST(SystemDialogs, AnotherOwnersDialogIsNotTheOneThatEnds) {
+    const Frame frame;
+    const Frame other;
+    const auto make = [](HWND owner) {
+        return CreateWindowExW(0, L"#32770", L"", WS_POPUP | WS_VISIBLE, 0, 0, 50, 50, owner, nullptr,
+                               nullptr, nullptr);
+    };
+    const SystemDialog watched(frame.handle());
+    watched.end();
+    HWND const others = make(other.handle());
+    HWND const own = make(frame.handle());
+    HWND const second = make(frame.handle());
+    watched.end();
+    EXPECT_TRUE(IsWindowVisible(others));
+    EXPECT_FALSE(IsWindowVisible(own));
+    EXPECT_TRUE(IsWindowVisible(second));
+}
+
 TEST(WindowLifeUnderQuestions, ADropUnderWhoseQuestionThePageIsLetGoReturnsToo) {
     Frame frame;
     bool isGone = false;
@@ -311,8 +329,9 @@ TEST(WindowLifeUnderQuestions, ADropUnderWhoseQuestionThePageIsLetGoReturnsToo) 
         inside->window.askMessage("No.", MessageKind::note, [](PageAnswer) {});
         livedBehind = !isGone;
     };
-    auto* const target =
-        static_cast<IDropTarget*>(GetPropW(whole->window.handle(), L"OleDropTargetInterface"));
+    // As the system keeps it while it calls.
+    const RefPtr<IDropTarget> target(
+        static_cast<IDropTarget*>(GetPropW(whole->window.handle(), L"OleDropTargetInterface")));
     const auto data = RefPtr<DragData>::adopt(new DragData(CF_HDROP, wideFileList({L"C:\\a.wav"})));
     const AtQuestion user([&](HWND) {
         whole->window.close();
