@@ -119,7 +119,6 @@ template <class Result, class Ask>
 void Win32Window::ask(OpenQuestion::Kind kind, Result cancelled, const std::function<void(Result)>& then,
                       Ask ask) {
     if (!handle()) return then(std::move(cancelled));
-    const std::shared_ptr<void> life = life_.lock();
     const bool hadKeyboard = GetFocus() == handle();
     HWND const owner = GetAncestor(handle(), GA_ROOT);
     std::optional<Result> answer;

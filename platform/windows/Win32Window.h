@@ -53,7 +53,8 @@ public:
     /// Not owned; null: nothing reaches it.
     void setPage(PageEvents* page) { page_ = page; }
     /// What must live while an event is under way: locked for the time of each event, so that page and window
-    /// outlive a question under which their owner lets them go.
+    /// outlive a question under which their owner lets them go. Who asks from outside of an event holds it
+    /// itself.
     void setLife(std::weak_ptr<void> whole) { life_ = std::move(whole); }
     /// Cancels the open question, refuses further drops, destroys the window; the page hears no more. What it
     /// asks of the window from then on does nothing, and its questions are cancelled. So it is when the
