@@ -19,18 +19,25 @@ void need(HRESULT result) {
     if (FAILED(result)) throw std::runtime_error("the system's filter graph can't be made");
 }
 
+/// What the manager notes besides a success is nobody's.
+HRESULT plain(HRESULT result) {
+    return FAILED(result) ? result : S_OK;
+}
+
 class SystemGraph : public Implements<CUnknown, AudioGraph> {
 public:
     SystemGraph();
 
-    HRESULT add(IBaseFilter& filter, LPCWSTR name) override { return graph_->AddFilter(&filter, name); }
+    HRESULT add(IBaseFilter& filter, LPCWSTR name) override {
+        return plain(graph_->AddFilter(&filter, name));
+    }
     HRESULT connect(IPin& output, IPin& input, const AM_MEDIA_TYPE& type) override {
-        return graph_->ConnectDirect(&output, &input, &type);
+        return plain(graph_->ConnectDirect(&output, &input, &type));
     }
     HRESULT disconnectAll() override;
     HRESULT pause() override;
     HRESULT run() override;
-    HRESULT stop() override { return control_->Stop(); }
+    HRESULT stop() override { return plain(control_->Stop()); }
     FILTER_STATE state() override;
 
 private:
@@ -70,7 +77,7 @@ HRESULT SystemGraph::disconnectPinsOf(IBaseFilter& filter) {
         RefPtr<IPin> peer;
         if (FAILED(pin->ConnectedTo(peer.put()))) continue;
         const HRESULT hr = graph_->Disconnect(pin.get());
-        if (SUCCEEDED(result) && FAILED(hr)) result = hr;
+        if (SUCCEEDED(result)) result = plain(hr);
     }
     return result;
 }
@@ -91,7 +98,7 @@ HRESULT SystemGraph::finish(HRESULT begun, FILTER_STATE former) {
     const HRESULT hr = FAILED(begun) ? begun : control_->GetState(kPatienceMilliseconds, &reached);
     const HRESULT result = hr == VFW_S_STATE_INTERMEDIATE ? VFW_E_TIMEOUT : hr;
     if (FAILED(result) && former == State_Stopped) stop();
-    return FAILED(result) ? result : S_OK;
+    return plain(result);
 }
 
 FILTER_STATE SystemGraph::state() {

@@ -1,10 +1,14 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <stdexcept>
 
 #include "host/CreateInstance.h"
+#include "hostkit/HostGraph.h"
 #include "hostkit/HostRig.h"
+#include "hostkit/MakeObject.h"
 #include "hostkit/PlayingRig.h"
+#include "hostkit/StreamSource.h"
 #include "platform/graph/Graph.h"
 
 namespace marnoth::test::host_rig_test {
@@ -17,6 +21,49 @@ TEST(HostRig, RenderingBeforeAConnectionIsRefused) {
     EXPECT_EQ(rig.render(512), VFW_E_NOT_CONNECTED);
     EXPECT_EQ(rig.connect(44100, 2, kMix), S_OK);
     EXPECT_EQ(rig.render(512), S_OK);
+}
+
+/// Counts what is asked of it.
+struct AskedGraph : HostGraph {
+    static inline int filters = 0, connections = 0, runs = 0;
+
+    HRESULT add(IBaseFilter& filter, LPCWSTR name) override {
+        return ++filters, HostGraph::add(filter, name);
+    }
+    HRESULT connect(IPin& output, IPin& input, const AM_MEDIA_TYPE& type) override {
+        return ++connections, HostGraph::connect(output, input, type);
+    }
+    HRESULT run() override { return ++runs, HostGraph::run(); }
+
+    static RefPtr<AudioGraph> make() { return RefPtr<AudioGraph>::adopt(new AskedGraph); }
+};
+
+TEST(HostRig, PlaysInTheGraphThatItIsGiven) {
+    HostRig rig(createInstrument, AskedGraph::make);
+    EXPECT_EQ(AskedGraph::filters, 19) << "source, instrument and seventeen sinks";
+    EXPECT_EQ(rig.connect(44100, 2, kMix), S_OK);
+    EXPECT_EQ(AskedGraph::connections, 2);
+    EXPECT_EQ(rig.render(512), S_OK);
+    EXPECT_EQ(AskedGraph::runs, 1);
+}
+
+TEST(HostRig, IsntMadeWithoutAGraphOrAnInstrument) {
+    EXPECT_THROW(HostRig(createInstrument, []() -> RefPtr<AudioGraph> { throw std::runtime_error("none"); }),
+                 std::runtime_error);
+    const InstrumentMaker noMaker = [](IUnknown*, REFIID, void**) -> HRESULT { return E_FAIL; };
+    EXPECT_THROW(HostRig{noMaker}, std::runtime_error);
+}
+
+TEST(HostRig, TellsWhichInterfaceAnInstrumentLacks) {
+    const InstrumentMaker source = [](IUnknown*, REFIID iid, void** out) -> HRESULT {
+        return makeObject<StreamSource>()->QueryInterface(iid, out);
+    };
+    try {
+        const HostRig rig(source);
+        FAIL();
+    } catch (const std::runtime_error& error) {
+        EXPECT_STREQ(error.what(), "the instrument has no IGrooveSampler");
+    }
 }
 
 TEST(HostRig, TheInputAloneCanBeConnected) {

@@ -7,6 +7,8 @@
 #include <string>
 
 #include "cli/CliRun.h"
+#include "hostkit/MakeObject.h"
+#include "platform/com/Unknown.h"
 #include "seam/ClassIds.h"
 #include "shellkit/component/ComApartment.h"
 #include "shellkit/component/RegisteredInstrument.h"
@@ -89,6 +91,35 @@ TEST_F(ComFailures, TheRegisteredClassIsNoInstrument) {
     EXPECT_EQ(Component().registerServer(), S_OK);
     setDefault(classKey() + L"\\TreatAs", idText(kNullRenderer));
     EXPECT_EQ(toldBy(), "marnoth: the instrument has no IGrooveSampler\n");
+}
+
+/// A maker of nothing, in place of a class of the system's.
+class NothingMade : public Implements<CUnknown, IClassFactory> {
+public:
+    NothingMade() : Implements(nullptr) {}
+
+    HRESULT CreateInstance(IUnknown*, REFIID, void**) override { return ++asked, E_FAIL; }
+    HRESULT LockServer(BOOL) override { return S_OK; }
+
+    int asked = 0;
+
+private:
+    IUnknown* FindInterface(REFIID iid) override {
+        return iid == IID_IClassFactory ? static_cast<IClassFactory*>(this) : nullptr;
+    }
+};
+
+TEST_F(ComFailures, TheSystemHasNoGraph) {
+    const ComApartment apartment(COINIT_MULTITHREADED);
+    EXPECT_EQ(Component().registerServer(), S_OK);
+    const auto maker = makeObject<NothingMade>();
+    DWORD cookie = 0;
+    ASSERT_EQ(CoRegisterClassObject(CLSID_FilterGraph, static_cast<IClassFactory*>(maker.get()),
+                                    CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &cookie),
+              S_OK);
+    EXPECT_EQ(toldBy(), "marnoth: the system's filter graph can't be made\n");
+    EXPECT_EQ(maker->asked, 1);
+    EXPECT_EQ(CoRevokeClassObject(cookie), S_OK);
 }
 
 TEST_F(ComFailures, ClassesThatNobodyHasArentThere) {
