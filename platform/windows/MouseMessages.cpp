@@ -1,5 +1,7 @@
 #include "platform/windows/MouseMessages.h"
 
+#include <utility>
+
 #include "platform/windows/KeyMessages.h"
 #include "platform/windows/SystemGeometry.h"
 
@@ -13,12 +15,15 @@ MessageAnswer MouseMessages::answer(HWND window, const WindowMessage& message) {
 MessageAnswer MouseMessages::answerButtons(HWND window, const WindowMessage& message) {
     switch (message.id) {
         case WM_LBUTTONDOWN:
+            isLeftDown_ = true;
             press(window, &PageEvents::leftDown, message.second);
             return 0;
         case WM_LBUTTONDBLCLK:
+            isLeftDown_ = true;
             press(window, &PageEvents::doubleClick, message.second);
             return 0;
         case WM_LBUTTONUP:
+            isLeftDown_ = false;
             tell(window, &PageEvents::leftUp, message.second);
             return 0;
         case WM_RBUTTONDOWN:
@@ -36,7 +41,7 @@ MessageAnswer MouseMessages::answerButtons(HWND window, const WindowMessage& mes
 MessageAnswer MouseMessages::answerPointer(HWND window, const WindowMessage& message) {
     switch (message.id) {
         case WM_MOUSEMOVE:
-            moved(window, message.second);
+            moved(window, message);
             return 0;
         case WM_MOUSEWHEEL:
             return wheel(window, WheelAxis::vertical, vertical_, message);
@@ -68,11 +73,19 @@ void MouseMessages::tell(HWND window, Event event, LPARAM at) {
     if (PageEvents* const page = listener_()) (page->*event)(place, heldModifiers());
 }
 
-void MouseMessages::moved(HWND window, LPARAM at) {
-    if (!pointer_.isRelative()) return tell(window, &PageEvents::mouseMove, at);
+void MouseMessages::moved(HWND window, const WindowMessage& message) {
+    noticeLostRelease(message.first);
+    if (!pointer_.isRelative()) return tell(window, &PageEvents::mouseMove, message.second);
     const Point way = pointer_.distance();
     PageEvents* const page = listener_();
     if (page && way != Point{}) page->relativeMove(way, heldModifiers());
+}
+
+/// A button may be let go where nobody hears of it, as on a locked screen: a press that held the mouse is
+/// over then, or its pad would sound on.
+void MouseMessages::noticeLostRelease(WPARAM buttons) {
+    if ((buttons & MK_LBUTTON) != 0) return;
+    if (std::exchange(isLeftDown_, false) && pointer_.isCaptured()) ReleaseCapture();
 }
 
 void MouseMessages::contextMenu(HWND window, LPARAM at) {

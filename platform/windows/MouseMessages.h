@@ -23,7 +23,8 @@ private:
     MessageAnswer answerPointer(HWND window, const WindowMessage& message);
     void press(HWND window, Event event, LPARAM at);
     void tell(HWND window, Event event, LPARAM at);
-    void moved(HWND window, LPARAM at);
+    void moved(HWND window, const WindowMessage& message);
+    void noticeLostRelease(WPARAM buttons);
     void contextMenu(HWND window, LPARAM at);
     MessageAnswer wheel(HWND window, WheelAxis axis, WheelParts& parts, const WindowMessage& message);
     void captureChanged(HWND window, LPARAM to);
@@ -31,6 +32,7 @@ private:
     PointerHold& pointer_;
     KeyboardHold& keyboard_;
     const PageListener listener_;
+    bool isLeftDown_ = false;  ///< as far as was heard
     WheelParts vertical_;
     WheelParts horizontal_;
 };

@@ -94,6 +94,29 @@ TEST_F(WindowMouse, WhatOpensAboveTakesTheCapture) {
     EXPECT_EQ(page.take(), Lines{"capture lost"});
 }
 
+TEST_F(WindowMouse, AReleaseOfWhichNobodyHeardIsALossOfTheMouse) {
+    for (const UINT press : {WM_LBUTTONDOWN, WM_LBUTTONDBLCLK}) {
+        send(press, MK_LBUTTON, halves({3, 4}));
+        window.setCapture();
+        page.heard.clear();
+        send(WM_MOUSEMOVE, MK_LBUTTON, halves({5, 6}));
+        EXPECT_EQ(page.take(), Lines{"move 5,6"});
+        send(WM_MOUSEMOVE, 0, halves({7, 8}));
+        EXPECT_EQ(page.take(), (Lines{"capture lost", "move 7,8"}));
+        EXPECT_EQ(GetCapture(), nullptr);
+    }
+}
+
+TEST_F(WindowMouse, APageMayHoldTheMouseWithNoButtonDown) {
+    send(WM_LBUTTONDOWN, MK_LBUTTON, halves({3, 4}));
+    window.setCapture();
+    send(WM_LBUTTONUP, 0, halves({3, 4}));
+    page.heard.clear();
+    send(WM_MOUSEMOVE, 0, halves({7, 8}));
+    EXPECT_EQ(page.take(), Lines{"move 7,8"});
+    EXPECT_EQ(GetCapture(), handle());
+}
+
 TEST_F(WindowMouse, ACaptureThatIsGivenBackIsNotLost) {
     window.setCapture();
     window.setCapture();

@@ -96,6 +96,13 @@ TEST_F(WindowQuestions, AKeyboardThatThePageDoesNotWantStaysWhereItIs) {
     EXPECT_NE(GetFocus(), handle());
 }
 
+TEST_F(WindowQuestions, AKeyboardThatTheWindowHadComesBackUnasked) {
+    window.takeFocus(false);
+    SetFocus(handle());
+    answered(MessageKind::note, click(IDOK));
+    EXPECT_EQ(GetFocus(), handle());
+}
+
 /// Everything that a user and a timer can do to the page's window.
 void disturb(HWND window) {
     SendMessageW(window, WM_MOUSEMOVE, 0, MAKELPARAM(5, 5));
