@@ -41,17 +41,15 @@ void giveTo(CGrooveSamplerPropPage& page, const Objects& objects) {
 }  // namespace
 
 /// A window and the page in it, which keeps what it works on: they live until the last call that came through
-/// one of them has returned, and keep the module as long.
+/// one of them has returned, and keep the module as long. The window is closed before they go.
 struct PropertyPage::Shown {
     Shown(HWND parent, const RECT& place, const std::filesystem::path& help, const Objects& objects)
         : window(parent, place, *fonts, help), page(window) {
         page.checkLoads(adviceBeforeLoad);
-        window.setPage(&page);
         giveTo(page, objects);
         page.open();
+        window.setPage(&page);
     }
-    // What a window tells while it goes is for no page any more.
-    ~Shown() { window.setPage(nullptr); }
     Shown(const Shown&) = delete;
     Shown& operator=(const Shown&) = delete;
 

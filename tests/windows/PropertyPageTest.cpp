@@ -377,16 +377,23 @@ TEST(PropertyPage, IsShownAgainByAModuleThatComesAgain) {
     const Apartment apartment;
     for (int round = 0; round < 3; ++round) {
         std::filesystem::path file;
+        HINSTANCE module = nullptr;
+        std::array<wchar_t, 256> kind{};
+        WNDCLASSW told{};
         {
             const Component component;
             file = component.path();
             PropertyFrame frame(makePage(component));
             frame.show();
+            module = GetModuleHandleW(file.c_str());
+            GetClassNameW(frame.pageWindow(), kind.data(), static_cast<int>(kind.size()));
+            EXPECT_TRUE(GetClassInfoW(module, kind.data(), &told));
             EXPECT_TRUE(frame.picture() == HeadlessPage(*frame.page, {}).picture()) << round;
             frame.page.reset();
             EXPECT_EQ(component.canUnloadNow(), S_OK);
         }
         EXPECT_EQ(GetModuleHandleW(file.c_str()), nullptr);
+        EXPECT_FALSE(GetClassInfoW(module, kind.data(), &told)) << "its windows' class goes with it";
     }
 }
 
@@ -491,6 +498,16 @@ TEST_F(PropertyPageUnderAQuestion, IsReleasedWithItsInstrument) {
         frame.page.reset();
         host.reset();
         EXPECT_EQ(component.canUnloadNow(), S_FALSE) << "its code is still under way";
+    });
+    EXPECT_EQ(component.canUnloadNow(), S_OK);
+}
+
+TEST_F(PropertyPageUnderAQuestion, KeepsTheModuleByItself) {
+    EXPECT_EQ(frame.page->SetObjects(0, nullptr), S_OK);
+    host.reset();
+    askAnd([this] {
+        frame.page.reset();
+        EXPECT_EQ(component.canUnloadNow(), S_FALSE);
     });
     EXPECT_EQ(component.canUnloadNow(), S_OK);
 }
