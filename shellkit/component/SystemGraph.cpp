@@ -42,8 +42,11 @@ public:
 
 private:
     IUnknown* FindInterface(REFIID) override { return nullptr; }
+    template <class Work>
+    HRESULT forEachFilter(Work work);
     HRESULT disconnectPinsOf(IBaseFilter& filter);
     HRESULT finish(HRESULT begun, FILTER_STATE former);
+    void stopAgain();
 
     RefPtr<IGraphBuilder> graph_;
     RefPtr<IMediaControl> control_;
@@ -58,16 +61,23 @@ SystemGraph::SystemGraph() : Implements(nullptr) {
     need(timing->SetSyncSource(nullptr));
 }
 
-HRESULT SystemGraph::disconnectAll() {
+/// The first failure of `work`, which is done with all of them.
+template <class Work>
+HRESULT SystemGraph::forEachFilter(Work work) {
     RefPtr<IEnumFilters> filters;
     HRESULT result = graph_->EnumFilters(filters.put());
     if (FAILED(result)) return result;
     RefPtr<IBaseFilter> filter;
     while (filters->Next(1, filter.put(), nullptr) == S_OK) {
-        const HRESULT hr = guarded([&] { return disconnectPinsOf(*filter); });
-        if (SUCCEEDED(result)) result = hr;
+        const HRESULT hr = work(*filter);
+        if (SUCCEEDED(result)) result = plain(hr);
     }
     return result;
+}
+
+HRESULT SystemGraph::disconnectAll() {
+    return forEachFilter(
+        [this](IBaseFilter& filter) { return guarded([&] { return disconnectPinsOf(filter); }); });
 }
 
 /// These ends alone: those at the other sides come with their own filters.
@@ -97,8 +107,14 @@ HRESULT SystemGraph::finish(HRESULT begun, FILTER_STATE former) {
     OAFilterState reached = State_Stopped;
     const HRESULT hr = FAILED(begun) ? begun : control_->GetState(kPatienceMilliseconds, &reached);
     const HRESULT result = hr == VFW_S_STATE_INTERMEDIATE ? VFW_E_TIMEOUT : hr;
-    if (FAILED(result) && former == State_Stopped) stop();
+    if (FAILED(result) && former == State_Stopped) stopAgain();
     return plain(result);
+}
+
+/// The manager takes a graph that couldn't start for a stopped one, and leaves the filters as they are.
+void SystemGraph::stopAgain() {
+    stop();
+    forEachFilter([](IBaseFilter& filter) { return filter.Stop(); });
 }
 
 FILTER_STATE SystemGraph::state() {
