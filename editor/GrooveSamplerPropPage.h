@@ -51,6 +51,12 @@ public:
     void adviseOnLoads(LoadAdvisor advisor) { m_files.adviseOnLoads(std::move(advisor)); }
     /// And what it has to say of them before they are.
     void checkLoads(LoadCheck check) { m_files.checkLoads(std::move(check)); }
+    /// For a shell that shows which project is open: hears of each that is loaded or saved here.
+    void tellOfProjects(ProjectListener listener) { m_files.tellOfProjects(std::move(listener)); }
+    /// Asks where to, as the page's own button does.
+    void saveProject() {
+        carryOut([this] { m_files.saveProject(); });
+    }
 
     /// How root notes are named and set; `fromA` at first. Shells whose hosts give the project's key by the
     /// scale of loops name roots by it too.

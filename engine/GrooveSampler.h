@@ -159,6 +159,7 @@ public:
     HRESULT GetSteady(std::uint32_t* on) override;
     HRESULT SetLenientFiles(std::uint32_t on) override;
     HRESULT GetLenientFiles(std::uint32_t* on) override;
+    HRESULT GetChanges(std::uint64_t* count) override;
 
 protected:
     virtual ~CGrooveSampler();
@@ -174,7 +175,7 @@ private:
     template <class Write>
     HRESULT changePad(std::int32_t pad, Write write, HRESULT refusal = E_INVALIDARG);
     template <class Take, class Build, class Put>
-    HRESULT edit(Take take, Build build, Put put);
+    HRESULT edit(Take take, Build build, Put put, Model& (PadBank::*change)() = &PadBank::change);
     template <class Build>
     HRESULT editPad(std::int32_t pad, Build build);
     template <class Change>

@@ -9,8 +9,8 @@ namespace marnoth {
 inline constexpr IID IID_IMarnothOptions{
     0x5B94E0A7, 0x2C6D, 0x4F18, {0xA3, 0x71, 0x0E, 0x95, 0xD8, 0x46, 0xBC, 0x2F}};
 
-/// How an instrument departs from what its hosts know, for shells that ask for it: the instrument answers
-/// `QueryInterface` for it. Any thread but the streaming one; takes the lock.
+/// How an instrument departs from what its hosts know, and what it tells beyond that, for shells that ask for
+/// it: the instrument answers `QueryInterface` for it. Any thread but the streaming one; takes the lock.
 ///
 /// It stands beside `IGrooveSampler` since the slots of that one are fixed. All options are off at first,
 /// belong to the one instrument, and are in no project.
@@ -29,6 +29,10 @@ struct IMarnothOptions : IUnknown {
     virtual HRESULT SetLenientFiles(std::uint32_t on) = 0;
     /// 1 or 0. `E_POINTER` for null.
     virtual HRESULT GetLenientFiles(std::uint32_t* on) = 0;
+    /// A number that grows with every change of what a project keeps, undo, loads and settings that are set
+    /// to what they are already among them; playing, auditions and saves leave it. Where it is what it was at
+    /// a save, that save has everything. `E_POINTER` for null.
+    virtual HRESULT GetChanges(std::uint64_t* count) = 0;
 };
 
 }  // namespace marnoth

@@ -42,6 +42,10 @@ public:
     void adviseOnLoads(LoadAdvisor advisor) { advisor_ = std::move(advisor); }
     /// From now on a project is loaded only when `check` has nothing to say of it.
     void checkLoads(LoadCheck check) { check_ = std::move(check); }
+    /// From now on `listener` hears of each project that is loaded or saved.
+    void tellOfProjects(ProjectListener listener) { listener_ = std::move(listener); }
+    /// As the button does.
+    void saveProject() { projectCommand(true); }
 
     /// Asks for a file and loads or saves it. `then` follows, also when the user cancels.
     void RunFileCommand(FileTarget target, bool save, std::function<void()> then);
@@ -71,6 +75,7 @@ private:
     std::function<void(bool)> poll_;
     LoadAdvisor advisor_;
     LoadCheck check_;
+    ProjectListener listener_;
 };
 
 }  // namespace marnoth

@@ -19,4 +19,7 @@ using LoadAdvisor = std::function<LoadAdvice(const std::string& path)>;
 /// begins with an empty project whatever comes of it; nothing where it may be loaded.
 using LoadCheck = std::function<std::optional<LoadAdvice>(const std::string& path)>;
 
+/// Told that the instrument holds what `path` does: it was just loaded from there or saved to it.
+using ProjectListener = std::function<void(const std::string& path)>;
+
 }  // namespace marnoth

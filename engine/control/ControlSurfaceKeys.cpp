@@ -30,6 +30,7 @@ HRESULT CGrooveSampler::GetAuditionEnabled(std::uint32_t* value) {
 HRESULT CGrooveSampler::SetAuditionEnabled(std::uint32_t value) {
     CAutoLock lock(*this);
     auditionEnabled_ = value;
+    bank_.noteChange();
     return S_OK;
 }
 

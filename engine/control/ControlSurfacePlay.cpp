@@ -39,7 +39,8 @@ HRESULT CGrooveSampler::auditionGrain(std::int32_t grain, Find find) {
         [&](Model& model, Draft& draft) {
             std::swap(model.audition, draft.audition);
             if (draft.from) renderer_.startAudition();
-        });
+        },
+        &PadBank::changeUnsaved);
 }
 
 HRESULT CGrooveSampler::AuditionPad(std::int32_t pad, std::int32_t grain) {
@@ -50,7 +51,7 @@ HRESULT CGrooveSampler::AuditionPad(std::int32_t pad, std::int32_t grain) {
     };
     if (grain != kWhole) return auditionGrain(grain, find);
     CAutoLock lock(*this);
-    Model& model = bank_.change();
+    Model& model = bank_.changeUnsaved();
     find(model, model.audition);
     renderer_.startPad(pad);
     return S_OK;

@@ -68,6 +68,13 @@ HRESULT CGrooveSampler::GetLenientFiles(std::uint32_t* on) {
     return S_OK;
 }
 
+HRESULT CGrooveSampler::GetChanges(std::uint64_t* count) {
+    if (!count) return E_POINTER;
+    const CAutoLock lock(*this);
+    *count = bank_.changes();
+    return S_OK;
+}
+
 void CGrooveSampler::removeProject(FormerProject& former) {
     renderer_.forgetVoices();
     if (former.undo) {

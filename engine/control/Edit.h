@@ -61,9 +61,10 @@ HRESULT CGrooveSampler::changePad(std::int32_t pad, Write write, HRESULT refusal
 /// makes the next state of that with the lock free, and `put(Model&, draft)` puts it in place under the lock,
 /// leaving what it replaced in the draft, which goes behind the lock. Built anew when the state has changed
 /// meanwhile. A failure of `build`, what it throws, and memory that ends leave everything as it was; the last
-/// is `E_OUTOFMEMORY`, anything else that is thrown goes on to the caller.
+/// is `E_OUTOFMEMORY`, anything else that is thrown goes on to the caller. `change` is how the bank counts
+/// it.
 template <class Take, class Build, class Put>
-HRESULT CGrooveSampler::edit(Take take, Build build, Put put) try {
+HRESULT CGrooveSampler::edit(Take take, Build build, Put put, Model& (PadBank::*change)()) try {
     // Others change plain fields all the time; after so many tries nobody does.
     constexpr int kMostTries = 16;
     const WritersTurn turn(*this);
@@ -79,7 +80,7 @@ HRESULT CGrooveSampler::edit(Take take, Build build, Put put) try {
         if (const HRESULT result = build(draft); FAILED(result)) return result;
         const CAutoLock lock(*this);
         if (bank_.version() != version) continue;
-        put(bank_.change(), draft);
+        put((bank_.*change)(), draft);
         return S_OK;
     }
 } catch (const std::bad_alloc&) {

@@ -32,8 +32,17 @@ public:
     const Model& present() const { return states_[present_]; }
     /// The present state, to be changed; counts as a new version. Neither allocates nor frees, but for a
     /// change from within a block behind another such change.
-    Model& change();
+    Model& change() {
+        noteChange();
+        return changeUnsaved();
+    }
+    /// The same for what no project keeps, as what is auditioned.
+    Model& changeUnsaved();
     std::uint64_t version() const { return version_; }
+    /// How often what a project keeps may have changed.
+    std::uint64_t changes() const { return changes_; }
+    /// A change of what a project keeps beside the model.
+    void noteChange() { ++changes_; }
 
     /// The state that a block plays, from here to `endBlock`. Streaming thread.
     const Model& beginBlock();
@@ -53,6 +62,7 @@ private:
     std::size_t playing_ = kNone;  ///< the state that a block is under way with
     bool leftOver_ = false;        ///< the other state holds what a block was played with
     std::uint64_t version_ = 0;
+    std::uint64_t changes_ = 0;
 };
 
 }  // namespace marnoth

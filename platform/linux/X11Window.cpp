@@ -410,6 +410,10 @@ bool X11Window::isGone() const {
     return parts_->isGone();
 }
 
+bool X11Window::isAsking() const {
+    return static_cast<bool>(parts_->asked);
+}
+
 int X11Window::descriptor() const {
     return ConnectionNumber(parts_->display.get());
 }

@@ -53,6 +53,8 @@ public:
     unsigned long id() const;
     int scale() const;
     bool isGone() const;
+    /// A question is open, of whoever asked: another would take its place.
+    bool isAsking() const;
     int descriptor() const;
     /// When `dispatch` has something to do though nothing comes; nothing for never.
     std::optional<Time> deadline() const;

@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <new>
 #include <numeric>
+#include <stdexcept>
 #include <utility>
 
 #include "host/CreateInstance.h"
@@ -63,6 +65,23 @@ bool LiveInstrument::prepare(std::uint32_t rate, std::int32_t mostFrames) {
     if (!isOtherRate) return true;
     project->Seek({}, STREAM_SEEK_SET, nullptr);
     return SUCCEEDED(host_.load(*project));
+}
+
+std::optional<std::vector<std::uint8_t>> LiveInstrument::saveState() try {
+    const RefPtr<MemoryStream> stream = makeObject<MemoryStream>();
+    return SUCCEEDED(host_.save(*stream)) ? std::optional(stream->takeBytes()) : std::nullopt;
+} catch (const std::bad_alloc&) {
+    return {};
+}
+
+bool LiveInstrument::loadState(std::vector<std::uint8_t> state) {
+    const RefPtr<MemoryStream> stream = makeObject<MemoryStream>(std::move(state));
+    try {
+        return SUCCEEDED(host_.load(*stream));
+    } catch (const std::invalid_argument&) {
+        // A project that names a grain that can't be.
+        return false;
+    }
 }
 
 void LiveInstrument::midi(std::int32_t frame, std::uint8_t status, std::uint8_t data1, std::uint8_t data2) {

@@ -32,6 +32,11 @@ public:
 
     // The window's thread.
     IGrooveSampler& sampler() { return host_.sampler(); }
+    /// The instrument's state, whole; nothing when there is no memory for it. Any thread but the one that
+    /// renders.
+    std::optional<std::vector<std::uint8_t>> saveState();
+    /// In place of all that there is. False when it is no state: then the instrument is empty.
+    bool loadState(std::vector<std::uint8_t> state);
     void play() { command({Command::Kind::play}); }
     void stop() { command({Command::Kind::stop}); }
     /// 960 to the beat. Playing goes on from there.

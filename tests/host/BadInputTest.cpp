@@ -286,6 +286,7 @@ TEST_F(BadInput, IsRefusedByOptionsAndFaults) {
     const auto options = query<IMarnothOptions>(*owner, IID_IMarnothOptions);
     EXPECT_EQ(options->GetSteady(nullptr), E_POINTER);
     EXPECT_EQ(options->GetLenientFiles(nullptr), E_POINTER);
+    EXPECT_EQ(options->GetChanges(nullptr), E_POINTER);
     const auto faults = query<IMarnothFaults>(*owner, IID_IMarnothFaults);
     EXPECT_EQ(faults->GetLoadFault(nullptr), E_POINTER);
     EXPECT_EQ(faults->GetLoadDamage(nullptr), E_POINTER);

@@ -1,0 +1,32 @@
+#include "shells/desktop/OpenProject.h"
+
+#include <utility>
+
+#include "platform/com/RefPtr.h"
+#include "seam/IMarnothOptions.h"
+#include "shellkit/text/InstrumentText.h"
+
+namespace marnoth {
+
+void OpenProject::holds(std::string path) {
+    path_ = std::move(path);
+    unchanged_ = changes();
+}
+
+std::uint64_t OpenProject::changes() const {
+    RefPtr<IMarnothOptions> options;
+    std::uint64_t count = 0;
+    if (SUCCEEDED(sampler_.QueryInterface(IID_IMarnothOptions, options.putVoid())))
+        options->GetChanges(&count);
+    return count;
+}
+
+std::string OpenProject::name() const {
+    return path_.empty() ? "Untitled" : utf8FromPath(pathFromUtf8(path_).filename());
+}
+
+std::string OpenProject::title() const {
+    return name() + (hasChanged() ? " * - Marnoth" : " - Marnoth");
+}
+
+}  // namespace marnoth
