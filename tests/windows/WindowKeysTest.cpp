@@ -30,19 +30,19 @@ protected:
         pumpAsHost();
         return page.take();
     }
-    /// Two keys that go down at the same moment; what the page hears of them. Characters come later.
-    Lines together(WPARAM first, unsigned firstDetails, WPARAM second, unsigned secondDetails) {
+    /// Two keys that go down or up at the same moment; what the page hears of them. Characters come later.
+    Lines together(UINT what, WPARAM first, unsigned firstDetails, WPARAM second, unsigned secondDetails) {
         DWORD begin = 0;
         do {
             pump();
             page.heard.clear();
             begin = GetTickCount();
-            PostMessageW(handle(), WM_KEYDOWN, first, static_cast<LPARAM>(firstDetails));
-            PostMessageW(handle(), WM_KEYDOWN, second, static_cast<LPARAM>(secondDetails));
+            PostMessageW(handle(), what, first, static_cast<LPARAM>(firstDetails));
+            PostMessageW(handle(), what, second, static_cast<LPARAM>(secondDetails));
         } while (GetTickCount() != begin);
         for (int i = 0; i < 2; ++i) {
             MSG message{};
-            PeekMessageW(&message, handle(), WM_KEYDOWN, WM_KEYDOWN, PM_REMOVE);
+            PeekMessageW(&message, handle(), what, what, PM_REMOVE);
             DispatchMessageW(&message);
         }
         return page.take();
@@ -118,11 +118,12 @@ TEST_F(WindowKeys, F1ComesOnceAndNoHostIsAskedForHelp) {
 
 TEST_F(WindowKeys, TheControlKeyOfAThirdLevelKeyIsNotTold) {
     constexpr unsigned kRight = KF_EXTENDED << 16;
-    EXPECT_EQ(together(VK_CONTROL, 1, VK_MENU, kRight | 1), Lines{"key 18"});
-    EXPECT_EQ(together(VK_CONTROL, kRight | 1, VK_MENU, kRight | 1), (Lines{"key 17", "key 18"}))
+    EXPECT_EQ(together(WM_KEYDOWN, VK_CONTROL, 1, VK_MENU, kRight | 1), Lines{"key 18"});
+    EXPECT_EQ(together(WM_KEYDOWN, VK_CONTROL, kRight | 1, VK_MENU, kRight | 1), (Lines{"key 17", "key 18"}))
         << "a control key of its own";
-    EXPECT_EQ(together(VK_CONTROL, 1, 'C', 1), (Lines{"key 17", "key 67"}));
-    EXPECT_EQ(together(VK_SHIFT, 1, VK_MENU, kRight | 1), (Lines{"key 16", "key 18"}));
+    EXPECT_EQ(together(WM_KEYDOWN, VK_CONTROL, 1, 'C', 1), (Lines{"key 17", "key 67"}));
+    EXPECT_EQ(together(WM_KEYUP, VK_CONTROL, 1, VK_MENU, kRight | 1), Lines{"let 18"});
+    EXPECT_EQ(together(WM_KEYDOWN, VK_SHIFT, 1, VK_MENU, kRight | 1), (Lines{"key 16", "key 18"}));
 }
 
 TEST_F(WindowKeys, WantsEveryKeyOfADialog) {

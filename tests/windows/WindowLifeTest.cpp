@@ -38,6 +38,7 @@ TEST_F(WindowLife, ClosedThePageHearsNoMoreAndNothingThatItAsksDoesAnything) {
     EXPECT_EQ(handle(), nullptr);
     EXPECT_FALSE(IsWindow(before));
     window.close();
+    pump();
     window.requestPaint();
     window.present(Bitmap(4, 4), {0, 0, 4, 4});
     window.setCapture();
@@ -54,6 +55,7 @@ TEST_F(WindowLife, ClosedThePageHearsNoMoreAndNothingThatItAsksDoesAnything) {
     window.show(SW_SHOW);
     window.move(kPlace);
     EXPECT_EQ(GetCapture(), nullptr);
+    EXPECT_FALSE(GetUpdateRect(frame.handle(), nullptr, FALSE)) << "nothing else is painted again";
     pump();
     EXPECT_EQ(page.take(), Lines{});
     EXPECT_EQ(page.paints, 0);

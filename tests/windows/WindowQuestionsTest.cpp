@@ -188,6 +188,16 @@ TEST_F(WindowQuestions, AWindowThatClosesUnderItsQuestionTakesItBack) {
     EXPECT_TRUE(IsWindowEnabled(frame.handle()));
 }
 
+TEST_F(WindowQuestions, AWindowThatClosesUnderTwoTakesBothBack) {
+    std::optional<PageAnswer> inner;
+    const auto outer = answered(MessageKind::yesNo, [&](HWND) {
+        inner = answered(MessageKind::yesNo, [&](HWND) { window.close(); });
+    });
+    EXPECT_EQ(outer, std::nullopt);
+    EXPECT_EQ(inner, std::nullopt);
+    EXPECT_EQ(openQuestion(), nullptr);
+}
+
 TEST_F(WindowQuestions, AFrameThatGoesUnderAQuestionTakesItBack) {
     EXPECT_EQ(answered(MessageKind::yesNo, [&](HWND) { frame.close(); }), std::nullopt);
     EXPECT_EQ(handle(), nullptr);
