@@ -14,6 +14,7 @@
 #include "platform/com/Unknown.h"
 #include "platform/drawing/Bitmap.h"
 #include "platform/drawing/PageWindow.h"
+#include "platform/windows/SystemHandle.h"
 
 namespace marnoth::test {
 
@@ -188,15 +189,30 @@ private:
         SetKeyboardState(keys.data());
     }
 
+    /// What a window is drawn on, for a scope.
+    class WindowDevice {
+    public:
+        explicit WindowDevice(HWND window) : window_(window), device_(GetDC(window)) {}
+        ~WindowDevice() { ReleaseDC(window_, device_); }
+        WindowDevice(const WindowDevice&) = delete;
+        WindowDevice& operator=(const WindowDevice&) = delete;
+        HDC get() const { return device_; }
+
+    private:
+        HWND const window_;
+        HDC const device_;
+    };
+
     static Bitmap copied(HWND window, int width, int height) {
-        const HDC from = GetDC(window);
-        const HDC to = CreateCompatibleDC(from);
         BITMAPINFO form{};
         form.bmiHeader = {sizeof form.bmiHeader, width, -height, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
         void* bits = nullptr;
-        const HBITMAP picture = CreateDIBSection(to, &form, DIB_RGB_COLORS, &bits, nullptr, 0);
-        const HGDIOBJ before = SelectObject(to, picture);
-        EXPECT_TRUE(BitBlt(to, 0, 0, width, height, from, 0, 0, SRCCOPY));
+        const BitmapHandle picture(CreateDIBSection(nullptr, &form, DIB_RGB_COLORS, &bits, nullptr, 0));
+        const WindowDevice from(window);
+        const DeviceHandle to(CreateCompatibleDC(from.get()));
+        const HGDIOBJ before = SelectObject(to.get(), picture.get());
+        EXPECT_TRUE(BitBlt(to.get(), 0, 0, width, height, from.get(), 0, 0, SRCCOPY));
+        SelectObject(to.get(), before);
         GdiFlush();
         Bitmap bitmap(width, height);
         for (int y = 0; y < height; ++y)
@@ -204,10 +220,6 @@ private:
                 const auto* const pixel = static_cast<const BYTE*>(bits) + 4 * (y * width + x);
                 bitmap.at(x, y) = {pixel[2], pixel[1], pixel[0]};
             }
-        SelectObject(to, before);
-        DeleteObject(picture);
-        DeleteDC(to);
-        ReleaseDC(window, from);
         return bitmap;
     }
 
