@@ -158,6 +158,13 @@ TEST_F(Registration, EntersNoPageAmongTheSoftSynths) {
     EXPECT_FALSE(isThere(kSynths + L"\\" + idText(CLSID_MarnothProperties)));
 }
 
+TEST_F(Registration, TakesAPageFromAmongTheSoftSynthsWhoeverEnteredIt) {
+    const std::wstring ofPage = kSynths + L"\\" + idText(CLSID_MarnothProperties);
+    makeKey(ofPage + L"\\below");
+    EXPECT_EQ(component.unregisterServer(), S_OK);
+    EXPECT_FALSE(isThere(ofPage));
+}
+
 TEST_F(Registration, LeavesTheKeysOfOtherSoftSynths) {
     const std::wstring other = kSynths + L"\\{0F1E2D3C-1111-2222-0102-030405060708}";
     makeKey(other);
