@@ -66,6 +66,22 @@ TEST_F(WindowQuestions, AMessageHasItsTextAndNoCaption) {
     EXPECT_EQ(text, L"\u00dcber & \u97f3?");
 }
 
+TEST_F(WindowQuestions, AMessageIsToldOrAnsweredByYesOrNo) {
+    const auto buttonsOf = [](std::vector<int>& ids) {
+        return [&ids](HWND box) {
+            for (HWND child = GetWindow(box, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT))
+                if (isOfClass(child, L"Button")) ids.push_back(GetDlgCtrlID(child));
+            EndDialog(box, IDOK);
+        };
+    };
+    std::vector<int> ofNote;
+    std::vector<int> ofQuestion;
+    answered(MessageKind::note, buttonsOf(ofNote));
+    answered(MessageKind::yesNo, buttonsOf(ofQuestion));
+    EXPECT_EQ(ofNote.size(), 1u);
+    EXPECT_EQ(ofQuestion, (std::vector<int>{IDYES, IDNO}));
+}
+
 TEST_F(WindowQuestions, ABoxStandsOverTheOutermostWindowWhichWaits) {
     answered(MessageKind::note, [&](HWND box) {
         EXPECT_EQ(GetWindow(box, GW_OWNER), frame.handle());
@@ -128,6 +144,7 @@ TEST_F(WindowQuestions, NothingButPaintReachesThePageWhileOneIsOpen) {
     answered(MessageKind::note, [&](HWND box) {
         page.heard.clear();
         disturb(handle());
+        EXPECT_NE(GetFocus(), handle()) << "a press takes no keyboard from a question";
         pump();
         page.onPaint = [&] { painted = true; };
         window.requestPaint();
