@@ -82,6 +82,18 @@ TEST(CommandLine, AnUnknownWordIsNamedWithTheOneThatWasMeant) {
     }
 }
 
+TEST(CommandLine, ComponentsArePlayedWhereThereAreAny) {
+    const bool offered = marnoth({"script", "--help"}).out.find("  --com ") != std::string::npos;
+#ifdef _WIN32
+    EXPECT_TRUE(offered);
+#else
+    EXPECT_FALSE(offered);
+    const CliRun run = marnoth({"script", "a.mrs", "--com", "--out", "a"});
+    EXPECT_EQ(run.status, 2);
+    EXPECT_EQ(run.err, "marnoth: script has no option --com; see marnoth script --help\n");
+#endif
+}
+
 TEST(CommandLine, HelpNamesTheEnvironment) {
     const std::string help = marnoth({"--help"}).out;
     EXPECT_NE(help.find("Environment:\n  TMPDIR"), std::string::npos) << help;
