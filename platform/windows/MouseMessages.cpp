@@ -64,7 +64,7 @@ MessageAnswer MouseMessages::answerPointer(HWND window, const WindowMessage& mes
 }
 
 void MouseMessages::press(HWND window, Event event, LPARAM at) {
-    if (listener_()) keyboard_.take(window);
+    keyboard_.take(window);
     tell(window, event, at);
 }
 

@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <string_view>
 
+#include "platform/windows/Module.h"
+
 namespace marnoth {
 
 namespace {
@@ -70,7 +72,8 @@ constexpr Masks dragCopyMasks() {
 
 CursorHandle makeDragCopy() {
     static constexpr Masks kMasks = dragCopyMasks();
-    return CursorHandle(CreateCursor(nullptr, 0, 0, kSide, kSide, kMasks.keep.data(), kMasks.turn.data()));
+    return CursorHandle(
+        CreateCursor(thisModule(), 0, 0, kSide, kSide, kMasks.keep.data(), kMasks.turn.data()));
 }
 
 }  // namespace
