@@ -7,15 +7,15 @@ namespace marnoth {
 
 namespace {
 
-constexpr std::string_view kKeys = "1234QWERASDFZXCV";
+constexpr std::string_view kKeysOfPads = "1234QWERASDFZXCV";
 constexpr std::int32_t kHighestNote = 127;
 
 }  // namespace
 
 std::optional<int> PadKeys::padOf(int key) {
     if (key <= 0 || key > 0x7F) return {};
-    const std::size_t at = kKeys.find(static_cast<char>(key));
-    return at == kKeys.npos ? std::nullopt : std::optional(static_cast<int>(at));
+    const std::size_t at = kKeysOfPads.find(static_cast<char>(key));
+    return at == kKeysOfPads.npos ? std::nullopt : std::optional(static_cast<int>(at));
 }
 
 std::optional<PadKeys::Note> PadKeys::press(int key, IGrooveSampler& sampler) {

@@ -57,7 +57,7 @@ constexpr int kLitTicks = 3;           ///< how long a light shines, of the time
 constexpr float kMeterFall = 0.86f;    ///< in a tick of the timer
 constexpr double kMeterFloor = -48.0;  ///< dB
 constexpr int kNoKey = 100;            ///< in the key's menu
-constexpr int kKeys = 12;
+constexpr int kKeysOfOctave = 12;
 
 /// "5.2.480": bars and beats from 1, and what of the beat has gone, of 960.
 std::string positionText(double tick) {
@@ -341,7 +341,7 @@ void TransportBar::applyBars(const std::string& text) {
 
 void TransportBar::chooseKey() {
     std::vector<MenuItem> items{{kNoKey, "None", !key_}};
-    for (int key = 0; key < kKeys; ++key) items.push_back({key + 1, keyName(key), key_ == key});
+    for (int key = 0; key < kKeysOfOctave; ++key) items.push_back({key + 1, keyName(key), key_ == key});
     questions().askMenu({kKeyLabel.left, kHeight}, items, [this](int id) {
         if (id == 0) return;
         key_ = id == kNoKey ? std::nullopt : std::optional(id - 1);
