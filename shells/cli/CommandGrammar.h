@@ -37,7 +37,11 @@ public:
 
     CLI::App& app() { return app_; }
     const CLI::App& app() const { return app_; }
-    bool chose(const char* name) const { return app_.got_subcommand(name); }
+    /// False too for a command that there isn't on this system.
+    bool chose(const std::string& name) const {
+        const auto chosen = app_.get_subcommands();
+        return !chosen.empty() && chosen.front()->get_name() == name;
+    }
 
 private:
     void addScript(Request& request);
