@@ -42,10 +42,10 @@ void LiveInstrument::setTempo(double beatsPerMinute) {
 }
 
 void LiveInstrument::setSong(std::unique_ptr<const Song> song) {
-    // Of those before, the one that is being read stays until another is.
-    std::erase_if(songs_, [this](const auto& former) { return former.get() != readSong_; });
-    command({Command::Kind::song, 0.0, song.get()});
+    // Those before the one that was taken up last aren't read any more.
+    for (; forgottenSongs_ + 1 < takenSongs_; ++forgottenSongs_) songs_.pop_front();
     songs_.push_back(std::move(song));
+    if (!commands_.push({Command::Kind::song, 0.0, songs_.back().get()})) songs_.pop_back();
 }
 
 void LiveInstrument::note(std::uint8_t key, bool on) {
@@ -114,7 +114,7 @@ void LiveInstrument::take(const Command& command) {
             // What the song before has switched on would sound on.
             if (song_.song()) host_.panic();
             song_.setSong(command.song);
-            readSong_ = command.song;
+            ++takenSongs_;
             arrive(transport_.tick());
             break;
     }

@@ -3,6 +3,7 @@
 #include <array>
 #include <atomic>
 #include <cstdint>
+#include <deque>
 #include <memory>
 #include <optional>
 #include <string>
@@ -96,8 +97,9 @@ private:
     LiveHost host_;
     std::atomic<std::uint32_t> rate_ = 0;  ///< frames per second; 0 before it was prepared
     CommandQueue<Command, 64> commands_;
-    std::vector<std::unique_ptr<const Song>> songs_;  ///< the present one, and those that may be read yet
-    std::atomic<const Song*> readSong_ = nullptr;
+    std::deque<std::unique_ptr<const Song>> songs_;  ///< the present one, and those on their way behind it
+    std::uint64_t forgottenSongs_ = 0;               ///< how many before those
+    std::atomic<std::uint64_t> takenSongs_ = 0;      ///< how many the thread that renders has taken up
     MasterLevel master_;
     TakeRecorder recorder_;
     std::atomic<bool> metronomeIsOn_ = false;

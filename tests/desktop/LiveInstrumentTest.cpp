@@ -194,6 +194,20 @@ TEST(LiveInstrument, AnotherSongEndsTheNotesOfTheOneBefore) {
     EXPECT_TRUE(player.live.isPlaying());
 }
 
+TEST(LiveInstrument, SongsMayFollowEachOtherFasterThanBlocks) {
+    const Groove groove;
+    Player player(groove);
+    for (int round = 0; round < 5; ++round) {
+        for (int song = 0; song < 3; ++song)
+            player.live.setSong(std::make_unique<const Song>(readSong(groove.song())));
+        player.render(512);
+    }
+    player.live.locate(0);
+    player.live.play();
+    player.render(8192);
+    EXPECT_GT(player.level(5 * 512, 5 * 512 + 8192), 0.1) << "the last one plays";
+}
+
 TEST(LiveInstrument, AnotherRateKeepsTheProject) {
     const Groove groove;
     Player player(groove);
