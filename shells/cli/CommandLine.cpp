@@ -68,10 +68,10 @@ int carryOut(const Request& request, const CommandGrammar& grammar, std::ostream
         runRender(renderOptions(request), streams);
     else if (grammar.chose("page"))
         runPage(request.page, streams);
-    else if (grammar.chose("play"))
-        status = runPlay(request.play, streams, play);
-    else
+    else if (grammar.chose("info"))
         runInfo(request.info, streams);
+    else  // which isn't known everywhere
+        status = runPlay(request.play, streams, play);
     if (!out.flush()) throw FileFailure("standard output can't be written");
     return status;
 }
