@@ -1,19 +1,26 @@
 #pragma once
 
-#include "platform/drawing/PageWindow.h"
+#include <map>
+#include <utility>
+
+#include "platform/drawing/CursorPicture.h"
 #include "platform/windows/SystemHandle.h"
 
 namespace marnoth {
 
-/// The pictures of the pointer. Those of the system, and one of our own for what is carried about, made when
-/// it is first wanted and gone with this: it must not be shown then.
+/// The pictures of the pointer: those that the page brings along, each made when it is first wanted and gone
+/// with this, when it must not be shown any more; the others are the system's.
 class PageCursors {
 public:
-    /// Null for `none`, and when the system can't make ours.
+    /// Without pictures all are the system's.
+    explicit PageCursors(CursorPictures pictures = {}) : pictures_(std::move(pictures)) {}
+
+    /// Null for `none`.
     HCURSOR of(PageCursor cursor);
 
 private:
-    CursorHandle dragCopy_;
+    CursorPictures pictures_;
+    std::map<PageCursor, CursorHandle> made_;
 };
 
 }  // namespace marnoth

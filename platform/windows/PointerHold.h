@@ -1,6 +1,7 @@
 #pragma once
 
 #include <optional>
+#include <utility>
 
 #include "platform/drawing/PageWindow.h"
 #include "platform/windows/PageCursors.h"
@@ -11,6 +12,8 @@ namespace marnoth {
 /// looks like. Null for a window does nothing. One thread.
 class PointerHold {
 public:
+    explicit PointerHold(CursorPictures pictures) : cursors_(std::move(pictures)) {}
+
     /// The mouse's messages go to `window`.
     void capture(HWND window);
     /// No longer; a relative drag ends.

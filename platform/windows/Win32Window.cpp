@@ -36,9 +36,11 @@ private:
 
 }  // namespace
 
-Win32Window::Win32Window(HWND parent, const RECT& place, FontSource& fonts, std::filesystem::path helpFile)
+Win32Window::Win32Window(HWND parent, const RECT& place, FontSource& fonts, CursorPictures cursors,
+                         std::filesystem::path helpFile)
     : fonts_(fonts),
       help_(std::move(helpFile)),
+      pointer_(std::move(cursors)),
       mouse_(pointer_, keyboard_, [this] { return listener(); }),
       keys_(keyboard_, [this] { return listener(); }) {
     window_ = WindowHandle(makeChildWindow(parent, place, *this));

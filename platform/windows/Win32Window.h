@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "platform/com/RefPtr.h"
+#include "platform/drawing/CursorPicture.h"
 #include "platform/drawing/Font.h"
 #include "platform/drawing/PageWindow.h"
 #include "platform/windows/DibScreen.h"
@@ -44,7 +45,8 @@ public:
     /// Child window of `parent` at `place` (pixels of the parent), hidden at first. `helpFile`: full path of
     /// the .chm, may be empty. Fonts from `fonts`, not owned. Throws `std::system_error` when the window
     /// can't be made. Without OLE on this thread (one that lets calls come on any thread) no drops come.
-    Win32Window(HWND parent, const RECT& place, FontSource& fonts, std::filesystem::path helpFile);
+    Win32Window(HWND parent, const RECT& place, FontSource& fonts, CursorPictures cursors,
+                std::filesystem::path helpFile);
     /// As `close`.
     ~Win32Window() override;
     Win32Window(const Win32Window&) = delete;

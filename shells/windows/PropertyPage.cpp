@@ -6,6 +6,7 @@
 
 #include "editor/GrooveSamplerPropPage.h"
 #include "editor/PageLayout.h"
+#include "editor/skin/Skin.h"
 #include "editor/texts/PageTexts.h"
 #include "platform/com/Guarded.h"
 #include "platform/drawing/PlatformFonts.h"
@@ -44,7 +45,7 @@ void giveTo(CGrooveSamplerPropPage& page, const Objects& objects) {
 /// one of them has returned, and keep the module as long. The window is closed before they go.
 struct PropertyPage::Shown {
     Shown(HWND parent, const RECT& place, const std::filesystem::path& help, const Objects& objects)
-        : window(parent, place, *fonts, help), page(window) {
+        : window(parent, place, *fonts, skinCursor, help), page(window) {
         page.checkLoads(adviceBeforeLoad);
         giveTo(page, objects);
         page.open();

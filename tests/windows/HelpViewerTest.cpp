@@ -71,7 +71,7 @@ TEST_F(HelpViewers, TheRegisteredOneIsAskedToShowTheFile) {
 
 TEST_F(HelpViewers, TheWindowAsksForItself) {
     registerViewer(file);
-    Win32Window other(frame.handle(), kPlace, fonts, kFile);
+    Win32Window other(frame.handle(), kPlace, fonts, {}, kFile);
     other.showHelp();
     EXPECT_EQ(callOf(viewer).window, other.handle());
     EXPECT_STREQ(callOf(viewer).file, kFile);

@@ -129,7 +129,7 @@ TEST_F(WindowDrop, AWindowThatIsGoneTakesNothing) {
 TEST_F(WindowDrop, ATargetThatIsKeptAsksNothingOfAWindowThatIsNoMore) {
     void* const room = VirtualAlloc(nullptr, sizeof(Win32Window), MEM_COMMIT | MEM_RESERVE, PAGE_READWRITE);
     ASSERT_TRUE(room);
-    auto* const other = new (room) Win32Window(frame.handle(), kPlace, fonts, {});
+    auto* const other = new (room) Win32Window(frame.handle(), kPlace, fonts, {}, {});
     const RefPtr<IDropTarget> kept(
         static_cast<IDropTarget*>(GetPropW(other->handle(), L"OleDropTargetInterface")));
     std::destroy_at(other);

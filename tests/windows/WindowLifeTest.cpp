@@ -12,7 +12,7 @@ namespace {
 class WindowLife : public WindowRig {};
 
 TEST_F(WindowLife, IsAHiddenChildOfItsParentAtFirst) {
-    const Win32Window other(frame.handle(), {200, 100, 300, 160}, fonts, {});
+    const Win32Window other(frame.handle(), {200, 100, 300, 160}, fonts, {}, {});
     EXPECT_EQ(GetParent(other.handle()), frame.handle());
     EXPECT_FALSE(IsWindowVisible(other.handle()));
     RECT size{};
@@ -22,8 +22,8 @@ TEST_F(WindowLife, IsAHiddenChildOfItsParentAtFirst) {
 }
 
 TEST_F(WindowLife, WithoutAParentThereIsNone) {
-    EXPECT_THROW(Win32Window(nullptr, kPlace, fonts, {}), std::system_error);
-    EXPECT_THROW(Win32Window(reinterpret_cast<HWND>(0x7FFF0001), kPlace, fonts, {}), std::system_error);
+    EXPECT_THROW(Win32Window(nullptr, kPlace, fonts, {}, {}), std::system_error);
+    EXPECT_THROW(Win32Window(reinterpret_cast<HWND>(0x7FFF0001), kPlace, fonts, {}, {}), std::system_error);
 }
 
 TEST_F(WindowLife, GivesTheFontsOfItsSource) {
@@ -98,7 +98,7 @@ TEST_F(WindowLife, AnErrorOfThePageEndsItsEventAlone) {
 
 TEST_F(WindowLife, APageThatIsLetGoInAnEventLivesUntilItsEnd) {
     struct Whole {
-        explicit Whole(HWND frame) : window(frame, kPlace, fonts, {}) {}
+        explicit Whole(HWND frame) : window(frame, kPlace, fonts, {}, {}) {}
         NoFonts fonts;
         ListeningPage page;
         Win32Window window;
@@ -159,7 +159,7 @@ TEST_F(WindowLife, FiftyWindowsLeaveEveryCountAsItWas) {
     const long modules = ModuleLock::count();
     for (int i = 0; i < 50; ++i) {
         ListeningPage other;
-        Win32Window used(frame.handle(), {0, 0, 600, 553}, fonts, {});
+        Win32Window used(frame.handle(), {0, 0, 600, 553}, fonts, squareCursor, {});
         used.setPage(&other);
         useAll(used, other);
         EXPECT_GT(WindowHandle::live(), before[5]);
@@ -179,7 +179,7 @@ TEST_F(WindowLife, AnyThreadHasWindowsOfItsOwn) {
     std::thread other([this] {
         Frame ownFrame;
         ListeningPage ownPage;
-        Win32Window own(ownFrame.handle(), kPlace, fonts, {});
+        Win32Window own(ownFrame.handle(), kPlace, fonts, {}, {});
         own.setPage(&ownPage);
         SendMessageW(own.handle(), WM_KEYDOWN, 'A', 1);
         EXPECT_EQ(ownPage.take(), Lines{"key 65"});
@@ -198,7 +198,7 @@ TEST_F(WindowLife, TheClassGoesAndComesAgain) {
     Win32Window::unregisterClass();
     EXPECT_FALSE(isThere());
     Win32Window::unregisterClass();
-    Win32Window next(frame.handle(), kPlace, fonts, {});
+    Win32Window next(frame.handle(), kPlace, fonts, {}, {});
     EXPECT_TRUE(isThere());
     EXPECT_NE(next.handle(), nullptr);
 }

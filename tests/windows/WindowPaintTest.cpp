@@ -152,7 +152,7 @@ TEST_F(WindowPaint, GivesItsPictureToWhoeverAsksForIt) {
 TEST_F(WindowPaint, IsNotTurnedOverInAFrameThatReadsFromTheRight) {
     SetWindowLongPtrW(frame.handle(), GWL_EXSTYLE,
                       GetWindowLongPtrW(frame.handle(), GWL_EXSTYLE) | WS_EX_LAYOUTRTL);
-    Win32Window other(frame.handle(), kPlace, fonts, {});
+    Win32Window other(frame.handle(), kPlace, fonts, {}, {});
     other.setPage(&page);
     other.show(SW_SHOW);
     Bitmap screen(kWidth, kHeight, kSand);

@@ -293,7 +293,7 @@ TEST_F(WindowQuestions, NothingButPaintReachesThePageWhileAMenuIsOpen) {
 
 /// Page and window in one, as their owner holds them, and what a question under which he lets go leads to.
 struct Whole {
-    explicit Whole(HWND frame) : window(frame, {0, 0, 100, 80}, fonts, {}) {}
+    explicit Whole(HWND frame) : window(frame, {0, 0, 100, 80}, fonts, {}, {}) {}
 
     NoFonts fonts;
     ListeningPage page;

@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <functional>
+#include <map>
 #include <optional>
 #include <span>
 #include <string>
@@ -131,6 +132,21 @@ inline bool pumpUntil(const std::function<bool()>& isDone) {
     return isDone();
 }
 
+/// A pointer of the page's own: a square of four pixels a side, in a colour for each, with the spot in it.
+inline const CursorPicture& squareCursor(PageCursor cursor) {
+    static std::map<PageCursor, CursorPicture> made;
+    CursorPicture& square = made[cursor];
+    if (square.mask.width() > 0) return square;
+    const auto red = static_cast<std::uint8_t>(50 * static_cast<int>(cursor));
+    square = {Bitmap(32, 32), Bitmap(32, 32), {1, 2}};
+    for (int y = 0; y < 4; ++y)
+        for (int x = 0; x < 4; ++x) {
+            square.picture.at(x, y) = {red, 20, 30};
+            square.mask.at(x, y) = {255, 255, 255};
+        }
+    return square;
+}
+
 /// A page of 100 by 80 pixels in its window, in a frame, 10 pixels to the right and 20 down.
 class WindowRig : public testing::Test {
 protected:
@@ -175,7 +191,7 @@ protected:
     Frame frame;
     NoFonts fonts;
     ListeningPage page;
-    Win32Window window{frame.handle(), kPlace, fonts, {}};
+    Win32Window window{frame.handle(), kPlace, fonts, squareCursor, {}};
 };
 
 }  // namespace marnoth::test
