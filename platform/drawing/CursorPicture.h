@@ -14,8 +14,8 @@ struct CursorPicture {
     Point hotSpot;  ///< the pixel that points
 };
 
-/// Where a window has the pictures of `dragCopy`, `sizeHorizontal` and `sizeVertical` from; the others are the
-/// system's, or nothing. They last for the life of the process.
+/// Where a window has the pictures of `dragCopy`, `sizeHorizontal` and `sizeVertical` from; the others are
+/// the system's, or nothing. They last for the life of the process.
 using CursorPictures = std::function<const CursorPicture&(PageCursor)>;
 
 }  // namespace marnoth
