@@ -59,7 +59,7 @@ std::string searchPath() {
 class Desktop final : public TransportBarHost {
 public:
     Desktop(const DesktopOptions& options, std::ostream& errors)
-        : chooser_(loop_, findDialogProgram(searchPath())),
+        : chooser_(loop_, findDialogProgram(searchPath()), [this](const std::string& why) { tell(why); }),
           questionFont_(questionFont(*fonts_)),
           questions_(*questionFont_),
           window_({.scale = options.scale,
@@ -167,6 +167,8 @@ void Desktop::openFiles(const std::vector<std::string>& files) {
             loadLoopFile(sampler, pad++, file);
         }
     }
+    // What was asked for by name can be asked for again: nothing is lost with it.
+    if (project_.path().empty()) project_.holds({});
 }
 
 void Desktop::openPages() {

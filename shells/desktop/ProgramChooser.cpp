@@ -25,7 +25,14 @@ void ProgramChooser::ask(std::string_view filter, FileKind kind, unsigned long w
     end();
     answer_.clear();
     std::vector<std::string> command = dialogCommand(program_, filter, kind, window);
-    if (!start(std::move(command))) return then({});
+    if (command.empty() || !start(std::move(command))) {
+        tell_(
+            program_.empty()
+                ? "Files are chosen by zenity or kdialog, and neither is installed. Files can be dropped on "
+                  "the page, or named when the program is started."
+                : program_ + " can't be started.");
+        return then({});
+    }
     then_ = std::move(then);
     loop_.watch(pipe_, [this] { read(); });
 }

@@ -15,8 +15,12 @@ namespace marnoth {
 /// loop's thread.
 class ProgramChooser final : public FileChooser {
 public:
-    /// `loop` outlives it. `program` is the program's path.
-    ProgramChooser(EventLoop& loop, std::string program) : loop_(loop), program_(std::move(program)) {}
+    /// What is told when nobody can be asked: a sentence for the user.
+    using Tell = std::function<void(const std::string&)>;
+
+    /// `loop` outlives it. `program` is the program's path; empty without one.
+    ProgramChooser(EventLoop& loop, std::string program, Tell tell)
+        : loop_(loop), program_(std::move(program)), tell_(std::move(tell)) {}
     ~ProgramChooser() override { cancel(); }
 
     void ask(std::string_view filter, FileKind kind, unsigned long window,
@@ -31,6 +35,7 @@ private:
 
     EventLoop& loop_;
     const std::string program_;
+    const Tell tell_;
     pid_t child_ = 0;
     int pipe_ = -1;
     std::string answer_;
