@@ -57,8 +57,8 @@ private:
     std::thread writer_;
 };
 
-/// The user's folder for what a program keeps between its runs: XDG's state folder (freedesktop.org, "XDG
-/// Base Directory Specification"), "marnoth" beneath it.
+/// The user's folder for what a program keeps between its runs: "marnoth" in the state folder of
+/// freedesktop.org's base directories.
 std::filesystem::path stateFolder();
 
 }  // namespace marnoth

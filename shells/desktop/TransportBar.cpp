@@ -200,7 +200,7 @@ void TransportBar::showTempo(double beatsPerMinute) {
 }
 
 void TransportBar::paintPage(Surface& surface) {
-    surface.BitBlt({0, 0, kWidth, kHeight}, drawBarGround(kWidth, kHeight), {0, 0});
+    surface.BitBlt({0, 0, kWidth, kHeight}, ground_, {0, 0});
     drawPosition(surface);
     drawLabels(surface);
     drawMeter(surface);

@@ -116,6 +116,7 @@ private:
     void drawLights(Surface& surface) const;
 
     TransportBarHost& host_;
+    const Bitmap ground_ = drawBarGround(kWidth, kHeight);
     std::unique_ptr<Font> font_;
     std::unique_ptr<Font> large_;
     std::map<BarSymbol, BarButtonPictures> pictures_;

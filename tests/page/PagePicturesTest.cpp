@@ -11,6 +11,7 @@
 #include "host/CreateInstance.h"
 #include "hostkit/HostRig.h"
 #include "page/Groove.h"
+#include "page/PagePlaces.h"
 #include "page/StoredPicture.h"
 #include "platform/drawing/HeadlessWindow.h"
 #include "platform/drawing/PlatformFonts.h"
@@ -20,28 +21,9 @@ namespace {
 
 constexpr int kPads = 16;
 
-constexpr Point kOnKeyTab{16, 260};
-constexpr Point kOnTail{504, 180};
-constexpr Point kOnZoomIn{571, 540};
 constexpr Point kOnZoomOut{560, 540};
-constexpr Point kOnRowsHigher{588, 523};
 constexpr Point kOnRowsLower{588, 512};
 constexpr Point kOnDelete{105, 58};
-constexpr Point kOnOutput{590, 28};
-
-Point onImage(int pad) {
-    return {padImage(pad).left + 20, padImage(pad).top + 20};
-}
-Point onSolo(int pad) {
-    return {padCell(pad).x + 43, padCell(pad).y + 8};
-}
-Point onBinRow(int file) {
-    return {40, kBinList.top + kBinRowHeight * file + 7};
-}
-/// A little right of a beat and in the middle of a pad's row, at the zoom that the page begins with.
-Point onRow(int pad, double beat) {
-    return {kPadPlot.left + static_cast<int>(54 * beat) + 4, kPadPlot.top + 10 * pad + 5};
-}
 
 /// An instrument and its page, as a host has them, and a user before it. Each test takes the page into one
 /// state: what is on the screen is compared with the stored picture, and a few facts are checked that the

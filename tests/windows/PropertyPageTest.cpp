@@ -5,6 +5,7 @@
 #include "host/CreateInstance.h"
 #include "hostkit/HostRig.h"
 #include "page/Groove.h"
+#include "page/PagePlaces.h"
 #include "platform/windows/SystemHandle.h"
 #include "seam/ClassIds.h"
 #include "shellkit/page/HeadlessPage.h"
@@ -15,25 +16,8 @@
 namespace marnoth::test::property_page_test {
 namespace {
 
-constexpr Point kOnKeyTab{16, 260};
-constexpr Point kOnTail{504, 180};
-constexpr Point kOnZoomIn{571, 540};
-constexpr Point kOnRowsHigher{588, 523};
-constexpr Point kOnOutput{590, 28};
 constexpr Point kOnClear{60, 36};
 
-Point onImage(int pad) {
-    return {padImage(pad).left + 20, padImage(pad).top + 20};
-}
-Point onSolo(int pad) {
-    return {padCell(pad).x + 43, padCell(pad).y + 8};
-}
-Point onBinRow(int file) {
-    return {40, kBinList.top + kBinRowHeight * file + 7};
-}
-Point onRow(int pad, double beat) {
-    return {kPadPlot.left + static_cast<int>(54 * beat) + 4, kPadPlot.top + 10 * pad + 5};
-}
 template <class Hand>
 void click(Hand& hand, Point at, int times = 1) {
     for (int i = 0; i < times; ++i) {
