@@ -68,7 +68,8 @@ public:
                    .title = "Marnoth",
                    .cursors = skinCursor},
                   *fonts_, questions_, chooser_),
-          audio_(options, instrument_, errors),
+          audio_(
+              audioSystems(), options, instrument_, [this](const std::string& what) { tell(what); }, errors),
           pages_(window_, kPageWidth, TransportBar::kHeight, kPageHeight),
           bar_(pages_.upperWindow(), *this),
           page_(pages_.lowerWindow()) {
@@ -113,7 +114,7 @@ public:
     }
     void panic() override { instrument_.panic(); }
     std::vector<MenuItem> settings() override { return audio_.menu(); }
-    void chooseSetting(int id) override { tell(audio_.choose(id)); }
+    void chooseSetting(int id) override { audio_.choose(id); }
 
 private:
     void openFiles(const std::vector<std::string>& files);
@@ -131,6 +132,7 @@ private:
     }
     void showNotice();
 
+    std::deque<std::string> notices_;
     LiveInstrument instrument_;
     EventLoop loop_;
     std::unique_ptr<FontSource> fonts_ = platformFonts();
@@ -148,7 +150,6 @@ private:
     EventLoop::Time nextCopy_ = EventLoop::Time::clock::now() + kCopyPeriod;
     std::uint64_t copied_ = 0;  ///< the count of changes at the last copy
     std::string title_;
-    std::deque<std::string> notices_;
     bool closesWhenSaved_ = false;
     bool isClosed_ = false;
 };

@@ -11,10 +11,10 @@ namespace marnoth {
 /// What the program is started with.
 struct DesktopOptions {
     std::vector<std::string> files;  ///< UTF-8: one project, or loops that go into the Loop Bin
-    std::string audio;               ///< "", "jack", "null", or part of a device's name
-    AudioWish wish;
-    double tempo = 0;  ///< beats per minute, in place of a song's; 0 where it isn't told
-    int scale = 0;     ///< pixels of the screen for one of the page; 0 by the user's resolution
+    std::string audio;               ///< what `findAudio` takes; empty for the best there is
+    AudioWish wish;                  ///< its device goes by `audio`
+    double tempo = 0;                ///< beats per minute, in place of a song's; 0 where it isn't told
+    int scale = 0;                   ///< pixels of the screen for one of the page; 0 by the user's resolution
 };
 
 /// The instrument in a window with sound, until the user closes it. Gives the program's exit status; what

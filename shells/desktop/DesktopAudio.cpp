@@ -1,62 +1,79 @@
 #include "shells/desktop/DesktopAudio.h"
 
 #include <stdexcept>
-
-#include "shells/desktop/JackDriver.h"
-#include "shells/desktop/NullDriver.h"
+#include <utility>
 
 namespace marnoth {
 
-namespace {
-
-constexpr const char* kJack = "jack";
-constexpr const char* kNull = "null";
-
-enum Choice { kUseJack = 1, kUseNull };
-
-}  // namespace
-
-DesktopAudio::DesktopAudio(const DesktopOptions& options, AudioClient& client, std::ostream& errors)
-    : options_(options), client_(client) {
-    const std::string failure = open(options.audio == kNull ? kNull : kJack);
-    if (failure.empty()) return;
-    if (options.audio == kJack) throw std::runtime_error(failure);
-    errors << failure << " The program plays without sound." << std::endl;
-    open(kNull);
+DesktopAudio::DesktopAudio(AudioSystems systems, const DesktopOptions& options, AudioClient& client,
+                           Tell tell, std::ostream& errors)
+    : systems_(std::move(systems)),
+      wish_(options.wish),
+      client_(client),
+      tell_(std::move(tell)),
+      errors_(errors) {
+    if (options.audio.empty())
+        openBest();
+    else
+        openNamed(options.audio);
 }
 
-std::string DesktopAudio::open(const std::string& kind) try {
+void DesktopAudio::openNamed(const std::string& name) {
+    const auto choice = findAudio(systems_, name);
+    if (!choice) throw std::runtime_error("There is no audio system or device " + name + ".");
+    choice_ = *choice;
+    if (const std::string failure = open(choice_); !failure.empty()) throw std::runtime_error(failure);
+}
+
+void DesktopAudio::openBest() {
+    std::string failures;
+    for (const auto& system : systems_) {
+        choice_ = {system.get(), {}};
+        const std::string failure = open(choice_);
+        if (failure.empty()) break;
+        failures += failure + " ";
+    }
+    if (choice_.system != systems_.back().get()) return;
+    const std::string sentence = failures + "The program plays without sound.";
+    errors_ << sentence << std::endl;
+    tell_(sentence);
+}
+
+std::string DesktopAudio::open(const AudioChoice& choice) try {
     // Of two no more than one renders.
     driver_.reset();
-    if (kind == kJack)
-        driver_ = std::make_unique<JackDriver>(options_.wish, client_);
-    else
-        driver_ = std::make_unique<NullDriver>(options_.wish, client_);
+    AudioWish wish = wish_;
+    wish.device = choice.device;
+    driver_ = choice.system->open(wish, client_);
+    present_ = choice.system;
     return {};
 } catch (const std::runtime_error& error) {
     return error.what();
 }
 
 void DesktopAudio::look() {
-    if (!driver_->trouble().empty()) {
+    if (const std::string trouble = driver_->trouble(); !trouble.empty()) {
         isLost_ = true;
-        open(kNull);
+        tell_(trouble + " The program plays on without sound.");
+        openNone();
     }
-    if (isLost_ && open(kJack).empty()) isLost_ = false;
-    if (!driver_) open(kNull);
+    if (isLost_ && open(choice_).empty()) isLost_ = false;
+    if (!driver_) openNone();
     driver_->look();
 }
 
 std::vector<MenuItem> DesktopAudio::menu() const {
-    const bool playsJack = driver_->name() == "JACK";
-    return {{kUseJack, "JACK", playsJack}, {kUseNull, "No sound", !playsJack}};
+    std::vector<MenuItem> items;
+    for (const auto& system : systems_)
+        items.push_back({static_cast<int>(items.size()) + 1, system->name(), system.get() == present_});
+    return items;
 }
 
-std::string DesktopAudio::choose(int id) {
+void DesktopAudio::choose(int id) {
     isLost_ = false;
-    std::string failure = open(id == kUseJack ? kJack : kNull);
-    if (!driver_) open(kNull);
-    return failure;
+    choice_ = {systems_.at(static_cast<std::size_t>(id) - 1).get(), {}};
+    tell_(open(choice_));
+    if (!driver_) openNone();
 }
 
 }  // namespace marnoth

@@ -7,11 +7,6 @@ namespace marnoth {
 
 namespace {
 
-const JackLibrary& library() {
-    if (const JackLibrary* const jack = JackLibrary::find()) return *jack;
-    throw std::runtime_error("JACK isn't installed.");
-}
-
 std::string portName(int pointer) {
     const int output = pointer / 2;
     const std::string side = pointer % 2 == 0 ? "left" : "right";
@@ -24,22 +19,26 @@ bool contains(const std::string& text, const std::string& part) {
 
 }  // namespace
 
-JackDriver::JackDriver(const AudioWish& wish, AudioClient& client)
-    : jack_(library()), client_(client), wish_(wish) {
-    // The library tells on standard error what we tell ourselves.
-    jack_.set_error_function([](const char*) {});
-    handle_ = jack_.client_open("Marnoth", JackNoStartServer, nullptr);
-    if (!handle_) throw std::runtime_error("No JACK server runs.");
-    const auto refuse = [this](const std::string& why) {
-        jack_.client_close(handle_);
-        throw std::runtime_error(why);
-    };
+JackDriver::JackDriver(const JackLibrary& jack, std::shared_ptr<const JackClient> connection,
+                       const AudioWish& wish, AudioClient& client)
+    : jack_(jack),
+      client_(client),
+      wish_(wish),
+      connection_(std::move(connection)),
+      handle_(connection_->handle()) {
     rate_ = jack_.get_sample_rate(handle_);
     frames_ = static_cast<std::int32_t>(jack_.get_buffer_size(handle_));
     if (wish_.rate && wish_.rate != rate_)
-        refuse("JACK runs at " + std::to_string(rate_) + ", not at " + std::to_string(wish_.rate) + ".");
-    if (!addPorts()) refuse("JACK gives no more ports.");
-    if (!client_.prepare(rate_, frames_)) refuse("The instrument can't be started.");
+        throw std::runtime_error("JACK runs at " + std::to_string(rate_) + ", not at " +
+                                 std::to_string(wish_.rate) + ".");
+    if (!addPorts()) throw std::runtime_error("JACK gives no more ports.");
+    if (!client_.prepare(rate_, frames_)) throw std::runtime_error("The instrument can't be started.");
+    answerCallbacks();
+    if (jack_.activate(handle_) != 0) throw std::runtime_error("JACK doesn't start us.");
+    look();
+}
+
+void JackDriver::answerCallbacks() {
     jack_.set_process_callback(
         handle_,
         [](jack_nframes_t frames, void* self) {
@@ -64,12 +63,11 @@ JackDriver::JackDriver(const AudioWish& wish, AudioClient& client)
     jack_.on_info_shutdown(
         handle_, [](jack_status_t, const char*, void* self) { static_cast<JackDriver*>(self)->gone_ = true; },
         this);
-    if (jack_.activate(handle_) != 0) refuse("JACK doesn't start us.");
-    look();
 }
 
 JackDriver::~JackDriver() {
-    jack_.client_close(handle_);
+    // The connection may be in use for a moment yet by who asks for devices.
+    jack_.deactivate(handle_);
 }
 
 bool JackDriver::addPorts() {
@@ -101,15 +99,6 @@ std::string JackDriver::trouble() const {
     return gone_ ? "The JACK server has ended." : std::string();
 }
 
-std::vector<std::string> JackDriver::portsOf(const char* type, unsigned long flags) const {
-    std::vector<std::string> names;
-    const char** const ports = jack_.get_ports(handle_, nullptr, type, flags);
-    if (!ports) return names;
-    for (const char** port = ports; *port; ++port) names.emplace_back(*port);
-    jack_.free(ports);
-    return names;
-}
-
 void JackDriver::look() {
     if (gone_) return;
     if (!mixIsConnected_) connectMix();
@@ -118,14 +107,14 @@ void JackDriver::look() {
 
 void JackDriver::connectMix() {
     std::vector<std::string> speakers =
-        portsOf(JACK_DEFAULT_AUDIO_TYPE, JackPortIsInput | JackPortIsPhysical);
+        connection_->ports(JACK_DEFAULT_AUDIO_TYPE, JackPortIsInput | JackPortIsPhysical);
     std::erase_if(speakers, [&](const std::string& name) { return !contains(name, wish_.device); });
     for (std::size_t side = 0; side < std::min<std::size_t>(2, speakers.size()); ++side)
         mixIsConnected_ |= jack_.connect(handle_, jack_.port_name(audio_[side]), speakers[side].c_str()) == 0;
 }
 
 void JackDriver::connectMidi() {
-    for (const std::string& port : portsOf(JACK_DEFAULT_MIDI_TYPE, JackPortIsOutput)) {
+    for (const std::string& port : connection_->ports(JACK_DEFAULT_MIDI_TYPE, JackPortIsOutput)) {
         if (!contains(port, wish_.midiPort) || std::ranges::count(knownMidi_, port) > 0) continue;
         if (jack_.connect(handle_, port.c_str(), jack_.port_name(midi_)) == 0) knownMidi_.push_back(port);
     }

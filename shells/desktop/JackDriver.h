@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "shells/desktop/AudioDriver.h"
-#include "shells/desktop/JackLibrary.h"
+#include "shells/desktop/JackClient.h"
 
 namespace marnoth {
 
@@ -16,9 +16,10 @@ namespace marnoth {
 /// whenever such ports come.
 class JackDriver final : public AudioDriver {
 public:
-    /// `client` outlives it. Throws `std::runtime_error`, with a sentence for the user, when no server runs
-    /// or it has another rate than is wished.
-    JackDriver(const AudioWish& wish, AudioClient& client);
+    /// `jack` and `client` outlive it; nobody else renders through `connection`. Throws `std::runtime_error`,
+    /// with a sentence for the user, when the server has another rate than is wished or refuses.
+    JackDriver(const JackLibrary& jack, std::shared_ptr<const JackClient> connection, const AudioWish& wish,
+               AudioClient& client);
     ~JackDriver() override;
 
     std::string name() const override { return "JACK"; }
@@ -32,13 +33,13 @@ private:
     bool addPorts();
     void connectMix();
     void connectMidi();
-    /// The names of ports of others; physical ones first, as the server lists them.
-    std::vector<std::string> portsOf(const char* type, unsigned long flags) const;
+    void answerCallbacks();
 
     const JackLibrary& jack_;
     AudioClient& client_;
     const AudioWish wish_;
-    jack_client_t* handle_ = nullptr;
+    const std::shared_ptr<const JackClient> connection_;
+    jack_client_t* const handle_;
     std::array<jack_port_t*, SeparateOutputs::kPointers> audio_{};
     jack_port_t* midi_ = nullptr;
     std::uint32_t rate_ = 0;

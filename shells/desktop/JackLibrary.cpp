@@ -16,6 +16,7 @@ bool findAll(void* library, JackLibrary& jack) {
     return find(library, "jack_client_open", jack.client_open) &&
            find(library, "jack_client_close", jack.client_close) &&
            find(library, "jack_activate", jack.activate) &&
+           find(library, "jack_deactivate", jack.deactivate) &&
            find(library, "jack_get_sample_rate", jack.get_sample_rate) &&
            find(library, "jack_get_buffer_size", jack.get_buffer_size) &&
            find(library, "jack_set_process_callback", jack.set_process_callback) &&

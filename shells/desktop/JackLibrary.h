@@ -12,6 +12,7 @@ struct JackLibrary {
     decltype(&jack_client_open) client_open = nullptr;
     decltype(&jack_client_close) client_close = nullptr;
     decltype(&jack_activate) activate = nullptr;
+    decltype(&jack_deactivate) deactivate = nullptr;
     decltype(&jack_get_sample_rate) get_sample_rate = nullptr;
     decltype(&jack_get_buffer_size) get_buffer_size = nullptr;
     decltype(&jack_set_process_callback) set_process_callback = nullptr;

@@ -20,8 +20,7 @@ int kPlay(const PlayOptions& told, const Streams& streams) {
     options.audio = told.audio;
     options.tempo = told.tempo;
     options.scale = told.scale;
-    const bool namesDevice = told.audio != "jack" && told.audio != "null";
-    options.wish = {namesDevice ? told.audio : "", told.midi, told.rate, told.block};
+    options.wish = {{}, told.midi, told.rate, told.block};
     return playOnDesktop(options, streams.errors);
 }
 #endif
