@@ -296,6 +296,8 @@ void CommandGrammar::addPlay(Request& request) {
                      "Size of a pixel, 1 to 8; by the screen's resolution by default")
         ->check(wholeWithin(1, 8))
         ->type_name("S");
+    play->add_flag("--verbose", options.verbose,
+                   "At the end, tell how long blocks took, and how many were late or dropped out");
     play->footer(kPlayHelp);
 }
 

@@ -18,6 +18,7 @@ struct PlayOptions {
     std::int32_t block = 0;  ///< frames; 0 for the device's own
     double tempo = 0;        ///< beats per minute; 0 where it isn't told
     int scale = 0;           ///< size of a pixel; 0 by the screen's resolution
+    bool verbose = false;    ///< how the blocks of sound went is told at the end
 };
 
 /// Opens the window and gives the exit status when it is closed. Throws as commands do.

@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <deque>
 #include <fstream>
+#include <iomanip>
 #include <iterator>
 #include <memory>
 #include <stdexcept>
@@ -98,6 +99,9 @@ public:
         if (!isClosed_ && project_.hasChanged()) keepForNextTime();
         return 0;
     }
+
+    /// What a player who looks for dropouts wants to know of the time that is over.
+    void tellBlocks(std::ostream& out);
 
     // TransportBarHost.
     State look() override;
@@ -285,7 +289,7 @@ TransportBarHost::State Desktop::look() {
     state.tempo = instrument_.tempo();
     state.peakLeft = instrument_.master().takePeak(0);
     state.peakRight = instrument_.master().takePeak(1);
-    state.load = instrument_.takeLoad();
+    state.load = instrument_.blockTimes().takeRecent();
     state.messages = instrument_.messages();
     state.dropouts = instrument_.dropouts();
     return state;
@@ -300,11 +304,21 @@ void Desktop::record(bool on) {
     }
 }
 
+void Desktop::tellBlocks(std::ostream& out) {
+    const BlockTimes& times = instrument_.blockTimes();
+    constexpr double kPercent = 100.0;
+    out << std::fixed << std::setprecision(1) << "Blocks: " << times.blocks() << ", of their time "
+        << times.mean() * kPercent << " % in the mean and " << static_cast<double>(times.worst()) * kPercent
+        << " % at the worst; late: " << times.late() << "; dropouts: " << instrument_.dropouts() << std::endl;
+}
+
 }  // namespace
 
 int runDesktop(const DesktopOptions& options, std::ostream& errors) {
     Desktop desktop(options, errors);
-    return desktop.run();
+    const int status = desktop.run();
+    if (options.verbose) desktop.tellBlocks(errors);
+    return status;
 }
 
 }  // namespace marnoth

@@ -15,6 +15,7 @@ struct DesktopOptions {
     AudioWish wish;                  ///< its device goes by `audio`
     double tempo = 0;                ///< beats per minute, in place of a song's; 0 where it isn't told
     int scale = 0;                   ///< pixels of the screen for one of the page; 0 by the user's resolution
+    bool verbose = false;            ///< how the blocks of sound went is told at the end
 };
 
 /// The instrument in a window with sound, until the user closes it. Gives the program's exit status; what

@@ -207,7 +207,7 @@ void LiveInstrument::render(std::int32_t frames, OutputPointers outputs) {
     tick_ = transport_.tick();
     tempo_ = transport_.tempo();
     const std::chrono::duration<float> took = Clock::now() - begin;
-    load_ = std::max<float>(load_, took.count() * static_cast<float>(rate_) / static_cast<float>(frames));
+    times_.note(took.count() * static_cast<float>(rate_) / static_cast<float>(frames));
 }
 
 }  // namespace marnoth

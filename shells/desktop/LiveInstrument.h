@@ -13,6 +13,7 @@
 #include "hostkit/LiveHost.h"
 #include "hostkit/OwnTransport.h"
 #include "shells/desktop/AudioDriver.h"
+#include "shells/desktop/BlockTimes.h"
 #include "shells/desktop/MasterLevel.h"
 #include "shells/desktop/Metronome.h"
 #include "shells/desktop/Song.h"
@@ -64,8 +65,7 @@ public:
     /// How often something wasn't heard, and how many messages came.
     std::uint32_t dropouts() const { return dropouts_; }
     std::uint32_t messages() const { return messages_; }
-    /// The longest block since the last call, as a part of its own length in time.
-    float takeLoad() { return load_.exchange(0.0f); }
+    BlockTimes& blockTimes() { return times_; }
 
     // AudioClient.
     bool prepare(std::uint32_t rate, std::int32_t mostFrames) override;
@@ -108,7 +108,7 @@ private:
     std::atomic<double> tempo_ = kDefaultLiveTempo;
     std::atomic<std::uint32_t> dropouts_ = 0;
     std::atomic<std::uint32_t> messages_ = 0;
-    std::atomic<float> load_ = 0.0f;
+    BlockTimes times_;
 
     // The thread that renders.
     OwnTransport transport_;

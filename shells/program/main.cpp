@@ -20,6 +20,7 @@ int kPlay(const PlayOptions& told, const Streams& streams) {
     options.audio = told.audio;
     options.tempo = told.tempo;
     options.scale = told.scale;
+    options.verbose = told.verbose;
     options.wish = {{}, told.midi, told.rate, told.block};
     return playOnDesktop(options, streams.errors);
 }

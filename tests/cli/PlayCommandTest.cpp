@@ -36,7 +36,7 @@ TEST(PlayCommand, WithoutArgumentsTheProgramPlays) {
 
 TEST(PlayCommand, HandsOnWhatItIsTold) {
     const PlayRun run({"play", "a.mrn", "b.mid", "--audio", "jack", "--midi", "keys", "--rate", "48000",
-                       "--block", "64", "--tempo", "97.5", "--scale", "2"});
+                       "--block", "64", "--tempo", "97.5", "--scale", "2", "--verbose"});
     EXPECT_EQ(run.options.files, (std::vector<std::string>{"a.mrn", "b.mid"}));
     EXPECT_EQ(run.options.audio, "jack");
     EXPECT_EQ(run.options.midi, "keys");
@@ -44,6 +44,7 @@ TEST(PlayCommand, HandsOnWhatItIsTold) {
     EXPECT_EQ(run.options.block, 64);
     EXPECT_EQ(run.options.tempo, 97.5);
     EXPECT_EQ(run.options.scale, 2);
+    EXPECT_TRUE(run.options.verbose);
 }
 
 TEST(PlayCommand, RefusesNumbersThatCantBe) {
