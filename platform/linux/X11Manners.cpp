@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <vector>
 
 #include "platform/linux/X11Property.h"
 
@@ -31,6 +32,16 @@ X11Manners::X11Manners(X11Display& display, ::Window window, const std::string& 
     XChangeProperty(d, window_, display_.atom("_NET_WM_PID"), XA_CARDINAL, 32, PropModeReplace,
                     reinterpret_cast<const unsigned char*>(&process), 1);
     setTitle(title);
+}
+
+void X11Manners::setIcon(std::span<const IconPicture> icon) {
+    std::vector<unsigned long> words;
+    for (const IconPicture& picture : icon) {
+        words.insert(words.end(), 2, picture.size);
+        words.insert(words.end(), picture.pixels.begin(), picture.pixels.end());
+    }
+    XChangeProperty(display_.get(), window_, display_.atom("_NET_WM_ICON"), XA_CARDINAL, 32, PropModeReplace,
+                    reinterpret_cast<const unsigned char*>(words.data()), static_cast<int>(words.size()));
 }
 
 void X11Manners::setTitle(const std::string& title) {

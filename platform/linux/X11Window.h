@@ -5,8 +5,10 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "platform/drawing/CursorPicture.h"
+#include "platform/drawing/IconPicture.h"
 #include "platform/drawing/PageWindow.h"
 
 namespace marnoth {
@@ -32,6 +34,7 @@ public:
         int height = 0;
         std::string title;  ///< UTF-8
         CursorPictures cursors;
+        std::vector<IconPicture> icon;  ///< of a window of its own, in any number of sizes
     };
 
     /// `fonts`, `questions` and `files` outlive it. Throws `std::runtime_error`, with a sentence for the

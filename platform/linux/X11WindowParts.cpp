@@ -55,7 +55,7 @@ X11Window::Parts::Parts(const Setup& setup, FontSource& fontSource, QuestionView
       drop(
           display, window, [this] { return listener(); }, [this](Point at) { return toPage(at); }),
       shown(setup.width, setup.height) {
-    if (!isEmbedded) manners.emplace(display, window, setup.title);
+    if (!isEmbedded) manners.emplace(display, window, setup.title).setIcon(setup.icon);
 }
 
 X11Window::Parts::~Parts() {

@@ -27,6 +27,7 @@
 #include "shells/desktop/OpenProject.h"
 #include "shells/desktop/PadKeys.h"
 #include "shells/desktop/ProgramChooser.h"
+#include "shells/desktop/ProgramIcon.h"
 #include "shells/desktop/RecoveryFile.h"
 #include "shells/desktop/StackedPages.h"
 #include "shells/desktop/Takes.h"
@@ -67,7 +68,8 @@ public:
                    .width = kPageWidth,
                    .height = TransportBar::kHeight + kPageHeight,
                    .title = "Marnoth",
-                   .cursors = skinCursor},
+                   .cursors = skinCursor,
+                   .icon = programIcon()},
                   *fonts_, questions_, chooser_),
           audio_(
               audioSystems(), options, instrument_, [this](const std::string& what) { tell(what); }, errors),

@@ -20,8 +20,13 @@ if(SUFFIX)
 else()
     list(APPEND expected
         lib/marnoth/marnoth-desktop.so
+        share/applications/marnoth.desktop share/icons/hicolor/scalable/apps/marnoth.svg
+        share/mime/packages/marnoth.xml
         share/bash-completion/completions/marnoth share/fish/vendor_completions.d/marnoth.fish
         share/man/man1/marnoth.1 share/zsh/site-functions/_marnoth)
+    foreach(size 16 24 32 48 64 128 256)
+        list(APPEND expected share/icons/hicolor/${size}x${size}/apps/marnoth.png)
+    endforeach()
 endif()
 file(GLOB_RECURSE installed RELATIVE "${FOLDER}/prefix" "${FOLDER}/prefix/*")
 list(SORT installed)

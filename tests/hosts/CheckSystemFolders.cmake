@@ -1,5 +1,5 @@
 # Installs as the maker of a package does, for the prefix /usr into a folder of its own:
-# cmake -DBUILD=... -DVERSION=... -DFOLDER=... -P CheckSystemFolders.cmake
+# cmake -DBUILD=... -DVERSION=... -DFOLDER=... -DSOUND=... -P CheckSystemFolders.cmake
 
 file(REMOVE_RECURSE "${FOLDER}")
 file(MAKE_DIRECTORY "${FOLDER}")
@@ -20,6 +20,7 @@ run(${CMAKE_COMMAND} -E env "DESTDIR=${stage}" ${CMAKE_COMMAND} --install "${BUI
 set(expected
     usr/bin/marnoth
     usr/lib/marnoth/marnoth-desktop.so
+    usr/share/applications/marnoth.desktop
     usr/share/bash-completion/completions/marnoth
     usr/share/doc/marnoth/CHANGELOG.md
     usr/share/doc/marnoth/README.md
@@ -27,8 +28,13 @@ set(expected
     usr/share/doc/marnoth/assets/page-windows.png
     usr/share/doc/marnoth/assets/page.png
     usr/share/fish/vendor_completions.d/marnoth.fish
+    usr/share/icons/hicolor/scalable/apps/marnoth.svg
     usr/share/man/man1/marnoth.1
+    usr/share/mime/packages/marnoth.xml
     usr/share/zsh/site-functions/_marnoth)
+foreach(size 16 24 32 48 64 128 256)
+    list(APPEND expected usr/share/icons/hicolor/${size}x${size}/apps/marnoth.png)
+endforeach()
 file(GLOB_RECURSE installed RELATIVE "${stage}" "${stage}/*")
 list(SORT installed)
 list(SORT expected)
@@ -54,3 +60,6 @@ endif()
 
 # The completions complete.
 run(${CMAKE_CURRENT_LIST_DIR}/check-completions "${stage}/usr/share" "${FOLDER}/completions")
+
+# A desktop knows the program and its files.
+run(${CMAKE_CURRENT_LIST_DIR}/check-desktop-files "${stage}/usr" "${SOUND}" "${FOLDER}/desktop-files")

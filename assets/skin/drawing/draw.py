@@ -1,5 +1,7 @@
 #!/usr/bin/env python3
-"""Draws every picture of the skin and writes it as a BMP, and the program's icon. Usage: draw.py DIRECTORY [--svg DIRECTORY]"""
+"""Draws every picture of the skin and writes it as a BMP, and the program's icon, which goes into ../icon too.
+
+Usage: draw.py DIRECTORY [--svg DIRECTORY]"""
 
 import argparse
 import pathlib
@@ -65,6 +67,10 @@ def main():
     for name, sheet in drawings():
         write(name, render(name, sheet))
     (words.directory / "marnoth.ico").write_bytes(icon.file())
+    icons = words.directory.parent / "icon"
+    for size in icon.SIZES:
+        (icons / ("%d.png" % size)).write_bytes(raster.png(icon.drawing(size)))
+    (icons / "marnoth.svg").write_text(icon.drawing(max(icon.SIZES)).source())
 
 
 main()

@@ -8,12 +8,16 @@ from svg import BLACK, BRIGHT, DEEP_GREEN, GREEN, GROUND, LINE, WHITE, Sheet, mi
 # For each size the pad's margin and corners, and the bars: left, width, step from one to the next, and heights.
 SIZES = {
     16: (0, 3, (2, 2, 3, (4, 10, 8, 4))),
+    24: (0, 4, (3, 3, 5, (6, 14, 12, 6))),
     32: (1, 6, (6, 4, 5, (8, 20, 14, 8))),
     48: (2, 9, (9, 6, 8, (12, 28, 20, 12))),
+    64: (2, 12, (12, 9, 11, (16, 38, 28, 16))),
+    128: (5, 23, (24, 17, 21, (32, 74, 54, 32))),
     256: (10, 46, (48, 34, 42, (64, 148, 108, 64))),
 }
 COLOURS = (DEEP_GREEN, GREEN, BRIGHT, DEEP_GREEN)
-PACKED_FROM = 256  # so large an image is a PNG; smaller ones are bitmaps, which every reader of icons knows
+IN_ONE_FILE = (16, 32, 48, 256)  # for systems that keep all sizes in one file
+PACKED_FROM = 256  # so large an image is a PNG in it; smaller ones are bitmaps, which every reader of icons knows
 
 
 def drawing(size):
@@ -56,7 +60,7 @@ def ico(images):
 
 def file():
     images = []
-    for size in SIZES:
+    for size in IN_ONE_FILE:
         png = raster.png(drawing(size))
         images.append((size, png if size >= PACKED_FROM else bitmap(raster.rows_of_png(png, alpha=True))))
     return ico(images)

@@ -70,5 +70,6 @@ class Sheet:
                      font_family=family, **more)
 
     def source(self):
-        return ('<svg xmlns="http://www.w3.org/2000/svg" width="%d" height="%d"><defs>%s</defs>\n%s\n</svg>\n'
-                % (self.width, self.height, "".join(self.defs), "\n".join(self.parts)))
+        size = (self.width, self.height)
+        return ('<svg xmlns="http://www.w3.org/2000/svg" width="%d" height="%d" viewBox="0 0 %d %d"><defs>%s</defs>\n%s\n</svg>\n'
+                % (*size, *size, "".join(self.defs), "\n".join(self.parts)))
