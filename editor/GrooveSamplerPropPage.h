@@ -51,11 +51,16 @@ public:
     void adviseOnLoads(LoadAdvisor advisor) { m_files.adviseOnLoads(std::move(advisor)); }
     /// And what it has to say of them before they are.
     void checkLoads(LoadCheck check) { m_files.checkLoads(std::move(check)); }
+    /// And whether the project that there is may go for another.
+    void guardLoads(LoadGuard guard) { m_files.guardLoads(std::move(guard)); }
     /// For a shell that shows which project is open: hears of each that is loaded or saved here.
     void tellOfProjects(ProjectListener listener) { m_files.tellOfProjects(std::move(listener)); }
-    /// Asks where to, as the page's own button does.
-    void saveProject() {
-        carryOut([this] { m_files.saveProject(); });
+    /// Loads it as the page's own button does, and empties all as that does, once the user has chosen.
+    void openProject(const std::string& path) {
+        carryOut([&] { m_files.openProject(path); });
+    }
+    void emptyProject() {
+        carryOut([this] { m_files.emptyProject(); });
     }
 
     /// How root notes are named and set; `fromA` at first. Shells whose hosts give the project's key by the

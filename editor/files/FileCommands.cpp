@@ -119,9 +119,18 @@ void FileCommands::report(const LoadResult& result, const std::function<void()>&
 }
 
 void FileCommands::runProject(const std::string& path, bool save, const std::function<void()>& then) {
+    if (save) return carryOutProject(path, save, then);
+    if (const std::optional<LoadAdvice> advice = check_ ? check_(path) : std::nullopt)
+        return advise(*advice, then);
+    if (!guard_) return carryOutProject(path, save, then);
+    guard_([this, path, then](bool mayGo) {
+        if (mayGo) return carryOutProject(path, false, then);
+        then();
+    });
+}
+
+void FileCommands::carryOutProject(const std::string& path, bool save, const std::function<void()>& then) {
     const EngineFile file(path, save ? NamedFile::fresh : NamedFile::existing);
-    if (check_ && !save)
-        if (const std::optional<LoadAdvice> advice = check_(path)) return advise(*advice, then);
     const BoundEngine& engine = page_.engine();
     HRESULT result = E_INVALIDARG;
     try {
@@ -175,15 +184,25 @@ void FileCommands::openForBin() {
 void FileCommands::clearProject() {
     poll_(false);
     page_.questions().askMessage(kAskClearProject, MessageKind::yesNo, [this](PageAnswer answer) {
-        if (answer == PageAnswer::yes) {
-            page_.view().currentBinFile = -1;
-            page_.SelectPad(0);
-            page_.view().clearSelections();
-            page_.engine().call(&IGrooveSampler::ClearProject);
-            page_.engine().requestRefresh();
-        }
+        if (answer == PageAnswer::yes) emptyProject();
         poll_(true);
     });
+}
+
+void FileCommands::emptyProject() {
+    page_.view().currentBinFile = -1;
+    page_.SelectPad(0);
+    page_.view().clearSelections();
+    page_.engine().call(&IGrooveSampler::ClearProject);
+    page_.engine().requestRefresh();
+}
+
+void FileCommands::openProject(const std::string& path) {
+    keyboard_();
+    page_.view().currentBinFile = -1;
+    page_.SelectPad(0);
+    page_.view().clearSelections();
+    runProject(path, false, [this] { page_.engine().requestRefresh(); });
 }
 
 LoadResult FileCommands::loadIntoBin(std::span<const std::string> paths) {

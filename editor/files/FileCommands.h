@@ -42,10 +42,14 @@ public:
     void adviseOnLoads(LoadAdvisor advisor) { advisor_ = std::move(advisor); }
     /// From now on a project is loaded only when `check` has nothing to say of it.
     void checkLoads(LoadCheck check) { check_ = std::move(check); }
+    /// From now on a project is loaded only when `guard` lets the one that there is go.
+    void guardLoads(LoadGuard guard) { guard_ = std::move(guard); }
     /// From now on `listener` hears of each project that is loaded or saved.
     void tellOfProjects(ProjectListener listener) { listener_ = std::move(listener); }
-    /// As the button does.
-    void saveProject() { projectCommand(true); }
+    /// As the button does once its user has chosen.
+    void openProject(const std::string& path);
+    /// As the button does once its user has agreed.
+    void emptyProject();
 
     /// Asks for a file and loads or saves it. `then` follows, also when the user cancels.
     void RunFileCommand(FileTarget target, bool save, std::function<void()> then);
@@ -63,6 +67,7 @@ private:
     LoadResult load(FileTarget target, const std::string& path);
     void loadChosen(FileTarget target, const std::string& path, const std::function<void()>& then);
     void runProject(const std::string& path, bool save, const std::function<void()>& then);
+    void carryOutProject(const std::string& path, bool save, const std::function<void()>& then);
     void advise(const LoadAdvice& advice, const std::function<void()>& then);
     void projectCommand(bool save);
     void openForPad(int pad);
@@ -75,6 +80,7 @@ private:
     std::function<void(bool)> poll_;
     LoadAdvisor advisor_;
     LoadCheck check_;
+    LoadGuard guard_;
     ProjectListener listener_;
 };
 

@@ -19,6 +19,10 @@ using LoadAdvisor = std::function<LoadAdvice(const std::string& path)>;
 /// begins with an empty project whatever comes of it; nothing where it may be loaded.
 using LoadCheck = std::function<std::optional<LoadAdvice>(const std::string& path)>;
 
+/// Whether a shell lets the project that there is go for another one: it calls `then` with that, at once or
+/// when its user has answered, on the same thread.
+using LoadGuard = std::function<void(std::function<void(bool mayGo)> then)>;
+
 /// Told that the instrument holds what `path` does: it was just loaded from there or saved to it.
 using ProjectListener = std::function<void(const std::string& path)>;
 

@@ -54,8 +54,8 @@ enum class PageCursor { arrow, dragCopy, sizeHorizontal, sizeVertical, none };
 
 enum class WheelAxis { vertical, horizontal };
 
-/// A message is told, or answered by yes or no.
-enum class MessageKind { note, yesNo };
+/// A message is told, or answered by yes or no, or by those with a button for neither.
+enum class MessageKind { note, yesNo, yesNoCancel };
 enum class FileKind { open, save };
 enum class PageAnswer { ok, cancel, yes, no };
 
@@ -110,7 +110,7 @@ public:
     // has it at once, else when it comes, with nothing else of the page under way. What is shown and can't be
     // answered any more counts as cancelled. The page has one question open at a time, and while it has the
     // window keeps the user's input away from the page if it can; what comes all the same the page ignores.
-    /// `note` is answered by ok, `yesNo` by yes or no; either by cancel.
+    /// `note` is answered by ok, the others by yes or no; each by cancel.
     virtual void askMessage(std::string_view text, MessageKind kind,
                             std::function<void(PageAnswer)> then) = 0;
     /// `filter` is "Name (*.ext)|*.ext||". The answer is a full path, or nothing when the user cancels.

@@ -3,8 +3,10 @@
 namespace marnoth {
 
 ShownQuestion shownMessage(std::string_view text, MessageKind kind) {
-    using Buttons = std::vector<std::string>;
-    return {std::string(text), kind == MessageKind::note ? Buttons{"OK"} : Buttons{"Yes", "No"}, {}, {}};
+    std::vector<std::string> buttons{"OK"};
+    if (kind != MessageKind::note) buttons = {"Yes", "No"};
+    if (kind == MessageKind::yesNoCancel) buttons.emplace_back("Cancel");
+    return {std::string(text), buttons, {}, {}};
 }
 
 }  // namespace marnoth

@@ -126,7 +126,7 @@ void X11Window::askMessage(std::string_view text, MessageKind kind, std::functio
     parts_->ask(shownMessage(text, kind), [kind, then = std::move(then)](int button) {
         if (button == QuestionView::kCancelled) return then(PageAnswer::cancel);
         if (kind == MessageKind::note) return then(PageAnswer::ok);
-        then(button == 0 ? PageAnswer::yes : PageAnswer::no);
+        then(button == 0 ? PageAnswer::yes : button == 1 ? PageAnswer::no : PageAnswer::cancel);
     });
 }
 

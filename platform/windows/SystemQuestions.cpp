@@ -20,7 +20,9 @@ std::wstring menuText(std::string_view text) {
 }  // namespace
 
 PageAnswer showMessage(HWND owner, std::string_view text, MessageKind kind) {
-    const UINT buttons = kind == MessageKind::note ? MB_OK : MB_YESNO;
+    const UINT buttons = kind == MessageKind::note    ? MB_OK
+                         : kind == MessageKind::yesNo ? MB_YESNO
+                                                      : MB_YESNOCANCEL;
     switch (MessageBoxW(owner, wideFromUtf8(text).c_str(), L"", buttons)) {
         case IDOK:
             return PageAnswer::ok;

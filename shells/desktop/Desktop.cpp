@@ -2,10 +2,7 @@
 
 #include <array>
 #include <cstdlib>
-#include <deque>
-#include <fstream>
 #include <iomanip>
-#include <iterator>
 #include <memory>
 #include <stdexcept>
 
@@ -24,11 +21,12 @@
 #include "shells/desktop/DialogPrograms.h"
 #include "shells/desktop/EventLoop.h"
 #include "shells/desktop/LiveInstrument.h"
-#include "shells/desktop/OpenProject.h"
+#include "shells/desktop/Notices.h"
 #include "shells/desktop/PadKeys.h"
 #include "shells/desktop/ProgramChooser.h"
 #include "shells/desktop/ProgramIcon.h"
-#include "shells/desktop/RecoveryFile.h"
+#include "shells/desktop/ProjectCommands.h"
+#include "shells/desktop/ProjectRecovery.h"
 #include "shells/desktop/StackedPages.h"
 #include "shells/desktop/Takes.h"
 #include "shells/desktop/TransportBar.h"
@@ -39,7 +37,6 @@ namespace {
 
 constexpr int kQuestionHeight = 14;  ///< of the texts of a question, pixels
 constexpr std::chrono::seconds kLookPeriod{1};
-constexpr std::chrono::seconds kCopyPeriod{60};  ///< of the open project, for after a crash
 
 bool isSong(const std::string& file) {
     return file.ends_with(".mid") || file.ends_with(".midi") || file.ends_with(".MID");
@@ -98,7 +95,8 @@ public:
             loop_.wait(std::min(window_.deadline().value_or(nextLook), nextLook));
         }
         instrument_.recorder().stop();
-        if (!isClosed_ && project_.hasChanged()) keepForNextTime();
+        // The window was taken away, or the display has ended.
+        if (!isClosed_) recovery_.keepChanges();
         return 0;
     }
 
@@ -127,18 +125,12 @@ private:
     void openPages();
     void useKey(int key, Modifiers held, bool down);
     void lookAtProject(EventLoop::Time now);
-    void offerRecovery();
-    void keepForNextTime();
-    void recover();
     void close();
-    void saveAndClose();
-    /// A sentence for the user, as soon as no question is open; none when it is empty.
-    void tell(std::string sentence) {
-        if (!sentence.empty()) notices_.push_back(std::move(sentence));
-    }
+    /// A sentence for the user; none when it is empty.
+    void tell(std::string sentence) { notices_.tell(std::move(sentence)); }
     void showNotice();
 
-    std::deque<std::string> notices_;
+    Notices notices_;
     LiveInstrument instrument_;
     EventLoop loop_;
     std::unique_ptr<FontSource> fonts_ = platformFonts();
@@ -151,12 +143,9 @@ private:
     TransportBar bar_;
     CGrooveSamplerPropPage page_;
     PadKeys padKeys_;
-    OpenProject project_{instrument_.sampler()};
-    RecoveryFile recovery_{stateFolder()};
-    EventLoop::Time nextCopy_ = EventLoop::Time::clock::now() + kCopyPeriod;
-    std::uint64_t copied_ = 0;  ///< the count of changes at the last copy
+    ProjectCommands projects_{instrument_.sampler(), window_, page_, notices_};
+    ProjectRecovery recovery_{instrument_, projects_.project(), window_, notices_};
     std::string title_;
-    bool closesWhenSaved_ = false;
     bool isClosed_ = false;
 };
 
@@ -169,13 +158,13 @@ void Desktop::openFiles(const std::vector<std::string>& files) {
             instrument_.setSong(std::make_unique<const Song>(readSong(file)));
         } else if (isProject(file)) {
             loadProjectFile(sampler, file);
-            project_.holds(file);
+            projects_.project().holds(file);
         } else if (pad < kPads) {
             loadLoopFile(sampler, pad++, file);
         }
     }
     // What was asked for by name can be asked for again: nothing is lost with it.
-    if (project_.path().empty()) project_.holds({});
+    if (projects_.project().path().empty()) projects_.project().holds({});
 }
 
 void Desktop::openPages() {
@@ -184,95 +173,37 @@ void Desktop::openPages() {
     pages_.setLower(&page_);
     window_.onClose([this] { close(); });
     window_.onUnusedKey([this](int key, Modifiers held, bool down) { useKey(key, held, down); });
-    IGrooveSampler& sampler = instrument_.sampler();
     page_.setRootScale(RootScale::ofLoops);
-    page_.checkLoads(adviceBeforeLoad);
-    page_.tellOfProjects([this](const std::string& path) {
-        project_.holds(path);
-        recovery_.discard();
-        if (closesWhenSaved_) isClosed_ = true;
-    });
-    page_.adviseOnLoads([&sampler](const std::string& file) { return adviceOnLoad(sampler, file); });
-    const std::array<IUnknown*, 1> objects{&sampler};
+    projects_.onSettled([this] { recovery_.discard(); });
+    const std::array<IUnknown*, 1> objects{&instrument_.sampler()};
     page_.bind(objects);
     page_.open();
     bar_.open();
     window_.show();
     loop_.watch(window_.descriptor(), [] {});
-    offerRecovery();
+    recovery_.offer([this] { page_.RefreshAll(); });
 }
 
 void Desktop::showNotice() {
-    if (notices_.empty() || window_.isAsking()) return;
-    window_.askMessage(notices_.front(), MessageKind::note, [](PageAnswer) {});
-    notices_.pop_front();
-}
-
-void Desktop::offerRecovery() {
-    if (!recovery_.found()) return;
-    window_.askMessage("Marnoth was ended in the middle of its work. Open the project as it was then?",
-                       MessageKind::yesNo, [this](PageAnswer answer) {
-                           if (answer == PageAnswer::yes) recover();
-                           if (answer == PageAnswer::no) recovery_.settle();
-                       });
-}
-
-/// The window was taken away, or the display has ended.
-void Desktop::keepForNextTime() {
-    recovery_.discard();
-    if (recovery_.write([this] { return instrument_.saveState(); })) recovery_.keep();
-}
-
-void Desktop::recover() {
-    std::ifstream file(*recovery_.found(), std::ios::binary);
-    std::vector<std::uint8_t> state{std::istreambuf_iterator<char>(file), {}};
-    if (!instrument_.loadState(std::move(state)))
-        return tell("It can't be read. It is kept as " + utf8FromPath(recovery_.putAside()) + ".");
-    recovery_.settle();
-    page_.RefreshAll();
+    if (window_.isAsking()) return;
+    const std::string notice = notices_.current(EventLoop::Time::clock::now());
+    if (notice.empty()) return;
+    notices_.dismiss();
+    window_.askMessage(notice, MessageKind::note, [](PageAnswer) {});
 }
 
 /// The title follows the project, and a copy of it the changes.
 void Desktop::lookAtProject(EventLoop::Time now) {
-    if (std::string title = project_.title(); title != title_) {
+    if (std::string title = projects_.project().title(); title != title_) {
         title_ = std::move(title);
         window_.setTitle(title_);
     }
-    // Who leaves the dialog without a file goes on playing.
-    closesWhenSaved_ = closesWhenSaved_ && window_.isAsking();
-    const std::uint64_t changes = project_.changes();
-    if (now < nextCopy_ || changes == copied_ || !project_.hasChanged()) return;
-    if (!recovery_.write([this] { return instrument_.saveState(); })) return;
-    copied_ = changes;
-    nextCopy_ = now + kCopyPeriod;
+    recovery_.look(now);
 }
 
 void Desktop::close() {
     // What is open is to be answered first.
-    if (window_.isAsking()) return;
-    if (!project_.hasChanged()) {
-        isClosed_ = true;
-        return;
-    }
-    window_.askMessage(
-        "Save the changes to " + project_.name() + " before the window closes? Escape goes back to it.",
-        MessageKind::yesNo, [this](PageAnswer answer) {
-            if (answer == PageAnswer::yes) saveAndClose();
-            if (answer == PageAnswer::no) isClosed_ = true;
-        });
-}
-
-void Desktop::saveAndClose() {
-    if (project_.path().empty()) {
-        closesWhenSaved_ = true;
-        return page_.saveProject();
-    }
-    try {
-        saveProjectFile(instrument_.sampler(), project_.path());
-        isClosed_ = true;
-    } catch (const FileFailure& failure) {
-        tell(failure.what());
-    }
+    if (!window_.isAsking()) projects_.leave([this] { isClosed_ = true; });
 }
 
 void Desktop::useKey(int key, Modifiers held, bool down) {

@@ -10,7 +10,13 @@ namespace marnoth {
 
 void OpenProject::holds(std::string path) {
     path_ = std::move(path);
+    copy_ = "Untitled";
     unchanged_ = changes();
+}
+
+void OpenProject::holdsCopy(std::string name) {
+    holds({});
+    copy_ = std::move(name);
 }
 
 std::uint64_t OpenProject::changes() const {
@@ -22,7 +28,7 @@ std::uint64_t OpenProject::changes() const {
 }
 
 std::string OpenProject::name() const {
-    return path_.empty() ? "Untitled" : utf8FromPath(pathFromUtf8(path_).filename());
+    return path_.empty() ? copy_ : utf8FromPath(pathFromUtf8(path_).filename());
 }
 
 std::string OpenProject::title() const {

@@ -16,6 +16,8 @@ public:
 
     /// The instrument holds what `path` does, in UTF-8; empty for no file.
     void holds(std::string path);
+    /// The instrument holds what came from somewhere that it isn't saved to, and is called so.
+    void holdsCopy(std::string name);
     const std::string& path() const { return path_; }
     /// Without folders, as a user calls it.
     std::string name() const;
@@ -28,6 +30,7 @@ public:
 private:
     IGrooveSampler& sampler_;
     std::string path_;
+    std::string copy_;             ///< what one without a path is called
     std::uint64_t unchanged_ = 0;  ///< the count when it was loaded or saved
 };
 

@@ -47,33 +47,38 @@ fs::path stateFolder() {
     return home && *home == '/' ? fs::path(home) / ".local/state/marnoth" : fs::path();
 }
 
-RecoveryFile::RecoveryFile(const fs::path& folder) {
+RecoveryFile::RecoveryFile(const fs::path& folder) : folder_(folder) {
     if (folder.empty()) return;
     std::error_code ignored;
     fs::create_directories(folder, ignored);
     // One that was left comes before an empty place.
-    for (const bool wantsLeft : {true, false})
-        for (int number = 1; number <= kMostPlaces && lock_ < 0; ++number) {
-            if (!takePlace(folder, number)) continue;
-            if (fs::exists(path_, ignored)) {
-                found_ = path_;
-            } else if (wantsLeft) {
-                close(std::exchange(lock_, -1));
-            }
-        }
-    if (lock_ < 0) path_.clear();
+    takeAnyPlace(true);
+    if (lock_ >= 0)
+        found_ = path_;
+    else
+        takeAnyPlace(false);
 }
 
-bool RecoveryFile::takePlace(const fs::path& folder, int number) {
+void RecoveryFile::takeAnyPlace(bool wantsLeft) {
+    std::error_code ignored;
+    for (int number = 1; number <= kMostPlaces; ++number) {
+        if (!takePlace(number)) continue;
+        if (fs::exists(path_, ignored) == wantsLeft) return;
+        close(std::exchange(lock_, -1));
+    }
+    path_.clear();
+}
+
+bool RecoveryFile::takePlace(int number) {
     const std::string name = "recovery-" + std::to_string(number);
-    const int lock = open((folder / (name + ".lock")).c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+    const int lock = open((folder_ / (name + ".lock")).c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
     if (lock < 0) return false;
     if (flock(lock, LOCK_EX | LOCK_NB) != 0) {
         close(lock);
         return false;
     }
     lock_ = lock;
-    path_ = folder / (name + ".state");
+    path_ = folder_ / (name + ".state");
     return true;
 }
 
@@ -98,6 +103,15 @@ fs::path RecoveryFile::putAside() {
     fs::rename(path_, aside, ignored);
     found_.reset();
     return aside;
+}
+
+void RecoveryFile::leaveFound() {
+    if (!found_) return;
+    found_.reset();
+    // Held until another is taken, which can't be this one then.
+    const int former = std::exchange(lock_, -1);
+    takeAnyPlace(false);
+    close(former);
 }
 
 bool RecoveryFile::write(Take take) {

@@ -30,14 +30,17 @@ public:
     /// read is put aside instead, under the name that is given back.
     void settle() { found_.reset(); }
     std::filesystem::path putAside();
+    /// What was found stays where it is, for the next program; copies go to another place.
+    void leaveFound();
 
     /// The state that a copy is made of; nothing when it can't be had. Called on a thread of its own.
     using Take = std::function<std::optional<std::vector<std::uint8_t>>()>;
     /// Takes the state and writes it in the place of the former copy. False while that is being done for the
     /// call before, and while what was found waits for an answer.
     bool write(Take take);
-    /// Whether a copy is still being written.
+    /// Whether a copy is still being written; waits until it is.
     bool isBusy() const { return writes_; }
+    void finish();
     /// The project is safe elsewhere: the copy goes.
     void discard();
     /// Nobody could be asked: the copy stays when the program ends, and is found by the next.
@@ -46,9 +49,10 @@ public:
     const std::filesystem::path& path() const { return path_; }
 
 private:
-    bool takePlace(const std::filesystem::path& folder, int number);
-    void finish();
+    bool takePlace(int number);
+    void takeAnyPlace(bool wantsLeft);
 
+    const std::filesystem::path folder_;
     std::filesystem::path path_;
     std::optional<std::filesystem::path> found_;
     int lock_ = -1;

@@ -101,6 +101,20 @@ TEST(RecoveryFile, WhatCantBeReadIsKeptUnderAnotherName) {
     EXPECT_FALSE(RecoveryFile(folder / "state").found());
 }
 
+TEST(RecoveryFile, WhatTheUserPutsOffStaysForTheNextProgramWhileThisOneCopiesElsewhere) {
+    const TempFolder folder;
+    const fs::path left = leftIn(folder / "state", "song");
+    {
+        RecoveryFile file(folder / "state");
+        file.leaveFound();
+        EXPECT_NE(file.path(), left);
+        write(file, {'n'});
+        EXPECT_EQ(readText(file.path()), "n");
+    }
+    EXPECT_EQ(readText(left), "song");
+    EXPECT_EQ(RecoveryFile(folder / "state").found(), left);
+}
+
 TEST(RecoveryFile, AProjectThatIsSavedNeedsNoCopy) {
     const TempFolder folder;
     RecoveryFile file(folder / "state");

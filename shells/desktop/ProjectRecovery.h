@@ -1,0 +1,48 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <vector>
+
+#include "platform/drawing/PageWindow.h"
+#include "shells/desktop/EventLoop.h"
+#include "shells/desktop/LiveInstrument.h"
+#include "shells/desktop/Notices.h"
+#include "shells/desktop/OpenProject.h"
+#include "shells/desktop/RecoveryFile.h"
+
+namespace marnoth {
+
+/// Loses nothing in a crash: copies the open project every minute in which it has changed, offers what a
+/// program that didn't end well has left, and keeps a copy where the user couldn't be asked. A copy changes
+/// neither the project's path nor its files nor its title. The window's thread.
+class ProjectRecovery {
+public:
+    /// All outlive it.
+    ProjectRecovery(LiveInstrument& instrument, OpenProject& project, PageWindow& window, Notices& notices);
+
+    /// Asks about what was found, and opens it, if there is any; `opened` follows that.
+    void offer(std::function<void()> opened);
+    /// Once in a while: a copy when it is time for one.
+    void look(EventLoop::Time now);
+    /// The project is safe elsewhere, or nobody wants it.
+    void discard() { file_.discard(); }
+    /// The program ends without an answer: changes are found by the next one.
+    void keepChanges();
+
+private:
+    void recover(const std::function<void()>& opened);
+
+    LiveInstrument& instrument_;
+    OpenProject& project_;
+    PageWindow& window_;
+    Notices& notices_;
+    RecoveryFile file_{stateFolder()};
+    EventLoop::Time nextCopy_;
+    std::uint64_t copied_ = 0;  ///< the count of changes at the last copy
+};
+
+/// Whether an instrument can load all of a state.
+bool isWholeState(const std::vector<std::uint8_t>& state);
+
+}  // namespace marnoth
