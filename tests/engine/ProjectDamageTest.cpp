@@ -1,6 +1,7 @@
 #include <stdexcept>
 
 #include "engine/ProjectRig.h"
+#include "support/Sparingly.h"
 
 namespace marnoth::test::project_damage_test {
 namespace {
@@ -45,6 +46,8 @@ struct DamageRig : ProjectRig {
         ASSERT_EQ(binFiles(), 0);
         for (std::int32_t pad = 0; pad < kPads; ++pad) ASSERT_GE(keys(pad).lowKey, 60);
         ASSERT_EQ(lay(3, nextFile).result, S_OK);
+        // A pad keeps the volume that a project gave it.
+        ASSERT_EQ(engine.SetPadVolume(3, 1.0f), S_OK);
         ASSERT_GT(playPad(3, 64), 0.1f);
         ASSERT_EQ(engine.ClearProject(), S_OK);
     }
@@ -104,8 +107,8 @@ TEST_P(ProjectWithAByteOf, ItsValueAnywhereIsPlayedOrRefused) {
     DamageRig rig(value & 1 ? 44100 : 48000);
     int played = 0;
     int refused = 0;
-    for (std::size_t at = 0; at < sound.bytes.size(); ++at) {
-        for (const auto& [first, end] : sound.audio) at = at == first ? end : at;
+    for (std::size_t at = 0; at < sound.bytes.size(); at += kSparingly) {
+        for (const auto& [first, end] : sound.audio) at = at >= first && at < end ? end : at;
         SCOPED_TRACE(testing::Message() << "byte " << at);
         Bytes damaged = sound.bytes;
         damaged.at(at) = value;
@@ -119,8 +122,8 @@ TEST_P(ProjectWithAByteOf, ItsValueAnywhereIsPlayedOrRefused) {
         }
         if (testing::Test::HasFailure()) return;
     }
-    EXPECT_GT(played, 250);
-    EXPECT_GT(refused, 250);
+    EXPECT_GT(played, 250 / kSparingly);
+    EXPECT_GT(refused, 250 / kSparingly);
 }
 
 INSTANTIATE_TEST_SUITE_P(Extremes, ProjectWithAByteOf, testing::Values(0x00, 0x7F, 0x80, 0xFF));
@@ -132,7 +135,7 @@ TEST(ProjectDamage, FileCutAnywhereIsRefusedAndLeavesAUsableInstrument) {
     const Bytes sound = twoFilesFourPads(1000).bytes();
     ASSERT_GT(sound.size(), kCuts);
     DamageRig rig(44100);
-    for (std::size_t cut = 0; cut < kCuts; ++cut) {
+    for (std::size_t cut = 0; cut < kCuts; cut += kSparingly) {
         const std::size_t end = cut * sound.size() / kCuts;
         WaveFile::writeBytes(file.path(), Bytes(sound.begin(), sound.begin() + std::ptrdiff_t(end)));
         ASSERT_EQ(rig.engine.LoadProject(file.c_str()), E_FAIL) << end;
