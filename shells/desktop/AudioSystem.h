@@ -25,10 +25,16 @@ public:
 
     /// As users name it: "JACK", "PulseAudio", "ALSA", "No sound".
     virtual std::string name() const = 0;
+    /// Opens nothing but what is named: no choice of its own, and none of a menu's.
+    virtual bool needsDevice() const { return false; }
     /// Its outputs; none where it isn't there at all.
     virtual std::vector<AudioDevice> devices() = 0;
+    /// Why it isn't there, a sentence for the user; empty where it is.
+    virtual std::string missing() { return {}; }
     /// The names of the ports that send MIDI, UTF-8.
     virtual std::vector<std::string> midiPorts() = 0;
+    /// Why there can be no such ports, a sentence for the user; empty where there can.
+    virtual std::string missingMidi() { return {}; }
     /// `client` outlives what is opened. Throws `std::runtime_error`, with a sentence for the user, when it
     /// can't be had: no server, no such device, a device that another program holds, a rate that it hasn't
     /// got.

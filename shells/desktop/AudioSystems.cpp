@@ -1,9 +1,13 @@
 #include "shells/desktop/AudioSystems.h"
 
 #include <algorithm>
+#include <utility>
 
+#include "shells/desktop/FileAudioSystem.h"
 #include "shells/desktop/JackSystem.h"
 #include "shells/desktop/NullSystem.h"
+#include "shells/desktop/RtModule.h"
+#include "shells/desktop/SystemWithMidi.h"
 
 namespace marnoth {
 
@@ -34,9 +38,13 @@ std::optional<AudioChoice> deviceWith(const AudioSystems& systems, const std::st
 }  // namespace
 
 AudioSystems audioSystems() {
-    AudioSystems systems;
-    systems.push_back(std::make_unique<JackSystem>());
+    RtSystems rt = loadRtSystems();
+    AudioSystems systems = std::move(rt.audio);
+    systems.push_back(std::make_unique<FileAudioSystem>());
     systems.push_back(std::make_unique<NullSystem>());
+    if (rt.midi)
+        for (auto& system : systems) system = std::make_unique<SystemWithMidi>(std::move(system), rt.midi);
+    systems.insert(systems.begin(), std::make_unique<JackSystem>());
     return systems;
 }
 

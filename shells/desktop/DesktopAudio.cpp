@@ -28,6 +28,7 @@ void DesktopAudio::openNamed(const std::string& name) {
 void DesktopAudio::openBest() {
     std::string failures;
     for (const auto& system : systems_) {
+        if (system->needsDevice()) continue;
         choice_ = {system.get(), {}};
         const std::string failure = open(choice_);
         if (failure.empty()) break;
@@ -64,8 +65,11 @@ void DesktopAudio::look() {
 
 std::vector<MenuItem> DesktopAudio::menu() const {
     std::vector<MenuItem> items;
-    for (const auto& system : systems_)
-        items.push_back({static_cast<int>(items.size()) + 1, system->name(), system.get() == present_});
+    int id = 0;
+    for (const auto& system : systems_) {
+        ++id;
+        if (!system->needsDevice()) items.push_back({id, system->name(), system.get() == present_});
+    }
     return items;
 }
 

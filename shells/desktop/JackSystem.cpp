@@ -34,6 +34,11 @@ std::vector<AudioDevice> JackSystem::devices() {
     return devices;
 }
 
+std::string JackSystem::missing() {
+    if (!jack_) return "JACK isn't installed.";
+    return client() ? "" : "No JACK server runs.";
+}
+
 std::vector<std::string> JackSystem::midiPorts() {
     const auto client = this->client();
     return client ? client->ports(JACK_DEFAULT_MIDI_TYPE, JackPortIsOutput) : std::vector<std::string>();

@@ -13,6 +13,7 @@ public:
 
     std::string name() const override { return "JACK"; }
     std::vector<AudioDevice> devices() override;
+    std::string missing() override;
     std::vector<std::string> midiPorts() override;
     std::unique_ptr<AudioDriver> open(const AudioWish& wish, AudioClient& client) override;
 
