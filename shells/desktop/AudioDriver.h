@@ -13,8 +13,9 @@ class AudioClient {
 public:
     virtual ~AudioClient() = default;
 
-    /// From now on blocks come at this rate, in frames per second, and none is longer than `mostFrames`. No
-    /// block is under way. False when it can't be: then no blocks are wanted.
+    /// From now on blocks come at this rate, in frames per second, and usually none is longer than
+    /// `mostFrames`. Asked once by a driver as it opens, before its first block. False when it can't be: then
+    /// no blocks are wanted.
     virtual bool prepare(std::uint32_t rate, std::int32_t mostFrames) = 0;
 
     // The thread that renders.

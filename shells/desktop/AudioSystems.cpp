@@ -1,6 +1,7 @@
 #include "shells/desktop/AudioSystems.h"
 
 #include <algorithm>
+#include <mutex>
 #include <utility>
 
 #include "shells/desktop/FileAudioSystem.h"
@@ -13,25 +14,56 @@ namespace marnoth {
 
 namespace {
 
+class OneCallSystem final : public AudioSystem {
+public:
+    explicit OneCallSystem(std::shared_ptr<AudioSystem> system) : system_(std::move(system)) {}
+
+    std::string name() const override { return system_->name(); }
+    bool needsDevice() const override { return system_->needsDevice(); }
+    std::vector<AudioDevice> devices() override {
+        const std::lock_guard lock(mutex_);
+        return system_->devices();
+    }
+    std::vector<std::string> midiPorts() override {
+        const std::lock_guard lock(mutex_);
+        return system_->midiPorts();
+    }
+    std::string missing() override {
+        const std::lock_guard lock(mutex_);
+        return system_->missing();
+    }
+    std::string missingMidi() override {
+        const std::lock_guard lock(mutex_);
+        return system_->missingMidi();
+    }
+    std::unique_ptr<AudioDriver> open(const AudioWish& wish, AudioClient& client) override {
+        const std::lock_guard lock(mutex_);
+        return system_->open(wish, client);
+    }
+
+private:
+    const std::shared_ptr<AudioSystem> system_;
+    std::mutex mutex_;
+};
+
 std::string inSmallLetters(std::string text) {
     for (char& letter : text)
         if (letter >= 'A' && letter <= 'Z') letter = static_cast<char>(letter - 'A' + 'a');
     return text;
 }
 
-AudioSystem* systemNamed(const AudioSystems& systems, const std::string& name) {
+std::shared_ptr<AudioSystem> systemNamed(const AudioSystems& systems, const std::string& name) {
     const bool isNone = name == "null" || name == "none";
     const std::string wanted = inSmallLetters(isNone ? NullSystem::kName : name);
     const auto found = std::ranges::find_if(
         systems, [&](const auto& system) { return inSmallLetters(system->name()) == wanted; });
-    return found == systems.end() ? nullptr : found->get();
+    return found == systems.end() ? nullptr : *found;
 }
 
 std::optional<AudioChoice> deviceWith(const AudioSystems& systems, const std::string& part) {
     for (const auto& system : systems)
         for (const AudioDevice& device : system->devices())
-            if (inSmallLetters(device.name).find(part) != part.npos)
-                return AudioChoice{system.get(), device.name};
+            if (inSmallLetters(device.name).find(part) != part.npos) return AudioChoice{system, device.name};
     return std::nullopt;
 }
 
@@ -40,20 +72,25 @@ std::optional<AudioChoice> deviceWith(const AudioSystems& systems, const std::st
 AudioSystems audioSystems() {
     RtSystems rt = loadRtSystems();
     AudioSystems systems = std::move(rt.audio);
-    systems.push_back(std::make_unique<FileAudioSystem>());
-    systems.push_back(std::make_unique<NullSystem>());
+    systems.push_back(std::make_shared<FileAudioSystem>());
+    systems.push_back(std::make_shared<NullSystem>());
     if (rt.midi)
-        for (auto& system : systems) system = std::make_unique<SystemWithMidi>(std::move(system), rt.midi);
-    systems.insert(systems.begin(), std::make_unique<JackSystem>());
+        for (auto& system : systems) system = std::make_shared<SystemWithMidi>(std::move(system), rt.midi);
+    systems.insert(systems.begin(), std::make_shared<JackSystem>());
+    return systems;
+}
+
+AudioSystems oneCallAtATime(AudioSystems systems) {
+    for (auto& system : systems) system = std::make_shared<OneCallSystem>(std::move(system));
     return systems;
 }
 
 std::optional<AudioChoice> findAudio(const AudioSystems& systems, const std::string& name) {
     const std::string wanted = inSmallLetters(name);
-    if (AudioSystem* const system = systemNamed(systems, wanted)) return AudioChoice{system, {}};
+    if (auto system = systemNamed(systems, wanted)) return AudioChoice{std::move(system), {}};
     if (const std::size_t colon = name.find(':'); colon != name.npos)
-        if (AudioSystem* const system = systemNamed(systems, wanted.substr(0, colon)))
-            return AudioChoice{system, name.substr(colon + 1)};
+        if (auto system = systemNamed(systems, wanted.substr(0, colon)))
+            return AudioChoice{std::move(system), name.substr(colon + 1)};
     return deviceWith(systems, wanted);
 }
 

@@ -9,14 +9,18 @@
 
 namespace marnoth {
 
-using AudioSystems = std::vector<std::unique_ptr<AudioSystem>>;
+/// Shared with the threads that open them.
+using AudioSystems = std::vector<std::shared_ptr<AudioSystem>>;
 
 /// The ways of this machine to be heard, best first; the last is none at all, which can always be had.
 AudioSystems audioSystems();
 
+/// The same, where who calls a system waits until nobody else does.
+AudioSystems oneCallAtATime(AudioSystems systems);
+
 /// A system, and what is opened with it.
 struct AudioChoice {
-    AudioSystem* system = nullptr;
+    std::shared_ptr<AudioSystem> system;
     std::string device;  ///< empty for its own choice
 };
 

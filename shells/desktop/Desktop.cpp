@@ -49,6 +49,16 @@ std::unique_ptr<Font> questionFont(FontSource& fonts) {
     return font;
 }
 
+DesktopSettings settingsOf(const DesktopOptions& options) {
+    DesktopSettings settings;
+    settings.audio = options.audio;
+    settings.midiPort = options.wish.midiPort;
+    settings.rate = options.wish.rate;
+    settings.frames = options.wish.frames;
+    settings.scale = options.scale;
+    return settings;
+}
+
 std::string searchPath() {
     const char* const path = std::getenv("PATH");
     return path ? path : "";
@@ -69,7 +79,8 @@ public:
                    .icon = programIcon()},
                   *fonts_, questions_, chooser_),
           audio_(
-              audioSystems(), options, instrument_, [this](const std::string& what) { tell(what); }, errors),
+              audioSystems(), settingsOf(options), !options.audio.empty(), instrument_,
+              [this](const std::string& what) { tell(what); }, errors),
           pages_(window_, kPageWidth, TransportBar::kHeight, kPageHeight),
           bar_(pages_.upperWindow(), *this),
           page_(pages_.lowerWindow()) {
@@ -87,8 +98,8 @@ public:
             window_.dispatch();
             showNotice();
             const auto now = EventLoop::Time::clock::now();
+            lookAtAudio(now);
             if (now >= nextLook) {
-                audio_.look();
                 lookAtProject(now);
                 nextLook = now + kLookPeriod;
             }
@@ -117,13 +128,14 @@ public:
         instrument_.setKey(key ? std::optional(static_cast<std::uint32_t>(*key)) : std::nullopt);
     }
     void panic() override { instrument_.panic(); }
-    std::vector<MenuItem> settings() override { return audio_.menu(); }
-    void chooseSetting(int id) override { audio_.choose(id); }
+    std::vector<MenuItem> settings() override;
+    void chooseSetting(int id) override;
 
 private:
     void openFiles(const std::vector<std::string>& files);
     void openPages();
     void useKey(int key, Modifiers held, bool down);
+    void lookAtAudio(EventLoop::Time now);
     void lookAtProject(EventLoop::Time now);
     void close();
     /// A sentence for the user; none when it is empty.
@@ -192,6 +204,16 @@ void Desktop::showNotice() {
     window_.askMessage(notice, MessageKind::note, [](PageAnswer) {});
 }
 
+/// At another rate the project has been loaded anew, which changes nothing of it.
+void Desktop::lookAtAudio(EventLoop::Time now) {
+    const std::uint32_t rate = instrument_.rate();
+    const bool hadChanged = project_.hasChanged();
+    audio_.look(now);
+    if (instrument_.rate() == rate) return;
+    if (!hadChanged) project_.holds(project_.path());
+    page_.RefreshAll();
+}
+
 /// The title follows the project, and a copy of it the changes.
 void Desktop::lookAtProject(EventLoop::Time now) {
     if (std::string title = projects_.project().title(); title != title_) {
@@ -235,6 +257,20 @@ void Desktop::record(bool on) {
     } catch (const FileFailure& failure) {
         tell(failure.what());
     }
+}
+
+std::vector<MenuItem> Desktop::settings() {
+    std::vector<MenuItem> items;
+    for (const auto& system : audio_.systems())
+        items.push_back({static_cast<int>(items.size()) + 1, system->name(),
+                         audio_.choice() && system == audio_.choice()->system});
+    return items;
+}
+
+void Desktop::chooseSetting(int id) {
+    DesktopSettings settings = audio_.settings();
+    settings.audio = audio_.systems().at(static_cast<std::size_t>(id) - 1)->name();
+    audio_.change(settings);
 }
 
 void Desktop::tellBlocks(std::ostream& out) {

@@ -52,19 +52,39 @@ void LiveInstrument::note(std::uint8_t key, bool on) {
     host_.send(on ? kNoteOn : kNoteOff, key, on ? kPlainVelocity : std::uint8_t{0});
 }
 
-bool LiveInstrument::prepare(std::uint32_t rate, std::int32_t mostFrames) {
-    static constexpr auto kAll = allOutputs();
-    const bool isOtherRate = rate_ != 0 && rate_ != rate;
+bool LiveInstrument::prepare(std::uint32_t rate, std::int32_t) try {
+    // Blocks of any length come in pieces: what plays isn't touched by another length of theirs.
+    if (rate_ == rate) return true;
+    if (rate_ == 0) return connect(rate);
     const RefPtr<MemoryStream> project = makeObject<MemoryStream>();
-    if (isOtherRate && FAILED(host_.save(*project))) return false;
-    if (FAILED(host_.connect({rate, mostFrames, kAll}))) return false;
+    if (FAILED(host_.save(*project))) return false;
+    const std::uint32_t before = rate_;
+    if (moveTo(rate, *project)) return true;
+    // Nothing may be lost: at its former rate there was room for it a moment ago.
+    moveTo(before, *project);
+    return false;
+} catch (const std::bad_alloc&) {
+    return false;
+}
+
+bool LiveInstrument::connect(std::uint32_t rate) {
+    static constexpr auto kAll = allOutputs();
+    if (FAILED(host_.connect({rate, kLongestPiece, kAll}))) return false;
     rate_ = rate;
     metronome_.setRate(rate);
-    left_.assign(static_cast<std::size_t>(mostFrames), 0.0f);
-    right_ = left_;
-    if (!isOtherRate) return true;
-    project->Seek({}, STREAM_SEEK_SET, nullptr);
-    return SUCCEEDED(host_.load(*project));
+    // Its frames were those of another rate.
+    transport_.locate(transport_.tick());
+    return true;
+}
+
+bool LiveInstrument::moveTo(std::uint32_t rate, IStream& project) {
+    if (!connect(rate)) return false;
+    project.Seek({}, STREAM_SEEK_SET, nullptr);
+    if (FAILED(host_.load(project))) return false;
+    song_.forEachSounding([this](const Song::Note& note) {
+        host_.addMessage(0, statusOf(kNoteOn, note.channel), note.key, note.velocity);
+    });
+    return true;
 }
 
 std::optional<std::vector<std::uint8_t>> LiveInstrument::saveState() try {
@@ -160,15 +180,23 @@ void LiveInstrument::playSong(double begin, double end) {
         });
 }
 
-std::int32_t LiveInstrument::renderPiece(std::int32_t done, std::int32_t frames, const Pointers& outputs) {
-    const std::int32_t length = framesToCut(frames - done);
+/// Where a piece goes, and room of our own for a mix that nobody takes.
+LiveInstrument::Pointers LiveInstrument::outputsOfPiece(std::int32_t done, OutputPointers outputs) {
+    Pointers piece{};
+    std::ranges::transform(outputs.first(std::min(outputs.size(), piece.size())), piece.begin(),
+                           [done](float* output) { return output ? output + done : output; });
+    if (!piece[0]) piece[0] = left_.data();
+    if (!piece[1]) piece[1] = right_.data();
+    return piece;
+}
+
+std::int32_t LiveInstrument::renderPiece(std::int32_t done, std::int32_t frames, OutputPointers outputs) {
+    const std::int32_t length = framesToCut(std::min(frames - done, kLongestPiece));
     const double begin = transport_.tick();
     const double step = ticksPerFrame();
     const double end = begin + step * length;
     if (step > 0.0) playSong(begin, end);
-    Pointers piece{};
-    std::ranges::transform(outputs, piece.begin(),
-                           [done](float* output) { return output ? output + done : output; });
+    const Pointers piece = outputsOfPiece(done, outputs);
     host_.process(length, transport_.next(rate_), piece);
     transport_.advance(length, host_.isPlaying() ? host_.tick() : begin);
     const auto count = static_cast<std::size_t>(length);
@@ -188,21 +216,12 @@ void LiveInstrument::followTempo(double begin, double end) {
     if (followsTempo_ && change <= end) transport_.setTempo(song_.tempoAt(change, transport_.tempo()));
 }
 
-LiveInstrument::Pointers LiveInstrument::wholeMix(OutputPointers outputs) {
-    Pointers whole{};
-    std::ranges::copy(outputs.first(std::min(outputs.size(), whole.size())), whole.begin());
-    if (!whole[0]) whole[0] = left_.data();
-    if (!whole[1]) whole[1] = right_.data();
-    return whole;
-}
-
 void LiveInstrument::render(std::int32_t frames, OutputPointers outputs) {
     using Clock = std::chrono::steady_clock;
     if (rate_ == 0 || frames <= 0) return;
     const auto begin = Clock::now();
     while (const std::optional<Command> next = commands_.pop()) take(*next);
-    const Pointers whole = wholeMix(outputs);
-    for (std::int32_t done = 0; done < frames;) done += renderPiece(done, frames, whole);
+    for (std::int32_t done = 0; done < frames;) done += renderPiece(done, frames, outputs);
     isPlaying_ = transport_.playing();
     tick_ = transport_.tick();
     tempo_ = transport_.tempo();

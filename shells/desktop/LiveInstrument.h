@@ -68,6 +68,8 @@ public:
     BlockTimes& blockTimes() { return times_; }
 
     // AudioClient.
+    /// Another rate loads the project anew: what sounded has ended, but for the song's notes, which begin
+    /// again. The same rate changes nothing.
     bool prepare(std::uint32_t rate, std::int32_t mostFrames) override;
     void midi(std::int32_t frame, std::uint8_t status, std::uint8_t data1, std::uint8_t data2) override;
     void render(std::int32_t frames, OutputPointers outputs) override;
@@ -80,19 +82,21 @@ private:
         double value = 0.0;
         const Song* song = nullptr;
     };
+    static constexpr std::int32_t kLongestPiece = 4096;  ///< frames
     using Pointers = std::array<float*, SeparateOutputs::kPointers>;
 
+    bool connect(std::uint32_t rate);
+    bool moveTo(std::uint32_t rate, IStream& project);
     void command(const Command& command) { commands_.push(command); }
     void take(const Command& command);
     /// The next piece, which begins `done` frames behind the block's start; its length.
-    std::int32_t renderPiece(std::int32_t done, std::int32_t frames, const Pointers& outputs);
+    std::int32_t renderPiece(std::int32_t done, std::int32_t frames, OutputPointers outputs);
+    Pointers outputsOfPiece(std::int32_t done, OutputPointers outputs);
     std::int32_t framesToCut(std::int32_t most) const;
     void playSong(double begin, double end);
     void followTempo(double begin, double end);
     void arrive(double tick);
     double ticksPerFrame() const;
-    /// The outputs, the mix in room of our own where nobody takes it.
-    Pointers wholeMix(OutputPointers outputs);
 
     LiveHost host_;
     std::atomic<std::uint32_t> rate_ = 0;  ///< frames per second; 0 before it was prepared
@@ -114,8 +118,8 @@ private:
     OwnTransport transport_;
     SongReader song_;
     Metronome metronome_;
-    std::vector<float> left_;
-    std::vector<float> right_;
+    std::array<float, kLongestPiece> left_{};
+    std::array<float, kLongestPiece> right_{};
     double loopEnd_ = SongReader::kNever;  ///< ticks
     bool followsTempo_ = true;
 };

@@ -47,6 +47,11 @@ public:
             }
         }
     }
+    /// Calls `each(note)` for those that have begun and not ended.
+    template <class Each>
+    void forEachSounding(Each each) const {
+        for (std::size_t i = 0; i < count_; ++i) each(sounding_[i]);
+    }
     /// The first change of tempo behind `tick`; `kNever` without one.
     double nextTempoChange(double tick) const;
     /// The song's tempo at a tick; `otherwise` without a song.

@@ -30,7 +30,7 @@ private:
 
 }  // namespace
 
-SystemWithMidi::SystemWithMidi(std::unique_ptr<AudioSystem> audio, std::shared_ptr<MidiSystem> midi)
+SystemWithMidi::SystemWithMidi(std::shared_ptr<AudioSystem> audio, std::shared_ptr<MidiSystem> midi)
     : audio_(std::move(audio)), midi_(std::move(midi)) {}
 
 std::unique_ptr<AudioDriver> SystemWithMidi::open(const AudioWish& wish, AudioClient& client) {

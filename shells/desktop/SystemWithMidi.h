@@ -10,7 +10,7 @@ namespace marnoth {
 /// An audio system that brings no MIDI along, with that of another system.
 class SystemWithMidi final : public AudioSystem {
 public:
-    SystemWithMidi(std::unique_ptr<AudioSystem> audio, std::shared_ptr<MidiSystem> midi);
+    SystemWithMidi(std::shared_ptr<AudioSystem> audio, std::shared_ptr<MidiSystem> midi);
 
     std::string name() const override { return audio_->name(); }
     bool needsDevice() const override { return audio_->needsDevice(); }
@@ -21,7 +21,7 @@ public:
     std::unique_ptr<AudioDriver> open(const AudioWish& wish, AudioClient& client) override;
 
 private:
-    const std::unique_ptr<AudioSystem> audio_;
+    const std::shared_ptr<AudioSystem> audio_;
     const std::shared_ptr<MidiSystem> midi_;
 };
 

@@ -26,10 +26,10 @@ private:
 
 AudioSystems someSystems() {
     AudioSystems systems;
-    systems.push_back(std::make_unique<Listing>("JACK", std::vector<std::string>{"system"}));
-    systems.push_back(std::make_unique<Listing>(
+    systems.push_back(std::make_shared<Listing>("JACK", std::vector<std::string>{"system"}));
+    systems.push_back(std::make_shared<Listing>(
         "ALSA", std::vector<std::string>{"Onboard", "USB Audio: Front", "USB Mic"}));
-    systems.push_back(std::make_unique<NullSystem>());
+    systems.push_back(std::make_shared<NullSystem>());
     return systems;
 }
 
