@@ -18,8 +18,8 @@ struct AudioDevice {
 };
 
 /// A way to be heard: JACK, PulseAudio, ALSA, a file, nothing. What it lists is looked up anew by each call,
-/// for devices come and go. Each call may take its time; any one thread at
-/// a time.
+/// for devices come and go. Each call may take its time; any one
+/// thread at a time.
 class AudioSystem {
 public:
     virtual ~AudioSystem() = default;

@@ -206,12 +206,16 @@ void Desktop::showNotice() {
 
 /// At another rate the project has been loaded anew, which changes nothing of it.
 void Desktop::lookAtAudio(EventLoop::Time now) {
+    OpenProject& project = projects_.project();
     const std::uint32_t rate = instrument_.rate();
-    const bool hadChanged = project_.hasChanged();
+    const bool hadChanged = project.hasChanged();
     audio_.look(now);
     if (instrument_.rate() == rate) return;
-    if (!hadChanged) project_.holds(project_.path());
+    if (!hadChanged) project.holds(project.path());
     page_.RefreshAll();
+    if (!instrument_.recorder().isRecording()) return;
+    tell("The device plays at another rate now: the take ends here.");
+    tell(instrument_.recorder().stop());
 }
 
 /// The title follows the project, and a copy of it the changes.

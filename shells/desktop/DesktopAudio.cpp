@@ -16,9 +16,10 @@ bool areAlike(const DesktopSettings& one, const DesktopSettings& other) {
            one.frames == other.frames;
 }
 
-std::string describe(const AudioDriver& driver) {
-    return driver.name() + ", " + std::to_string(driver.rate()) + " frames per second, blocks of " +
-           std::to_string(driver.frames());
+std::string describe(const AudioChoice& choice, const AudioDriver& driver) {
+    if (choice.system->name() == NullSystem::kName) return "The program plays without sound.";
+    return "Plays through " + driver.name() + ", " + std::to_string(driver.rate()) + " frames per second, blocks of " +
+           std::to_string(driver.frames()) + ".";
 }
 
 std::vector<AudioChoice> namedChoice(const AudioSystems& systems, const std::string& name) {
@@ -121,7 +122,7 @@ void DesktopAudio::opened(OpenAudio audio) {
     rate_ = open_.driver->rate();
     former_.reset();
     if (std::exchange(isKnown_, false)) tell(open_.driver->name() + " is there again.");
-    errors_ << failures_ << "Plays through " << describe(*open_.driver) << "." << std::endl;
+    errors_ << failures_ << describe(*choice_, *open_.driver) << std::endl;
 }
 
 void DesktopAudio::noneOpened() {
