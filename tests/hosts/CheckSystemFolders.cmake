@@ -26,7 +26,7 @@ set(expected
     usr/share/doc/marnoth/README.md
     usr/share/doc/marnoth/assets/groove.svg
     usr/share/doc/marnoth/assets/page-windows.png
-    usr/share/doc/marnoth/assets/page.png
+    usr/share/doc/marnoth/assets/playing.png
     usr/share/fish/vendor_completions.d/marnoth.fish
     usr/share/icons/hicolor/scalable/apps/marnoth.svg
     usr/share/man/man1/marnoth.1
