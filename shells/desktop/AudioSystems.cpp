@@ -7,6 +7,7 @@
 #include "shells/desktop/FileAudioSystem.h"
 #include "shells/desktop/JackSystem.h"
 #include "shells/desktop/NullSystem.h"
+#include "shells/desktop/PartOfName.h"
 #include "shells/desktop/RtModule.h"
 #include "shells/desktop/SystemWithMidi.h"
 
@@ -46,24 +47,19 @@ private:
     std::mutex mutex_;
 };
 
-std::string inSmallLetters(std::string text) {
-    for (char& letter : text)
-        if (letter >= 'A' && letter <= 'Z') letter = static_cast<char>(letter - 'A' + 'a');
-    return text;
-}
-
+/// By a name in small letters, whole or its beginning.
 std::shared_ptr<AudioSystem> systemNamed(const AudioSystems& systems, const std::string& name) {
     const bool isNone = name == "null" || name == "none";
-    const std::string wanted = inSmallLetters(isNone ? NullSystem::kName : name);
+    const std::string wanted = isNone ? inSmallLetters(NullSystem::kName) : name;
     const auto found = std::ranges::find_if(
-        systems, [&](const auto& system) { return inSmallLetters(system->name()) == wanted; });
-    return found == systems.end() ? nullptr : *found;
+        systems, [&](const auto& system) { return inSmallLetters(system->name()).starts_with(wanted); });
+    return wanted.empty() || found == systems.end() ? nullptr : *found;
 }
 
 std::optional<AudioChoice> deviceWith(const AudioSystems& systems, const std::string& part) {
     for (const auto& system : systems)
         for (const AudioDevice& device : system->devices())
-            if (inSmallLetters(device.name).find(part) != part.npos) return AudioChoice{system, device.name};
+            if (isPartOfName(part, device.name)) return AudioChoice{system, device.name};
     return std::nullopt;
 }
 

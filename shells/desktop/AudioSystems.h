@@ -24,9 +24,9 @@ struct AudioChoice {
     std::string device;  ///< empty for its own choice
 };
 
-/// What a user names: a system ("null" and "none" are the one without sound), a system and what it is to
-/// open behind a colon ("file:take.wav"), or a part of a device's name. Case doesn't matter. Nothing when
-/// there is no such thing.
+/// What a user names: a system by how its name begins ("null" and "none" are the one without sound), a system
+/// and what it is to open behind a colon ("file:take.wav"), or a part of a device's name. Case doesn't
+/// matter. Nothing when there is no such thing.
 std::optional<AudioChoice> findAudio(const AudioSystems& systems, const std::string& name);
 
 }  // namespace marnoth

@@ -16,7 +16,7 @@ public:
     virtual void receive(std::uint8_t status, std::uint8_t data1, std::uint8_t data2) = 0;
 };
 
-/// Ports that are listened to, for as long as this lives. The thread that sets up.
+/// Ports that are listened to, for as long as this lives. One thread at a time.
 class MidiConnection {
 public:
     virtual ~MidiConnection() = default;
@@ -26,7 +26,7 @@ public:
     virtual void look() = 0;
 };
 
-/// A way to get MIDI that belongs to no audio system. The thread that sets up.
+/// A way to get MIDI that belongs to no audio system. Any thread.
 class MidiSystem {
 public:
     virtual ~MidiSystem() = default;

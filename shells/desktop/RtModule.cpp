@@ -24,7 +24,7 @@ fs::path modulePath() {
 RtSystems missing(const std::string& why) {
     RtSystems systems;
     for (const std::string name : {"PulseAudio", "ALSA"})
-        systems.audio.push_back(std::make_unique<MissingSystem>(name, name + " can't be used: " + why + "."));
+        systems.audio.push_back(std::make_shared<MissingSystem>(name, name + " can't be used: " + why + "."));
     return systems;
 }
 
@@ -38,7 +38,10 @@ RtSystems loadRtSystems() {
     void* const library = dlopen(module.c_str(), RTLD_NOW | RTLD_LOCAL);
     if (!library) return missing(dlerror());
     const auto make = reinterpret_cast<MakeRtSystems>(dlsym(library, kMakeRtSystems));
-    return make ? make() : missing(module.string() + " is damaged");
+    if (!make) return missing(module.string() + " is damaged");
+    RtSystems systems;
+    make(systems);
+    return systems;
 }
 
 }  // namespace marnoth

@@ -15,8 +15,8 @@ struct RtSystems {
     std::shared_ptr<MidiSystem> midi;  ///< ALSA's
 };
 
-/// The one thing that the module gives out.
-using MakeRtSystems = RtSystems (*)();
+/// The one thing that the module gives out: a function that fills in what it brings.
+using MakeRtSystems = void (*)(RtSystems&);
 inline constexpr const char* kMakeRtSystems = "marnothRtSystems";
 
 /// Loads the module, which lies beside the code that asks. Where it or a library of its is missing, the audio

@@ -20,6 +20,7 @@ if(SUFFIX)
 else()
     list(APPEND expected
         lib/marnoth/marnoth-desktop.so
+        lib/marnoth/marnoth-rtaudio.so
         share/applications/marnoth.desktop share/icons/hicolor/scalable/apps/marnoth.svg
         share/mime/packages/marnoth.xml
         share/bash-completion/completions/marnoth share/fish/vendor_completions.d/marnoth.fish

@@ -46,6 +46,7 @@ TEST(FindAudio, ASystemIsNamedInLargeOrSmallLetters) {
     EXPECT_EQ(found("null"), "No sound/");
     EXPECT_EQ(found("None"), "No sound/");
     EXPECT_EQ(found("no sound"), "No sound/");
+    EXPECT_EQ(found("als"), "ALSA/");
 }
 
 TEST(FindAudio, ADeviceIsNamedByAPartOfItsName) {

@@ -20,6 +20,7 @@ run(${CMAKE_COMMAND} -E env "DESTDIR=${stage}" ${CMAKE_COMMAND} --install "${BUI
 set(expected
     usr/bin/marnoth
     usr/lib/marnoth/marnoth-desktop.so
+    usr/lib/marnoth/marnoth-rtaudio.so
     usr/share/applications/marnoth.desktop
     usr/share/bash-completion/completions/marnoth
     usr/share/doc/marnoth/CHANGELOG.md
