@@ -139,7 +139,7 @@ void FileCommands::carryOutProject(const std::string& path, bool save, const std
     } catch (const std::invalid_argument&) {
         // The project names a grain that can't be.
     }
-    if (SUCCEEDED(result) && listener_) listener_(path);
+    if (SUCCEEDED(result) && listener_) listener_(path, save);
     if (result == S_OK) return then();
     if (advisor_ && !save && file.fits() && FAILED(result)) return advise(advisor_(path), then);
     // A project that loads and has to set the format gives 1: its user is told as well.

@@ -23,7 +23,7 @@ using LoadCheck = std::function<std::optional<LoadAdvice>(const std::string& pat
 /// when its user has answered, on the same thread.
 using LoadGuard = std::function<void(std::function<void(bool mayGo)> then)>;
 
-/// Told that the instrument holds what `path` does: it was just loaded from there or saved to it.
-using ProjectListener = std::function<void(const std::string& path)>;
+/// Told that the instrument holds what `path` does: it was just saved to it, or loaded from there.
+using ProjectListener = std::function<void(const std::string& path, bool saved)>;
 
 }  // namespace marnoth

@@ -18,17 +18,20 @@ constexpr int kMenuMargin = 18;  ///< left of the texts, for checks, and right o
 constexpr int kMenuBorder = 3;
 constexpr int kRowLeading = 4;
 
-/// Words go into the next line where they don't fit.
+/// Words go into the next line where they don't fit, and where the text breaks a line.
 std::vector<std::string> wrapped(std::string_view text, Font& font) {
     std::vector<std::string> lines{""};
     while (!text.empty()) {
-        const std::string word(text.substr(0, text.find(' ')));
-        text.remove_prefix(std::min(word.size() + 1, text.size()));
+        const std::size_t end = std::min(text.find_first_of(" \n"), text.size());
+        const std::string word(text.substr(0, end));
+        const bool breaks = end < text.size() && text[end] == '\n';
+        text.remove_prefix(std::min(end + 1, text.size()));
         const std::string longer = lines.back().empty() ? word : lines.back() + " " + word;
         if (lines.back().empty() || font.widthOf(longer) <= kTextWidth)
             lines.back() = longer;
         else
             lines.push_back(word);
+        if (breaks) lines.emplace_back();
     }
     return lines;
 }

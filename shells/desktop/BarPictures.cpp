@@ -1,19 +1,22 @@
 #include "shells/desktop/BarPictures.h"
 
 #include <initializer_list>
+#include <stdexcept>
+#include <string>
 #include <vector>
 
 #include "editor/skin/Palette.h"
+#include "editor/texts/PageTexts.h"
+#include "platform/drawing/Font.h"
 #include "platform/drawing/RasterSurface.h"
 
 namespace marnoth {
 
 namespace {
 
-constexpr Color kGround{75, 82, 95};  ///< that of the page's panels
 constexpr Color kPlateUp{52, 59, 70};
 constexpr Color kEdge = kPalette[1];
-constexpr Color kSymbolUp{205, 212, 222};
+constexpr Color kSymbolUp = kBarText;
 constexpr Color kSymbolDown = kPalette[8];
 constexpr Color kRecording{230, 92, 80};
 constexpr Color kShine{104, 112, 126};
@@ -30,6 +33,15 @@ void fill(Surface& surface, std::initializer_list<Point> points) {
 void line(Surface& surface, Point from, Point to) {
     surface.MoveTo(from);
     surface.LineTo(to);
+}
+
+/// A sheet with a corner folded down.
+void drawFiles(Surface& surface) {
+    surface.SelectBrush({});
+    fill(surface, {{kX - 5, kY - 7}, {kX + 1, kY - 7}, {kX + 5, kY - 3}, {kX + 5, kY + 6}, {kX - 5, kY + 6}});
+    line(surface, {kX + 1, kY - 7}, {kX + 1, kY - 3});
+    line(surface, {kX + 1, kY - 3}, {kX + 5, kY - 3});
+    for (const int row : {0, 3}) line(surface, {kX - 2, kY + row}, {kX + 3, kY + row});
 }
 
 void drawToStart(Surface& surface) {
@@ -100,6 +112,8 @@ void drawSymbol(Surface& surface, BarSymbol symbol, Color color) {
     surface.SelectPen({color});
     surface.SelectBrush(color);
     switch (symbol) {
+        case BarSymbol::files:
+            return drawFiles(surface);
         case BarSymbol::toStart:
             return drawToStart(surface);
         case BarSymbol::play:
@@ -124,7 +138,7 @@ void drawSymbol(Surface& surface, BarSymbol symbol, Color color) {
 }
 
 Bitmap drawButton(BarSymbol symbol, Color plate, Color color) {
-    Bitmap picture(kBarButtonWidth, kBarButtonHeight, kGround);
+    Bitmap picture(kBarButtonWidth, kBarButtonHeight, kBarGround);
     RasterSurface surface(picture);
     surface.SelectPen({kEdge});
     surface.SelectBrush(plate);
@@ -135,6 +149,13 @@ Bitmap drawButton(BarSymbol symbol, Color plate, Color color) {
 
 }  // namespace
 
+std::unique_ptr<Font> barFont(PageWindow& window, int height) {
+    std::string error;
+    std::unique_ptr<Font> font = window.openFont(kFontFace, height, error);
+    if (!font) throw std::runtime_error(error);
+    return font;
+}
+
 BarButtonPictures drawBarButton(BarSymbol symbol) {
     const bool records = symbol == BarSymbol::record;
     return {drawButton(symbol, kPlateUp, kSymbolUp),
@@ -142,7 +163,7 @@ BarButtonPictures drawBarButton(BarSymbol symbol) {
 }
 
 Bitmap drawBarGround(int width, int height) {
-    Bitmap ground(width, height, kGround);
+    Bitmap ground(width, height, kBarGround);
     RasterSurface surface(ground);
     surface.SelectPen({kShine});
     line(surface, {0, 0}, {width, 0});

@@ -1,9 +1,12 @@
 #include "shells/desktop/Desktop.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdlib>
+#include <filesystem>
 #include <iomanip>
 #include <memory>
+#include <span>
 #include <stdexcept>
 
 #include "editor/GrooveSamplerPropPage.h"
@@ -17,9 +20,12 @@
 #include "shellkit/files/ProjectFiles.h"
 #include "shellkit/page/QuestionBox.h"
 #include "shellkit/text/InstrumentText.h"
+#include "shells/desktop/DemoFiles.h"
 #include "shells/desktop/DesktopAudio.h"
 #include "shells/desktop/DialogPrograms.h"
+#include "shells/desktop/EndSignals.h"
 #include "shells/desktop/EventLoop.h"
+#include "shells/desktop/FileMenu.h"
 #include "shells/desktop/LiveInstrument.h"
 #include "shells/desktop/Notices.h"
 #include "shells/desktop/PadKeys.h"
@@ -27,7 +33,10 @@
 #include "shells/desktop/ProgramIcon.h"
 #include "shells/desktop/ProjectCommands.h"
 #include "shells/desktop/ProjectRecovery.h"
+#include "shells/desktop/SettingsFile.h"
+#include "shells/desktop/SongCommands.h"
 #include "shells/desktop/StackedPages.h"
+#include "shells/desktop/StatusLine.h"
 #include "shells/desktop/Takes.h"
 #include "shells/desktop/TransportBar.h"
 
@@ -38,8 +47,37 @@ namespace {
 constexpr int kQuestionHeight = 14;  ///< of the texts of a question, pixels
 constexpr std::chrono::seconds kLookPeriod{1};
 
-bool isSong(const std::string& file) {
-    return file.ends_with(".mid") || file.ends_with(".midi") || file.ends_with(".MID");
+/// What a signal adds to in the exit status of a program that it ends.
+constexpr int kEndedBySignal = 128;
+
+constexpr const char* kHelp =
+    "Keys of the pads:\n1 2 3 4\nQ W E R\nA S D F\nZ X C V\n \n"
+    "Space: play, stop\n"
+    "Ctrl+N, Ctrl+O, Ctrl+S: new, open, save\n"
+    "Ctrl+Z, Ctrl+Shift+Z: undo, redo\n"
+    "Of selected grains: arrows walk, + and - transpose, Delete deletes\n \n"
+    "A loop is dragged onto a pad, a project or MIDI file anywhere. The menu at the top left opens and saves "
+    "them. More is in the manual: man marnoth.";
+
+std::filesystem::path programFolder() {
+    std::error_code ignored;
+    return std::filesystem::read_symlink("/proc/self/exe", ignored).parent_path();
+}
+
+/// What is told at the start wins for this time.
+DesktopSettings withTold(DesktopSettings kept, const DesktopOptions& told) {
+    if (!told.audio.empty()) kept.audio = told.audio;
+    if (!told.wish.midiPort.empty()) kept.midiPort = told.wish.midiPort;
+    if (told.wish.rate != 0) kept.rate = told.wish.rate;
+    if (told.wish.frames != 0) kept.frames = told.wish.frames;
+    if (told.scale != 0) kept.scale = told.scale;
+    return kept;
+}
+
+/// What the user has changed since the start is kept, and not what was told for this time.
+template <class Value>
+void keepChange(Value& kept, const Value& atStart, const Value& now) {
+    if (now != atStart) kept = now;
 }
 
 std::unique_ptr<Font> questionFont(FontSource& fonts) {
@@ -47,16 +85,6 @@ std::unique_ptr<Font> questionFont(FontSource& fonts) {
     std::unique_ptr<Font> font = fonts.open(kFontFace, kQuestionHeight, error);
     if (!font) throw std::runtime_error(error);
     return font;
-}
-
-DesktopSettings settingsOf(const DesktopOptions& options) {
-    DesktopSettings settings;
-    settings.audio = options.audio;
-    settings.midiPort = options.wish.midiPort;
-    settings.rate = options.wish.rate;
-    settings.frames = options.wish.frames;
-    settings.scale = options.scale;
-    return settings;
 }
 
 std::string searchPath() {
@@ -67,48 +95,59 @@ std::string searchPath() {
 /// The whole program while its window is open.
 class Desktop final : public TransportBarHost {
 public:
-    Desktop(const DesktopOptions& options, std::ostream& errors)
-        : chooser_(loop_, findDialogProgram(searchPath()), [this](const std::string& why) { tell(why); }),
+    Desktop(const DesktopOptions& told, std::ostream& errors)
+        : options_(told),
+          chooser_(loop_, findDialogProgram(searchPath()), [this](const std::string& why) { tell(why); }),
           questionFont_(questionFont(*fonts_)),
           questions_(*questionFont_),
-          window_({.scale = options.scale,
+          window_({.scale = atStart_.scale,
                    .width = kPageWidth,
-                   .height = TransportBar::kHeight + kPageHeight,
+                   .height = TransportBar::kHeight + kPageHeight + StatusLine::kHeight,
                    .title = "Marnoth",
                    .cursors = skinCursor,
                    .icon = programIcon()},
                   *fonts_, questions_, chooser_),
           audio_(
-              audioSystems(), settingsOf(options), !options.audio.empty(), instrument_,
+              audioSystems(), atStart_, !told.audio.empty(), instrument_,
               [this](const std::string& what) { tell(what); }, errors),
-          pages_(window_, kPageWidth, TransportBar::kHeight, kPageHeight),
+          pages_(window_, kPageWidth, TransportBar::kHeight, kPageHeight, StatusLine::kHeight),
           bar_(pages_.upperWindow(), *this),
-          page_(pages_.lowerWindow()) {
-        openFiles(options.files);
-        if (options.tempo > 0) {
-            instrument_.followSongTempo(false);
-            instrument_.setTempo(options.tempo);
+          page_(pages_.lowerWindow()),
+          status_(pages_.footWindow()) {
+        for (const std::string& trouble : settingsFile_.troubles()) {
+            notices_.warn(trouble);
+            errors << trouble << std::endl;
         }
+        projects_.onChange([this](ProjectChange change, const std::string& path) {
+            recovery_.discard();
+            menu_.projectChanged(change, path);
+        });
+        takeSettings();
+        openFiles(options_.files);
         openPages();
+        if (options_.files.empty() && !settingsFile_.wasThere() && !recovery_.hasFound()) menu_.openDemo();
+        keepSettings();
     }
 
     int run() {
         auto nextLook = EventLoop::Time::clock::now();
-        while (!isClosed_ && !window_.isGone()) {
+        while (!isClosed_ && !window_.isGone() && EndSignals::came() == 0) {
             window_.dispatch();
-            showNotice();
             const auto now = EventLoop::Time::clock::now();
             lookAtAudio(now);
             if (now >= nextLook) {
                 lookAtProject(now);
+                keepSettings();
                 nextLook = now + kLookPeriod;
             }
             loop_.wait(std::min(window_.deadline().value_or(nextLook), nextLook));
         }
         instrument_.recorder().stop();
-        // The window was taken away, or the display has ended.
+        keepSettings();
+        // The window was taken away, or the display has ended, or the session does.
         if (!isClosed_) recovery_.keepChanges();
-        return 0;
+        const int signal = EndSignals::came();
+        return signal == 0 ? 0 : kEndedBySignal + signal;
     }
 
     /// What a player who looks for dropouts wants to know of the time that is over.
@@ -122,27 +161,45 @@ public:
     void record(bool on) override;
     void setTempo(double beatsPerMinute) override { instrument_.setTempo(beatsPerMinute); }
     void setLoop(int bars) override { instrument_.setLoop(bars); }
-    void setMetronome(bool on) override { instrument_.setMetronome(on); }
-    void setLevel(float gain) override { instrument_.master().set(gain); }
+    void setMetronome(bool on) override {
+        instrument_.setMetronome(on);
+        settings_.metronome = on;
+    }
+    void setLevel(float gain) override {
+        instrument_.master().set(gain);
+        settings_.level = gain;
+    }
     void setKey(std::optional<int> key) override {
         instrument_.setKey(key ? std::optional(static_cast<std::uint32_t>(*key)) : std::nullopt);
     }
     void panic() override { instrument_.panic(); }
+    std::vector<MenuItem> files() override { return menu_.items(); }
+    void chooseFile(int id) override { menu_.choose(id); }
     std::vector<MenuItem> settings() override;
     void chooseSetting(int id) override;
 
 private:
+    void takeSettings();
+    void keepSettings();
     void openFiles(const std::vector<std::string>& files);
     void openPages();
+    bool takeFiles(std::span<const std::string> paths);
     void useKey(int key, Modifiers held, bool down);
     void lookAtAudio(EventLoop::Time now);
     void lookAtProject(EventLoop::Time now);
     void close();
     /// A sentence for the user; none when it is empty.
     void tell(std::string sentence) { notices_.tell(std::move(sentence)); }
-    void showNotice();
+    std::string sound() const;
+    void showStatus();
+    void endTake();
 
+    EndSignals signals_;
     Notices notices_;
+    SettingsFile settingsFile_{settingsFolder()};
+    DesktopSettings settings_ = settingsFile_.read();
+    const DesktopOptions options_;
+    const DesktopSettings atStart_ = withTold(settings_, options_);
     LiveInstrument instrument_;
     EventLoop loop_;
     std::unique_ptr<FontSource> fonts_ = platformFonts();
@@ -154,12 +211,36 @@ private:
     StackedPages pages_;
     TransportBar bar_;
     CGrooveSamplerPropPage page_;
+    StatusLine status_;
     PadKeys padKeys_;
     ProjectCommands projects_{instrument_.sampler(), window_, page_, notices_};
     ProjectRecovery recovery_{instrument_, projects_.project(), window_, notices_};
+    SongCommands song_{instrument_};
+    FileMenu menu_{window_, projects_, song_, settings_, notices_, findDemo(programFolder())};
     std::string title_;
+    std::string take_;  ///< the file of the last one
     bool isClosed_ = false;
 };
+
+/// What is kept holds from the start, but for what is told.
+void Desktop::takeSettings() {
+    bar_.setUp(settings_.metronome, settings_.level, settings_.loopBars);
+    instrument_.setMetronome(settings_.metronome);
+    instrument_.master().set(settings_.level);
+    song_.repeat(options_.repeatsSong.value_or(settings_.songRepeats));
+    song_.followTempo(options_.songTempo.value_or(settings_.songTempo && options_.tempo <= 0));
+    if (options_.tempo > 0) instrument_.setTempo(options_.tempo);
+}
+
+void Desktop::keepSettings() {
+    settings_.loopBars = bar_.loopBars();
+    const DesktopSettings& audio = audio_.settings();
+    keepChange(settings_.audio, atStart_.audio, audio.audio);
+    keepChange(settings_.midiPort, atStart_.midiPort, audio.midiPort);
+    keepChange(settings_.rate, atStart_.rate, audio.rate);
+    keepChange(settings_.frames, atStart_.frames, audio.frames);
+    notices_.warn(settingsFile_.write(settings_));
+}
 
 void Desktop::openFiles(const std::vector<std::string>& files) {
     IGrooveSampler& sampler = instrument_.sampler();
@@ -167,10 +248,11 @@ void Desktop::openFiles(const std::vector<std::string>& files) {
     std::int32_t pad = 0;
     for (const std::string& file : files) {
         if (isSong(file)) {
-            instrument_.setSong(std::make_unique<const Song>(readSong(file)));
+            song_.open(file);
+            menu_.remember(file);
         } else if (isProject(file)) {
             loadProjectFile(sampler, file);
-            projects_.project().holds(file);
+            projects_.opened(file);
         } else if (pad < kPads) {
             loadLoopFile(sampler, pad++, file);
         }
@@ -183,25 +265,46 @@ void Desktop::openPages() {
     window_.setPage(&pages_);
     pages_.setUpper(&bar_);
     pages_.setLower(&page_);
+    pages_.setFoot(&status_);
+    pages_.takeFiles([this](std::span<const std::string> paths) { return takeFiles(paths); });
+    status_.onPressed([this] { notices_.dismiss(); });
     window_.onClose([this] { close(); });
     window_.onUnusedKey([this](int key, Modifiers held, bool down) { useKey(key, held, down); });
     page_.setRootScale(RootScale::ofLoops);
-    projects_.onSettled([this] { recovery_.discard(); });
+    window_.onHelp([this] { window_.askMessage(kHelp, MessageKind::note, [](PageAnswer) {}); });
     const std::array<IUnknown*, 1> objects{&instrument_.sampler()};
     page_.bind(objects);
     page_.open();
     bar_.open();
     window_.show();
     loop_.watch(window_.descriptor(), [] {});
+    loop_.watch(signals_.descriptor(), [] {});
     recovery_.offer([this] { page_.RefreshAll(); });
 }
 
-void Desktop::showNotice() {
-    if (window_.isAsking()) return;
-    const std::string notice = notices_.current(EventLoop::Time::clock::now());
-    if (notice.empty()) return;
-    notices_.dismiss();
-    window_.askMessage(notice, MessageKind::note, [](PageAnswer) {});
+/// Projects and MIDI files; loops are the page's.
+bool Desktop::takeFiles(std::span<const std::string> paths) {
+    const auto isOurs = [](const std::string& path) { return isSong(path) || isProject(path); };
+    const auto found = std::ranges::find_if(paths, isOurs);
+    if (found == paths.end()) return false;
+    for (const std::string& path : paths)
+        if (isSong(path)) menu_.open(path);
+    // A project comes last: it may ask about the one that is open.
+    if (const auto project = std::ranges::find_if(
+            paths, [](const std::string& path) { return !isSong(path) && isProject(path); });
+        project != paths.end())
+        menu_.open(*project);
+    return true;
+}
+
+/// "JACK, 48000 Hz".
+std::string Desktop::sound() const {
+    const AudioDriver* const driver = audio_.driver();
+    return driver ? driver->name() + ", " + std::to_string(driver->rate()) + " Hz" : std::string();
+}
+
+void Desktop::showStatus() {
+    status_.show(notices_.current(EventLoop::Time::clock::now()), song_.name(), sound());
 }
 
 /// At another rate the project has been loaded anew, which changes nothing of it.
@@ -211,11 +314,11 @@ void Desktop::lookAtAudio(EventLoop::Time now) {
     const bool hadChanged = project.hasChanged();
     audio_.look(now);
     if (instrument_.rate() == rate) return;
-    if (!hadChanged) project.holds(project.path());
+    if (!hadChanged) project.settle();
     page_.RefreshAll();
     if (!instrument_.recorder().isRecording()) return;
-    tell("The device plays at another rate now: the take ends here.");
-    tell(instrument_.recorder().stop());
+    notices_.warn("The device plays at another rate now: the take ends here.");
+    endTake();
 }
 
 /// The title follows the project, and a copy of it the changes.
@@ -233,6 +336,8 @@ void Desktop::close() {
 }
 
 void Desktop::useKey(int key, Modifiers held, bool down) {
+    if (down && menu_.useKey(key, held)) return;
+    if (down && key == kKeyF1) return window_.showHelp();
     if (down && key == kKeySpace && !held.control) return instrument_.isPlaying() ? stop() : play();
     const auto note = down && !held.control && !held.shift ? padKeys_.press(key, instrument_.sampler())
                                                            : padKeys_.release(key);
@@ -240,7 +345,8 @@ void Desktop::useKey(int key, Modifiers held, bool down) {
 }
 
 TransportBarHost::State Desktop::look() {
-    if (instrument_.recorder().hasFailed()) tell(instrument_.recorder().stop());
+    if (instrument_.recorder().hasFailed()) endTake();
+    showStatus();
     State state;
     state.playing = instrument_.isPlaying();
     state.recording = instrument_.recorder().isRecording();
@@ -254,13 +360,18 @@ TransportBarHost::State Desktop::look() {
     return state;
 }
 
-void Desktop::record(bool on) {
-    if (!on) return tell(instrument_.recorder().stop());
-    try {
-        instrument_.recorder().start(newTakeName(), instrument_.rate());
-    } catch (const FileFailure& failure) {
-        tell(failure.what());
-    }
+void Desktop::record(bool on) try {
+    if (!on) return endTake();
+    take_ = newTakeName();
+    instrument_.recorder().start(take_, instrument_.rate());
+} catch (const FileFailure& failure) {
+    notices_.warn(failure.what() + std::string("."));
+}
+
+void Desktop::endTake() {
+    if (const std::string failure = instrument_.recorder().stop(); !failure.empty())
+        return notices_.warn(failure);
+    tell("The take is in " + shortName(take_) + ".");
 }
 
 std::vector<MenuItem> Desktop::settings() {

@@ -18,8 +18,8 @@ bool areAlike(const DesktopSettings& one, const DesktopSettings& other) {
 
 std::string describe(const AudioChoice& choice, const AudioDriver& driver) {
     if (choice.system->name() == NullSystem::kName) return "The program plays without sound.";
-    return "Plays through " + driver.name() + ", " + std::to_string(driver.rate()) + " frames per second, blocks of " +
-           std::to_string(driver.frames()) + ".";
+    return "Plays through " + driver.name() + ", " + std::to_string(driver.rate()) +
+           " frames per second, blocks of " + std::to_string(driver.frames()) + ".";
 }
 
 std::vector<AudioChoice> namedChoice(const AudioSystems& systems, const std::string& name) {

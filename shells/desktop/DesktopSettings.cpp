@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "platform/text/Text.h"
+
 namespace marnoth {
 
 namespace {
@@ -14,7 +16,8 @@ void keepWithin(Value& value, Value lowest, Value highest, Value usual) {
 
 void keepName(std::string& text) {
     const auto isControl = [](char letter) { return static_cast<unsigned char>(letter) < ' '; };
-    if (text.size() > DesktopSettings::kLongestName || std::ranges::any_of(text, isControl)) text.clear();
+    if (text.size() > DesktopSettings::kLongestName || !isUtf8(text) || std::ranges::any_of(text, isControl))
+        text.clear();
 }
 
 }  // namespace
@@ -30,6 +33,9 @@ DesktopSettings usable(DesktopSettings settings) {
     keepWithin(settings.transport, TransportRole::own, TransportRole::leads, usual.transport);
     keepWithin(settings.level, 0.0f, DesktopSettings::kHighestLevel, usual.level);
     keepWithin(settings.loopBars, 1, DesktopSettings::kMostLoopBars, usual.loopBars);
+    for (std::string& file : settings.recent) keepName(file);
+    std::erase(settings.recent, "");
+    settings.recent.resize(std::min(settings.recent.size(), DesktopSettings::kMostRecent));
     return settings;
 }
 

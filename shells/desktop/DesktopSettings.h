@@ -1,7 +1,9 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
+#include <vector>
 
 namespace marnoth {
 
@@ -22,6 +24,7 @@ struct DesktopSettings {
     static constexpr int kMostLoopBars = 999;
     static constexpr float kHighestLevel = 4.0f;
     static constexpr std::size_t kLongestName = 1000;  ///< bytes
+    static constexpr std::size_t kMostRecent = 8;
 
     std::string audio;        ///< what `findAudio` takes; empty for the best that there is
     std::string midiPort;     ///< a part of the name of what sends notes; empty for all
@@ -30,8 +33,11 @@ struct DesktopSettings {
     int scale = 0;            ///< pixels of the screen for one of the page; 0 by the screen's resolution
     TransportRole transport = TransportRole::own;
     bool metronome = false;
-    float level = 1.0f;  ///< of the mix, a factor
-    int loopBars = 4;    ///< that the loop has when it is switched on
+    float level = 1.0f;                    ///< of the mix, a factor
+    int loopBars = 4;                      ///< that the loop has when it is switched on
+    bool songTempo = true;                 ///< a MIDI file plays in its own tempo
+    bool songRepeats = false;              ///< and over and over
+    std::vector<std::string> recent = {};  ///< projects and MIDI files, full paths, the last one first
 
     friend bool operator==(const DesktopSettings&, const DesktopSettings&) = default;
 };

@@ -125,7 +125,12 @@ void LiveInstrument::take(const Command& command) {
             transport_.setTempo(command.value);
             break;
         case Command::Kind::loop:
-            loopEnd_ = command.value > 0 ? command.value * kBeatsOfBar * kTicksPerBeat : SongReader::kNever;
+            bars_ = command.value;
+            loopEnd_ = endOfLoop();
+            break;
+        case Command::Kind::repeat:
+            repeatsSong_ = command.value != 0.0;
+            loopEnd_ = endOfLoop();
             break;
         case Command::Kind::follow:
             followsTempo_ = command.value != 0.0;
@@ -134,6 +139,7 @@ void LiveInstrument::take(const Command& command) {
             // What the song before has switched on would sound on.
             if (song_.song()) host_.panic();
             song_.setSong(command.song);
+            loopEnd_ = endOfLoop();
             ++takenSongs_;
             arrive(transport_.tick());
             break;
@@ -149,6 +155,11 @@ void LiveInstrument::arrive(double tick) {
 
 double LiveInstrument::ticksPerFrame() const {
     return transport_.playing() ? transport_.tempo() * kTicksPerBeat / 60.0 / rate_ : 0.0;
+}
+
+double LiveInstrument::endOfLoop() const {
+    if (bars_ > 0.0) return bars_ * kBeatsOfBar * kTicksPerBeat;
+    return repeatsSong_ && song_.song() && song_.song()->end > 0 ? song_.song()->end : SongReader::kNever;
 }
 
 /// The frames up to the loop's end or the next change of tempo, whichever is nearer; at least 1.

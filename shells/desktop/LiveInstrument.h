@@ -50,6 +50,8 @@ public:
     void setMetronome(bool on) { metronomeIsOn_ = on; }
     /// Plays with the transport from now on; null plays none.
     void setSong(std::unique_ptr<const Song> song);
+    /// It begins anew where it ends, unless a loop of bars is on; else the transport goes on behind it.
+    void repeatSong(bool on) { command({Command::Kind::repeat, on ? 1.0 : 0.0}); }
     void followSongTempo(bool on) { command({Command::Kind::follow, on ? 1.0 : 0.0}); }
     /// A key of the computer or of the page: on channel 1, at once.
     void note(std::uint8_t key, bool on);
@@ -77,7 +79,7 @@ public:
 
 private:
     struct Command {
-        enum class Kind : std::uint8_t { play, stop, locate, tempo, loop, follow, song };
+        enum class Kind : std::uint8_t { play, stop, locate, tempo, loop, repeat, follow, song };
         Kind kind = Kind::play;
         double value = 0.0;
         const Song* song = nullptr;
@@ -97,6 +99,7 @@ private:
     void followTempo(double begin, double end);
     void arrive(double tick);
     double ticksPerFrame() const;
+    double endOfLoop() const;
 
     LiveHost host_;
     std::atomic<std::uint32_t> rate_ = 0;  ///< frames per second; 0 before it was prepared
@@ -120,7 +123,9 @@ private:
     Metronome metronome_;
     std::array<float, kLongestPiece> left_{};
     std::array<float, kLongestPiece> right_{};
+    double bars_ = 0.0;                    ///< of the loop; 0 for none
     double loopEnd_ = SongReader::kNever;  ///< ticks
+    bool repeatsSong_ = false;
     bool followsTempo_ = true;
 };
 

@@ -1,27 +1,29 @@
 #include "shells/desktop/Notices.h"
 
 #include <algorithm>
-#include <utility>
 
 namespace marnoth {
 
 namespace {
 
-constexpr std::chrono::milliseconds kShortest{4000};
-constexpr std::chrono::milliseconds kForEachByte{80};
+using std::chrono::milliseconds;
+
+constexpr milliseconds kShortestNews{4000};
+constexpr milliseconds kShortestWarning{15000};
+constexpr milliseconds kForEachByte{80};
 /// While another one waits.
-constexpr std::chrono::milliseconds kInARow{3000};
+constexpr milliseconds kLongestInARow{4000};
 
 }  // namespace
 
-void Notices::tell(std::string sentence) {
-    if (sentence.empty() || std::ranges::find(waiting_, sentence) != waiting_.end()) return;
-    waiting_.push_back(std::move(sentence));
+void Notices::add(Notice notice) {
+    if (notice.text.empty() || std::ranges::find(waiting_, notice) != waiting_.end()) return;
+    waiting_.push_back(std::move(notice));
 }
 
-const std::string& Notices::current(Time now) {
+Notice Notices::current(Time now) {
     if (!waiting_.empty() && shownSince_ && now - *shownSince_ >= timeFor(waiting_.front())) dismiss();
-    if (waiting_.empty()) return none_;
+    if (waiting_.empty()) return {};
     if (!shownSince_) shownSince_ = now;
     return waiting_.front();
 }
@@ -31,9 +33,10 @@ void Notices::dismiss() {
     shownSince_.reset();
 }
 
-std::chrono::milliseconds Notices::timeFor(const std::string& sentence) const {
-    const auto whole = std::max(kShortest, kForEachByte * static_cast<int>(sentence.size()));
-    return waiting_.size() > 1 ? std::min(whole, kInARow) : whole;
+milliseconds Notices::timeFor(const Notice& notice) const {
+    const milliseconds reading = kForEachByte * static_cast<int>(notice.text.size());
+    const milliseconds whole = std::max(notice.warns ? kShortestWarning : kShortestNews, reading);
+    return waiting_.size() > 1 ? std::min(whole, kLongestInARow) : whole;
 }
 
 }  // namespace marnoth

@@ -18,6 +18,8 @@ public:
     void holds(std::string path);
     /// The instrument holds what came from somewhere that it isn't saved to, and is called so.
     void holdsCopy(std::string name);
+    /// What it holds now counts as unchanged.
+    void settle() { unchanged_ = changes(); }
     const std::string& path() const { return path_; }
     /// Without folders, as a user calls it.
     std::string name() const;

@@ -30,24 +30,28 @@ ProjectCommands::ProjectCommands(IGrooveSampler& sampler, PageWindow& window, CG
     page_.checkLoads(adviceBeforeLoad);
     page_.guardLoads([this](const std::function<void(bool)>& then) { askAboutChanges(then); });
     page_.adviseOnLoads([this](const std::string& file) { return adviceOnLoad(sampler_, file); });
-    page_.tellOfProjects([this](const std::string& path) { holds(path); });
+    page_.tellOfProjects([this](const std::string& path, bool saved) {
+        holds(path, saved ? ProjectChange::saved : ProjectChange::loaded);
+    });
 }
 
-void ProjectCommands::holds(const std::string& path) {
-    // What a save couldn't have written there is opened as a copy: saving it would make another file.
-    if (savedName(path) == path)
-        project_.holds(path);
-    else
+void ProjectCommands::holds(const std::string& path, ProjectChange change) {
+    const bool wasSaved = change == ProjectChange::saved;
+    if (path == copy_.first && !wasSaved)
+        project_.holdsCopy(copy_.second);
+    else if (savedName(path) != path && !wasSaved)
+        // Saving it would make another file.
         project_.holdsCopy(nameOf(path));
-    settled_();
+    else
+        project_.holds(wasSaved ? savedName(path) : path);
+    listener_(change, path);
 }
 
-void ProjectCommands::begin(const std::function<void()>& then) {
-    leave([this, then] {
+void ProjectCommands::begin() {
+    leave([this] {
         page_.emptyProject();
         project_.holds({});
-        settled_();
-        then();
+        listener_(ProjectChange::begun, {});
     });
 }
 
@@ -93,11 +97,11 @@ void ProjectCommands::askForName(const std::function<void(bool)>& then) {
 
 bool ProjectCommands::saveTo(const std::string& path) try {
     saveProjectFile(sampler_, path);
-    holds(path);
+    holds(path, ProjectChange::saved);
     notices_.tell("Saved " + nameOf(path) + ".");
     return true;
 } catch (const FileFailure& failure) {
-    window_.askMessage(failure.what() + std::string("."), MessageKind::note, [](PageAnswer) {});
+    notices_.warn(failure.what() + std::string("."));
     return false;
 }
 

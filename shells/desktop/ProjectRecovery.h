@@ -21,6 +21,7 @@ public:
     /// All outlive it.
     ProjectRecovery(LiveInstrument& instrument, OpenProject& project, PageWindow& window, Notices& notices);
 
+    bool hasFound() const { return file_.found().has_value(); }
     /// Asks about what was found, and opens it, if there is any; `opened` follows that.
     void offer(std::function<void()> opened);
     /// Once in a while: a copy when it is time for one.

@@ -115,11 +115,12 @@ void StackedPages::Storey::present(const Bitmap& screen, const Rect& changed) {
     if (!area.isEmpty()) outer().present(house_.picture_, area);
 }
 
-StackedPages::StackedPages(PageWindow& window, int width, int upperHeight, int lowerHeight)
+StackedPages::StackedPages(PageWindow& window, int width, int upperHeight, int lowerHeight, int footHeight)
     : window_(window),
-      picture_(width, upperHeight + lowerHeight),
+      picture_(width, upperHeight + lowerHeight + footHeight),
       upper_(std::make_unique<Storey>(*this, Rect::at(0, 0, width, upperHeight))),
-      lower_(std::make_unique<Storey>(*this, Rect::at(0, upperHeight, width, lowerHeight))) {}
+      lower_(std::make_unique<Storey>(*this, Rect::at(0, upperHeight, width, lowerHeight))),
+      foot_(std::make_unique<Storey>(*this, Rect::at(0, upperHeight + lowerHeight, width, footHeight))) {}
 
 StackedPages::~StackedPages() = default;
 
@@ -131,6 +132,10 @@ PageWindow& StackedPages::lowerWindow() {
     return *lower_;
 }
 
+PageWindow& StackedPages::footWindow() {
+    return *foot_;
+}
+
 void StackedPages::setUpper(PageEvents* page) {
     upper_->page = page;
 }
@@ -139,9 +144,13 @@ void StackedPages::setLower(PageEvents* page) {
     lower_->page = page;
 }
 
+void StackedPages::setFoot(PageEvents* page) {
+    foot_->page = page;
+}
+
 StackedPages::Storey& StackedPages::under(Point at) {
     if (captor_) return *captor_;
-    return upper_->contains(at) ? *upper_ : *lower_;
+    return upper_->contains(at) ? *upper_ : foot_->contains(at) ? *foot_ : *lower_;
 }
 
 StackedPages::Storey& StackedPages::keyboard() {
@@ -158,6 +167,7 @@ void StackedPages::setTimer() {
 void StackedPages::paint() {
     upper_->paint();
     lower_->paint();
+    foot_->paint();
 }
 
 void StackedPages::timer() {
@@ -175,9 +185,9 @@ void StackedPages::mouse(MouseEvent event, Point at, Modifiers held) {
 }
 
 void StackedPages::leftDown(Point at, Modifiers held) {
-    // A press on one closes what is being typed on the other.
-    Storey& other = &under(at) == upper_.get() ? *lower_ : *upper_;
-    if (other.wantsKeys() && other.page) other.page->focusLost();
+    // A press on one closes what is being typed on the others.
+    for (Storey* const other : {upper_.get(), lower_.get()})
+        if (other != &under(at) && other->wantsKeys() && other->page) other->page->focusLost();
     mouse(&PageEvents::leftDown, at, held);
 }
 
@@ -246,6 +256,10 @@ void StackedPages::dragLeave() {
 }
 
 DropEffect StackedPages::drop(Point at, std::optional<std::span<const std::string>> paths) {
+    if (paths && taker_ && taker_(*paths)) {
+        dragLeave();
+        return DropEffect::copy;
+    }
     return lower_->page ? lower_->page->drop(lower_->inside(at), paths) : DropEffect::none;
 }
 

@@ -2,27 +2,37 @@
 
 #include <array>
 #include <chrono>
+#include <functional>
 #include <memory>
+#include <span>
+#include <string>
+#include <utility>
 
 #include "platform/drawing/Bitmap.h"
 #include "platform/drawing/PageWindow.h"
 
 namespace marnoth {
 
-/// Two pages in one window, one above the other: each has a window of its own here, and all of them one
-/// picture, one mouse and one keyboard. Whoever captured the mouse has it, else the one under it; the
-/// keyboard is the upper page's while that wants it, else the lower one's. The window's thread.
+/// Pages in one window, one above the other: an upper one, the lower one, and a line at their foot. Each has
+/// a window of its own here, and all of them one picture, one mouse and one keyboard. Whoever captured the
+/// mouse has it, else the one under it; the keyboard is the upper page's while that wants it, else the lower
+/// one's. The window's thread.
 class StackedPages final : public PageEvents {
 public:
     /// `window` outlives it. Sizes in pixels of the page.
-    StackedPages(PageWindow& window, int width, int upperHeight, int lowerHeight);
+    StackedPages(PageWindow& window, int width, int upperHeight, int lowerHeight, int footHeight = 0);
     ~StackedPages() override;
 
     PageWindow& upperWindow();
     PageWindow& lowerWindow();
+    PageWindow& footWindow();
     /// Not owned; null without a page.
     void setUpper(PageEvents* page);
     void setLower(PageEvents* page);
+    void setFoot(PageEvents* page);
+    /// Gets files that are dropped before the lower page does: true when it has a use for them.
+    using FileTaker = std::function<bool(std::span<const std::string> paths)>;
+    void takeFiles(FileTaker taker) { taker_ = std::move(taker); }
 
     void paint() override;
     void timer() override;
@@ -57,6 +67,8 @@ private:
     Bitmap picture_;
     std::unique_ptr<Storey> upper_;
     std::unique_ptr<Storey> lower_;
+    std::unique_ptr<Storey> foot_;
+    FileTaker taker_;
     Storey* captor_ = nullptr;  ///< who has captured the mouse
     Storey* over_ = nullptr;    ///< where the mouse was last
 };

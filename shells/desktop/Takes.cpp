@@ -25,10 +25,18 @@ std::string newTakeName() {
     std::error_code ignored;
     const fs::path folder = musicFolder() / "Marnoth";
     fs::create_directories(folder, ignored);
-    fs::path file;
-    for (int number = 1; file.empty() || fs::exists(file, ignored); ++number)
-        file = folder / ("take-" + std::to_string(number) + ".wav");
-    return utf8FromPath(file);
+    for (int number = 1;; ++number) {
+        const std::string name = "take-" + std::to_string(number) + ".wav";
+        // One that grows beside its name is another program's, or was left in a crash.
+        if (!fs::exists(folder / name, ignored) && !fs::exists(folder / (name + ".part"), ignored))
+            return utf8FromPath(folder / name);
+    }
+}
+
+std::string shortName(const std::string& file) {
+    const char* const home = std::getenv("HOME");
+    const std::string folder = home && *home == '/' ? std::string(home) + "/" : "";
+    return !folder.empty() && file.starts_with(folder) ? "~/" + file.substr(folder.size()) : file;
 }
 
 }  // namespace marnoth

@@ -8,4 +8,7 @@ namespace marnoth {
 /// of the user's music folder, which is made. UTF-8.
 std::string newTakeName();
 
+/// As users write it: "~" for their own folder.
+std::string shortName(const std::string& file);
+
 }  // namespace marnoth

@@ -22,23 +22,20 @@ namespace marnoth {
 
 namespace {
 
-constexpr int kTextHeight = 12;
 constexpr int kPositionHeight = 14;
 
 constexpr int kTop = 5;  ///< of the buttons
-constexpr Rect kPositionPlace = Rect::at(112, kTop, 70, kBarButtonHeight);
-constexpr Rect kTempoPlace = Rect::at(188, kTop + 2, 44, 16);
-constexpr Rect kTempoLabel = Rect::at(234, kTop, 24, kBarButtonHeight);
-constexpr Rect kBarsPlace = Rect::at(316, kTop + 2, 24, 16);
-constexpr Rect kKeyLabel = Rect::at(396, kTop, 34, kBarButtonHeight);
-constexpr Point kLevelPlace{432, 6};
-constexpr Rect kMeter = Rect::at(452, 8, 56, 14);
-constexpr Rect kClipLight = Rect::at(510, 8, 6, 14);
-constexpr Rect kMidiLight = Rect::at(520, 7, 6, 6);
-constexpr Rect kDropoutLight = Rect::at(520, 17, 6, 6);
+constexpr Rect kPositionPlace = Rect::at(142, kTop, 66, kBarButtonHeight);
+constexpr Rect kTempoPlace = Rect::at(214, kTop + 2, 44, 16);
+constexpr Rect kTempoLabel = Rect::at(260, kTop, 24, kBarButtonHeight);
+constexpr Rect kBarsPlace = Rect::at(340, kTop + 2, 24, 16);
+constexpr Rect kKeyLabel = Rect::at(420, kTop, 28, kBarButtonHeight);
+constexpr Point kLevelPlace{449, 6};
+constexpr Rect kMeter = Rect::at(470, 8, 44, 14);
+constexpr Rect kClipLight = Rect::at(516, 8, 6, 14);
+constexpr Rect kMidiLight = Rect::at(526, 7, 6, 6);
+constexpr Rect kDropoutLight = Rect::at(526, 17, 6, 6);
 
-constexpr Color kGround{75, 82, 95};
-constexpr Color kText{205, 212, 222};
 constexpr Color kDark = kPalette[1];
 constexpr Color kGreen = kPalette[6];
 constexpr Color kYellow{230, 206, 96};
@@ -89,6 +86,13 @@ float gainOf(double portion) {
     return std::abs(decibels) < 0.3 ? 1.0f : static_cast<float>(std::pow(10.0, decibels / 20.0));
 }
 
+float portionOf(float gain) {
+    if (gain <= 0.0f) return 0.0f;
+    const double decibels = 20.0 * std::log10(static_cast<double>(gain));
+    return static_cast<float>(
+        std::clamp((decibels - kLowestDecibels) / (kHighestDecibels - kLowestDecibels), 0.0, 1.0));
+}
+
 int meterWidth(float peak) {
     if (peak <= 0.0f) return 0;
     const double portion = 1.0 - 20.0 * std::log10(static_cast<double>(peak)) / kMeterFloor;
@@ -101,39 +105,33 @@ void plate(Surface& surface, const Rect& place, Color color) {
     surface.Rectangle(place);
 }
 
-std::unique_ptr<Font> opened(PageWindow& window, int height) {
-    std::string error;
-    std::unique_ptr<Font> font = window.openFont(kFontFace, height, error);
-    if (!font) throw std::runtime_error(error);
-    return font;
-}
-
 }  // namespace
 
 TransportBar::TransportBar(PageWindow& window, TransportBarHost& host)
     : PageFrame(window, drawBarGround(kWidth, kHeight),
                 [](Bitmap& bitmap) { return std::make_unique<RasterSurface>(bitmap); }),
       host_(host),
-      font_(opened(window, kTextHeight)),
-      large_(opened(window, kPositionHeight)),
+      font_(barFont(window, kBarTextHeight)),
+      large_(barFont(window, kPositionHeight)),
       tempo_(*this, kTempo),
       bars_(*this, kBars),
       level_(*this, kLevel) {
-    makeButton(kToStart, 4, BarSymbol::toStart);
-    makeToggle(kPlay, 30, BarSymbol::play);
-    makeButton(kStop, 56, BarSymbol::stop);
-    makeToggle(kRecord, 82, BarSymbol::record);
+    makeButton(kFiles, 4, BarSymbol::files);
+    makeButton(kToStart, 34, BarSymbol::toStart);
+    makeToggle(kPlay, 60, BarSymbol::play);
+    makeButton(kStop, 86, BarSymbol::stop);
+    makeToggle(kRecord, 112, BarSymbol::record);
     makeText(tempo_, kTempoPlace);
-    makeButton(kTap, 260, BarSymbol::tap);
-    makeToggle(kLoop, 288, BarSymbol::loop);
+    makeButton(kTap, 286, BarSymbol::tap);
+    makeToggle(kLoop, 314, BarSymbol::loop);
     makeText(bars_, kBarsPlace);
-    makeToggle(kMetronome, 344, BarSymbol::metronome);
-    makeButton(kKey, 370, BarSymbol::key);
+    makeToggle(kMetronome, 368, BarSymbol::metronome);
+    makeButton(kKey, 394, BarSymbol::key);
     level_.setPlace(Rect::at(kLevelPlace.x, kLevelPlace.y, 0, 0));
     level_.LoadKnobBitmap(skinBitmap(kKnobStrip), kKnobSize, kKnobSize, kFullLevelPortion, false, {});
     level_.SetValue(kFullLevelPortion);
     add(level_);
-    makeButton(kPanic, 546, BarSymbol::panic);
+    makeButton(kPanic, 548, BarSymbol::panic);
     makeButton(kSettings, 572, BarSymbol::settings);
     bars_.setText(std::to_string(loopBars_));
 }
@@ -168,6 +166,13 @@ void TransportBar::open() {
     show(host_.look());
     invalidate({0, 0, kWidth, kHeight});
     window().setTimer(kTimerPeriod);
+}
+
+void TransportBar::setUp(bool metronome, float level, int loopBars) {
+    toggles_.at(kMetronome).setDown(metronome);
+    level_.SetValue(portionOf(level));
+    loopBars_ = std::clamp(loopBars, 1, kMostBars);
+    bars_.setText(std::to_string(loopBars_));
 }
 
 void TransportBar::timer() {
@@ -218,8 +223,8 @@ void TransportBar::drawPosition(Surface& surface) {
 
 void TransportBar::drawLabels(Surface& surface) {
     surface.SelectFont(font_.get());
-    surface.SetTextColor(kText);
-    surface.SetGroundColor(kGround);
+    surface.SetTextColor(kBarText);
+    surface.SetGroundColor(kBarGround);
     const int y = kTop + 4;
     surface.TextOut({kTempoLabel.left, y}, "bpm");
     surface.TextOut({kKeyLabel.left, y}, key_ ? keyName(*key_) : "None");
@@ -282,6 +287,8 @@ void TransportBar::command(int id) {
     // The keyboard goes back to the page.
     focus(nullptr);
     switch (id) {
+        case kFiles:
+            return chooseFile();
         case kToStart:
             return host_.toStart();
         case kPlay:
@@ -347,6 +354,13 @@ void TransportBar::chooseKey() {
         key_ = id == kNoKey ? std::nullopt : std::optional(id - 1);
         host_.setKey(key_);
         invalidate(kKeyLabel);
+    });
+}
+
+void TransportBar::chooseFile() {
+    const std::vector<MenuItem> items = host_.files();
+    questions().askMenu({buttons_.at(kFiles).place().left, kHeight}, items, [this](int id) {
+        if (id != 0) host_.chooseFile(id);
     });
 }
 

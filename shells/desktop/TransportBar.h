@@ -43,6 +43,9 @@ public:
     /// 0 to 11 counted from A; nothing for none.
     virtual void setKey(std::optional<int> key) = 0;
     virtual void panic() = 0;
+    /// What the menu of projects and MIDI files holds, and what one of its entries does.
+    virtual std::vector<MenuItem> files() = 0;
+    virtual void chooseFile(int id) = 0;
     /// What the settings' menu holds, and what one of its entries does.
     virtual std::vector<MenuItem> settings() = 0;
     virtual void chooseSetting(int id) = 0;
@@ -60,6 +63,10 @@ public:
     TransportBar(PageWindow& window, TransportBarHost& host);
 
     void open();
+    /// What it shows at first: level as a factor, bars from 1 on.
+    void setUp(bool metronome, float level, int loopBars);
+    /// That the loop has when it is switched on.
+    int loopBars() const { return loopBars_; }
 
     void timer() override;
     DropEffect dragEnter(bool) override { return DropEffect::none; }
@@ -72,7 +79,8 @@ public:
 
 private:
     enum Id {
-        kToStart = 1,
+        kFiles = 1,
+        kToStart,
         kPlay,
         kStop,
         kRecord,
@@ -108,6 +116,7 @@ private:
     void applyBars(const std::string& text);
     void showTempo(double beatsPerMinute);
     void chooseKey();
+    void chooseFile();
     void chooseSettings();
     void show(const TransportBarHost::State& state);
     void drawPosition(Surface& surface);

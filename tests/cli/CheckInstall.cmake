@@ -21,6 +21,8 @@ else()
     list(APPEND expected
         lib/marnoth/marnoth-desktop.so
         lib/marnoth/marnoth-rtaudio.so
+        share/marnoth/demo/bass.wav share/marnoth/demo/chords.wav share/marnoth/demo/drums.wav
+        share/marnoth/demo/groove.mid share/marnoth/demo/groove.mrn share/marnoth/demo/percussion.wav
         share/applications/marnoth.desktop share/icons/hicolor/scalable/apps/marnoth.svg
         share/mime/packages/marnoth.xml
         share/bash-completion/completions/marnoth share/fish/vendor_completions.d/marnoth.fish

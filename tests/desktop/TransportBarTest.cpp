@@ -24,6 +24,8 @@ public:
     void setKey(std::optional<int> key) override {
         asked.push_back("key " + (key ? std::to_string(*key) : "none"));
     }
+    std::vector<MenuItem> files() override { return {{7, "Open", false}}; }
+    void chooseFile(int id) override { asked.push_back("file " + std::to_string(id)); }
     void panic() override { asked.push_back("panic"); }
     std::vector<MenuItem> settings() override { return {{1, "One", true}, {2, "Two", false}}; }
     void chooseSetting(int id) override { asked.push_back("setting " + std::to_string(id)); }
@@ -57,13 +59,13 @@ protected:
         return window.screen().at(at.x, at.y);
     }
 
-    static constexpr Point kPlay{42, 15};
-    static constexpr Point kTempo{200, 15};
-    static constexpr Point kTempoLabel{245, 15};
-    static constexpr Point kLoop{300, 15};
-    static constexpr Point kBars{325, 15};
-    static constexpr Point kKey{380, 15};
-    static constexpr Point kClipLight{512, 15};
+    static constexpr Point kPlay{72, 15};
+    static constexpr Point kTempo{226, 15};
+    static constexpr Point kTempoLabel{268, 15};
+    static constexpr Point kLoop{326, 15};
+    static constexpr Point kBars{350, 15};
+    static constexpr Point kKey{406, 15};
+    static constexpr Point kClipLight{518, 15};
 
     std::unique_ptr<FontSource> fonts = platformFonts();
     HeadlessWindow window;
@@ -72,11 +74,11 @@ protected:
 };
 
 TEST_F(TransportBarTest, ItsButtonsMoveTheTransport) {
-    click({16, 15});
+    click({46, 15});
     click(kPlay);
-    click({68, 15});
-    click({94, 15});
-    click({558, 15});
+    click({98, 15});
+    click({124, 15});
+    click({560, 15});
     EXPECT_EQ(program.take(), (Lines{"to start", "play", "stop", "record", "panic"}));
 }
 
@@ -105,12 +107,12 @@ TEST_F(TransportBarTest, WhatIsNoTempoChangesNothing) {
 
 TEST_F(TransportBarTest, ATempoIsDraggedAndTurnedByWholeBeats) {
     window.press(kTempoLabel);
-    window.move({245, 12});
-    window.release({245, 12});
+    window.move({268, 12});
+    window.release({268, 12});
     EXPECT_EQ(program.take(), (Lines{"tempo 123.000000"}));
     window.wheel(kTempoLabel, WheelAxis::vertical, -1);
     EXPECT_EQ(program.take(), (Lines{"tempo 122.000000"}));
-    window.move({245, 25});
+    window.move({268, 25});
     EXPECT_EQ(program.take(), Lines{}) << "behind the release";
 }
 
@@ -147,6 +149,26 @@ TEST_F(TransportBarTest, SettingsAreTheProgramsOwn) {
     EXPECT_EQ(program.take(), (Lines{"setting 2"}));
 }
 
+TEST_F(TransportBarTest, FilesAreTheProgramsOwn) {
+    window.answer("7");
+    click({16, 15});
+    EXPECT_EQ(program.take(), (Lines{"file 7"}));
+}
+
+TEST_F(TransportBarTest, ItBeginsWithWhatWasKept) {
+    bar->setUp(true, 1.0f, 8);
+    click({380, 15});
+    EXPECT_EQ(program.take(), (Lines{"no click"})) << "it was on";
+    click(kLoop);
+    EXPECT_EQ(program.take(), (Lines{"loop 8"}));
+    // 0.25 is -12 dB: 36 of 54 dB from the lowest, where full level has 48.
+    bar->setUp(false, 0.25f, 1);
+    window.wheel({457, 14}, WheelAxis::vertical, 1);
+    ASSERT_FALSE(program.levels.empty());
+    EXPECT_GT(program.levels.back(), 0.25f);
+    EXPECT_LT(program.levels.back(), 0.32f);
+}
+
 TEST_F(TransportBarTest, TheClipLightStaysUntilItIsPressed) {
     const Color dark = pixel(kClipLight);
     program.state.peakLeft = 1.01f;
@@ -162,31 +184,31 @@ TEST_F(TransportBarTest, TheClipLightStaysUntilItIsPressed) {
 
 TEST_F(TransportBarTest, FullLevelIsExactlyOne) {
     // The knob's own double click is full level.
-    window.doubleClick({440, 14});
+    window.doubleClick({457, 14});
     ASSERT_FALSE(program.levels.empty());
     EXPECT_EQ(program.levels.back(), 1.0f);
 }
 
 TEST_F(TransportBarTest, AtItsLowestTheLevelIsSilence) {
-    window.wheel({440, 14}, WheelAxis::vertical, -100);
+    window.wheel({457, 14}, WheelAxis::vertical, -100);
     ASSERT_FALSE(program.levels.empty());
     EXPECT_EQ(program.levels.back(), 0.0f);
-    window.wheel({440, 14}, WheelAxis::vertical, 100);
+    window.wheel({457, 14}, WheelAxis::vertical, 100);
     EXPECT_NEAR(program.levels.back(), 1.9953, 1e-3) << "6 dB";
 }
 
 TEST_F(TransportBarTest, MetersFallSlowly) {
     program.state.peakLeft = 0.5f;
     window.tick();
-    // -6 of 48 dB: seven eighths of 56 pixels.
-    const Color dark = pixel({452 + 52, 11});
-    const Color lit = pixel({452 + 40, 11});
+    // -6 of 48 dB: seven eighths of 44 pixels.
+    const Color dark = pixel({470 + 41, 11});
+    const Color lit = pixel({470 + 35, 11});
     EXPECT_NE(lit, dark);
     program.state.peakLeft = 0.0f;
     window.tick();
-    EXPECT_EQ(pixel({452 + 40, 11}), lit) << "a little lower";
+    EXPECT_EQ(pixel({470 + 31, 11}), lit) << "a little lower";
     for (int i = 0; i < 60; ++i) window.tick();
-    EXPECT_EQ(pixel({452 + 10, 11}), dark);
+    EXPECT_EQ(pixel({470 + 10, 11}), dark);
 }
 
 }  // namespace

@@ -28,6 +28,12 @@ set(expected
     usr/share/doc/marnoth/assets/groove.svg
     usr/share/doc/marnoth/assets/page-windows.png
     usr/share/doc/marnoth/assets/playing.png
+    usr/share/marnoth/demo/bass.wav
+    usr/share/marnoth/demo/chords.wav
+    usr/share/marnoth/demo/drums.wav
+    usr/share/marnoth/demo/groove.mid
+    usr/share/marnoth/demo/groove.mrn
+    usr/share/marnoth/demo/percussion.wav
     usr/share/fish/vendor_completions.d/marnoth.fish
     usr/share/icons/hicolor/scalable/apps/marnoth.svg
     usr/share/man/man1/marnoth.1

@@ -1,0 +1,67 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/drawing/PageWindow.h"
+#include "shells/desktop/DemoFiles.h"
+#include "shells/desktop/DesktopSettings.h"
+#include "shells/desktop/Notices.h"
+#include "shells/desktop/ProjectCommands.h"
+#include "shells/desktop/SongCommands.h"
+
+namespace marnoth {
+
+/// The menu of projects and MIDI files, and what its entries do. Remembers in the settings which files were
+/// used last. Nothing here may be called while a question is open. The window's thread.
+class FileMenu {
+public:
+    /// All outlive it. Without `demo` the menu doesn't offer one.
+    FileMenu(PageWindow& window, ProjectCommands& projects, SongCommands& song, DesktopSettings& settings,
+             Notices& notices, std::optional<DemoFiles> demo);
+
+    std::vector<MenuItem> items() const;
+    void choose(int id);
+    /// The keys of its entries. False for a key that is none of them.
+    bool useKey(int key, Modifiers held);
+
+    /// By what the file is; what can't be opened is told, and costs nothing of what is open.
+    void open(const std::string& file);
+    /// Both of its files.
+    void openDemo();
+    /// For `ProjectCommands::onChange`.
+    void projectChanged(ProjectChange change, const std::string& path);
+    /// A file that is open now, by whatever way: it comes first among those used last.
+    void remember(const std::string& file);
+
+private:
+    enum Id {
+        kNew = 1,
+        kOpen,
+        kSave,
+        kSaveAs,
+        kDemo,
+        kCloseSong,
+        kSongTempo,
+        kSongRepeats,
+        kHelp,
+        kFirstRecent = 100,
+    };
+
+    void askForFile();
+    void openSong(const std::string& file);
+    void openRecent(std::size_t place);
+    void playDemo();
+
+    PageWindow& window_;
+    ProjectCommands& projects_;
+    SongCommands& song_;
+    DesktopSettings& settings_;
+    Notices& notices_;
+    const std::optional<DemoFiles> demo_;
+    bool songIsDemos_ = false;
+};
+
+}  // namespace marnoth
