@@ -393,7 +393,8 @@ void Desktop::tellBlocks(std::ostream& out) {
     constexpr double kPercent = 100.0;
     out << std::fixed << std::setprecision(1) << "Blocks: " << times.blocks() << ", of their time "
         << times.mean() * kPercent << " % in the mean and " << static_cast<double>(times.worst()) * kPercent
-        << " % at the worst; late: " << times.late() << "; dropouts: " << instrument_.dropouts() << std::endl;
+        << " % at the worst; beyond a quarter: " << times.beyondQuarter() << "; late: " << times.late()
+        << "; dropouts: " << instrument_.dropouts() << std::endl;
 }
 
 }  // namespace

@@ -12,6 +12,7 @@ TEST(BlockTimes, TellsHowLongBlocksTookBesideWhatTheyLast) {
     EXPECT_EQ(times.blocks(), 3u);
     EXPECT_EQ(times.mean(), 1.0);
     EXPECT_EQ(times.worst(), 1.75f);
+    EXPECT_EQ(times.beyondQuarter(), 2u);
     EXPECT_EQ(times.late(), 1u) << "a block that takes all of its time is there in time";
 }
 
