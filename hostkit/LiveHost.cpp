@@ -198,7 +198,12 @@ HRESULT LiveHost::save(IStream& stream) {
 }
 
 HRESULT LiveHost::load(IStream& stream) {
-    return parts_->instrument.load(stream);
+    const HRESULT hr = parts_->instrument.load(stream);
+    // A load from a stream leaves it as it was whether any pad is solo; setting a pad's solo finds it out.
+    std::uint32_t solo = 0;
+    sampler().GetPadSolo(0, &solo);
+    sampler().SetPadSolo(0, solo);
+    return hr;
 }
 
 IGrooveSampler& LiveHost::sampler() {

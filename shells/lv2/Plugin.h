@@ -1,0 +1,72 @@
+#pragma once
+
+#include <lv2/atom/atom.h>
+
+#include <array>
+#include <cstdint>
+
+#include "hostkit/LiveHost.h"
+#include "hostkit/SeparateOutputs.h"
+#include "shells/lv2/Atoms.h"
+#include "shells/lv2/HostFeatures.h"
+#include "shells/lv2/HostPosition.h"
+#include "shells/lv2/PluginState.h"
+#include "shells/lv2/Urids.h"
+
+namespace marnoth {
+
+/// The numbers of the ports, as the bundle's files tell them.
+enum PluginPort : std::uint32_t {
+    kEventsIn = 0,  ///< MIDI and the host's position
+    kEventsOut = 1,
+    kFreeWheeling = 2,
+    kFirstAudioOut = 3,  ///< the mix's left side, its right side, and where there are more, pad by pad
+};
+
+/// An instance of a plug-in: the instrument with what its host sends it.
+///
+/// Threads as hosts keep them: `run` is the one that renders, where nothing allocates; `state` is for any
+/// other; everything else is never called at once with anything.
+class Plugin {
+public:
+    /// Renders `outputs` of the instrument, 0 the mix, 1 to 16 the channels, at `rate` frames per second.
+    /// `std::runtime_error` where that can't be.
+    Plugin(double rate, std::span<const int> outputs, const LV2_URID_Map& map,
+           const LV2_Feature* const* features);
+
+    /// Where a port's data is from now on; null for none.
+    void connect(std::uint32_t port, void* data);
+    /// For the next time that it is activated.
+    void setRate(double rate) { rate_ = rate; }
+    double rate() const { return rate_; }
+    /// Nothing sounds any more. At another rate the project is loaded anew.
+    void activate();
+    void run(std::uint32_t frames);
+
+    PluginState& state() { return state_; }
+    const Urids& urids() const { return urids_; }
+    IGrooveSampler& sampler() { return host_.sampler(); }
+
+private:
+    bool prepare();
+    void takeEvents(std::int32_t frames);
+    void take(std::int32_t frame, const AtomView& event);
+    /// Renders from where the block has come to.
+    void renderTo(std::int32_t frame);
+    void writeEvents();
+
+    Urids urids_;
+    HostLog log_;
+    LiveHost host_;
+    PluginState state_{host_, urids_, log_};
+    std::span<const int> outputs_;
+    double rate_;
+    std::uint32_t connectedRate_ = 0;  ///< 0 before the first connection
+    HostPosition position_;
+    const LV2_Atom_Sequence* eventsIn_ = nullptr;
+    LV2_Atom_Sequence* eventsOut_ = nullptr;
+    std::array<float*, SeparateOutputs::kPointers> audio_{};
+    std::int32_t done_ = 0;  ///< frames of the present block
+};
+
+}  // namespace marnoth
