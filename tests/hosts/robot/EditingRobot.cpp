@@ -22,11 +22,11 @@ constexpr int kAnswerEvery = 20;               ///< gestures
 constexpr int kPlayEvery = 200;
 
 constexpr int kBarHeight = 30;
-constexpr Rect kWholeBar{0, 0, 540, kBarHeight};
-constexpr Point kToStart{16, 15}, kPlay{42, 15}, kStop{68, 15}, kRecord{94, 15}, kTempo{205, 15},
-    kTap{272, 15}, kLoop{300, 15}, kBars{326, 15}, kMetronome{356, 15}, kKey{382, 15}, kPanic{558, 15},
-    kSettings{584, 15};
-constexpr Rect kPlayPicture{32, 7, 52, 23};
+constexpr Rect kWholeBar{0, 0, 546, kBarHeight};  ///< but for panic and settings
+constexpr Point kFiles{16, 15}, kToStart{46, 15}, kPlay{72, 15}, kStop{98, 15}, kRecord{124, 15},
+    kTempo{236, 15}, kTap{298, 15}, kLoop{326, 15}, kBars{352, 15}, kMetronome{380, 15}, kKey{406, 15},
+    kPanic{559, 15}, kSettings{584, 15};
+constexpr Rect kPlayPicture{62, 7, 82, 23};
 
 constexpr Point onPage(int x, int y) {
     return {x, y + kBarHeight};
@@ -87,6 +87,7 @@ const std::vector<EditingRobot::Gesture>& EditingRobot::gestures() {
                                           {8, "transport", &R::useTransport},
                                           {2, "tempo", &R::typeTempo},
                                           {1, "take", &R::recordTake},
+                                          {3, "files", &R::openFileMenu},
                                           {1, "settings", &R::openSettings}};
     return all;
 }
@@ -115,7 +116,11 @@ long EditingRobot::rest() {
     hands_.click(kPanic);
     clearProject();
     hands_.tap("y");
-    choose(setup_.project);
+    // Whoever saves over what is open spoils a copy.
+    const std::filesystem::path original = setup_.project;
+    const std::filesystem::path copy = original.parent_path() / "at-rest.mrn";
+    std::filesystem::copy_file(original, copy, std::filesystem::copy_options::overwrite_existing);
+    choose(copy);
     openProject();
     for (const auto end = Clock::now() + kPatience; std::filesystem::exists(setup_.nextChoice); pause(100))
         if (Clock::now() > end) throw std::runtime_error("no file was asked for");
@@ -289,6 +294,14 @@ void EditingRobot::typeTempo() {
 
 void EditingRobot::recordTake() {
     hands_.click(kRecord);
+}
+
+void EditingRobot::openFileMenu() {
+    hands_.click(kFiles);
+    pause(60);
+    for (int down = any(12); down > 0; --down) hands_.tap("Down");
+    hands_.tap(oneOf(4) ? "Escape" : "Return");
+    pause(300);
 }
 
 void EditingRobot::openSettings() {

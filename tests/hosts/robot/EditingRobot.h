@@ -68,6 +68,7 @@ private:
     void useTransport();
     void typeTempo();
     void recordTake();
+    void openFileMenu();
     void openSettings();
 
     /// Questions are left by Escape until none is open.
