@@ -15,6 +15,9 @@ public:
     void stop() { playing_ = false; }
     /// Playing or not. A tick that isn't one (`isLiveTick`) changes nothing.
     void locate(double tick);
+    /// Playing goes on, and has come to `tick`, as another clock has it: where that is near and the tempo
+    /// changes there is no jump.
+    void goOnAt(double tick);
     /// A tempo that isn't one (`isLiveTempo`) changes nothing.
     void setTempo(double beatsPerMinute);
 
@@ -29,7 +32,8 @@ public:
 
 private:
     bool playing_ = false;
-    bool isTold_ = true;  ///< the next block is told where it starts; otherwise it goes on
+    bool isTold_ = true;       ///< the next block is told where it starts; otherwise it goes on
+    bool isTickTold_ = false;  ///< and which tick it is
     double tick_ = 0.0;
     std::int64_t frame_ = 0;
     double tempo_ = kDefaultLiveTempo;

@@ -49,6 +49,8 @@ public:
     void render(std::int32_t frames, OutputPointers outputs) override {
         switch_->render(this, frames, outputs);
     }
+    void follow(const LiveTransport& told) override { switch_->follow(this, told); }
+    MusicalPlace placeOf(std::int64_t frame) override { return switch_->placeOf(this, frame); }
     void dropout() override { switch_->dropout(this); }
 
 private:

@@ -41,6 +41,19 @@ void AudioSwitch::midi(const void* driver, std::int32_t frame, std::uint8_t stat
     leave();
 }
 
+void AudioSwitch::follow(const void* driver, const LiveTransport& told) {
+    if (!enter(driver)) return;
+    client_.follow(told);
+    leave();
+}
+
+MusicalPlace AudioSwitch::placeOf(const void* driver, std::int64_t frame) {
+    if (!enter(driver)) return {};
+    const MusicalPlace place = client_.placeOf(frame);
+    leave();
+    return place;
+}
+
 void AudioSwitch::render(const void* driver, std::int32_t frames, OutputPointers outputs) {
     if (enter(driver)) {
         for (std::uint32_t missed = dropouts_.exchange(0); missed > 0; --missed) client_.dropout();

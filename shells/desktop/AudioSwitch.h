@@ -30,6 +30,8 @@ public:
     // The threads that render; each says which driver it is.
     void midi(const void* driver, std::int32_t frame, std::uint8_t status, std::uint8_t data1,
               std::uint8_t data2);
+    void follow(const void* driver, const LiveTransport& told);
+    MusicalPlace placeOf(const void* driver, std::int64_t frame);
     void render(const void* driver, std::int32_t frames, OutputPointers outputs);
     /// Any thread.
     void dropout(const void* driver) { dropouts_ += present_ == driver; }

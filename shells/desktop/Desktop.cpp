@@ -155,9 +155,9 @@ public:
 
     // TransportBarHost.
     State look() override;
-    void play() override { instrument_.play(); }
-    void stop() override { instrument_.stop(); }
-    void toStart() override { instrument_.locate(0.0); }
+    void play() override;
+    void stop() override;
+    void toStart() override;
     void record(bool on) override;
     void setTempo(double beatsPerMinute) override { instrument_.setTempo(beatsPerMinute); }
     void setLoop(int bars) override { instrument_.setLoop(bars); }
@@ -372,6 +372,21 @@ void Desktop::endTake() {
     if (const std::string failure = instrument_.recorder().stop(); !failure.empty())
         return notices_.warn(failure);
     tell("The take is in " + shortName(take_) + ".");
+}
+
+void Desktop::play() {
+    if (SharedTransport* const shared = audio_.transport()) return shared->play();
+    instrument_.play();
+}
+
+void Desktop::stop() {
+    if (SharedTransport* const shared = audio_.transport()) return shared->stop();
+    instrument_.stop();
+}
+
+void Desktop::toStart() {
+    if (SharedTransport* const shared = audio_.transport()) return shared->locate(0);
+    instrument_.locate(0.0);
 }
 
 std::vector<MenuItem> Desktop::settings() {

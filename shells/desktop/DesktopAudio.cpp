@@ -120,6 +120,7 @@ void DesktopAudio::opened(OpenAudio audio) {
     open_ = std::move(audio);
     choice_ = choices_[attempt_];
     rate_ = open_.driver->rate();
+    open_.driver->setTransport(settings_.transport);
     former_.reset();
     if (std::exchange(isKnown_, false)) tell(open_.driver->name() + " is there again.");
     errors_ << failures_ << describe(*choice_, *open_.driver) << std::endl;
@@ -159,6 +160,7 @@ void DesktopAudio::lose(const std::string& why) {
 void DesktopAudio::change(const DesktopSettings& settings) {
     if (areAlike(settings, settings_)) {
         settings_ = settings;
+        if (open_.driver) open_.driver->setTransport(settings_.transport);
         return;
     }
     Choices choices = namedChoice(systems_, settings.audio);

@@ -46,6 +46,8 @@ public:
 
     /// What plays, if only to nobody; null where not even that can be had.
     const AudioDriver* driver() const { return open_.driver.get(); }
+    /// The transport of what is open, while it is followed; else null.
+    SharedTransport* transport() { return open_.driver ? open_.driver->transport() : nullptr; }
     /// What is open; nothing while there is no sound for want of it.
     const std::optional<AudioChoice>& choice() const { return choice_; }
     const AudioSystems& systems() const { return systems_; }

@@ -1,7 +1,11 @@
 #include "shells/desktop/JackDriver.h"
 
 #include <algorithm>
+#include <limits>
 #include <stdexcept>
+#include <utility>
+
+#include "shells/desktop/JackTransport.h"
 
 namespace marnoth {
 
@@ -25,17 +29,24 @@ JackDriver::JackDriver(const JackLibrary& jack, std::shared_ptr<const JackClient
       client_(client),
       wish_(wish),
       connection_(std::move(connection)),
-      handle_(connection_->handle()) {
-    rate_ = jack_.get_sample_rate(handle_);
-    frames_ = static_cast<std::int32_t>(jack_.get_buffer_size(handle_));
+      handle_(connection_->handle()),
+      rate_(jack_.get_sample_rate(handle_)) {
     if (wish_.rate && wish_.rate != rate_)
         throw std::runtime_error("JACK runs at " + std::to_string(rate_) + ", not at " +
                                  std::to_string(wish_.rate) + ".");
+    askForFrames();
     if (!addPorts()) throw std::runtime_error("JACK gives no more ports.");
     if (!client_.prepare(rate_, frames_)) throw std::runtime_error("The instrument can't be started.");
     answerCallbacks();
     if (jack_.activate(handle_) != 0) throw std::runtime_error("JACK doesn't start us.");
     look();
+}
+
+/// The length of blocks is the whole server's: it changes for who asks for one, and for nobody else.
+void JackDriver::askForFrames() {
+    const auto wished = static_cast<jack_nframes_t>(std::max(wish_.frames, 0));
+    if (wished != 0 && wished != jack_.get_buffer_size(handle_)) jack_.set_buffer_size(handle_, wished);
+    frames_ = static_cast<std::int32_t>(jack_.get_buffer_size(handle_));
 }
 
 void JackDriver::answerCallbacks() {
@@ -45,18 +56,31 @@ void JackDriver::answerCallbacks() {
             return static_cast<JackDriver*>(self)->process(static_cast<std::int32_t>(frames));
         },
         this);
+    // The instrument takes blocks of any length as they come: here it is only told.
     jack_.set_buffer_size_callback(
         handle_,
         [](jack_nframes_t frames, void* self) {
-            auto& driver = *static_cast<JackDriver*>(self);
-            driver.frames_ = static_cast<std::int32_t>(frames);
-            return driver.client_.prepare(driver.rate_, driver.frames_) ? 0 : 1;
+            static_cast<JackDriver*>(self)->frames_ = static_cast<std::int32_t>(frames);
+            return 0;
         },
         this);
+    jack_.set_sample_rate_callback(
+        handle_,
+        [](jack_nframes_t rate, void* self) {
+            auto& driver = *static_cast<JackDriver*>(self);
+            driver.hasOtherRate_ = rate != driver.rate_;
+            return 0;
+        },
+        this);
+    jack_.set_freewheel_callback(
+        handle_,
+        [](int starts, void* self) { static_cast<JackDriver*>(self)->isFreewheeling_ = starts != 0; }, this);
     jack_.set_xrun_callback(
         handle_,
         [](void* self) {
-            static_cast<JackDriver*>(self)->client_.dropout();
+            auto& driver = *static_cast<JackDriver*>(self);
+            // Who freewheels has no time to lose.
+            if (!driver.isFreewheeling_) driver.client_.dropout();
             return 0;
         },
         this);
@@ -80,7 +104,21 @@ bool JackDriver::addPorts() {
 
 int JackDriver::process(std::int32_t frames) {
     const auto count = static_cast<jack_nframes_t>(frames);
-    void* const notes = jack_.port_get_buffer(midi_, count);
+    std::array<float*, SeparateOutputs::kPointers> outputs{};
+    for (std::size_t pointer = 0; pointer < outputs.size(); ++pointer)
+        outputs[pointer] = static_cast<float*>(jack_.port_get_buffer(audio_[pointer], count));
+    if (hasOtherRate_) {
+        for (float* const output : outputs) std::fill_n(output, frames, 0.0f);
+        return 0;
+    }
+    if (role_ != TransportRole::own) tellTransport();
+    handNotesOn(count);
+    client_.render(frames, outputs);
+    return 0;
+}
+
+void JackDriver::handNotesOn(jack_nframes_t frames) {
+    void* const notes = jack_.port_get_buffer(midi_, frames);
     for (std::uint32_t i = 0; i < jack_.midi_get_event_count(notes); ++i) {
         jack_midi_event_t event;
         if (jack_.midi_event_get(&event, notes, i) != 0 || event.size < 1 || event.size > 3) continue;
@@ -88,15 +126,39 @@ int JackDriver::process(std::int32_t frames) {
                      event.size > 1 ? event.buffer[1] : std::uint8_t{0},
                      event.size > 2 ? event.buffer[2] : std::uint8_t{0});
     }
-    std::array<float*, SeparateOutputs::kPointers> outputs{};
-    for (std::size_t pointer = 0; pointer < outputs.size(); ++pointer)
-        outputs[pointer] = static_cast<float*>(jack_.port_get_buffer(audio_[pointer], count));
-    client_.render(frames, outputs);
-    return 0;
+}
+
+void JackDriver::tellTransport() {
+    jack_position_t position{};
+    const jack_transport_state_t state = jack_.transport_query(handle_, &position);
+    // Who leads hears of its own beats here.
+    if (role_ == TransportRole::leads) position.valid = {};
+    client_.follow(readJackTransport(state, position));
+}
+
+void JackDriver::setTransport(TransportRole role) {
+    if (role == role_.exchange(role)) return;
+    if (role != TransportRole::leads) {
+        jack_.release_timebase(handle_);
+        return;
+    }
+    constexpr int kInPlaceOfOthers = 0;
+    jack_.set_timebase_callback(
+        handle_, kInPlaceOfOthers,
+        [](jack_transport_state_t, jack_nframes_t, jack_position_t* position, int, void* self) {
+            writeJackBeats(*position, static_cast<JackDriver*>(self)->client_.placeOf(position->frame));
+        },
+        this);
+}
+
+void JackDriver::locate(std::int64_t frame) {
+    constexpr std::int64_t kLast = std::numeric_limits<jack_nframes_t>::max();
+    jack_.transport_locate(handle_, static_cast<jack_nframes_t>(std::clamp<std::int64_t>(frame, 0, kLast)));
 }
 
 std::string JackDriver::trouble() const {
-    return gone_ ? "The JACK server has ended." : std::string();
+    if (gone_) return "The JACK server has ended.";
+    return hasOtherRate_ ? "JACK plays at another rate now." : "";
 }
 
 void JackDriver::look() {

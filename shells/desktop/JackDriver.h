@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "shells/desktop/AudioDriver.h"
+#include "shells/desktop/DesktopSettings.h"
 #include "shells/desktop/JackClient.h"
 
 namespace marnoth {
@@ -14,7 +15,7 @@ namespace marnoth {
 /// Sound and MIDI through JACK, which PipeWire speaks too: the seventeen outputs as ports with names, and one
 /// port for notes. The mix is connected to the speakers and the port to what sends MIDI, at the start and
 /// whenever such ports come.
-class JackDriver final : public AudioDriver {
+class JackDriver final : public AudioDriver, private SharedTransport {
 public:
     /// `jack` and `client` outlive it; nobody else renders through `connection`. Throws `std::runtime_error`,
     /// with a sentence for the user, when the server has another rate than is wished or refuses.
@@ -27,13 +28,23 @@ public:
     std::int32_t frames() const override { return frames_; }
     std::string trouble() const override;
     void look() override;
+    void setTransport(TransportRole role) override;
+    SharedTransport* transport() override { return role_ == TransportRole::own ? nullptr : this; }
 
 private:
+    // SharedTransport.
+    void play() override { jack_.transport_start(handle_); }
+    void stop() override { jack_.transport_stop(handle_); }
+    void locate(std::int64_t frame) override;
+
+    void askForFrames();
+    void answerCallbacks();
     int process(std::int32_t frames);
+    void handNotesOn(jack_nframes_t frames);
+    void tellTransport();
     bool addPorts();
     void connectMix();
     void connectMidi();
-    void answerCallbacks();
 
     const JackLibrary& jack_;
     AudioClient& client_;
@@ -42,9 +53,12 @@ private:
     jack_client_t* const handle_;
     std::array<jack_port_t*, SeparateOutputs::kPointers> audio_{};
     jack_port_t* midi_ = nullptr;
-    std::uint32_t rate_ = 0;
+    const std::uint32_t rate_;
     std::atomic<std::int32_t> frames_ = 0;
     std::atomic<bool> gone_ = false;
+    std::atomic<bool> hasOtherRate_ = false;  ///< what is rendered would be out of tune
+    std::atomic<bool> isFreewheeling_ = false;
+    std::atomic<TransportRole> role_ = TransportRole::own;
     std::vector<std::string> knownMidi_;  ///< ports that were connected once: who takes a cable out means it
     bool mixIsConnected_ = false;
 };

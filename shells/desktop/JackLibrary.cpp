@@ -32,7 +32,16 @@ bool findAll(void* library, JackLibrary& jack) {
            find(library, "jack_free", jack.free) &&
            find(library, "jack_set_error_function", jack.set_error_function) &&
            find(library, "jack_midi_get_event_count", jack.midi_get_event_count) &&
-           find(library, "jack_midi_event_get", jack.midi_event_get);
+           find(library, "jack_midi_event_get", jack.midi_event_get) &&
+           find(library, "jack_set_sample_rate_callback", jack.set_sample_rate_callback) &&
+           find(library, "jack_set_freewheel_callback", jack.set_freewheel_callback) &&
+           find(library, "jack_set_buffer_size", jack.set_buffer_size) &&
+           find(library, "jack_transport_query", jack.transport_query) &&
+           find(library, "jack_transport_start", jack.transport_start) &&
+           find(library, "jack_transport_stop", jack.transport_stop) &&
+           find(library, "jack_transport_locate", jack.transport_locate) &&
+           find(library, "jack_set_timebase_callback", jack.set_timebase_callback) &&
+           find(library, "jack_release_timebase", jack.release_timebase);
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <jack/jack.h>
 #include <jack/midiport.h>
+#include <jack/transport.h>
 
 #include <memory>
 
@@ -30,6 +31,15 @@ struct JackLibrary {
     decltype(&jack_set_error_function) set_error_function = nullptr;
     decltype(&jack_midi_get_event_count) midi_get_event_count = nullptr;
     decltype(&jack_midi_event_get) midi_event_get = nullptr;
+    decltype(&jack_set_sample_rate_callback) set_sample_rate_callback = nullptr;
+    decltype(&jack_set_freewheel_callback) set_freewheel_callback = nullptr;
+    decltype(&jack_set_buffer_size) set_buffer_size = nullptr;
+    decltype(&jack_transport_query) transport_query = nullptr;
+    decltype(&jack_transport_start) transport_start = nullptr;
+    decltype(&jack_transport_stop) transport_stop = nullptr;
+    decltype(&jack_transport_locate) transport_locate = nullptr;
+    decltype(&jack_set_timebase_callback) set_timebase_callback = nullptr;
+    decltype(&jack_release_timebase) release_timebase = nullptr;
 
     /// Null where there is no library, or one that lacks something. It stays loaded to the end of the
     /// program.

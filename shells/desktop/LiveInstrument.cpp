@@ -150,7 +150,49 @@ void LiveInstrument::take(const Command& command) {
 void LiveInstrument::arrive(double tick) {
     transport_.locate(tick);
     song_.locate(tick);
-    if (followsTempo_) transport_.setTempo(song_.tempoAt(tick, transport_.tempo()));
+    if (followsSong()) transport_.setTempo(song_.tempoAt(tick, transport_.tempo()));
+}
+
+double LiveInstrument::withinLoop(double tick) const {
+    return tick >= loopEnd_ ? std::fmod(tick, loopEnd_) : tick;
+}
+
+double LiveInstrument::tickOf(const LiveTransport& told) const {
+    if (told.tick) return withinLoop(*told.tick);
+    const double seconds = static_cast<double>(told.frame) / rate_;
+    const double tempo = transport_.tempo();
+    return withinLoop(followsSong() ? song_.tickAt(seconds, tempo) : seconds * tempo * kTicksPerBeat / 60.0);
+}
+
+bool LiveInstrument::strays(const LiveTransport& told, double tempo, std::int32_t frames) const {
+    if (!told.tick) return false;
+    // Beats are rounded; a tempo may have changed anywhere in the block before.
+    constexpr double kRounding = 2.0;
+    const double change = std::abs(transport_.tempo() - tempo) * kTicksPerBeat / 60.0;
+    return std::abs(tickOf(told) - transport_.tick()) > kRounding + change * frames / rate_;
+}
+
+/// Another clock's transport is ours for this block.
+void LiveInstrument::goWith(const LiveTransport& told, std::int32_t frames) {
+    const double tempo = transport_.tempo();
+    isTempoTold_ = told.tempo.has_value();
+    if (told.tempo) transport_.setTempo(*told.tempo);
+    const bool starts = told.playing && !transport_.playing();
+    if (starts || expected_ != told.frame || (told.playing && strays(told, tempo, frames)))
+        arrive(tickOf(told));
+    else if (told.playing && told.tick && transport_.tempo() != tempo)
+        transport_.goOnAt(tickOf(told));
+    if (told.playing)
+        transport_.play();
+    else
+        transport_.stop();
+    expected_ = told.playing ? told.frame + frames : told.frame;
+}
+
+MusicalPlace LiveInstrument::placeOf(std::int64_t frame) {
+    if (expected_ == frame) return {transport_.tick(), transport_.tempo()};
+    const double tick = tickOf({.frame = frame, .tick = {}, .tempo = {}});
+    return {tick, followsSong() ? song_.tempoAt(tick, transport_.tempo()) : transport_.tempo()};
 }
 
 double LiveInstrument::ticksPerFrame() const {
@@ -168,7 +210,7 @@ std::int32_t LiveInstrument::framesToCut(std::int32_t most) const {
     if (step <= 0.0) return most;
     const double tick = transport_.tick();
     double cut = loopEnd_ > tick ? loopEnd_ : SongReader::kNever;
-    if (followsTempo_) cut = std::min(cut, song_.nextTempoChange(tick));
+    if (followsSong()) cut = std::min(cut, song_.nextTempoChange(tick));
     // A hair less, for a cut that falls on a frame is that frame.
     constexpr double kHair = 1e-6;
     const double frames = std::ceil((cut - tick) / step - kHair);
@@ -224,7 +266,7 @@ std::int32_t LiveInstrument::renderPiece(std::int32_t done, std::int32_t frames,
 /// A change of the song's tempo that a stretch of ticks has come to.
 void LiveInstrument::followTempo(double begin, double end) {
     const double change = song_.nextTempoChange(begin);
-    if (followsTempo_ && change <= end) transport_.setTempo(song_.tempoAt(change, transport_.tempo()));
+    if (followsSong() && change <= end) transport_.setTempo(song_.tempoAt(change, transport_.tempo()));
 }
 
 void LiveInstrument::render(std::int32_t frames, OutputPointers outputs) {
@@ -232,6 +274,12 @@ void LiveInstrument::render(std::int32_t frames, OutputPointers outputs) {
     if (rate_ == 0 || frames <= 0) return;
     const auto begin = Clock::now();
     while (const std::optional<Command> next = commands_.pop()) take(*next);
+    if (const auto told = std::exchange(told_, std::nullopt)) {
+        goWith(*told, frames);
+    } else {
+        expected_.reset();
+        isTempoTold_ = false;
+    }
     for (std::int32_t done = 0; done < frames;) done += renderPiece(done, frames, outputs);
     isPlaying_ = transport_.playing();
     tick_ = transport_.tick();

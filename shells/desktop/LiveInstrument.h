@@ -75,6 +75,8 @@ public:
     bool prepare(std::uint32_t rate, std::int32_t mostFrames) override;
     void midi(std::int32_t frame, std::uint8_t status, std::uint8_t data1, std::uint8_t data2) override;
     void render(std::int32_t frames, OutputPointers outputs) override;
+    void follow(const LiveTransport& told) override { told_ = told; }
+    MusicalPlace placeOf(std::int64_t frame) override;
     void dropout() override { ++dropouts_; }
 
 private:
@@ -98,6 +100,12 @@ private:
     void playSong(double begin, double end);
     void followTempo(double begin, double end);
     void arrive(double tick);
+    void goWith(const LiveTransport& told, std::int32_t frames);
+    /// Whether another clock is so far from us that playing can't go on without a jump.
+    bool strays(const LiveTransport& told, double tempo, std::int32_t frames) const;
+    double tickOf(const LiveTransport& told) const;
+    double withinLoop(double tick) const;
+    bool followsSong() const { return followsTempo_ && !isTempoTold_; }
     double ticksPerFrame() const;
     double endOfLoop() const;
 
@@ -127,6 +135,9 @@ private:
     double loopEnd_ = SongReader::kNever;  ///< ticks
     bool repeatsSong_ = false;
     bool followsTempo_ = true;
+    std::optional<LiveTransport> told_;     ///< of a transport that is followed, for the next block
+    std::optional<std::int64_t> expected_;  ///< the frame that it comes to if nobody moves it
+    bool isTempoTold_ = false;              ///< and it has a tempo, which then is ours
 };
 
 }  // namespace marnoth

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "seam/MusicalTime.h"
+
 namespace marnoth {
 
 void SongReader::locate(double tick) {
@@ -33,6 +35,18 @@ double SongReader::tempoAt(double tick, double otherwise) const {
         song_->tempos, [&](const Song::Tempo& tempo) { return tempo.tick <= tick; });
     return next == song_->tempos.begin() ? song_->tempos.front().beatsPerMinute
                                          : std::prev(next)->beatsPerMinute;
+}
+
+double SongReader::tickAt(double seconds, double otherwise) const {
+    double tick = 0.0;
+    for (;;) {
+        const double ticksPerSecond = tempoAt(tick, otherwise) * kTicksPerBeat / 60.0;
+        const double change = nextTempoChange(tick);
+        const double left = (change - tick) / ticksPerSecond;
+        if (left >= seconds) return tick + seconds * ticksPerSecond;
+        seconds -= left;
+        tick = change;
+    }
 }
 
 }  // namespace marnoth

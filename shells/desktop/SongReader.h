@@ -57,6 +57,9 @@ public:
     /// The song's tempo at a tick; `otherwise` without a song.
     double tempoAt(double tick, double otherwise) const;
 
+    /// Where its tempos come to in so many seconds from the start; at the tempo `otherwise` without a song.
+    double tickAt(double seconds, double otherwise) const;
+
 private:
     std::size_t firstEnd() const;
 

@@ -257,5 +257,84 @@ TEST(LiveInstrument, TheMetronomeIsHeardButNotRecorded) {
     for (const float sample : take.samples) ASSERT_EQ(sample, 0.0f);
 }
 
+/// Blocks of 441 frames along with a clock that another program moves.
+class Follower {
+public:
+    explicit Follower(const Groove& groove) : player(groove, kBlock) {}
+    void block(LiveTransport told) {
+        player.live.follow(told);
+        player.render(kBlock);
+    }
+    void roll(std::int64_t from, int blocks) {
+        for (int i = 0; i < blocks; ++i)
+            block({.playing = true, .frame = from + i * kBlock, .tick = {}, .tempo = {}});
+    }
+    double tick() const { return player.live.tick(); }
+
+    static constexpr std::int32_t kBlock = 441;  ///< a hundredth of a second
+    Player player;
+};
+
+TEST(LiveInstrument, AnothersTransportStartsStopsAndMovesIt) {
+    const Groove groove;
+    Follower it(groove);
+    it.player.live.followSongTempo(false);
+    it.player.live.setTempo(120);
+    it.block({.playing = false, .frame = kRate, .tick = {}, .tempo = {}});
+    EXPECT_NEAR(it.tick(), 960 * 2, 1e-6) << "it stands where the other does: a second is two beats";
+    EXPECT_FALSE(it.player.live.isPlaying());
+    it.roll(kRate, 100);
+    EXPECT_TRUE(it.player.live.isPlaying());
+    EXPECT_NEAR(it.tick(), 960 * 4, 1e-6);
+    it.roll(10 * kRate, 1);
+    EXPECT_NEAR(it.tick(), 960 * 20.02, 1e-6);
+    it.block({.playing = false, .frame = 10 * kRate + 441, .tick = {}, .tempo = {}});
+    EXPECT_FALSE(it.player.live.isPlaying());
+    EXPECT_NEAR(it.tick(), 960 * 20.02, 1e-6);
+    it.player.live.play();
+    it.player.render(441);
+    EXPECT_TRUE(it.player.live.isPlaying()) << "nobody is followed any more";
+}
+
+TEST(LiveInstrument, WithAnothersTransportASongSoundsAsWithItsOwn) {
+    const Groove groove;
+    Follower it(groove);
+    Player own(groove, Follower::kBlock);
+    own.live.play();
+    own.render(8 * kRate);
+    it.roll(0, 800);
+    for (std::size_t i = 0; i < own.mix.size(); ++i) ASSERT_NEAR(it.player.mix[i], own.mix[i], 1e-6) << i;
+    // Beat 8 is at 4.8 s, the song's tempo is 150 from there on.
+    it.roll(6 * kRate, 1);
+    EXPECT_NEAR(it.tick(), 960 * (8 + 1.21 * 150 / 60), 1e-6);
+}
+
+TEST(LiveInstrument, ItsTempoIsAnothersWhileThatHasOne) {
+    const Groove groove;
+    Follower it(groove);
+    it.block({.playing = true, .frame = 0, .tick = 0.0, .tempo = 90.0});
+    EXPECT_EQ(it.player.live.tempo(), 90.0);
+    EXPECT_NEAR(it.tick(), 90 * 16 * 0.01, 1e-6);
+    // Faster from the middle of the last block on: what is told doesn't jump.
+    it.block({.playing = true, .frame = 441, .tick = 90 * 16 * 0.005 + 180 * 16 * 0.005, .tempo = 180.0});
+    EXPECT_NEAR(it.tick(), 90 * 16 * 0.005 + 180 * 16 * 0.015, 1e-6);
+    it.block({.playing = true, .frame = 882, .tick = 960.0 * 5, .tempo = 180.0});
+    EXPECT_NEAR(it.tick(), 960 * 5 + 180 * 16 * 0.01, 1e-6) << "and what jumps is followed";
+}
+
+TEST(LiveInstrument, ALoopGoesRoundInAnothersTransport) {
+    const Groove groove;
+    Follower it(groove);
+    it.player.live.followSongTempo(false);
+    it.player.live.setTempo(120);
+    it.player.live.setLoop(1);
+    it.roll(5 * kRate, 1);
+    EXPECT_NEAR(it.tick(), 960 * 2.02, 1e-6) << "ten beats are two bars and two beats";
+    it.roll(5 * kRate + 441, 100);
+    EXPECT_NEAR(it.tick(), 960 * 0.02, 1e-6);
+    EXPECT_NEAR(it.player.live.placeOf(5 * kRate + 101 * 441).tick, 960 * 0.02, 1e-6) << "where it is";
+    EXPECT_NEAR(it.player.live.placeOf(kRate / 2).tick, 960, 1e-6) << "where it would be";
+}
+
 }  // namespace
 }  // namespace marnoth::test::live_instrument_test
