@@ -34,6 +34,7 @@
 #include "shells/desktop/ProjectCommands.h"
 #include "shells/desktop/ProjectRecovery.h"
 #include "shells/desktop/SettingsFile.h"
+#include "shells/desktop/SettingsMenu.h"
 #include "shells/desktop/SongCommands.h"
 #include "shells/desktop/StackedPages.h"
 #include "shells/desktop/StatusLine.h"
@@ -175,8 +176,8 @@ public:
     void panic() override { instrument_.panic(); }
     std::vector<MenuItem> files() override { return menu_.items(); }
     void chooseFile(int id) override { menu_.choose(id); }
-    std::vector<MenuItem> settings() override;
-    void chooseSetting(int id) override;
+    std::vector<MenuItem> settings() override { return settingsMenu_.all(); }
+    std::vector<MenuItem> chooseSetting(int id) override { return settingsMenu_.choose(id); }
 
 private:
     void takeSettings();
@@ -208,6 +209,7 @@ private:
     QuestionBox questions_;
     X11Window window_;
     DesktopAudio audio_;
+    SettingsMenu settingsMenu_{audio_, [this](const std::string& what) { tell(what); }};
     StackedPages pages_;
     TransportBar bar_;
     CGrooveSamplerPropPage page_;
@@ -239,6 +241,8 @@ void Desktop::keepSettings() {
     keepChange(settings_.midiPort, atStart_.midiPort, audio.midiPort);
     keepChange(settings_.rate, atStart_.rate, audio.rate);
     keepChange(settings_.frames, atStart_.frames, audio.frames);
+    keepChange(settings_.transport, atStart_.transport, audio.transport);
+    keepChange(settings_.scale, atStart_.scale, audio.scale);
     notices_.warn(settingsFile_.write(settings_));
 }
 
@@ -387,20 +391,6 @@ void Desktop::stop() {
 void Desktop::toStart() {
     if (SharedTransport* const shared = audio_.transport()) return shared->locate(0);
     instrument_.locate(0.0);
-}
-
-std::vector<MenuItem> Desktop::settings() {
-    std::vector<MenuItem> items;
-    for (const auto& system : audio_.systems())
-        items.push_back({static_cast<int>(items.size()) + 1, system->name(),
-                         audio_.choice() && system == audio_.choice()->system});
-    return items;
-}
-
-void Desktop::chooseSetting(int id) {
-    DesktopSettings settings = audio_.settings();
-    settings.audio = audio_.systems().at(static_cast<std::size_t>(id) - 1)->name();
-    audio_.change(settings);
 }
 
 void Desktop::tellBlocks(std::ostream& out) {

@@ -310,7 +310,7 @@ void TransportBar::command(int id) {
         case kPanic:
             return host_.panic();
         case kSettings:
-            return chooseSettings();
+            return chooseSettings(host_.settings());
         default:
             return;
     }
@@ -364,10 +364,11 @@ void TransportBar::chooseFile() {
     });
 }
 
-void TransportBar::chooseSettings() {
-    const std::vector<MenuItem> items = host_.settings();
+void TransportBar::chooseSettings(const std::vector<MenuItem>& items) {
     questions().askMenu({buttons_.at(kSettings).place().left, kHeight}, items, [this](int id) {
-        if (id != 0) host_.chooseSetting(id);
+        if (id == 0) return;
+        const std::vector<MenuItem> behind = host_.chooseSetting(id);
+        if (!behind.empty()) chooseSettings(behind);
     });
 }
 

@@ -48,7 +48,8 @@ public:
     virtual void chooseFile(int id) = 0;
     /// What the settings' menu holds, and what one of its entries does.
     virtual std::vector<MenuItem> settings() = 0;
-    virtual void chooseSetting(int id) = 0;
+    /// The menu behind that entry, empty when there is none.
+    virtual std::vector<MenuItem> chooseSetting(int id) = 0;
 };
 
 /// The bar above the page: transport, tempo, loop, metronome, key, level and meters. The window's thread.
@@ -117,7 +118,7 @@ private:
     void showTempo(double beatsPerMinute);
     void chooseKey();
     void chooseFile();
-    void chooseSettings();
+    void chooseSettings(const std::vector<MenuItem>& items);
     void show(const TransportBarHost::State& state);
     void drawPosition(Surface& surface);
     void drawLabels(Surface& surface);

@@ -1,15 +1,11 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <mutex>
-#include <sstream>
-#include <thread>
 
+#include "desktop/AudioStudio.h"
 #include "shellkit/TempFolder.h"
 #include "shellkit/files/LoopFiles.h"
-#include "shells/desktop/DesktopAudio.h"
 #include "shells/desktop/LiveInstrument.h"
-#include "shells/desktop/NullSystem.h"
 #include "support/WaveFile.h"
 
 namespace marnoth::test::desktop_audio_test {
@@ -17,82 +13,6 @@ namespace {
 
 using namespace std::chrono_literals;
 using Lines = std::vector<std::string>;
-
-/// What a device of a test does, and what is done with it; shared with the threads that open it.
-struct Device {
-    std::mutex mutex;
-    std::string refusal;  ///< with which it refuses to open; empty opens
-    std::string trouble;
-    std::uint32_t rate = 48000;
-    int attempts = 0;
-    bool isOpen = false;
-    bool hangs = false;  ///< does not answer
-    AudioClient* client = nullptr;
-    AudioWish wish;
-
-    template <class Value>
-    Value get(Value Device::*member) {
-        const std::lock_guard lock(mutex);
-        return this->*member;
-    }
-    template <class Value, class New>
-    void set(Value Device::*member, New value) {
-        const std::lock_guard lock(mutex);
-        this->*member = value;
-    }
-    /// What it makes heard: the left of the mix.
-    std::vector<float> play(std::int32_t frames) {
-        std::vector<float> left(static_cast<std::size_t>(frames), 9.0f);
-        std::vector<float> right = left;
-        const std::array<float*, 2> outputs{left.data(), right.data()};
-        get(&Device::client)->render(frames, outputs);
-        return left;
-    }
-};
-
-class Driver final : public AudioDriver {
-public:
-    Driver(std::shared_ptr<Device> device, std::string name)
-        : device_(std::move(device)), name_(std::move(name)) {
-        device_->set(&Device::isOpen, true);
-    }
-    ~Driver() override {
-        device_->set(&Device::isOpen, false);
-        device_->set(&Device::client, nullptr);
-    }
-    std::string name() const override { return name_; }
-    std::uint32_t rate() const override { return device_->get(&Device::rate); }
-    std::int32_t frames() const override { return 256; }
-    std::string trouble() const override { return device_->get(&Device::trouble); }
-
-private:
-    std::shared_ptr<Device> device_;
-    std::string name_;
-};
-
-class System final : public AudioSystem {
-public:
-    System(std::string name, std::shared_ptr<Device> device)
-        : name_(std::move(name)), device_(std::move(device)) {}
-    std::string name() const override { return name_; }
-    std::vector<AudioDevice> devices() override { return {{name_ + " speakers", 0, {}, true}}; }
-    std::vector<std::string> midiPorts() override { return {}; }
-    std::unique_ptr<AudioDriver> open(const AudioWish& wish, AudioClient& client) override {
-        while (device_->get(&Device::hangs)) std::this_thread::sleep_for(1ms);
-        device_->set(&Device::attempts, device_->get(&Device::attempts) + 1);
-        device_->set(&Device::wish, wish);
-        if (auto refusal = device_->get(&Device::refusal); !refusal.empty())
-            throw std::runtime_error(refusal);
-        EXPECT_FALSE(device_->get(&Device::isOpen)) << "of a device there is one driver";
-        if (!client.prepare(device_->get(&Device::rate), 256)) throw std::runtime_error("No.");
-        device_->set(&Device::client, &client);
-        return std::make_unique<Driver>(device_, name_);
-    }
-
-private:
-    std::string name_;
-    std::shared_ptr<Device> device_;
-};
 
 /// Counts what it is asked for.
 class Client final : public AudioClient {
@@ -118,50 +38,6 @@ public:
 };
 
 const std::string kSilent = "The program plays without sound.";
-
-/// Two systems before none, and a clock that goes when it is told.
-template <class ItsClient>
-class Studio {
-public:
-    void open(const std::string& name = "", bool insists = false) {
-        DesktopSettings settings;
-        settings.audio = name;
-        AudioSystems systems{std::make_shared<System>("One", one), std::make_shared<System>("Two", two),
-                             std::make_shared<NullSystem>()};
-        audio = std::make_unique<DesktopAudio>(
-            std::move(systems), settings, insists, client,
-            [this](const std::string& what) { told.push_back(what); }, errors);
-        now = DesktopAudio::Time::clock::now();
-    }
-    /// Looks, at one and the same time, until something is so.
-    template <class So>
-    bool until(So so) {
-        for (int i = 0; i < 3000 && !so(); ++i) {
-            audio->look(now);
-            std::this_thread::sleep_for(1ms);
-        }
-        return so();
-    }
-    bool untilOpen(const std::string& name) {
-        return until([&] { return audio->choice() && audio->driver()->name() == name; });
-    }
-    bool untilNone() {
-        return until([&] { return !audio->choice() && audio->driver(); });
-    }
-    void wish(const std::string& name) {
-        DesktopSettings settings = audio->settings();
-        settings.audio = name;
-        audio->change(settings);
-    }
-
-    std::shared_ptr<Device> one = std::make_shared<Device>();
-    std::shared_ptr<Device> two = std::make_shared<Device>();
-    ItsClient client;
-    Lines told;
-    std::ostringstream errors;
-    DesktopAudio::Time now;
-    std::unique_ptr<DesktopAudio> audio;
-};
 
 using PlainStudio = Studio<Client>;
 

@@ -28,12 +28,16 @@ public:
     void chooseFile(int id) override { asked.push_back("file " + std::to_string(id)); }
     void panic() override { asked.push_back("panic"); }
     std::vector<MenuItem> settings() override { return {{1, "One", true}, {2, "Two", false}}; }
-    void chooseSetting(int id) override { asked.push_back("setting " + std::to_string(id)); }
+    std::vector<MenuItem> chooseSetting(int id) override {
+        asked.push_back("setting " + std::to_string(id));
+        return std::exchange(behind, {});
+    }
     Lines take() { return std::exchange(asked, {}); }
 
     State state;
     Lines asked;
     std::vector<float> levels;
+    std::vector<MenuItem> behind;  ///< the next setting
 };
 
 class TransportBarTest : public testing::Test {
@@ -147,6 +151,14 @@ TEST_F(TransportBarTest, SettingsAreTheProgramsOwn) {
     window.answer("2");
     click({584, 15});
     EXPECT_EQ(program.take(), (Lines{"setting 2"}));
+}
+
+TEST_F(TransportBarTest, BehindASettingMayBeAMenuOfItsOwn) {
+    program.behind = {{1, "Three", false}};
+    window.answer("2");
+    window.answer("1");
+    click({584, 15});
+    EXPECT_EQ(program.take(), (Lines{"setting 2", "setting 1"}));
 }
 
 TEST_F(TransportBarTest, FilesAreTheProgramsOwn) {
