@@ -6,9 +6,7 @@
 #include "platform/text/Text.h"
 
 namespace marnoth {
-namespace {
 
-/// False for less than the beginning of a form.
 bool passWrapper(RiffStream& stream) {
     constexpr std::int64_t kWrapperBytes = 24;
     std::array<char, 4> id;
@@ -16,8 +14,6 @@ bool passWrapper(RiffStream& stream) {
     const bool isBare = std::string_view(id.data(), id.size()) == "RIFF";
     return stream.seek(isBare ? 0 : kWrapperBytes) == kRiffOk;
 }
-
-}  // namespace
 
 LoadFault openProject(RiffStream& stream, const std::wstring& path) {
     const std::wstring taken = path.substr(0, kLongestProjectPath);

@@ -216,7 +216,7 @@ private:
     StatusLine status_;
     PadKeys padKeys_;
     ProjectCommands projects_{instrument_.sampler(), window_, page_, notices_};
-    ProjectRecovery recovery_{instrument_, projects_.project(), window_, notices_};
+    ProjectRecovery recovery_{instrument_, projects_.project(), window_, notices_, stateFolder()};
     SongCommands song_{instrument_};
     FileMenu menu_{window_, projects_, song_, settings_, notices_, findDemo(programFolder())};
     std::string title_;

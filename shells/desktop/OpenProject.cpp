@@ -19,6 +19,12 @@ void OpenProject::holdsCopy(std::string name) {
     copy_ = std::move(name);
 }
 
+void OpenProject::recovered() {
+    path_.clear();
+    copy_ = "Recovered";
+    unchanged_.reset();
+}
+
 std::uint64_t OpenProject::changes() const {
     RefPtr<IMarnothOptions> options;
     std::uint64_t count = 0;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "seam/IGrooveSampler.h"
@@ -18,6 +19,8 @@ public:
     void holds(std::string path);
     /// The instrument holds what came from somewhere that it isn't saved to, and is called so.
     void holdsCopy(std::string name);
+    /// The instrument holds what was kept in a crash: nothing that is in a file.
+    void recovered();
     /// What it holds now counts as unchanged.
     void settle() { unchanged_ = changes(); }
     const std::string& path() const { return path_; }
@@ -32,8 +35,8 @@ public:
 private:
     IGrooveSampler& sampler_;
     std::string path_;
-    std::string copy_;             ///< what one without a path is called
-    std::uint64_t unchanged_ = 0;  ///< the count when it was loaded or saved
+    std::string copy_;                        ///< what one without a path is called
+    std::optional<std::uint64_t> unchanged_;  ///< the count when it was loaded or saved; none for never
 };
 
 }  // namespace marnoth

@@ -9,6 +9,7 @@
 #include "hostkit/MakeObject.h"
 #include "hostkit/MemoryStream.h"
 #include "platform/bytes/RiffStream.h"
+#include "project/ProjectFile.h"
 #include "project/ProjectReader.h"
 #include "shellkit/text/InstrumentText.h"
 
@@ -24,17 +25,19 @@ bool isWholeState(const std::vector<std::uint8_t>& state) try {
     const RefPtr<MemoryStream> bytes = makeObject<MemoryStream>(state);
     RiffStream stream;
     Project project;
-    return stream.open(bytes.get()) == kRiffOk && !readProject(stream, project) && !grainBelowZero(project);
+    return stream.open(bytes.get()) == kRiffOk && passWrapper(stream) && !readProject(stream, project) &&
+           !grainBelowZero(project);
 } catch (const std::bad_alloc&) {
     return false;
 }
 
 ProjectRecovery::ProjectRecovery(LiveInstrument& instrument, OpenProject& project, PageWindow& window,
-                                 Notices& notices)
+                                 Notices& notices, const std::filesystem::path& folder)
     : instrument_(instrument),
       project_(project),
       window_(window),
       notices_(notices),
+      file_(folder),
       nextCopy_(EventLoop::Time::clock::now() + kCopyPeriod) {}
 
 void ProjectRecovery::offer(std::function<void()> opened) {
@@ -52,9 +55,10 @@ void ProjectRecovery::recover(const std::function<void()>& opened) {
     std::vector<std::uint8_t> state{std::istreambuf_iterator<char>(file), {}};
     // A load begins with an empty project, whatever comes of it.
     if (!isWholeState(state) || !instrument_.loadState(std::move(state)))
-        return notices_.tell("The project as it was can't be read. It is kept as " +
+        return notices_.warn("The project as it was can't be read. It is kept as " +
                              utf8FromPath(file_.putAside()) + ".");
     file_.settle();
+    project_.recovered();
     opened();
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <functional>
 #include <vector>
 
@@ -18,8 +19,9 @@ namespace marnoth {
 /// neither the project's path nor its files nor its title. The window's thread.
 class ProjectRecovery {
 public:
-    /// All outlive it.
-    ProjectRecovery(LiveInstrument& instrument, OpenProject& project, PageWindow& window, Notices& notices);
+    /// All outlive it. `folder` is where copies go.
+    ProjectRecovery(LiveInstrument& instrument, OpenProject& project, PageWindow& window, Notices& notices,
+                    const std::filesystem::path& folder);
 
     bool hasFound() const { return file_.found().has_value(); }
     /// Asks about what was found, and opens it, if there is any; `opened` follows that.
@@ -38,7 +40,7 @@ private:
     OpenProject& project_;
     PageWindow& window_;
     Notices& notices_;
-    RecoveryFile file_{stateFolder()};
+    RecoveryFile file_;
     EventLoop::Time nextCopy_;
     std::uint64_t copied_ = 0;  ///< the count of changes at the last copy
 };
