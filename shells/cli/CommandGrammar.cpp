@@ -113,14 +113,29 @@ constexpr const char* kPageHelp =
 constexpr const char* kPlayHelp =
     "Sound and notes go through JACK where its server runs, and PipeWire counts as one; the mix is "
     "connected\n"
-    "to the speakers, and whatever sends notes to the program. The keys 1 2 3 4, Q W E R, A S D F and\n"
-    "Z X C V play the pads, which lie alike; the space bar starts and stops. A project takes the place of\n"
-    "what there is, a loop goes onto the next pad, and a MIDI file plays with the transport.\n"
+    "to the speakers, and whatever sends notes to the program. Elsewhere sound goes through PulseAudio or\n"
+    "ALSA, the mix alone, and notes come from ALSA's ports. marnoth devices lists the names for --audio\n"
+    "and --midi; a system and an output of it are joined by a colon, case doesn't matter. With\n"
+    "file:OUT.wav all that is played from the start on is written there, heard or not, as 32-bit float.\n"
+    "\n"
+    "The keys 1 2 3 4, Q W E R, A S D F and Z X C V play the pads, which lie alike; the space bar starts\n"
+    "and stops. A project takes the place of what there is, a loop goes onto the next pad, and a MIDI file\n"
+    "plays with the transport.\n"
     "\n"
     "Examples:\n"
     "  marnoth\n"
     "  marnoth play groove.mrn song.mid\n"
-    "  marnoth play drums.wav bass.wav --audio null --scale 2\n";
+    "  marnoth play drums.wav bass.wav --audio null --scale 2\n"
+    "  marnoth play groove.mrn --audio pulse:headphones --midi keystation --block 128\n"
+    "  marnoth play groove.mrn song.mid --audio file:take.wav\n";
+
+constexpr const char* kDevicesHelp =
+    "Each system that sound can go through, best first, with its outputs and their own rates, or why it\n"
+    "isn't there; and the ports that send notes. No display is needed.\n"
+    "\n"
+    "Examples:\n"
+    "  marnoth devices\n"
+    "  marnoth devices --json\n";
 
 /// The settings of `--pad`, a line each.
 std::string padSettingsHelp() {
@@ -193,7 +208,9 @@ CommandGrammar::CommandGrammar(Request& request) : app_(kProgramHelp, "marnoth")
     addRender(request);
     addInfo(request);
     addPage(request);
-    if (kHasDesktop) addPlay(request);
+    if (!kHasDesktop) return;
+    addPlay(request);
+    addDevices(request);
 }
 
 void CommandGrammar::addScript(Request& request) {
@@ -279,9 +296,11 @@ void CommandGrammar::addPlay(Request& request) {
     CLI::App* play = app_.add_subcommand("play", "Play in a window, with sound and MIDI");
     PlayOptions& options = request.play;
     play->add_option("FILE", options.files, "Projects, loops and MIDI files")->type_name("");
-    play->add_option("--audio", options.audio, "jack, null for no sound, or a part of the speakers' name")
+    play->add_option("--audio", options.audio,
+                     "jack, pulse, alsa, null for no sound, file:OUT.wav, or a part of an output's name")
         ->type_name("NAME");
-    play->add_option("--midi", options.midi, "A part of the name of what sends notes; all by default")
+    play->add_option("--midi", options.midi,
+                     "A part of the names of the ports that send notes; all by default")
         ->type_name("NAME");
     play->add_option("--rate", options.rate, "Frames per second, the device's own by default")
         ->check(wholeWithin(LoopRates::kLowest, LoopRates::kHighest))
@@ -299,6 +318,12 @@ void CommandGrammar::addPlay(Request& request) {
     play->add_flag("--verbose", options.verbose,
                    "At the end, tell how long blocks took, and how many were late or dropped out");
     play->footer(kPlayHelp);
+}
+
+void CommandGrammar::addDevices(Request& request) {
+    CLI::App* devices = app_.add_subcommand("devices", "List what sound and notes can go through");
+    devices->add_flag("--json", request.devices.json, "Print JSON");
+    devices->footer(kDevicesHelp);
 }
 
 }  // namespace marnoth

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "shells/cli/DevicesCommand.h"
 #include "shells/cli/InfoCommand.h"
 #include "shells/cli/PageCommand.h"
 #include "shells/cli/PlayCommand.h"
@@ -24,6 +25,7 @@ struct Request {
     InfoOptions info;
     PageOptions page;
     PlayOptions play;
+    DevicesOptions devices;
     bool quiet = false;
 };
 
@@ -49,6 +51,7 @@ private:
     void addInfo(Request& request);
     void addPage(Request& request);
     void addPlay(Request& request);
+    void addDevices(Request& request);
 
     CLI::App app_;
 };

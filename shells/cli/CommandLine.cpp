@@ -58,7 +58,7 @@ int runPlay(const PlayOptions& options, const Streams& streams, const PlayComman
 }
 
 int carryOut(const Request& request, const CommandGrammar& grammar, std::ostream& out, std::ostream& errors,
-             const PlayCommand& play) {
+             const PlayCommand& play, const ListSound& list) {
     int status = 0;
     const Streams streams{out, errors, request.quiet};
     if (grammar.chose("script"))
@@ -70,6 +70,8 @@ int carryOut(const Request& request, const CommandGrammar& grammar, std::ostream
         runPage(request.page, streams);
     else if (grammar.chose("info"))
         runInfo(request.info, streams);
+    else if (grammar.chose("devices"))
+        runDevices(request.devices, list, streams);
     else  // which isn't known everywhere
         status = runPlay(request.play, streams, play);
     if (!out.flush()) throw FileFailure("standard output can't be written");
@@ -82,13 +84,13 @@ int report(std::ostream& errors, int status, const std::string& text) {
 }
 
 int understandAndCarryOut(std::vector<std::string> arguments, std::ostream& out, std::ostream& errors,
-                          const PlayCommand& play) {
+                          const PlayCommand& play, const ListSound& list) {
     if (arguments.empty() && play) arguments = {"play"};
     Request request;
     CommandGrammar grammar(request);
     try {
         grammar.app().parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
-        return carryOut(request, grammar, out, errors, play);
+        return carryOut(request, grammar, out, errors, play, list);
     } catch (const CLI::Success& wish) {
         return grammar.app().exit(wish, out, errors);
     } catch (const CLI::Error& error) {
@@ -105,8 +107,8 @@ int understandAndCarryOut(std::vector<std::string> arguments, std::ostream& out,
 }  // namespace
 
 int runCommandLine(std::vector<std::string> arguments, std::ostream& out, std::ostream& errors,
-                   const PlayCommand& play) try {
-    return understandAndCarryOut(std::move(arguments), out, errors, play);
+                   const PlayCommand& play, const ListSound& list) try {
+    return understandAndCarryOut(std::move(arguments), out, errors, play, list);
 } catch (const std::bad_alloc&) {
     // Whatever the command had taken is back; even so this asks for none.
     errors << "marnoth: there isn't enough memory" << std::endl;

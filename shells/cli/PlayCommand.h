@@ -12,7 +12,7 @@ namespace marnoth {
 /// What is played in a window, and through what. Names are in UTF-8.
 struct PlayOptions {
     std::vector<std::string> files;  ///< a project, loops for the pads from 1 on, a MIDI file
-    std::string audio;       ///< "jack", "null", or part of a device's name; empty for the best there is
+    std::string audio;       ///< a system, "file:OUT.wav", part of an output's name; empty for the best
     std::string midi;        ///< part of a port's name; empty for all
     std::uint32_t rate = 0;  ///< frames per second; 0 for the device's own
     std::int32_t block = 0;  ///< frames; 0 for the device's own

@@ -70,8 +70,7 @@ AudioSystems audioSystems() {
     AudioSystems systems = std::move(rt.audio);
     systems.push_back(std::make_shared<FileAudioSystem>());
     systems.push_back(std::make_shared<NullSystem>());
-    if (rt.midi)
-        for (auto& system : systems) system = std::make_shared<SystemWithMidi>(std::move(system), rt.midi);
+    for (auto& system : systems) system = std::make_shared<SystemWithMidi>(std::move(system), rt.midi);
     systems.insert(systems.begin(), std::make_shared<JackSystem>());
     return systems;
 }

@@ -7,3 +7,7 @@ int marnothDesktop(const marnoth::DesktopOptions& options, std::ostream& errors)
     std::setlocale(LC_CTYPE, "");
     return marnoth::runDesktop(options, errors);
 }
+
+void marnothAudioSystems(marnoth::AudioSystems& systems) {
+    systems = marnoth::audioSystems();
+}

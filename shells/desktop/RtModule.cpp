@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <system_error>
+#include <utility>
 
 #include "shells/desktop/MissingSystem.h"
 
@@ -21,10 +22,30 @@ fs::path modulePath() {
     return fs::path(here.dli_fname).parent_path() / kModule;
 }
 
+class NoPorts final : public MidiConnection {
+public:
+    void look() override {}
+};
+
+class MissingMidi final : public MidiSystem {
+public:
+    explicit MissingMidi(std::string why) : why_(std::move(why)) {}
+
+    std::vector<std::string> ports() override { return {}; }
+    std::string missing() override { return why_; }
+    std::unique_ptr<MidiConnection> connect(const std::string& /*part*/, MidiReceiver& /*to*/) override {
+        return std::make_unique<NoPorts>();
+    }
+
+private:
+    const std::string why_;
+};
+
 RtSystems missing(const std::string& why) {
     RtSystems systems;
     for (const std::string name : {"PulseAudio", "ALSA"})
         systems.audio.push_back(std::make_shared<MissingSystem>(name, name + " can't be used: " + why + "."));
+    systems.midi = std::make_shared<MissingMidi>("MIDI of ALSA can't be used: " + why + ".");
     return systems;
 }
 

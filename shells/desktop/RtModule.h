@@ -20,7 +20,7 @@ using MakeRtSystems = void (*)(RtSystems&);
 inline constexpr const char* kMakeRtSystems = "marnothRtSystems";
 
 /// Loads the module, which lies beside the code that asks. Where it or a library of its is missing, the audio
-/// systems say so, and MIDI is null.
+/// systems and MIDI say so.
 RtSystems loadRtSystems();
 
 }  // namespace marnoth

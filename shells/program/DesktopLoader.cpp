@@ -12,8 +12,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-using Desktop = int (*)(const DesktopOptions&, std::ostream&);
-
 constexpr const char* kModule = "marnoth-desktop.so";
 
 /// Where the module may lie, seen from the program's own folder: installed, or in a build tree.
@@ -28,16 +26,28 @@ fs::path findModule() {
                              ", isn't installed");
 }
 
-}  // namespace
-
-int playOnDesktop(const DesktopOptions& options, std::ostream& errors) {
+void* findInModule(const char* name) {
     const fs::path module = findModule();
     // Never unloaded: what it hands to the system may be called up to the program's end.
     void* const library = dlopen(module.c_str(), RTLD_NOW | RTLD_LOCAL);
-    if (!library) throw std::runtime_error("the window can't be opened: " + std::string(dlerror()));
-    const auto desktop = reinterpret_cast<Desktop>(dlsym(library, "marnothDesktop"));
-    if (!desktop) throw std::runtime_error(module.string() + " is damaged");
-    return desktop(options, errors);
+    if (!library)
+        throw std::runtime_error("the window's part of the program can't be used: " + std::string(dlerror()));
+    void* const found = dlsym(library, name);
+    if (!found) throw std::runtime_error(module.string() + " is damaged");
+    return found;
+}
+
+}  // namespace
+
+int playOnDesktop(const DesktopOptions& options, std::ostream& errors) {
+    using Play = int (*)(const DesktopOptions&, std::ostream&);
+    return reinterpret_cast<Play>(findInModule("marnothDesktop"))(options, errors);
+}
+
+AudioSystems desktopAudio() {
+    AudioSystems systems;
+    reinterpret_cast<void (*)(AudioSystems&)>(findInModule("marnothAudioSystems"))(systems);
+    return systems;
 }
 
 }  // namespace marnoth

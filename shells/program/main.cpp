@@ -13,6 +13,7 @@ using namespace marnoth;
 
 #ifdef _WIN32
 constexpr std::nullptr_t kPlay = nullptr;
+constexpr std::nullptr_t kListSound = nullptr;
 #else
 int kPlay(const PlayOptions& told, const Streams& streams) {
     DesktopOptions options;
@@ -24,6 +25,24 @@ int kPlay(const PlayOptions& told, const Streams& streams) {
     options.wish = {{}, told.midi, told.rate, told.block};
     return playOnDesktop(options, streams.errors);
 }
+
+SoundSystem describe(AudioSystem& audio) {
+    SoundSystem system;
+    system.name = audio.name();
+    system.takesAnyName = audio.needsDevice();
+    for (const AudioDevice& device : audio.devices())
+        system.outputs.push_back({device.name, device.rate, device.rates, device.isDefault});
+    if (system.outputs.empty()) system.missing = audio.missing();
+    system.midiPorts = audio.midiPorts();
+    if (system.midiPorts.empty()) system.missingMidi = audio.missingMidi();
+    return system;
+}
+
+std::vector<SoundSystem> kListSound() {
+    std::vector<SoundSystem> systems;
+    for (const auto& audio : desktopAudio()) systems.push_back(describe(*audio));
+    return systems;
+}
 #endif
 
 }  // namespace
@@ -31,5 +50,5 @@ int kPlay(const PlayOptions& told, const Streams& streams) {
 int main(int argc, char** argv) {
     prepareConsole();
     removeLeftoversOnSignals();
-    return runCommandLine(consoleArguments(argc, argv), std::cout, std::cerr, kPlay);
+    return runCommandLine(consoleArguments(argc, argv), std::cout, std::cerr, kPlay, kListSound);
 }

@@ -13,7 +13,7 @@ namespace {
 #ifdef _WIN32
 const std::vector<std::string> kCommands{"script", "render", "info", "page"};
 #else
-const std::vector<std::string> kCommands{"script", "render", "info", "page", "play"};
+const std::vector<std::string> kCommands{"script", "render", "info", "page", "play", "devices"};
 #endif
 
 /// The long options that a command's help tells of, by their lines.

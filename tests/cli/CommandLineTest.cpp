@@ -58,7 +58,7 @@ TEST(CommandLine, AFileThatFailsGetsItsReasonAndStatusOne) {
 constexpr const char* kGiveACommand = "give a command: script, render, info or page; see marnoth --help";
 #else
 constexpr const char* kGiveACommand =
-    "give a command: script, render, info, page or play; see marnoth --help";
+    "give a command: script, render, info, page, play or devices; see marnoth --help";
 #endif
 
 TEST(CommandLine, AnUnknownWordIsNamedWithTheOneThatWasMeant) {

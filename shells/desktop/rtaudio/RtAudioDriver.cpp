@@ -61,7 +61,10 @@ RtAudioDriver::RtAudioDriver(std::unique_ptr<RtAudio> audio, const RtDevice& dev
     try {
         openStream(device.number);
     } catch (const RtAudioError&) {
-        throw std::runtime_error(name_ + " can't be opened: another program may hold it.");
+        // ALSA's own devices are for one program at a time.
+        const bool isShared = audio_->getCurrentApi() != RtAudio::LINUX_ALSA;
+        throw std::runtime_error(name_ + " can't be opened" +
+                                 (isShared ? "." : ": another program may hold it."));
     }
     const bool isReady = client_.prepare(rate_, frames());
     if (isReady) audio_->startStream();

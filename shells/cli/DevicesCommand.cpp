@@ -1,0 +1,98 @@
+#include "shells/cli/DevicesCommand.h"
+
+#include <algorithm>
+
+#include "shellkit/files/Failure.h"
+#include "shellkit/text/PlainText.h"
+#include "shells/cli/InfoJson.h"
+
+namespace marnoth {
+
+namespace {
+
+Json orNull(const std::string& text) {
+    return text.empty() ? Json() : Json(text);
+}
+
+Json outputJson(const SoundSystem::Output& output) {
+    Json json{{"name", output.name}, {"default", output.isDefault}};
+    json["rate"] = output.rate ? Json(output.rate) : Json();
+    json["rates"] = Json::array();
+    for (const std::uint32_t rate : output.rates) json["rates"].push_back(rate);
+    return json;
+}
+
+Json systemJson(const SoundSystem& system) {
+    Json json{{"name", system.name}, {"missing", orNull(system.missing)}};
+    json["outputs"] = Json::array();
+    for (const SoundSystem::Output& output : system.outputs) json["outputs"].push_back(outputJson(output));
+    json["midiPorts"] = system.midiPorts;
+    json["missingMidi"] = orNull(system.missingMidi);
+    return json;
+}
+
+void printSoundJson(const std::vector<SoundSystem>& systems, std::ostream& out) {
+    Json list = Json::array();
+    for (const SoundSystem& system : systems) list.push_back(systemJson(system));
+    out << printed({{"systems", list}});
+}
+
+void printOutputs(const SoundSystem& system, std::ostream& out) {
+    out << system.name;
+    if (!system.missing.empty())
+        out << ": " << inOneLine(system.missing);
+    else if (system.takesAnyName)
+        out << ": any, as in --audio " << system.name << ":take.wav";
+    else if (!system.outputs.empty())
+        out << ':';
+    out << '\n';
+    for (const SoundSystem::Output& output : system.outputs) {
+        out << "  " << inOneLine(output.name);
+        if (output.rate) out << ", " << output.rate << " Hz";
+        out << (output.isDefault ? ", the default\n" : "\n");
+    }
+}
+
+bool haveOneMidi(const SoundSystem& one, const SoundSystem& other) {
+    return one.midiPorts == other.midiPorts && one.missingMidi == other.missingMidi;
+}
+
+/// The ports of `systems`, which all have the same.
+void printMidi(const std::vector<SoundSystem>& systems, std::ostream& out) {
+    std::vector<std::string> names;
+    for (const SoundSystem& system : systems) names.push_back(system.name);
+    const SoundSystem& first = systems.front();
+    out << "MIDI with " << joined(names, ", ") << ':';
+    if (!first.missingMidi.empty())
+        out << ' ' << inOneLine(first.missingMidi);
+    else if (first.midiPorts.empty())
+        out << " no ports";
+    out << '\n';
+    for (const std::string& port : first.midiPorts) out << "  " << inOneLine(port) << '\n';
+}
+
+void printSound(std::vector<SoundSystem> systems, std::ostream& out) {
+    for (const SoundSystem& system : systems) printOutputs(system, out);
+    std::erase_if(systems, [](const SoundSystem& system) { return !system.missing.empty(); });
+    while (!systems.empty()) {
+        const SoundSystem first = systems.front();
+        const auto rest =
+            std::stable_partition(systems.begin(), systems.end(),
+                                  [&](const SoundSystem& system) { return haveOneMidi(first, system); });
+        printMidi({systems.begin(), rest}, out);
+        systems.erase(systems.begin(), rest);
+    }
+}
+
+}  // namespace
+
+void runDevices(const DevicesOptions& options, const ListSound& list, const Streams& streams) {
+    if (!list) throw WrongUse("this program has no sound");
+    const std::vector<SoundSystem> systems = list();
+    if (options.json)
+        printSoundJson(systems, streams.out);
+    else
+        printSound(systems, streams.out);
+}
+
+}  // namespace marnoth
