@@ -250,6 +250,7 @@ void Desktop::openFiles(const std::vector<std::string>& files) {
     IGrooveSampler& sampler = instrument_.sampler();
     setLenientFiles(sampler, true);
     std::int32_t pad = 0;
+    bool hasProject = false;
     for (const std::string& file : files) {
         if (isSong(file)) {
             song_.open(file);
@@ -257,12 +258,13 @@ void Desktop::openFiles(const std::vector<std::string>& files) {
         } else if (isProject(file)) {
             loadProjectFile(sampler, file);
             projects_.opened(file);
+            hasProject = true;
         } else if (pad < kPads) {
             loadLoopFile(sampler, pad++, file);
         }
     }
     // What was asked for by name can be asked for again: nothing is lost with it.
-    if (projects_.project().path().empty()) projects_.project().holds({});
+    if (!hasProject) projects_.project().holds({});
 }
 
 void Desktop::openPages() {

@@ -5,21 +5,11 @@
 #include <system_error>
 
 #include "shellkit/text/InstrumentText.h"
+#include "shells/desktop/MusicFolder.h"
 
 namespace marnoth {
 
-namespace {
-
 namespace fs = std::filesystem;
-
-/// What the environment says, else what is usual; else here.
-fs::path musicFolder() {
-    if (const char* const told = std::getenv("XDG_MUSIC_DIR"); told && *told == '/') return told;
-    const char* const home = std::getenv("HOME");
-    return home && *home == '/' ? fs::path(home) / "Music" : fs::current_path();
-}
-
-}  // namespace
 
 std::string newTakeName() {
     std::error_code ignored;
