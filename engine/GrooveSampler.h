@@ -174,6 +174,8 @@ private:
     HRESULT readPad(std::int32_t pad, T* out, Read read, HRESULT refusal = E_INVALIDARG);
     template <class Write>
     HRESULT changePad(std::int32_t pad, Write write, HRESULT refusal = E_INVALIDARG);
+    template <class Write>
+    HRESULT changeMix(std::int32_t pad, Write write);
     template <class Take, class Build, class Put>
     HRESULT edit(Take take, Build build, Put put, Model& (PadBank::*change)() = &PadBank::change);
     template <class Build>

@@ -49,6 +49,9 @@ inline constexpr IID IID_IGrooveSampler{
 /// engine's lock for moments only: what takes long is done beside the present state, which is then replaced
 /// in one go. A change takes effect at the next block. Nothing is notified: callers poll.
 ///
+/// Volume, pan, mute and solo of a pad may be set as often as a host's automation does, by the streaming
+/// thread too, between blocks: no edit is lost, repeated or kept waiting by it, and nothing allocates.
+///
 /// Indices: `pad` 0 to 15, `bin` a position in the Loop Bin, `grain` a position in a track. A bad pad or file
 /// gives `E_INVALIDARG` (exceptions stand at the operation), a null out-pointer `E_POINTER`; a bad grain
 /// throws `std::invalid_argument`. Times are 16.16 ticks, 62914560 to the beat. Texts are in the system code

@@ -10,7 +10,8 @@ inline constexpr IID IID_IMarnothOptions{
     0x5B94E0A7, 0x2C6D, 0x4F18, {0xA3, 0x71, 0x0E, 0x95, 0xD8, 0x46, 0xBC, 0x2F}};
 
 /// How an instrument departs from what its hosts know, and what it tells beyond that, for shells that ask for
-/// it: the instrument answers `QueryInterface` for it. Any thread but the streaming one; takes the lock.
+/// it: the instrument answers `QueryInterface` for it. Any thread but the streaming one, which may ask for
+/// `GetChanges` between blocks; takes the lock.
 ///
 /// It stands beside `IGrooveSampler` since the slots of that one are fixed. All options are off at first,
 /// belong to the one instrument, and are in no project.

@@ -66,7 +66,7 @@ HRESULT CGrooveSampler::GetPadMute(std::int32_t pad, std::uint32_t* value) {
 }
 
 HRESULT CGrooveSampler::SetPadMute(std::int32_t pad, std::uint32_t value) {
-    return changePad(pad, [=](CGrooveTrack& track) { track.mute = value; });
+    return changeMix(pad, [=](CGrooveTrack& track) { track.mute = value; });
 }
 
 HRESULT CGrooveSampler::GetPadSolo(std::int32_t pad, std::uint32_t* value) {
@@ -76,7 +76,7 @@ HRESULT CGrooveSampler::GetPadSolo(std::int32_t pad, std::uint32_t* value) {
 HRESULT CGrooveSampler::SetPadSolo(std::int32_t pad, std::uint32_t value) {
     CAutoLock lock(*this);
     if (!isPad(pad)) return E_INVALIDARG;
-    Model& model = bank_.change();
+    Model& model = bank_.changeMix();
     padOf(model, pad).solo = value;
     model.recomputeAnySolo();
     return S_OK;
@@ -87,7 +87,7 @@ HRESULT CGrooveSampler::GetPadVolume(std::int32_t pad, float* value) {
 }
 
 HRESULT CGrooveSampler::SetPadVolume(std::int32_t pad, float value) {
-    return changePad(pad, [=](CGrooveTrack& track) { writeLevel(track.volume, value, kMaxPadVolume); });
+    return changeMix(pad, [=](CGrooveTrack& track) { writeLevel(track.volume, value, kMaxPadVolume); });
 }
 
 HRESULT CGrooveSampler::GetPadPan(std::int32_t pad, float* value) {
@@ -95,7 +95,7 @@ HRESULT CGrooveSampler::GetPadPan(std::int32_t pad, float* value) {
 }
 
 HRESULT CGrooveSampler::SetPadPan(std::int32_t pad, float value) {
-    return changePad(pad, [=](CGrooveTrack& track) { writeLevel(track.pan, value, 1.0f); });
+    return changeMix(pad, [=](CGrooveTrack& track) { writeLevel(track.pan, value, 1.0f); });
 }
 
 HRESULT CGrooveSampler::GetPadTail(std::int32_t pad, std::uint32_t* value) {

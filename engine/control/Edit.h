@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "engine/GrooveSampler.h"
+#include "engine/model/PadMix.h"
 
 /// How the operations of `IGrooveSampler` reach the model; internal to their sources. A null out-pointer is
 /// refused before an index is looked at.
@@ -48,7 +49,16 @@ HRESULT CGrooveSampler::readPad(std::int32_t pad, T* out, Read read, HRESULT ref
     return S_OK;
 }
 
-/// Writes a plain field of a pad.
+/// Writes what a mixer sets of a pad.
+template <class Write>
+HRESULT CGrooveSampler::changeMix(std::int32_t pad, Write write) {
+    CAutoLock lock(*this);
+    if (!isPad(pad)) return E_INVALIDARG;
+    write(padOf(bank_.changeMix(), pad));
+    return S_OK;
+}
+
+/// Writes another plain field of a pad.
 template <class Write>
 HRESULT CGrooveSampler::changePad(std::int32_t pad, Write write, HRESULT refusal) {
     CAutoLock lock(*this);
@@ -60,9 +70,9 @@ HRESULT CGrooveSampler::changePad(std::int32_t pad, Write write, HRESULT refusal
 /// An edit: `take(const Model&)` copies under the lock what it needs of the present state, `build(draft)`
 /// makes the next state of that with the lock free, and `put(Model&, draft)` puts it in place under the lock,
 /// leaving what it replaced in the draft, which goes behind the lock. Built anew when the state has changed
-/// meanwhile. A failure of `build`, what it throws, and memory that ends leave everything as it was; the last
-/// is `E_OUTOFMEMORY`, anything else that is thrown goes on to the caller. `change` is how the bank counts
-/// it.
+/// meanwhile, but for the mixes, whose changes are carried over. A failure of `build`, what it throws, and
+/// memory that ends leave everything as it was; the last is `E_OUTOFMEMORY`, anything else that is thrown
+/// goes on to the caller. `change` is how the bank counts it.
 template <class Take, class Build, class Put>
 HRESULT CGrooveSampler::edit(Take take, Build build, Put put, Model& (PadBank::*change)()) try {
     // Others change plain fields all the time; after so many tries nobody does.
@@ -72,15 +82,20 @@ HRESULT CGrooveSampler::edit(Take take, Build build, Put put, Model& (PadBank::*
         std::optional<CAutoLock> alone;
         if (tries > kMostTries) alone.emplace(*this);
         std::uint64_t version = 0;
+        PadMixes before;
         auto draft = [&] {
             const CAutoLock lock(*this);
             version = bank_.version();
+            before = mixesOf(bank_.present().pads);
             return take(bank_.present());
         }();
         if (const HRESULT result = build(draft); FAILED(result)) return result;
         const CAutoLock lock(*this);
         if (bank_.version() != version) continue;
-        put((bank_.*change)(), draft);
+        const PadMixes now = mixesOf(bank_.present().pads);
+        Model& model = (bank_.*change)();
+        put(model, draft);
+        carryOver(before, now, model.pads);
         return S_OK;
     }
 } catch (const std::bad_alloc&) {

@@ -9,8 +9,7 @@ void Model::recomputeAnySolo() {
     anySolo = std::any_of(pads.begin(), pads.end(), [](const CGrooveTrack& pad) { return pad.solo != 0; });
 }
 
-Model& PadBank::changeUnsaved() {
-    ++version_;
+Model& PadBank::writable() {
     if (playing_ == present_) {
         states_[1 - present_] = states_[present_];
         present_ = 1 - present_;

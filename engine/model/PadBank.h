@@ -37,7 +37,16 @@ public:
         return changeUnsaved();
     }
     /// The same for what no project keeps, as what is auditioned.
-    Model& changeUnsaved();
+    Model& changeUnsaved() {
+        ++version_;
+        return writable();
+    }
+    /// The same for what a mixer sets (`PadMix`), which is no new version: whoever builds the next state
+    /// takes over what has changed of it meanwhile (`carryOver`).
+    Model& changeMix() {
+        noteChange();
+        return writable();
+    }
     std::uint64_t version() const { return version_; }
     /// How often what a project keeps may have changed.
     std::uint64_t changes() const { return changes_; }
@@ -56,6 +65,8 @@ public:
 
 private:
     static constexpr std::size_t kNone = 2;
+
+    Model& writable();
 
     std::array<Model, 2> states_;
     std::size_t present_ = 0;

@@ -39,6 +39,19 @@ std::optional<double> numberIn(const AtomView& atom, const Urids& urids) {
     return {};
 }
 
+LV2_URID uridIn(const AtomView& atom, const Urids& urids) {
+    std::span<const std::uint8_t> bytes = atom.body;
+    return atom.type == urids.atomUrid ? takeFront<LV2_URID>(bytes).value_or(0) : 0;
+}
+
+std::optional<AtomView> propertyOf(const AtomView& object, LV2_URID key) {
+    std::optional<AtomView> found;
+    forEachProperty(object, [&](LV2_URID name, const AtomView& value) {
+        if (name == key) found = value;
+    });
+    return found;
+}
+
 ToldPosition positionIn(const AtomView& object, const Urids& urids) {
     ToldPosition told;
     forEachProperty(object, [&](LV2_URID key, const AtomView& value) {

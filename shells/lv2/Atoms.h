@@ -70,6 +70,12 @@ void forEachProperty(const AtomView& object, Take take) {
 /// A number of whatever type, true 1 and false 0.
 std::optional<double> numberIn(const AtomView& atom, const Urids& urids);
 
+/// The name in an atom, 0 where it isn't one.
+LV2_URID uridIn(const AtomView& atom, const Urids& urids);
+
+/// The value of a property of an object; of several the last one.
+std::optional<AtomView> propertyOf(const AtomView& object, LV2_URID key);
+
 /// What a `time:Position` tells.
 ToldPosition positionIn(const AtomView& object, const Urids& urids);
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+
 namespace marnoth {
 
 /// The plug-ins, as hosts know them for ever. The bundle's files use the same.
@@ -9,5 +11,9 @@ inline constexpr const char* kMultiUri = "urn:marnoth:instrument-multi";  ///< t
 /// What their state holds.
 inline constexpr const char* kStateVersionUri = "urn:marnoth:stateVersion";
 inline constexpr const char* kProjectUri = "urn:marnoth:project";
+
+/// What a host automates: pads 1 to 16 and, behind a colon, one of these.
+inline constexpr const char* kPadUri = "urn:marnoth:pad";
+inline constexpr std::array<const char*, 4> kPadParameterNames{"level", "pan", "mute", "solo"};
 
 }  // namespace marnoth

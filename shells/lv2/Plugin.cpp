@@ -24,7 +24,14 @@ std::uint32_t wholeRate(double rate) {
 
 Plugin::Plugin(double rate, std::span<const int> outputs, const LV2_URID_Map& map,
                const LV2_Feature* const* features)
-    : urids_(map), log_(features, urids_.logError), host_(createInstrument), outputs_(outputs), rate_(rate) {
+    : urids_(map),
+      log_(features, urids_.logError),
+      host_(createInstrument),
+      parameters_(host_.sampler(), map),
+      outputs_(outputs),
+      rate_(rate) {
+    LV2_URID_Map own = map;
+    lv2_atom_forge_init(&forge_, &own);
     // Hosts restore a state before they activate, and it is loaded at the rate of the connection.
     if (!prepare()) throw std::runtime_error("the instrument can't be connected at this rate");
 }
@@ -67,14 +74,55 @@ void Plugin::takeEvents(std::int32_t frames) {
 
 void Plugin::take(std::int32_t frame, const AtomView& event) {
     if (event.type == urids_.midiEvent && !event.body.empty()) {
-        const auto byte = [&](std::size_t at) {
-            return at < event.body.size() ? event.body[at] : std::uint8_t{0};
-        };
-        host_.addMessage(frame - done_, byte(0), byte(1), byte(2));
+        takeMidi(frame, event.body);
+    } else if (const LV2_URID type = objectType(event, urids_)) {
+        takeObject(frame, type, event);
     }
-    if (objectType(event, urids_) != urids_.timePosition) return;
+}
+
+void Plugin::takeMidi(std::int32_t frame, std::span<const std::uint8_t> bytes) {
+    constexpr std::uint8_t kController = 0xB0;
+    const auto byte = [bytes](std::size_t at) { return at < bytes.size() ? bytes[at] : std::uint8_t{0}; };
+    const std::uint8_t status = byte(0);
+    if ((status & 0xF0) == kController && PadParameters::isController(byte(1))) {
+        renderTo(frame);
+        parameters_.setByController(status & 0x0F, byte(1), byte(2));
+        host_.sampler().SetRefreshRequest(1);
+    } else {
+        host_.addMessage(frame - done_, status, byte(1), byte(2));
+    }
+}
+
+void Plugin::takeObject(std::int32_t frame, LV2_URID type, const AtomView& object) {
+    if (type == urids_.timePosition) {
+        renderTo(frame);
+        position_.take(positionIn(object, urids_));
+    } else if (type == urids_.patchSet) {
+        const auto property = propertyOf(object, urids_.patchProperty);
+        const auto value = propertyOf(object, urids_.patchValue);
+        if (property && value) setParameter(frame, uridIn(*property, urids_), *value);
+    } else if (type == urids_.patchPut) {
+        const auto body = propertyOf(object, urids_.patchBody);
+        if (!body || objectType(*body, urids_) == 0) return;
+        forEachProperty(*body, [&](LV2_URID key, const AtomView& value) { setParameter(frame, key, value); });
+    } else if (type == urids_.patchGet) {
+        askedFor(object);
+    }
+}
+
+void Plugin::setParameter(std::int32_t frame, LV2_URID property, const AtomView& value) {
+    const auto index = parameters_.find(property);
+    const auto number = numberIn(value, urids_);
+    if (!index || !number) return;
     renderTo(frame);
-    position_.take(positionIn(event, urids_));
+    parameters_.set(*index, *number);
+    host_.sampler().SetRefreshRequest(1);
+}
+
+void Plugin::askedFor(const AtomView& get) {
+    const auto property = propertyOf(get, urids_.patchProperty);
+    if (!property) return parameters_.tellAll();
+    if (const auto index = parameters_.find(uridIn(*property, urids_))) parameters_.tellAgain(*index);
 }
 
 void Plugin::renderTo(std::int32_t frame) {
@@ -88,8 +136,31 @@ void Plugin::renderTo(std::int32_t frame) {
 
 void Plugin::writeEvents() {
     if (!eventsOut_ || eventsOut_->atom.size < sizeof(LV2_Atom_Sequence_Body)) return;
-    eventsOut_->atom = {sizeof(LV2_Atom_Sequence_Body), urids_.atomSequence};
-    eventsOut_->body = {};
+    LV2_Atom_Forge_Frame sequence;
+    lv2_atom_forge_set_buffer(&forge_, reinterpret_cast<std::uint8_t*>(eventsOut_),
+                              sizeof(LV2_Atom) + eventsOut_->atom.size);
+    lv2_atom_forge_sequence_head(&forge_, &sequence, 0);
+    parameters_.tellChanges([this](std::size_t index, float value) { return writeParameter(index, value); });
+    lv2_atom_forge_pop(&forge_, &sequence);
+}
+
+/// False where there is no room for it.
+bool Plugin::writeParameter(std::size_t index, float value) {
+    constexpr std::uint32_t kMostBytes = 128;
+    if (forge_.size - forge_.offset < kMostBytes) return false;
+    LV2_Atom_Forge_Frame object;
+    lv2_atom_forge_frame_time(&forge_, 0);
+    lv2_atom_forge_object(&forge_, &object, 0, urids_.patchSet);
+    lv2_atom_forge_key(&forge_, urids_.patchProperty);
+    lv2_atom_forge_urid(&forge_, parameters_.property(index));
+    lv2_atom_forge_key(&forge_, urids_.patchValue);
+    if (PadParameters::isSwitch(index)) {
+        lv2_atom_forge_bool(&forge_, value != 0.0f);
+    } else {
+        lv2_atom_forge_float(&forge_, value);
+    }
+    lv2_atom_forge_pop(&forge_, &object);
+    return true;
 }
 
 }  // namespace marnoth

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <lv2/atom/atom.h>
+#include <lv2/atom/forge.h>
 
 #include <array>
 #include <cstdint>
@@ -10,6 +10,7 @@
 #include "shells/lv2/Atoms.h"
 #include "shells/lv2/HostFeatures.h"
 #include "shells/lv2/HostPosition.h"
+#include "shells/lv2/PadParameters.h"
 #include "shells/lv2/PluginState.h"
 #include "shells/lv2/Urids.h"
 
@@ -17,8 +18,8 @@ namespace marnoth {
 
 /// The numbers of the ports, as the bundle's files tell them.
 enum PluginPort : std::uint32_t {
-    kEventsIn = 0,  ///< MIDI and the host's position
-    kEventsOut = 1,
+    kEventsIn = 0,   ///< MIDI, the host's position, and what it sets of the pads
+    kEventsOut = 1,  ///< what others have changed of the pads
     kFreeWheeling = 2,
     kFirstAudioOut = 3,  ///< the mix's left side, its right side, and where there are more, pad by pad
 };
@@ -51,14 +52,21 @@ private:
     bool prepare();
     void takeEvents(std::int32_t frames);
     void take(std::int32_t frame, const AtomView& event);
+    void takeMidi(std::int32_t frame, std::span<const std::uint8_t> bytes);
+    void takeObject(std::int32_t frame, LV2_URID type, const AtomView& object);
+    void setParameter(std::int32_t frame, LV2_URID property, const AtomView& value);
+    void askedFor(const AtomView& get);
     /// Renders from where the block has come to.
     void renderTo(std::int32_t frame);
     void writeEvents();
+    bool writeParameter(std::size_t index, float value);
 
     Urids urids_;
     HostLog log_;
     LiveHost host_;
     PluginState state_{host_, urids_, log_};
+    PadParameters parameters_;
+    LV2_Atom_Forge forge_{};
     std::span<const int> outputs_;
     double rate_;
     std::uint32_t connectedRate_ = 0;  ///< 0 before the first connection

@@ -4,6 +4,7 @@
 #include <lv2/log/log.h>
 #include <lv2/midi/midi.h>
 #include <lv2/parameters/parameters.h>
+#include <lv2/patch/patch.h>
 #include <lv2/time/time.h>
 
 #include "shells/lv2/Names.h"
@@ -23,9 +24,16 @@ Urids::Urids(const LV2_URID_Map& map) {
     atomPath = of(LV2_ATOM__Path);
     atomResource = of(LV2_ATOM__Resource);
     atomSequence = of(LV2_ATOM__Sequence);
+    atomUrid = of(LV2_ATOM__URID);
     atomBeatTime = of(LV2_ATOM__beatTime);
     logError = of(LV2_LOG__Error);
     midiEvent = of(LV2_MIDI__MidiEvent);
+    patchGet = of(LV2_PATCH__Get);
+    patchSet = of(LV2_PATCH__Set);
+    patchPut = of(LV2_PATCH__Put);
+    patchBody = of(LV2_PATCH__body);
+    patchProperty = of(LV2_PATCH__property);
+    patchValue = of(LV2_PATCH__value);
     sampleRate = of(LV2_PARAMETERS__sampleRate);
     timePosition = of(LV2_TIME__Position);
     timeBar = of(LV2_TIME__bar);

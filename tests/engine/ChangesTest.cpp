@@ -1,5 +1,7 @@
+#include <atomic>
 #include <filesystem>
 #include <functional>
+#include <thread>
 
 #include "engine/EditRig.h"
 
@@ -24,6 +26,34 @@ protected:
 
     EditRig rig;
 };
+
+TEST_F(Changes, OfTheMixAreLostInNoEditThatGoesOnMeanwhile) {
+    IGrooveSampler& engine = rig.engine;
+    for (int grain = 0; grain < 300; ++grain) engine.AddGrain(0, grain % 4, 0, std::int64_t{grain} << 20);
+    std::atomic<bool> ends = false;
+    std::atomic<int> edits = 0;
+    std::thread editor([&] {
+        for (int i = 0; !ends; ++i) {
+            EXPECT_EQ(engine.SetGrainTranspose(0, i % 300, i % 12), S_OK);
+            ++edits;
+        }
+    });
+    int lost = 0;
+    for (int i = 0; i < 1000 || edits < 100; ++i) {
+        const float volume = static_cast<float>(i % 1000) / 1000.0f;
+        const auto mute = static_cast<std::uint32_t>(i % 2);
+        engine.SetPadVolume(0, volume);
+        engine.SetPadMute(0, mute);
+        std::this_thread::yield();
+        lost += rig.get(&IGrooveSampler::GetPadMute, 0) != mute;
+        float heard = -1;
+        engine.GetPadVolume(0, &heard);
+        lost += heard != volume;
+    }
+    ends = true;
+    editor.join();
+    EXPECT_EQ(lost, 0);
+}
 
 TEST_F(Changes, GrowWithWhateverAProjectKeeps) {
     std::int32_t index = 0;

@@ -2,6 +2,7 @@
 
 #include <lv2/atom/forge.h>
 #include <lv2/midi/midi.h>
+#include <lv2/patch/patch.h>
 #include <lv2/time/time.h>
 
 #include <array>
@@ -55,6 +56,27 @@ public:
         lv2_atom_forge_float(&forge_, speed);
         lv2_atom_forge_key(&forge_, world_.urid(LV2_TIME__beatsPerMinute));
         lv2_atom_forge_float(&forge_, tempo);
+        lv2_atom_forge_pop(&forge_, &object);
+    }
+    void set(std::int64_t frame, LV2_URID property, float value) {
+        LV2_Atom_Forge_Frame object;
+        lv2_atom_forge_frame_time(&forge_, frame);
+        lv2_atom_forge_object(&forge_, &object, 0, world_.urid(LV2_PATCH__Set));
+        lv2_atom_forge_key(&forge_, world_.urid(LV2_PATCH__property));
+        lv2_atom_forge_urid(&forge_, property);
+        lv2_atom_forge_key(&forge_, world_.urid(LV2_PATCH__value));
+        lv2_atom_forge_float(&forge_, value);
+        lv2_atom_forge_pop(&forge_, &object);
+    }
+    /// Asks for a property, 0 for all.
+    void get(std::int64_t frame, LV2_URID property) {
+        LV2_Atom_Forge_Frame object;
+        lv2_atom_forge_frame_time(&forge_, frame);
+        lv2_atom_forge_object(&forge_, &object, 0, world_.urid(LV2_PATCH__Get));
+        if (property) {
+            lv2_atom_forge_key(&forge_, world_.urid(LV2_PATCH__property));
+            lv2_atom_forge_urid(&forge_, property);
+        }
         lv2_atom_forge_pop(&forge_, &object);
     }
 

@@ -56,6 +56,7 @@ public:
     void position(std::int64_t frame, std::int64_t hostFrame, float speed, float tempo) {
         in_.position(frame, hostFrame, speed, tempo);
     }
+    EventBuffer& events() { return in_; }
     /// The events as they lie in the buffer.
     std::span<std::uint8_t> eventBytes() { return in_.bytes(); }
 
