@@ -311,6 +311,14 @@ void CommandGrammar::addPlay(Request& request) {
     play->add_option("--tempo", options.tempo, "Beats per minute, in place of the MIDI file's")
         ->check(within(kSlowestTempo, kFastestTempo))
         ->type_name("BPM");
+    play->add_option("--song-tempo", options.songTempo,
+                     "Whether the MIDI file plays in its own tempo; as last time by default")
+        ->check(CLI::IsMember({"yes", "no"}))
+        ->type_name("yes|no");
+    play->add_option("--repeat", options.repeat,
+                     "Whether the MIDI file begins anew where it ends; as last time by default")
+        ->check(CLI::IsMember({"yes", "no"}))
+        ->type_name("yes|no");
     play->add_option("--scale", options.scale,
                      "Size of a pixel, 1 to 8; by the screen's resolution by default")
         ->check(wholeWithin(1, 8))

@@ -1,6 +1,5 @@
 #include "shells/desktop/Desktop.h"
 
-#include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <filesystem>
@@ -26,6 +25,7 @@
 #include "shells/desktop/EndSignals.h"
 #include "shells/desktop/EventLoop.h"
 #include "shells/desktop/FileMenu.h"
+#include "shells/desktop/KeysHelp.h"
 #include "shells/desktop/LiveInstrument.h"
 #include "shells/desktop/Notices.h"
 #include "shells/desktop/PadKeys.h"
@@ -39,6 +39,7 @@
 #include "shells/desktop/StackedPages.h"
 #include "shells/desktop/StatusLine.h"
 #include "shells/desktop/Takes.h"
+#include "shells/desktop/ToldSettings.h"
 #include "shells/desktop/TransportBar.h"
 
 namespace marnoth {
@@ -51,34 +52,9 @@ constexpr std::chrono::seconds kLookPeriod{1};
 /// What a signal adds to in the exit status of a program that it ends.
 constexpr int kEndedBySignal = 128;
 
-constexpr const char* kHelp =
-    "Keys of the pads:\n1 2 3 4\nQ W E R\nA S D F\nZ X C V\n \n"
-    "Space: play, stop\n"
-    "Ctrl+N, Ctrl+O, Ctrl+S: new, open, save\n"
-    "Ctrl+Z, Ctrl+Shift+Z: undo, redo\n"
-    "Of selected grains: arrows walk, + and - transpose, Delete deletes\n \n"
-    "A loop is dragged onto a pad, a project or MIDI file anywhere. The menu at the top left opens and saves "
-    "them. More is in the manual: man marnoth.";
-
 std::filesystem::path programFolder() {
     std::error_code ignored;
     return std::filesystem::read_symlink("/proc/self/exe", ignored).parent_path();
-}
-
-/// What is told at the start wins for this time.
-DesktopSettings withTold(DesktopSettings kept, const DesktopOptions& told) {
-    if (!told.audio.empty()) kept.audio = told.audio;
-    if (!told.wish.midiPort.empty()) kept.midiPort = told.wish.midiPort;
-    if (told.wish.rate != 0) kept.rate = told.wish.rate;
-    if (told.wish.frames != 0) kept.frames = told.wish.frames;
-    if (told.scale != 0) kept.scale = told.scale;
-    return kept;
-}
-
-/// What the user has changed since the start is kept, and not what was told for this time.
-template <class Value>
-void keepChange(Value& kept, const Value& atStart, const Value& now) {
-    if (now != atStart) kept = now;
 }
 
 std::unique_ptr<Font> questionFont(FontSource& fonts) {
@@ -184,7 +160,6 @@ private:
     void keepSettings();
     void openFiles(const std::vector<std::string>& files);
     void openPages();
-    bool takeFiles(std::span<const std::string> paths);
     void useKey(int key, Modifiers held, bool down);
     void lookAtAudio(EventLoop::Time now);
     void lookAtProject(EventLoop::Time now);
@@ -236,13 +211,7 @@ void Desktop::takeSettings() {
 
 void Desktop::keepSettings() {
     settings_.loopBars = bar_.loopBars();
-    const DesktopSettings& audio = audio_.settings();
-    keepChange(settings_.audio, atStart_.audio, audio.audio);
-    keepChange(settings_.midiPort, atStart_.midiPort, audio.midiPort);
-    keepChange(settings_.rate, atStart_.rate, audio.rate);
-    keepChange(settings_.frames, atStart_.frames, audio.frames);
-    keepChange(settings_.transport, atStart_.transport, audio.transport);
-    keepChange(settings_.scale, atStart_.scale, audio.scale);
+    keepChanges(settings_, atStart_, audio_.settings());
     notices_.warn(settingsFile_.write(settings_));
 }
 
@@ -250,7 +219,6 @@ void Desktop::openFiles(const std::vector<std::string>& files) {
     IGrooveSampler& sampler = instrument_.sampler();
     setLenientFiles(sampler, true);
     std::int32_t pad = 0;
-    bool hasProject = false;
     for (const std::string& file : files) {
         if (isSong(file)) {
             song_.open(file);
@@ -258,13 +226,13 @@ void Desktop::openFiles(const std::vector<std::string>& files) {
         } else if (isProject(file)) {
             loadProjectFile(sampler, file);
             projects_.opened(file);
-            hasProject = true;
         } else if (pad < kPads) {
             loadLoopFile(sampler, pad++, file);
         }
     }
     // What was asked for by name can be asked for again: nothing is lost with it.
-    if (!hasProject) projects_.project().holds({});
+    projects_.project().settle();
+    if (options_.repeatsSong) song_.repeat(*options_.repeatsSong);
 }
 
 void Desktop::openPages() {
@@ -272,12 +240,12 @@ void Desktop::openPages() {
     pages_.setUpper(&bar_);
     pages_.setLower(&page_);
     pages_.setFoot(&status_);
-    pages_.takeFiles([this](std::span<const std::string> paths) { return takeFiles(paths); });
+    pages_.takeFiles([this](std::span<const std::string> paths) { return menu_.take(paths); });
     status_.onPressed([this] { notices_.dismiss(); });
     window_.onClose([this] { close(); });
     window_.onUnusedKey([this](int key, Modifiers held, bool down) { useKey(key, held, down); });
     page_.setRootScale(RootScale::ofLoops);
-    window_.onHelp([this] { window_.askMessage(kHelp, MessageKind::note, [](PageAnswer) {}); });
+    window_.onHelp([this] { window_.askMessage(kKeysHelp, MessageKind::note, [](PageAnswer) {}); });
     const std::array<IUnknown*, 1> objects{&instrument_.sampler()};
     page_.bind(objects);
     page_.open();
@@ -286,21 +254,6 @@ void Desktop::openPages() {
     loop_.watch(window_.descriptor(), [] {});
     loop_.watch(signals_.descriptor(), [] {});
     recovery_.offer([this] { page_.RefreshAll(); });
-}
-
-/// Projects and MIDI files; loops are the page's.
-bool Desktop::takeFiles(std::span<const std::string> paths) {
-    const auto isOurs = [](const std::string& path) { return isSong(path) || isProject(path); };
-    const auto found = std::ranges::find_if(paths, isOurs);
-    if (found == paths.end()) return false;
-    for (const std::string& path : paths)
-        if (isSong(path)) menu_.open(path);
-    // A project comes last: it may ask about the one that is open.
-    if (const auto project = std::ranges::find_if(
-            paths, [](const std::string& path) { return !isSong(path) && isProject(path); });
-        project != paths.end())
-        menu_.open(*project);
-    return true;
 }
 
 /// "JACK, 48000 Hz".
@@ -375,6 +328,8 @@ void Desktop::record(bool on) try {
 }
 
 void Desktop::endTake() {
+    // One that couldn't begin has been told.
+    if (!instrument_.recorder().isRecording() && !instrument_.recorder().hasFailed()) return;
     if (const std::string failure = instrument_.recorder().stop(); !failure.empty())
         return notices_.warn(failure);
     tell("The take is in " + shortName(take_) + ".");

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "shellkit/files/Failure.h"
+#include "shellkit/files/ProjectFiles.h"
 #include "shellkit/text/InstrumentText.h"
 
 namespace marnoth {
@@ -82,7 +83,7 @@ void FileMenu::choose(int id) {
             settings_.songTempo = !song_.followsTempo();
             return song_.followTempo(settings_.songTempo);
         case kSongRepeats:
-            settings_.songRepeats = !song_.repeats();
+            repeatsOthers_ = settings_.songRepeats = !song_.repeats();
             return song_.repeat(settings_.songRepeats);
         case kHelp:
             return window_.showHelp();
@@ -121,6 +122,16 @@ void FileMenu::open(const std::string& file) {
         projects_.open(file);
 }
 
+bool FileMenu::take(std::span<const std::string> files) {
+    const auto song = std::ranges::find_if(files, isSong);
+    const auto project =
+        std::ranges::find_if(files, [](const std::string& file) { return !isSong(file) && isProject(file); });
+    if (song != files.end()) openSong(*song);
+    // This may ask about the one that is open, and comes last.
+    if (project != files.end()) projects_.open(*project);
+    return song != files.end() || project != files.end();
+}
+
 void FileMenu::openRecent(std::size_t place) {
     if (place >= settings_.recent.size()) return;
     const std::string file = settings_.recent[place];
@@ -136,18 +147,21 @@ void FileMenu::openDemo() {
 
 void FileMenu::openSong(const std::string& file) try {
     song_.open(file);
-    song_.repeat(settings_.songRepeats);
-    songIsDemos_ = false;
+    leaveDemo();
     remember(file);
 } catch (const FileFailure& failure) {
     notices_.warn(failure.what() + std::string("."));
 }
 
+void FileMenu::leaveDemo() {
+    if (std::exchange(songIsDemos_, false)) song_.repeat(repeatsOthers_);
+}
+
 void FileMenu::projectChanged(ProjectChange change, const std::string& path) {
-    const bool isDemo = demo_ && path == demo_->project;
+    const bool isDemo = demo_ && path == demo_->project && change == ProjectChange::loaded;
     // The music of the demo would play on with whatever comes next.
     if (change == ProjectChange::begun || (change == ProjectChange::loaded && songIsDemos_)) song_.close();
-    if (change != ProjectChange::saved) songIsDemos_ = false;
+    if (change != ProjectChange::saved) leaveDemo();
     if (isDemo)
         playDemo();
     else if (!path.empty())
@@ -156,8 +170,9 @@ void FileMenu::projectChanged(ProjectChange change, const std::string& path) {
 
 void FileMenu::playDemo() try {
     song_.open(demo_->song);
-    song_.repeat(true);
     songIsDemos_ = true;
+    repeatsOthers_ = song_.repeats();
+    song_.repeat(true);
 } catch (const FileFailure& failure) {
     notices_.warn(failure.what() + std::string("."));
 }

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -29,6 +30,8 @@ public:
 
     /// By what the file is; what can't be opened is told, and costs nothing of what is open.
     void open(const std::string& file);
+    /// Files that are dropped on the window: MIDI files and a project. False when there are none among them.
+    bool take(std::span<const std::string> files);
     /// Both of its files.
     void openDemo();
     /// For `ProjectCommands::onChange`.
@@ -54,6 +57,7 @@ private:
     void openSong(const std::string& file);
     void openRecent(std::size_t place);
     void playDemo();
+    void leaveDemo();
 
     PageWindow& window_;
     ProjectCommands& projects_;
@@ -62,6 +66,7 @@ private:
     Notices& notices_;
     const std::optional<DemoFiles> demo_;
     bool songIsDemos_ = false;
+    bool repeatsOthers_ = false;  ///< what MIDI files do but for the demo's, which repeats
 };
 
 }  // namespace marnoth

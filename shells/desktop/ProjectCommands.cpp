@@ -18,6 +18,11 @@ bool exists(const std::string& file) {
     return std::filesystem::exists(pathFromUtf8(file), ignored);
 }
 
+bool isSame(const std::string& file, const std::string& other) {
+    std::error_code error;
+    return std::filesystem::equivalent(pathFromUtf8(file), pathFromUtf8(other), error);
+}
+
 std::string nameOf(const std::string& file) {
     return utf8FromPath(pathFromUtf8(file).filename());
 }
@@ -37,14 +42,15 @@ ProjectCommands::ProjectCommands(IGrooveSampler& sampler, PageWindow& window, CG
 
 void ProjectCommands::holds(const std::string& path, ProjectChange change) {
     const bool wasSaved = change == ProjectChange::saved;
-    if (path == copy_.first && !wasSaved)
+    const bool isCopy = !wasSaved && isSame(path, copy_.first);
+    if (isCopy)
         project_.holdsCopy(copy_.second);
     else if (savedName(path) != path && !wasSaved)
         // Saving it would make another file.
         project_.holdsCopy(nameOf(path));
     else
         project_.holds(wasSaved ? savedName(path) : path);
-    listener_(change, path);
+    listener_(change, isCopy ? copy_.first : path);
 }
 
 void ProjectCommands::begin() {

@@ -26,7 +26,7 @@ public:
 
     OpenProject& project() { return project_; }
     /// Called whenever the project that is open is another, or has been saved. `path` is empty for one that
-    /// is new.
+    /// is new, and what `openAsCopy` was told for the file that it is.
     using Listener = std::function<void(ProjectChange change, const std::string& path)>;
     void onChange(Listener listener) { listener_ = std::move(listener); }
     /// What is in this file is opened as a copy that is called `name`, and never saved there.

@@ -1,4 +1,6 @@
 #include <iostream>
+#include <optional>
+#include <string>
 
 #include "platform/files/Leftover.h"
 #include "shells/cli/CommandLine.h"
@@ -15,11 +17,18 @@ using namespace marnoth;
 constexpr std::nullptr_t kPlay = nullptr;
 constexpr std::nullptr_t kListSound = nullptr;
 #else
+/// Nothing for what isn't told.
+std::optional<bool> answerOf(const std::string& told) {
+    return told.empty() ? std::nullopt : std::optional(told == "yes");
+}
+
 int kPlay(const PlayOptions& told, const Streams& streams) {
     DesktopOptions options;
     options.files = told.files;
     options.audio = told.audio;
     options.tempo = told.tempo;
+    options.songTempo = answerOf(told.songTempo);
+    options.repeatsSong = answerOf(told.repeat);
     options.scale = told.scale;
     options.verbose = told.verbose;
     options.wish = {{}, told.midi, told.rate, told.block};

@@ -35,21 +35,29 @@ TEST(PlayCommand, WithoutArgumentsTheProgramPlays) {
 }
 
 TEST(PlayCommand, HandsOnWhatItIsTold) {
-    const PlayRun run({"play", "a.mrn", "b.mid", "--audio", "jack", "--midi", "keys", "--rate", "48000",
-                       "--block", "64", "--tempo", "97.5", "--scale", "2", "--verbose"});
+    const PlayRun run({"play",   "a.mrn",    "b.mid",   "--audio", "jack",    "--midi",   "keys",
+                       "--rate", "48000",    "--block", "64",      "--tempo", "97.5",     "--song-tempo",
+                       "no",     "--repeat", "yes",     "--scale", "2",       "--verbose"});
     EXPECT_EQ(run.options.files, (std::vector<std::string>{"a.mrn", "b.mid"}));
     EXPECT_EQ(run.options.audio, "jack");
     EXPECT_EQ(run.options.midi, "keys");
     EXPECT_EQ(run.options.rate, 48000u);
     EXPECT_EQ(run.options.block, 64);
     EXPECT_EQ(run.options.tempo, 97.5);
+    EXPECT_EQ(run.options.songTempo, "no");
+    EXPECT_EQ(run.options.repeat, "yes");
     EXPECT_EQ(run.options.scale, 2);
     EXPECT_TRUE(run.options.verbose);
 }
 
 TEST(PlayCommand, RefusesNumbersThatCantBe) {
-    for (const std::vector<std::string>& wrong : std::vector<std::vector<std::string>>{
-             {"--scale", "9"}, {"--tempo", "0"}, {"--block", "0"}, {"--rate", "5"}, {"--rate", "fast"}}) {
+    for (const std::vector<std::string>& wrong :
+         std::vector<std::vector<std::string>>{{"--scale", "9"},
+                                               {"--tempo", "0"},
+                                               {"--block", "0"},
+                                               {"--rate", "5"},
+                                               {"--rate", "fast"},
+                                               {"--repeat", "often"}}) {
         const PlayRun run({"play", wrong[0], wrong[1]});
         EXPECT_EQ(run.played, 0);
         EXPECT_EQ(run.status, 2);
