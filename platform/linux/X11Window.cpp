@@ -3,14 +3,13 @@
 #include <algorithm>
 #include <utility>
 
-#include "platform/drawing/FileChooser.h"
 #include "platform/drawing/Font.h"
 #include "platform/linux/X11WindowParts.h"
 
 namespace marnoth {
 
 X11Window::X11Window(const Setup& setup, FontSource& fonts, QuestionView& questions, FileChooser& files)
-    : parts_(std::make_unique<Parts>(setup, fonts, questions, files)) {}
+    : parts_(std::make_unique<Parts>(setup, *this, fonts, questions, files)) {}
 
 X11Window::~X11Window() = default;
 
@@ -52,7 +51,7 @@ bool X11Window::isGone() const {
 }
 
 bool X11Window::isAsking() const {
-    return static_cast<bool>(parts_->asked);
+    return parts_->isAsking();
 }
 
 int X11Window::descriptor() const {
@@ -139,19 +138,11 @@ void X11Window::askMenu(Point at, std::span<const MenuItem> items, std::function
 
 void X11Window::askFile(std::string_view filter, FileKind kind,
                         std::function<void(std::optional<std::string>)> then) {
-    parts_->choosesFile = true;
-    // Nothing else of the page answers meanwhile.
-    parts_->asked = [](int) {};
-    parts_->files.ask(filter, kind, parts_->window,
-                      [this, then = std::move(then)](std::optional<std::string> file) {
-                          parts_->choosesFile = false;
-                          parts_->closeQuestion();
-                          then(std::move(file));
-                      });
+    parts_->chooseFile({std::string(filter), kind, {}}, std::move(then));
 }
 
 void X11Window::cancelQuestion() {
-    if (parts_->asked) parts_->closeQuestion();
+    parts_->closeQuestion();
 }
 
 void X11Window::readClipboard(std::function<void(std::string)> then) {

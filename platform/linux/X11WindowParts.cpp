@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "platform/drawing/FileChooser.h"
 #include "platform/drawing/RasterSurface.h"
 
 namespace marnoth {
@@ -41,7 +40,8 @@ Modifiers heldOf(unsigned state) {
 
 }  // namespace
 
-X11Window::Parts::Parts(const Setup& setup, FontSource& fontSource, QuestionView& view, FileChooser& chooser)
+X11Window::Parts::Parts(const Setup& setup, PageWindow& whole, FontSource& fontSource, QuestionView& view,
+                        FileChooser& chooser)
     : fonts(fontSource),
       questions(view),
       files(chooser),
@@ -54,11 +54,13 @@ X11Window::Parts::Parts(const Setup& setup, FontSource& fontSource, QuestionView
       clipboard(display, window),
       drop(
           display, window, [this] { return listener(); }, [this](Point at) { return toPage(at); }),
-      shown(setup.width, setup.height) {
+      shown(setup.width, setup.height),
+      whole_(whole) {
     if (!isEmbedded) manners.emplace(display, window, setup.title).setIcon(setup.icon);
 }
 
 X11Window::Parts::~Parts() {
+    closeQuestion();
     if (!isGone()) XDestroyWindow(display.get(), window);
 }
 
@@ -98,7 +100,9 @@ void X11Window::Parts::tick(Time now) {
     if (period.count() <= 0 || now < nextTick) return;
     // A tick that was missed isn't made up for.
     nextTick = std::max(nextTick + period, now);
-    if (PageEvents* const told = listener()) told->timer();
+    tellDialog([](PageOverlay& dialog) { dialog.timer(); });
+    // Behind a question everything goes on.
+    if (page) page->timer();
 }
 
 void X11Window::Parts::paint() {
@@ -108,11 +112,13 @@ void X11Window::Parts::paint() {
 
 void X11Window::Parts::showArea(const Rect& area) {
     if (isGone()) return;
-    const Rect covered = intersection(area, questions.isOpen() ? questions.place() : Rect{});
-    if (covered.isEmpty()) return screen.show(shown, area);
+    const bool underDialog = dialog_ && meet(area, dialog_->place());
+    const bool underQuestion = questions.isOpen() && meet(area, questions.place());
+    if (!underDialog && !underQuestion) return screen.show(shown, area);
     Bitmap above = shown;
     RasterSurface surface(above);
-    questions.paint(surface);
+    if (underDialog) dialog_->paint(surface);
+    if (underQuestion) questions.paint(surface);
     screen.show(above, area);
 }
 
@@ -160,14 +166,27 @@ void X11Window::Parts::handle(XEvent& event) {
 }
 
 void X11Window::Parts::tellQuestion(const std::function<std::optional<int>()>& event) {
-    // A dialog of files has the user's input itself.
-    if (!questions.isOpen()) return;
     const std::optional<int> answer = event();
     showArea(questions.place());
     if (!answer) return;
     const auto then = asked;
-    closeQuestion();
+    endMessage();
     then(*answer);
+}
+
+void X11Window::Parts::tellDialog(const std::function<void(PageOverlay&)>& event) {
+    if (!dialog_) return;
+    event(*dialog_);
+    // It may be gone now.
+    if (dialog_) showArea(dialog_->place());
+}
+
+void X11Window::Parts::pressedOnDialog(PageOverlay& dialog, const XButtonEvent& event) {
+    const Point at = toPage({event.x, event.y});
+    if (event.button == kUp || event.button == kDown) return dialog.wheel(at, event.button == kUp ? 1 : -1);
+    if (event.button != kLeft) return;
+    if (clicks_.isDouble({event.x, event.y}, event.time)) return dialog.doubleClick(at);
+    dialog.leftDown(at);
 }
 
 void X11Window::Parts::pressed(const XButtonEvent& event) {
@@ -178,6 +197,7 @@ void X11Window::Parts::pressed(const XButtonEvent& event) {
         if (event.button == kLeft) tellQuestion([&] { return questions.leftDown(at); });
         return;
     }
+    if (chosen_) return tellDialog([&](PageOverlay& dialog) { pressedOnDialog(dialog, event); });
     if (!page) return;
     switch (event.button) {
         case kLeft:
@@ -200,9 +220,10 @@ void X11Window::Parts::pressed(const XButtonEvent& event) {
 
 void X11Window::Parts::released(const XButtonEvent& event) {
     const Point at = toPage({event.x, event.y});
-    if (asked) {
-        if (event.button == kLeft) tellQuestion([&] { return questions.leftUp(at); });
-        return;
+    if (isAsking()) {
+        if (event.button != kLeft) return;
+        return asked ? tellQuestion([&] { return questions.leftUp(at); })
+                     : tellDialog([&](PageOverlay& dialog) { dialog.leftUp(at); });
     }
     if (!page) return;
     if (event.button == kLeft) page->leftUp(at, heldOf(event.state));
@@ -216,6 +237,7 @@ void X11Window::Parts::moved(const XMotionEvent& event) {
             questions.mouseMove(at);
             return std::nullopt;
         });
+    if (chosen_) return tellDialog([&](PageOverlay& dialog) { dialog.mouseMove(at); });
     if (!pointer.isRelative()) {
         if (page) page->mouseMove(at, heldOf(event.state));
         return;
@@ -233,11 +255,23 @@ void X11Window::Parts::keyPressed(XKeyEvent& event) {
     Modifiers held = heldOf(event.state);
     held.shift = held.shift || key == kKeyShift;
     held.control = held.control || key == kKeyControl;
-    if (asked) return tellQuestion([&] { return questions.keyDown(key, held); });
+    if (isAsking()) return keyPressedAsking(key, characters, held);
     const bool isUsed = page && page->keyDown(key, held);
     if (!isUsed && useKey) return useKey(key, held, true);
     for (const char32_t character : characters)
         if (PageEvents* const told = listener()) told->character(character, held);
+}
+
+void X11Window::Parts::keyPressedAsking(int key, const std::u32string& characters, Modifiers held) {
+    if (asked) return tellQuestion([&] { return questions.keyDown(key, held); });
+    if (!dialog_ && key == kKeyEscape) {
+        // A dialog of another program that doesn't show itself holds nobody back.
+        files.cancel();
+        return answerFile({});
+    }
+    tellDialog([&](PageOverlay& dialog) { dialog.keyDown(key, held); });
+    for (const char32_t character : characters)
+        tellDialog([&](PageOverlay& dialog) { dialog.character(character); });
 }
 
 void X11Window::Parts::keyReleased(XKeyEvent& event) {
@@ -286,13 +320,34 @@ void X11Window::Parts::ask(const ShownQuestion& question, std::function<void(int
     showArea(questions.place());
 }
 
-void X11Window::Parts::closeQuestion() {
-    if (std::exchange(choosesFile, false)) files.cancel();
+void X11Window::Parts::chooseFile(const FileQuestion& question,
+                                  std::function<void(std::optional<std::string>)> then) {
+    chosen_ = std::move(then);
+    files.ask(question, *this, [this](FileAnswer answer) { answerFile(std::move(answer.file)); });
+}
+
+void X11Window::Parts::answerFile(std::optional<std::string> file) {
+    if (const auto then = std::exchange(chosen_, {})) then(std::move(file));
+}
+
+void X11Window::Parts::showOver(PageOverlay* dialog) {
+    const Rect before = dialog_ ? dialog_->place() : Rect{};
+    dialog_ = dialog;
+    pointer.show(PageCursor::arrow);
+    showArea(dialog ? dialog->place() : before);
+}
+
+void X11Window::Parts::endMessage() {
     asked = {};
     capture(false);
     const Rect place = questions.place();
     questions.close();
     showArea(place);
+}
+
+void X11Window::Parts::closeQuestion() {
+    if (asked) endMessage();
+    if (std::exchange(chosen_, {})) files.cancel();
 }
 
 }  // namespace marnoth

@@ -3,8 +3,10 @@
 #include <chrono>
 #include <functional>
 #include <optional>
+#include <string>
 
 #include "platform/drawing/Bitmap.h"
+#include "platform/drawing/FileChooser.h"
 #include "platform/drawing/FocusPatience.h"
 #include "platform/drawing/QuestionView.h"
 #include "platform/linux/ClickCounter.h"
@@ -21,16 +23,18 @@ namespace marnoth {
 
 /// The window as the display knows it: takes what comes from there, and hands it to the page or, while one is
 /// open, to the question over it. What the page asks of the window works on its members. The window's thread.
-class X11Window::Parts {
+class X11Window::Parts final : public AskingWindow {
 public:
-    Parts(const Setup& setup, FontSource& fontSource, QuestionView& view, FileChooser& chooser);
-    ~Parts();
+    Parts(const Setup& setup, PageWindow& whole, FontSource& fontSource, QuestionView& view,
+          FileChooser& chooser);
+    ~Parts() override;
     Parts(const Parts&) = delete;
     Parts& operator=(const Parts&) = delete;
 
     bool isGone() const { return destroyed_ || display.isLost(); }
+    bool isAsking() const { return asked || chosen_; }
     /// Null while a question is open: nothing reaches the page then.
-    PageEvents* listener() const { return asked ? nullptr : page; }
+    PageEvents* listener() const { return isAsking() ? nullptr : page; }
     /// From pixels of the window to those of the page.
     Point toPage(Point at) const;
     Rect toScreen(const Rect& area) const {
@@ -44,9 +48,16 @@ public:
     void capture(bool on);
     /// `then` gets what `QuestionView` answers.
     void ask(const ShownQuestion& question, std::function<void(int)> then);
+    void chooseFile(const FileQuestion& question, std::function<void(std::optional<std::string>)> then);
     /// Without an answer.
     void closeQuestion();
     void wantFocus(bool wanted);
+
+    // AskingWindow.
+    unsigned long id() const override { return window; }
+    Rect room() const override { return shown.bounds(); }
+    void showOver(PageOverlay* dialog) override;
+    PageWindow& clipboardWindow() override { return whole_; }
 
     X11Display display;
     FontSource& fonts;
@@ -71,7 +82,6 @@ public:
     std::chrono::milliseconds period{0};
     Time nextTick;
     bool paintWanted = false;
-    bool choosesFile = false;
 
 private:
     void handle(XEvent& event);
@@ -86,6 +96,17 @@ private:
     void paint();
     /// Hands something that the user does to the open question, and takes the answer.
     void tellQuestion(const std::function<std::optional<int>()>& event);
+    /// Hands something that the user does to the dialog over the page, if one lies there.
+    void tellDialog(const std::function<void(PageOverlay&)>& event);
+    /// A press of a button of the mouse, the wheel's too, on the dialog.
+    void pressedOnDialog(PageOverlay& dialog, const XButtonEvent& event);
+    void keyPressedAsking(int key, const std::u32string& characters, Modifiers held);
+    void answerFile(std::optional<std::string> file);
+    void endMessage();
+
+    PageWindow& whole_;
+    std::function<void(std::optional<std::string>)> chosen_;  ///< while a file is asked for
+    PageOverlay* dialog_ = nullptr;                           ///< over the page
 
     ClickCounter clicks_;
     FocusPatience patience_;

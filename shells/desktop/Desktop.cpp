@@ -21,7 +21,7 @@
 #include "shellkit/text/InstrumentText.h"
 #include "shells/desktop/DemoFiles.h"
 #include "shells/desktop/DesktopAudio.h"
-#include "shells/desktop/DialogPrograms.h"
+#include "shells/desktop/DesktopDialogs.h"
 #include "shells/desktop/EndSignals.h"
 #include "shells/desktop/EventLoop.h"
 #include "shells/desktop/FileMenu.h"
@@ -29,7 +29,7 @@
 #include "shells/desktop/LiveInstrument.h"
 #include "shells/desktop/Notices.h"
 #include "shells/desktop/PadKeys.h"
-#include "shells/desktop/ProgramChooser.h"
+#include "shells/desktop/Preview.h"
 #include "shells/desktop/ProgramIcon.h"
 #include "shells/desktop/ProjectCommands.h"
 #include "shells/desktop/ProjectRecovery.h"
@@ -64,17 +64,11 @@ std::unique_ptr<Font> questionFont(FontSource& fonts) {
     return font;
 }
 
-std::string searchPath() {
-    const char* const path = std::getenv("PATH");
-    return path ? path : "";
-}
-
 /// The whole program while its window is open.
 class Desktop final : public TransportBarHost {
 public:
     Desktop(const DesktopOptions& told, std::ostream& errors)
         : options_(told),
-          chooser_(loop_, findDialogProgram(searchPath()), [this](const std::string& why) { tell(why); }),
           questionFont_(questionFont(*fonts_)),
           questions_(*questionFont_),
           window_({.scale = atStart_.scale,
@@ -83,9 +77,9 @@ public:
                    .title = "Marnoth",
                    .cursors = skinCursor,
                    .icon = programIcon()},
-                  *fonts_, questions_, chooser_),
+                  *fonts_, questions_, dialogs_.chooser()),
           audio_(
-              audioSystems(), atStart_, !told.audio.empty(), instrument_,
+              audioSystems(), atStart_, !told.audio.empty(), preview_,
               [this](const std::string& what) { tell(what); }, errors),
           pages_(window_, kPageWidth, TransportBar::kHeight, kPageHeight, StatusLine::kHeight),
           bar_(pages_.upperWindow(), *this),
@@ -179,8 +173,9 @@ private:
     LiveInstrument instrument_;
     EventLoop loop_;
     std::unique_ptr<FontSource> fonts_ = platformFonts();
-    ProgramChooser chooser_;
     std::unique_ptr<Font> questionFont_;
+    Preview preview_{instrument_, instrument_.master()};
+    DesktopDialogs dialogs_{loop_, *questionFont_, preview_};
     QuestionBox questions_;
     X11Window window_;
     DesktopAudio audio_;

@@ -4,53 +4,48 @@
 
 #include <sstream>
 
+#include "shellkit/page/FileFilter.h"
+
 namespace marnoth {
 
 namespace {
 
-struct Filter {
-    std::string name;      ///< "Audio files (*.wav)"
-    std::string patterns;  ///< "*.wav", several with blanks between
-};
-
-Filter parsed(std::string_view text) {
-    Filter filter;
-    const std::size_t bar = text.find('|');
-    filter.name = text.substr(0, bar);
-    if (bar == text.npos) return filter;
-    const std::string_view rest = text.substr(bar + 1);
-    filter.patterns = rest.substr(0, rest.find('|'));
-    for (char& c : filter.patterns)
-        if (c == ';') c = ' ';
-    return filter;
+std::string patternsOf(const FileFilter& filter) {
+    std::string patterns;
+    for (const std::string& pattern : filter.patterns) patterns += (patterns.empty() ? "" : " ") + pattern;
+    return patterns;
 }
 
-std::vector<std::string> zenity(const Filter& filter, FileKind kind, unsigned long window) {
+std::vector<std::string> zenity(const FileQuestion& question, unsigned long window) {
+    const FileFilter filter(question.filter);
     std::vector<std::string> words{"zenity",
                                    "--file-selection",
                                    "--modal",
                                    "--attach=" + std::to_string(window),
-                                   "--file-filter=" + filter.name + " | " + filter.patterns,
+                                   "--file-filter=" + filter.name + " | " + patternsOf(filter),
                                    "--file-filter=* | *"};
-    if (kind == FileKind::save) words.insert(words.end(), {"--save", "--confirm-overwrite"});
+    // With the slash it is a folder, not a name in the one above.
+    if (!question.folder.empty()) words.push_back("--filename=" + question.folder + "/");
+    if (question.kind == FileKind::save) words.insert(words.end(), {"--save", "--confirm-overwrite"});
     return words;
 }
 
-std::vector<std::string> kdialog(const Filter& filter, FileKind kind, unsigned long window) {
+std::vector<std::string> kdialog(const FileQuestion& question, unsigned long window) {
+    const FileFilter filter(question.filter);
     return {"kdialog",
             "--attach",
             std::to_string(window),
-            kind == FileKind::save ? "--getsavefilename" : "--getopenfilename",
-            ".",
-            filter.name + " (" + filter.patterns + ")"};
+            question.kind == FileKind::save ? "--getsavefilename" : "--getopenfilename",
+            question.folder.empty() ? "." : question.folder + "/",
+            filter.name + " (" + patternsOf(filter) + ")"};
 }
 
 }  // namespace
 
-std::vector<std::string> dialogCommand(std::string_view program, std::string_view filter, FileKind kind,
+std::vector<std::string> dialogCommand(std::string_view program, const FileQuestion& question,
                                        unsigned long window) {
-    if (program.ends_with("zenity")) return zenity(parsed(filter), kind, window);
-    if (program.ends_with("kdialog")) return kdialog(parsed(filter), kind, window);
+    if (program.ends_with("zenity")) return zenity(question, window);
+    if (program.ends_with("kdialog")) return kdialog(question, window);
     return {};
 }
 

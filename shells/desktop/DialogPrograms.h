@@ -1,7 +1,5 @@
 #pragma once
 
-#include <functional>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -10,9 +8,9 @@
 
 namespace marnoth {
 
-/// The command that shows a dialog of files by zenity or kdialog: words, the program first. `filter` is "Name
-/// (*.ext)|*.ext||"; `window` the number of the window to stand before. Empty for other programs.
-std::vector<std::string> dialogCommand(std::string_view program, std::string_view filter, FileKind kind,
+/// The command that shows a dialog of files by zenity or kdialog: words, the program first. `window` is the
+/// number of the window to stand before. Empty for other programs.
+std::vector<std::string> dialogCommand(std::string_view program, const FileQuestion& question,
                                        unsigned long window);
 
 /// The first of zenity and kdialog in the search path `path`; empty without one.

@@ -19,17 +19,47 @@ int millisecondsTo(std::optional<EventLoop::Time> deadline) {
 
 }  // namespace
 
+void EventLoop::watchWriting(int descriptor, bool on) {
+    if (const auto found = watched_.find(descriptor); found != watched_.end()) found->second.writing = on;
+}
+
+int EventLoop::after(std::chrono::milliseconds delay, std::function<void()> then) {
+    timers_[++lastTimer_] = {Time::clock::now() + delay, std::move(then)};
+    return lastTimer_;
+}
+
+std::optional<EventLoop::Time> EventLoop::firstOf(std::optional<Time> deadline) const {
+    for (const auto& [number, timer] : timers_)
+        if (!deadline || timer.when < *deadline) deadline = timer.when;
+    return deadline;
+}
+
+void EventLoop::callTimers() {
+    const Time now = Time::clock::now();
+    std::vector<int> due;
+    for (const auto& [number, timer] : timers_)
+        if (timer.when <= now) due.push_back(number);
+    for (const int number : due) {
+        // Who was called before may have stopped it.
+        auto timer = timers_.extract(number);
+        if (timer) timer.mapped().then();
+    }
+}
+
 void EventLoop::wait(std::optional<Time> deadline) {
     std::vector<pollfd> asked;
-    for (const auto& [descriptor, ready] : watched_) asked.push_back({descriptor, POLLIN, 0});
-    if (poll(asked.data(), asked.size(), millisecondsTo(deadline)) <= 0) return;
+    for (const auto& [descriptor, watched] : watched_)
+        asked.push_back({descriptor, static_cast<short>(watched.writing ? POLLIN | POLLOUT : POLLIN), 0});
+    const int ready = poll(asked.data(), asked.size(), millisecondsTo(firstOf(deadline)));
+    callTimers();
+    if (ready <= 0) return;
     for (const pollfd& one : asked) {
         if (one.revents == 0) continue;
         // Who was called before may have ended what this one was for.
         const auto found = watched_.find(one.fd);
         if (found == watched_.end()) continue;
-        const std::function<void()> ready = found->second;
-        ready();
+        const std::function<void()> call = found->second.ready;
+        call();
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include <sys/types.h>
 
+#include <chrono>
 #include <functional>
 #include <string>
 #include <vector>
@@ -15,31 +16,34 @@ namespace marnoth {
 /// loop's thread.
 class ProgramChooser final : public FileChooser {
 public:
-    /// What is told when nobody can be asked: a sentence for the user.
-    using Tell = std::function<void(const std::string&)>;
+    /// A dialog that was closed sooner than a user can is one that didn't come up.
+    static constexpr std::chrono::milliseconds kQuickestUser{250};
 
     /// `loop` outlives it. `program` is the program's path; empty without one.
-    ProgramChooser(EventLoop& loop, std::string program, Tell tell)
-        : loop_(loop), program_(std::move(program)), tell_(std::move(tell)) {}
+    ProgramChooser(EventLoop& loop, std::string program) : loop_(loop), program_(std::move(program)) {}
     ~ProgramChooser() override { cancel(); }
 
-    void ask(std::string_view filter, FileKind kind, unsigned long window,
-             std::function<void(std::optional<std::string>)> then) override;
+    void ask(const FileQuestion& question, AskingWindow& window,
+             std::function<void(FileAnswer)> then) override;
     void cancel() override;
 
 private:
     bool start(std::vector<std::string> command);
-    void read();
-    /// Ends the program, if one runs, and reaps it. True when it ended well by itself.
-    bool end();
+    /// Takes what the program has written; false when there is no more.
+    bool read();
+    void ended();
+    /// Ends the program, if one runs, and reaps it. Gives how it ended.
+    int end();
+    FileAnswer answerOf(int status) const;
 
     EventLoop& loop_;
     const std::string program_;
-    const Tell tell_;
     pid_t child_ = 0;
-    int pipe_ = -1;
+    int process_ = -1;  ///< readable when the program has ended
+    int pipe_ = -1;     ///< what it writes
+    EventLoop::Time begin_;
     std::string answer_;
-    std::function<void(std::optional<std::string>)> then_;
+    std::function<void(FileAnswer)> then_;
 };
 
 }  // namespace marnoth

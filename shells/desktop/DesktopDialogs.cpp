@@ -1,0 +1,31 @@
+#include "shells/desktop/DesktopDialogs.h"
+
+#include <cstdlib>
+
+#include "shellkit/text/InstrumentText.h"
+#include "shells/desktop/DialogPrograms.h"
+
+namespace marnoth {
+
+namespace {
+
+std::string programPath() {
+    const char* const path = std::getenv("PATH");
+    return path ? path : "";
+}
+
+}  // namespace
+
+DesktopDialogs::DesktopDialogs(EventLoop& loop, Font& font, FileListener& listener)
+    : portal_(loop),
+      program_(loop, findDialogProgram(programPath())),
+      page_(font, &listener, [this] { return chosenFrom(); }) {}
+
+std::vector<FilePlace> DesktopDialogs::chosenFrom() const {
+    std::vector<FilePlace> places;
+    for (const auto& [filter, folder] : chain_.folders)
+        if (!folder.empty()) places.push_back({utf8FromPath(pathFromUtf8(folder).filename()), folder});
+    return places;
+}
+
+}  // namespace marnoth
