@@ -1,6 +1,7 @@
 #include "platform/linux/X11Keyboard.h"
 
 #include <string_view>
+#include <utility>
 
 #include "platform/linux/X11Keys.h"
 #include "platform/text/Text.h"
@@ -24,18 +25,57 @@ bool isPrintable(char32_t character) {
 
 }  // namespace
 
-X11Keyboard::X11Keyboard(X11Display& display, ::Window window)
-    : display_(display), method_(XOpenIM(display.get(), nullptr, nullptr, nullptr)) {
+X11Keyboard::X11Keyboard(X11Display& display, ::Window window) : display_(display), window_(window) {
     // A key that is held comes down again and again, and up once.
     XkbSetDetectableAutoRepeat(display.get(), kXTrue, nullptr);
-    if (!method_) return;
-    context_ = XCreateIC(method_, XNInputStyle, XIMPreeditNothing | XIMStatusNothing, XNClientWindow, window,
-                         XNFocusWindow, window, nullptr);
+    open();
 }
 
 X11Keyboard::~X11Keyboard() {
     if (context_) XDestroyIC(context_);
     if (method_) XCloseIM(method_);
+}
+
+/// The user's own input method, by the environment; where that isn't running, the locale's.
+void X11Keyboard::open() {
+    const char* const set = XSetLocaleModifiers(nullptr);
+    const std::string before = set ? set : "";
+    // In a host's process the modifiers are the host's.
+    if (before.empty()) XSetLocaleModifiers("");
+    if (!isServerGone_ && openMethod()) return;
+    XSetLocaleModifiers("@im=none");
+    openMethod();
+    XSetLocaleModifiers(before.c_str());
+}
+
+bool X11Keyboard::openMethod() {
+    method_ = XOpenIM(display_.get(), nullptr, nullptr, nullptr);
+    if (method_ && openContext()) return true;
+    if (method_) XCloseIM(std::exchange(method_, nullptr));
+    return false;
+}
+
+bool X11Keyboard::openContext() {
+    XIMCallback gone{reinterpret_cast<XPointer>(this), methodGone};
+    XSetIMValues(method_, XNDestroyCallback, &gone, nullptr);
+    context_ = XCreateIC(method_, XNInputStyle, XIMPreeditNothing | XIMStatusNothing, XNClientWindow, window_,
+                         XNFocusWindow, window_, nullptr);
+    if (context_ && hasFocus_) XSetICFocus(context_);
+    return context_ != nullptr;
+}
+
+/// Its contexts are gone with it.
+void X11Keyboard::methodGone(XIM, XPointer self, XPointer) {
+    auto& keyboard = *reinterpret_cast<X11Keyboard*>(self);
+    keyboard.method_ = nullptr;
+    keyboard.context_ = nullptr;
+    keyboard.isServerGone_ = true;
+}
+
+bool X11Keyboard::keeps(XEvent& event) {
+    const bool isKept = XFilterEvent(&event, kXNone) != 0;
+    if (isServerGone_ && !method_) open();
+    return isKept;
 }
 
 int X11Keyboard::keyOf(XKeyEvent& event) const {
@@ -81,6 +121,7 @@ std::u32string X11Keyboard::charactersOf(XKeyEvent& event) {
 }
 
 void X11Keyboard::focus(bool here) {
+    hasFocus_ = here;
     if (context_) (here ? XSetICFocus : XUnsetICFocus)(context_);
 }
 

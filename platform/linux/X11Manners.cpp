@@ -14,10 +14,6 @@ X11Manners::X11Manners(X11Display& display, ::Window window, const std::string& 
     ::Display* const d = display_.get();
     XWindowAttributes made{};
     XGetWindowAttributes(d, window_, &made);
-    XSizeHints size{};
-    size.flags = PMinSize | PMaxSize;
-    size.min_width = size.max_width = made.width;
-    size.min_height = size.max_height = made.height;
     XWMHints hints{};
     hints.flags = InputHint | StateHint;
     hints.input = kXTrue;
@@ -25,7 +21,8 @@ X11Manners::X11Manners(X11Display& display, ::Window window, const std::string& 
     std::string name = "marnoth";
     std::string kind = "Marnoth";
     XClassHint group{name.data(), kind.data()};
-    XSetWMProperties(d, window_, nullptr, nullptr, nullptr, 0, &size, &hints, &group);
+    XSetWMProperties(d, window_, nullptr, nullptr, nullptr, 0, nullptr, &hints, &group);
+    setSize(made.width, made.height);
     std::array<Atom, 2> answered{display_.atom("WM_DELETE_WINDOW"), display_.atom("_NET_WM_PING")};
     XSetWMProtocols(d, window_, answered.data(), static_cast<int>(answered.size()));
     const long process = getpid();
@@ -42,6 +39,14 @@ void X11Manners::setIcon(std::span<const IconPicture> icon) {
     }
     XChangeProperty(display_.get(), window_, display_.atom("_NET_WM_ICON"), XA_CARDINAL, 32, PropModeReplace,
                     reinterpret_cast<const unsigned char*>(words.data()), static_cast<int>(words.size()));
+}
+
+void X11Manners::setSize(int width, int height) {
+    XSizeHints size{};
+    size.flags = PMinSize | PMaxSize;
+    size.min_width = size.max_width = width;
+    size.min_height = size.max_height = height;
+    XSetWMNormalHints(display_.get(), window_, &size);
 }
 
 void X11Manners::setTitle(const std::string& title) {

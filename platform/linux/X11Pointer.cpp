@@ -3,17 +3,22 @@
 namespace marnoth {
 
 X11Pointer::X11Pointer(X11Display& display, ::Window window, const CursorPictures& pictures, int scale)
-    : display_(display), window_(window), cursors_(display, pictures, scale) {
-    show(PageCursor::arrow);
+    : display_(display), window_(window), pictures_(pictures) {
+    setScale(scale);
 }
 
 X11Pointer::~X11Pointer() {
     XUngrabPointer(display_.get(), CurrentTime);
 }
 
+void X11Pointer::setScale(int scale) {
+    cursors_.emplace(display_, pictures_, scale);
+    show(cursor_);
+}
+
 void X11Pointer::show(PageCursor cursor) {
     cursor_ = cursor;
-    XDefineCursor(display_.get(), window_, cursors_.of(cursor));
+    XDefineCursor(display_.get(), window_, cursors_->of(cursor));
     // While the mouse is held its cursor is the grab's.
     if (captured_ || relative_ || fence_) grab();
 }
@@ -25,7 +30,7 @@ void X11Pointer::grab() {
     }
     constexpr unsigned kEvents = ButtonPressMask | ButtonReleaseMask | PointerMotionMask;
     XGrabPointer(display_.get(), window_, kXFalse, kEvents, GrabModeAsync, GrabModeAsync, fence_,
-                 cursors_.of(cursor_), CurrentTime);
+                 cursors_->of(cursor_), CurrentTime);
 }
 
 void X11Pointer::capture(bool on) {

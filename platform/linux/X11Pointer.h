@@ -20,6 +20,8 @@ public:
     X11Pointer(const X11Pointer&) = delete;
     X11Pointer& operator=(const X11Pointer&) = delete;
 
+    /// The page's own cursors are as large as its pixels.
+    void setScale(int scale);
     void show(PageCursor cursor);
     void capture(bool on);
     void confine(std::optional<Rect> area);
@@ -39,7 +41,8 @@ private:
 
     X11Display& display_;
     const ::Window window_;
-    X11Cursors cursors_;
+    const CursorPictures pictures_;
+    std::optional<X11Cursors> cursors_;
     PageCursor cursor_ = PageCursor::arrow;
     ::Window fence_ = kXNone;  ///< a window without a picture that the mouse stays in
     RelativeMotion motion_;

@@ -18,6 +18,7 @@ public:
     X11Screen(const X11Screen&) = delete;
     X11Screen& operator=(const X11Screen&) = delete;
 
+    void setScale(int scale) { scale_ = scale; }
     /// The part `area` of `picture`, in its place. Pixels of the picture; what lies outside it isn't shown.
     void show(const Bitmap& picture, const Rect& area);
 
@@ -38,7 +39,7 @@ private:
 
     X11Display& display_;
     const ::Window window_;
-    const int scale_;
+    int scale_;
     const GC context_;
     const Channel red_;
     const Channel green_;

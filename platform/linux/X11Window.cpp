@@ -46,6 +46,10 @@ int X11Window::scale() const {
     return parts_->scale;
 }
 
+void X11Window::setScale(int scale) {
+    parts_->setScale(scale);
+}
+
 bool X11Window::isGone() const {
     return parts_->isGone();
 }

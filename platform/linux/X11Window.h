@@ -48,13 +48,16 @@ public:
     void setTitle(const std::string& title);
     /// Called when the user closes the window; it stays open till it is destroyed.
     void onClose(std::function<void()> closes);
-    /// Called with a key that the page has no use for, and whether it went down.
+    /// Called with a key that the page has no use for, and whether it went down. Without this an embedded
+    /// window sends such keys on to its host's.
     void onUnusedKey(std::function<void(int key, Modifiers held, bool down)> use);
     /// What `showHelp` does.
     void onHelp(std::function<void()> help);
 
     unsigned long id() const;
     int scale() const;
+    /// As in `Setup`: the window takes the size that it needs for it. An embedded one's host is to be told.
+    void setScale(int scale);
     bool isGone() const;
     /// A question is open, of whoever asked: another would take its place.
     bool isAsking() const;

@@ -55,7 +55,8 @@ X11Window::Parts::Parts(const Setup& setup, PageWindow& whole, FontSource& fontS
       drop(
           display, window, [this] { return listener(); }, [this](Point at) { return toPage(at); }),
       shown(setup.width, setup.height),
-      whole_(whole) {
+      whole_(whole),
+      parent_(setup.parent) {
     if (!isEmbedded) manners.emplace(display, window, setup.title).setIcon(setup.icon);
 }
 
@@ -120,6 +121,21 @@ void X11Window::Parts::showArea(const Rect& area) {
     if (underDialog) dialog_->paint(surface);
     if (underQuestion) questions.paint(surface);
     screen.show(above, area);
+}
+
+void X11Window::Parts::setScale(int wanted) {
+    const int next = wanted > 0 ? wanted : display.wantedScale();
+    if (next == scale || isGone()) return;
+    scale = next;
+    remainder_ = {};
+    screen.setScale(scale);
+    pointer.setScale(scale);
+    const Rect size = toScreen(shown.bounds());
+    if (manners) manners->setSize(size.width(), size.height());
+    XResizeWindow(display.get(), window, static_cast<unsigned>(size.width()),
+                  static_cast<unsigned>(size.height()));
+    // What the window grows by is asked for when it has grown.
+    showArea(shown.bounds());
 }
 
 void X11Window::Parts::capture(bool on) {
@@ -258,6 +274,7 @@ void X11Window::Parts::keyPressed(XKeyEvent& event) {
     if (isAsking()) return keyPressedAsking(key, characters, held);
     const bool isUsed = page && page->keyDown(key, held);
     if (!isUsed && useKey) return useKey(key, held, true);
+    if (!isUsed && isEmbedded) return handOn(event);
     for (const char32_t character : characters)
         if (PageEvents* const told = listener()) told->character(character, held);
 }
@@ -280,7 +297,22 @@ void X11Window::Parts::keyReleased(XKeyEvent& event) {
     held.shift = held.shift && key != kKeyShift;
     held.control = held.control && key != kKeyControl;
     if (PageEvents* const told = listener()) told->keyUp(key, held);
-    if (useKey) useKey(key, held, false);
+    if (useKey) return useKey(key, held, false);
+    if (handedOn_.contains(event.keycode)) handOn(event);
+}
+
+void X11Window::Parts::handOn(XKeyEvent event) {
+    const bool down = event.type == KeyPress;
+    if (down) {
+        handedOn_.insert(event.keycode);
+    } else {
+        handedOn_.erase(event.keycode);
+    }
+    event.window = parent_;
+    event.subwindow = kXNone;
+    XEvent sent{};
+    sent.xkey = event;
+    XSendEvent(display.get(), parent_, kXTrue, down ? KeyPressMask : KeyReleaseMask, &sent);
 }
 
 void X11Window::Parts::focusChanged(const XFocusChangeEvent& event) {

@@ -3,6 +3,7 @@
 #include <chrono>
 #include <functional>
 #include <optional>
+#include <set>
 #include <string>
 
 #include "platform/drawing/Bitmap.h"
@@ -45,6 +46,7 @@ public:
     std::optional<Time> deadline() const;
     /// A part of what was presented, in pixels of the page, with the question over it.
     void showArea(const Rect& area);
+    void setScale(int wanted);
     void capture(bool on);
     /// `then` gets what `QuestionView` answers.
     void ask(const ShownQuestion& question, std::function<void(int)> then);
@@ -64,7 +66,7 @@ public:
     QuestionView& questions;
     FileChooser& files;
     const bool isEmbedded;
-    const int scale;
+    int scale;
     const ::Window window;
     X11Screen screen;
     X11Pointer pointer;
@@ -90,6 +92,8 @@ private:
     void moved(const XMotionEvent& event);
     void keyPressed(XKeyEvent& event);
     void keyReleased(XKeyEvent& event);
+    /// A key that nobody here has a use for goes to the host.
+    void handOn(XKeyEvent event);
     void focusChanged(const XFocusChangeEvent& event);
     void unmapped();
     void tick(Time now);
@@ -108,6 +112,8 @@ private:
     std::function<void(std::optional<std::string>)> chosen_;  ///< while a file is asked for
     PageOverlay* dialog_ = nullptr;                           ///< over the page
 
+    const ::Window parent_;        ///< a host's; 0 without one
+    std::set<unsigned> handedOn_;  ///< the codes of keys that went to the host, and are down
     ClickCounter clicks_;
     FocusPatience patience_;
     Time lastPress_;

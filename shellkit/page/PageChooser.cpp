@@ -10,13 +10,15 @@ namespace marnoth {
 void PageChooser::ask(const FileQuestion& question, AskingWindow& window,
                       std::function<void(FileAnswer)> then) {
     cancel();
-    dialog_ = std::make_unique<FileDialog>(FileDialog::Setup{question, places(), listener_, window.room()},
-                                           font_, window.clipboardWindow(),
-                                           [this, then = std::move(then)](std::optional<std::string> file) {
-                                               const auto answer = then;
-                                               close();
-                                               answer({.wasAsked = true, .file = std::move(file)});
-                                           });
+    FileQuestion begun = question;
+    if (begun.folder.empty()) begun.folder = musicFolderOfUser();
+    const auto answered = [this, then = std::move(then)](std::optional<std::string> file) {
+        const auto answer = then;
+        close();
+        answer({.wasAsked = true, .file = std::move(file)});
+    };
+    dialog_ = std::make_unique<FileDialog>(FileDialog::Setup{begun, places(), listener_, window.room()},
+                                           font_, window.clipboardWindow(), answered);
     window_ = &window;
     window.showOver(dialog_.get());
 }
