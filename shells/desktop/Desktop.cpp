@@ -33,6 +33,7 @@
 #include "shells/desktop/ProgramIcon.h"
 #include "shells/desktop/ProjectCommands.h"
 #include "shells/desktop/ProjectRecovery.h"
+#include "shells/desktop/RealTime.h"
 #include "shells/desktop/SettingsFile.h"
 #include "shells/desktop/SettingsMenu.h"
 #include "shells/desktop/SongCommands.h"
@@ -357,6 +358,8 @@ void Desktop::tellBlocks(std::ostream& out) {
 }  // namespace
 
 int runDesktop(const DesktopOptions& options, std::ostream& errors) {
+    if (const std::string missing = missingRights(takeRealTimeRights()); !missing.empty())
+        errors << missing << std::endl;
     Desktop desktop(options, errors);
     const int status = desktop.run();
     if (options.verbose) desktop.tellBlocks(errors);

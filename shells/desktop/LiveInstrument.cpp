@@ -72,6 +72,7 @@ bool LiveInstrument::connect(std::uint32_t rate) {
     if (FAILED(host_.connect({rate, kLongestPiece, kAll}))) return false;
     rate_ = rate;
     metronome_.setRate(rate);
+    master_.setRate(rate);
     // Its frames were those of another rate.
     transport_.locate(transport_.tick());
     return true;

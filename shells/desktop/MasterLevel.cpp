@@ -5,17 +5,30 @@
 
 namespace marnoth {
 
+void MasterLevel::setRate(std::uint32_t rate) {
+    constexpr std::uint32_t kGlidesOfASecond = 100;
+    glide_ = static_cast<int>(std::max(rate / kGlidesOfASecond, 1u));
+}
+
+float MasterLevel::next() {
+    // The end is met exactly.
+    present_ = --left_ > 0 ? present_ + step_ : target_;
+    return present_;
+}
+
 void MasterLevel::apply(std::span<float> left, std::span<float> right) {
-    const float wanted = wanted_;
+    if (const float wanted = wanted_; wanted != target_) {
+        target_ = wanted;
+        left_ = glide_;
+        step_ = (target_ - present_) / static_cast<float>(glide_);
+    }
     // At full level nothing is computed: the mix stays as it is to the last bit.
-    if (wanted != 1.0f || present_ != 1.0f) {
-        const float step = (wanted - present_) / static_cast<float>(std::max<std::size_t>(left.size(), 1));
+    if (left_ > 0 || present_ != 1.0f) {
         for (std::size_t frame = 0; frame < left.size(); ++frame) {
-            const float gain = present_ + step * static_cast<float>(frame + 1);
+            const float gain = left_ > 0 ? next() : present_;
             left[frame] *= gain;
             right[frame] *= gain;
         }
-        present_ = wanted;
     }
     measure(0, left);
     measure(1, right);

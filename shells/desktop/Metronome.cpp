@@ -36,12 +36,17 @@ float Metronome::next() {
 
 void Metronome::add(std::span<float> left, std::span<float> right, double tick, double ticksPerFrame,
                     bool on) {
-    // The beat that is next at the first frame; a beat within a frame belongs to the frame behind it.
-    double beat = std::ceil(tick / kTicksPerBeat);
+    // Where a stretch goes on from the last one, a beat on their edge is neither lost nor heard twice,
+    // however its tick is rounded.
+    constexpr double kRounding = 1e-3;
+    if (std::abs(tick - reached_) > kRounding) beat_ = std::ceil((tick - kRounding) / kTicksPerBeat);
+    reached_ = tick + static_cast<double>(left.size()) * ticksPerFrame;
     for (std::size_t frame = 0; frame < left.size(); ++frame) {
-        if (on && ticksPerFrame > 0.0 &&
-            tick + static_cast<double>(frame) * ticksPerFrame >= beat * kTicksPerBeat)
-            begin(static_cast<std::int64_t>(beat++));
+        if (ticksPerFrame > 0.0 &&
+            tick + static_cast<double>(frame) * ticksPerFrame >= beat_ * kTicksPerBeat) {
+            if (on) begin(static_cast<std::int64_t>(beat_));
+            ++beat_;
+        }
         if (age_ < 0) continue;
         const float click = next();
         left[frame] += click;

@@ -20,6 +20,8 @@ private:
     std::uint32_t rate_ = 48000;
     std::int64_t age_ = -1;  ///< frames since the click began; -1 for none
     double pitch_ = 0.0;     ///< Hz
+    double reached_ = -1.0;  ///< the tick at which the last stretch ended
+    double beat_ = 0.0;      ///< the one to come there
 };
 
 }  // namespace marnoth

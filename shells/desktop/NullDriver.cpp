@@ -3,6 +3,8 @@
 #include <chrono>
 #include <stdexcept>
 
+#include "shells/desktop/RealTime.h"
+
 namespace marnoth {
 
 namespace {
@@ -26,6 +28,7 @@ NullDriver::~NullDriver() {
 }
 
 void NullDriver::run() {
+    givePriority();
     using Clock = std::chrono::steady_clock;
     // What is behind by more isn't made up for, as after the machine slept.
     constexpr std::chrono::milliseconds kFarthestBehind{500};

@@ -31,6 +31,11 @@ std::string orOwn(std::int64_t value, const std::string& unit) {
     return value == 0 ? "the device's own" : std::to_string(value) + unit;
 }
 
+std::string percent(int scale) {
+    constexpr int kPercent = 100;
+    return std::to_string(scale * kPercent) + " %";
+}
+
 std::string nameOf(TransportRole role) {
     switch (role) {
         case TransportRole::follows:
@@ -63,9 +68,8 @@ std::vector<MenuItem> SettingsMenu::all() {
     entries_.push_back({"Rate: " + orOwn(now.rate, " Hz"), false, [this] { offerRates(); }});
     entries_.push_back({"Block: " + orOwn(now.frames, " frames"), false, [this] { offerFrames(); }});
     entries_.push_back({"Transport: " + nameOf(now.transport), false, [this] { offerTransport(); }});
-    entries_.push_back(
-        {"Window: " + (now.scale == 0 ? "by the screen" : std::to_string(now.scale) + " times"), false,
-         [this] { offerScales(); }});
+    entries_.push_back({"Window: " + (now.scale == 0 ? "by the screen" : percent(now.scale)), false,
+                        [this] { offerScales(); }});
     return items();
 }
 
@@ -153,7 +157,7 @@ void SettingsMenu::offerScales() {
     constexpr int kLargestOffered = 4;
     offer("By the screen", &DesktopSettings::scale, 0);
     for (int scale = 1; scale <= kLargestOffered; ++scale)
-        offer(std::to_string(scale) + " times", &DesktopSettings::scale, scale);
+        offer(percent(scale), &DesktopSettings::scale, scale);
     for (Entry& entry : entries_)
         entry.action = [this, choose = std::move(entry.action)] {
             choose();

@@ -69,6 +69,27 @@ TEST(Metronome, BlocksMayEndAnywhere) {
     EXPECT_EQ(parts, together.left);
 }
 
+TEST(Metronome, ABeatOnTheEdgeOfTwoStretchesIsHeardOnce) {
+    for (const double rounding : {-1e-9, 0.0, 1e-9}) {
+        Metronome metronome = newMetronome();
+        const Played before(metronome, kBeat, 0, kStep, true);
+        const Played behind(metronome, kBeat, 960 + rounding, kStep, true);
+        EXPECT_EQ(before.onsets(), std::vector<int>{1});
+        EXPECT_EQ(behind.onsets().size(), 1u) << rounding;
+        EXPECT_LE(behind.onsets()[0], 2) << rounding;
+    }
+}
+
+TEST(Metronome, AJumpBeginsItsBeatsAnew) {
+    Metronome metronome = newMetronome();
+    const Played before(metronome, 2000, 900, kStep, true);
+    const Played there(metronome, kBeat, 0, kStep, true);
+    EXPECT_EQ(there.onsets()[0], 1);
+    const Played off(metronome, kBeat, 960, kStep, false);
+    EXPECT_EQ(off.loudest(), 0.0f);
+    EXPECT_EQ(Played(metronome, kBeat, 1920, kStep, true).onsets(), std::vector<int>{1});
+}
+
 TEST(Metronome, TheFirstOfFourIsHigher) {
     Metronome metronome = newMetronome();
     const auto crossings = [&](double tick) {
@@ -108,15 +129,39 @@ TEST(MasterLevel, AtFullLevelTheMixStaysAsItIs) {
     EXPECT_EQ(master.takePeak(1), 0.0f) << "taken";
 }
 
-TEST(MasterLevel, ANewLevelGlidesOverABlock) {
+TEST(MasterLevel, ANewLevelGlidesForAHundredthOfASecondWhateverTheBlocks) {
+    for (const std::size_t frames : {1, 64, 1000}) {
+        MasterLevel master;
+        master.setRate(8000);
+        master.set(0.5f);
+        std::vector<float> heard;
+        while (heard.size() < 200) {
+            std::vector<float> left(frames, 1.0f);
+            std::vector<float> right(frames, -1.0f);
+            master.apply(left, right);
+            heard.insert(heard.end(), left.begin(), left.end());
+            EXPECT_EQ(right[0], -left[0]);
+        }
+        // 80 frames, a half in equal steps.
+        for (std::size_t frame = 0; frame < 80; ++frame)
+            ASSERT_NEAR(heard[frame], 1.0 - 0.5 * static_cast<double>(frame + 1) / 80, 1e-5) << frame;
+        EXPECT_EQ(heard[79], 0.5f) << "and is met exactly";
+        EXPECT_EQ(heard[150], 0.5f);
+    }
+}
+
+TEST(MasterLevel, BackAtFullLevelTheMixIsAsItIs) {
     MasterLevel master;
-    master.set(0.5f);
-    std::vector<float> left(4, 1.0f);
-    std::vector<float> right(4, -1.0f);
-    master.apply(left, right);
-    EXPECT_EQ(left, (std::vector<float>{0.875f, 0.75f, 0.625f, 0.5f}));
-    master.apply(left, right);
-    EXPECT_EQ(left[0], 0.4375f) << "and holds";
+    master.setRate(800);
+    std::vector<float> mix(8, 0.3f);
+    std::vector<float> right = mix;
+    master.set(0.0f);
+    master.apply(mix, right);
+    master.set(1.0f);
+    master.apply(mix, right);
+    mix.assign(8, 0.3f);
+    master.apply(mix, right);
+    EXPECT_EQ(mix, std::vector<float>(8, 0.3f));
 }
 
 }  // namespace

@@ -96,7 +96,7 @@ TEST_F(SettingsMenuTest, TransportAndScaleTouchNoDevice) {
     press(last, "Transport with JACK's, which");
     EXPECT_EQ(studio.audio->settings().transport, TransportRole::leads);
     behind("Window");
-    press(last, "2 times");
+    press(last, "200 %");
     EXPECT_EQ(studio.audio->settings().scale, 2);
     EXPECT_EQ(studio.told, Lines{"The window has its new size from the next start on."});
     EXPECT_EQ(studio.one->get(&Device::attempts), 1);
