@@ -130,9 +130,9 @@ void DesktopAudio::noneOpened() {
     nextTry_ = now_ + kRetryPeriod;
     if (former_) {
         tell(failures_.substr(0, failures_.size() - 1));
-        settings_ = *std::exchange(former_, std::nullopt);
-        choices_ = namedChoice(systems_, settings_.audio);
-        if (settings_.audio.empty()) addBest(systems_, choices_);
+        settings_ = std::move(former_->settings);
+        choices_ = std::move(former_->choices);
+        former_.reset();
         failures_.clear();
         nextTry_ = now_;
         return;
@@ -163,10 +163,12 @@ void DesktopAudio::change(const DesktopSettings& settings) {
         if (open_.driver) open_.driver->setTransport(settings_.transport);
         return;
     }
-    Choices choices = namedChoice(systems_, settings.audio);
-    if (settings.audio.empty()) addBest(systems_, choices);
+    // A device is looked for only once: its system may be busy with an attempt that waits for this thread.
+    const bool isSameDevice = settings.audio == settings_.audio && !choices_.empty();
+    Choices choices = isSameDevice ? choices_ : namedChoice(systems_, settings.audio);
+    if (choices.empty() && settings.audio.empty()) addBest(systems_, choices);
     if (choices.empty()) return tell("There is no audio system or device " + settings.audio + ".");
-    if (!former_) former_ = settings_;
+    if (!former_) former_ = {settings_, choices_};
     settings_ = settings;
     choices_ = std::move(choices);
     failures_.clear();

@@ -54,6 +54,10 @@ public:
 
 private:
     using Choices = std::vector<AudioChoice>;
+    struct Former {
+        DesktopSettings settings;
+        Choices choices;
+    };
 
     void openAtStart(bool insists);
     void begin(std::size_t attempt, OpenAudio former = {});
@@ -68,7 +72,7 @@ private:
 
     const AudioSystems systems_;
     DesktopSettings settings_;
-    std::optional<DesktopSettings> former_;  ///< to go back to when a change fails
+    std::optional<Former> former_;  ///< to go back to when a change fails
     const Tell tell_;
     std::ostream& errors_;
     const std::shared_ptr<AudioSwitch> switch_;

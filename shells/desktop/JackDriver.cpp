@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "shells/desktop/JackTransport.h"
+#include "shells/desktop/PartOfName.h"
 
 namespace marnoth {
 
@@ -17,8 +18,8 @@ std::string portName(int pointer) {
     return (output == 0 ? "mix" : "pad " + std::to_string(output)) + " " + side;
 }
 
-bool contains(const std::string& text, const std::string& part) {
-    return text.find(part) != text.npos;
+void forgetMissing(std::vector<std::string>& known, const std::vector<std::string>& present) {
+    std::erase_if(known, [&](const std::string& port) { return std::ranges::count(present, port) == 0; });
 }
 
 }  // namespace
@@ -70,6 +71,14 @@ void JackDriver::answerCallbacks() {
             auto& driver = *static_cast<JackDriver*>(self);
             driver.hasOtherRate_ = rate != driver.rate_;
             return 0;
+        },
+        this);
+    jack_.set_port_registration_callback(
+        handle_,
+        [](jack_port_id_t port, int comes, void* self) {
+            auto& driver = *static_cast<JackDriver*>(self);
+            const std::lock_guard lock(driver.newPortsMutex_);
+            if (comes) driver.newPorts_.push_back(port);
         },
         this);
     jack_.set_freewheel_callback(
@@ -163,21 +172,44 @@ std::string JackDriver::trouble() const {
 
 void JackDriver::look() {
     if (gone_) return;
-    if (!mixIsConnected_) connectMix();
+    forgetNewPorts();
+    connectMix();
     connectMidi();
 }
 
+/// A port that went and came back so fast that nobody missed it has no cables all the same.
+void JackDriver::forgetNewPorts() {
+    std::vector<jack_port_id_t> ports;
+    {
+        const std::lock_guard lock(newPortsMutex_);
+        ports.swap(newPorts_);
+    }
+    for (const jack_port_id_t id : ports) {
+        const jack_port_t* const port = jack_.port_by_id(handle_, id);
+        if (!port) continue;
+        const std::string name = jack_.port_name(port);
+        std::erase(knownMidi_, name);
+        std::erase(knownSpeakers_, name);
+    }
+}
+
+/// Who takes a cable out means it; speakers that go and come back are connected again.
 void JackDriver::connectMix() {
     std::vector<std::string> speakers =
         connection_->ports(JACK_DEFAULT_AUDIO_TYPE, JackPortIsInput | JackPortIsPhysical);
-    std::erase_if(speakers, [&](const std::string& name) { return !contains(name, wish_.device); });
+    std::erase_if(speakers, [&](const std::string& name) { return !isPartOfName(wish_.device, name); });
+    forgetMissing(knownSpeakers_, speakers);
+    if (!knownSpeakers_.empty()) return;
     for (std::size_t side = 0; side < std::min<std::size_t>(2, speakers.size()); ++side)
-        mixIsConnected_ |= jack_.connect(handle_, jack_.port_name(audio_[side]), speakers[side].c_str()) == 0;
+        if (jack_.connect(handle_, jack_.port_name(audio_[side]), speakers[side].c_str()) == 0)
+            knownSpeakers_.push_back(speakers[side]);
 }
 
 void JackDriver::connectMidi() {
-    for (const std::string& port : connection_->ports(JACK_DEFAULT_MIDI_TYPE, JackPortIsOutput)) {
-        if (!contains(port, wish_.midiPort) || std::ranges::count(knownMidi_, port) > 0) continue;
+    const std::vector<std::string> ports = connection_->ports(JACK_DEFAULT_MIDI_TYPE, JackPortIsOutput);
+    forgetMissing(knownMidi_, ports);
+    for (const std::string& port : ports) {
+        if (!isPartOfName(wish_.midiPort, port) || std::ranges::count(knownMidi_, port) > 0) continue;
         if (jack_.connect(handle_, port.c_str(), jack_.port_name(midi_)) == 0) knownMidi_.push_back(port);
     }
 }

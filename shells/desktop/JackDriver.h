@@ -3,6 +3,7 @@
 #include <array>
 #include <atomic>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -43,6 +44,7 @@ private:
     void handNotesOn(jack_nframes_t frames);
     void tellTransport();
     bool addPorts();
+    void forgetNewPorts();
     void connectMix();
     void connectMidi();
 
@@ -59,8 +61,10 @@ private:
     std::atomic<bool> hasOtherRate_ = false;  ///< what is rendered would be out of tune
     std::atomic<bool> isFreewheeling_ = false;
     std::atomic<TransportRole> role_ = TransportRole::own;
-    std::vector<std::string> knownMidi_;  ///< ports that were connected once: who takes a cable out means it
-    bool mixIsConnected_ = false;
+    std::mutex newPortsMutex_;
+    std::vector<jack_port_id_t> newPorts_;    ///< since the last look, from a thread of JACK's
+    std::vector<std::string> knownMidi_;      ///< ports that are there and were connected once
+    std::vector<std::string> knownSpeakers_;  ///< the same
 };
 
 }  // namespace marnoth

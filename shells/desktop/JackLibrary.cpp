@@ -34,6 +34,8 @@ bool findAll(void* library, JackLibrary& jack) {
            find(library, "jack_midi_get_event_count", jack.midi_get_event_count) &&
            find(library, "jack_midi_event_get", jack.midi_event_get) &&
            find(library, "jack_set_sample_rate_callback", jack.set_sample_rate_callback) &&
+           find(library, "jack_set_port_registration_callback", jack.set_port_registration_callback) &&
+           find(library, "jack_port_by_id", jack.port_by_id) &&
            find(library, "jack_set_freewheel_callback", jack.set_freewheel_callback) &&
            find(library, "jack_set_buffer_size", jack.set_buffer_size) &&
            find(library, "jack_transport_query", jack.transport_query) &&

@@ -32,6 +32,8 @@ struct JackLibrary {
     decltype(&jack_midi_get_event_count) midi_get_event_count = nullptr;
     decltype(&jack_midi_event_get) midi_event_get = nullptr;
     decltype(&jack_set_sample_rate_callback) set_sample_rate_callback = nullptr;
+    decltype(&jack_set_port_registration_callback) set_port_registration_callback = nullptr;
+    decltype(&jack_port_by_id) port_by_id = nullptr;
     decltype(&jack_set_freewheel_callback) set_freewheel_callback = nullptr;
     decltype(&jack_set_buffer_size) set_buffer_size = nullptr;
     decltype(&jack_transport_query) transport_query = nullptr;

@@ -29,6 +29,7 @@ struct Server {
     JackBufferSizeCallback bufferSize = nullptr;
     JackSampleRateCallback sampleRate = nullptr;
     JackFreewheelCallback freewheel = nullptr;
+    JackPortRegistrationCallback registration = nullptr;
     JackXRunCallback xrun = nullptr;
     JackInfoShutdownCallback shutdown = nullptr;
     JackTimebaseCallback timebase = nullptr;
@@ -76,6 +77,13 @@ JackLibrary library() {
     jack.set_sample_rate_callback = [](jack_client_t*, JackSampleRateCallback callback, void*) {
         return server->sampleRate = callback, 0;
     };
+    jack.set_port_registration_callback = [](jack_client_t*, JackPortRegistrationCallback callback, void*) {
+        return server->registration = callback, 0;
+    };
+    // Those of others are their places in the list of what sends MIDI, from 1000 on.
+    jack.port_by_id = [](jack_client_t*, jack_port_id_t id) {
+        return reinterpret_cast<jack_port_t*>(static_cast<std::uintptr_t>(id));
+    };
     jack.set_freewheel_callback = [](jack_client_t*, JackFreewheelCallback callback, void*) {
         return server->freewheel = callback, 0;
     };
@@ -94,6 +102,9 @@ JackLibrary library() {
         return server->buffers[placeOf(port)].data();
     };
     jack.port_name = [](const jack_port_t* port) {
+        constexpr std::uintptr_t kOthers = 1000;
+        const auto id = reinterpret_cast<std::uintptr_t>(port);
+        if (id >= kOthers) return server->midi[id - kOthers].c_str();
         return server->ports[placeOf(const_cast<jack_port_t*>(port))].c_str();
     };
     jack.get_ports = [](jack_client_t*, const char*, const char* type, unsigned long) {
@@ -176,6 +187,23 @@ TEST_F(JackDriverTest, TheMixGoesToTheSpeakersAndAllThatSendsMidiToThePort) {
     here.midi.push_back("wheel:out");
     driver->look();
     EXPECT_EQ(here.done, Lines{"wheel:out > midi"}) << "what comes later, and only that";
+    here.midi.pop_back();
+    driver->look();
+    here.midi.emplace_back("wheel:out");
+    here.done.clear();
+    driver->look();
+    EXPECT_EQ(here.done, Lines{"wheel:out > midi"}) << "and what was gone for a while";
+    here.registration(1000, 0, here.driver);
+    here.registration(1000, 1, here.driver);
+    here.done.clear();
+    driver->look();
+    EXPECT_EQ(here.done, Lines{"keys:out > midi"}) << "and what was gone for a moment between two looks";
+    const Lines speakers = std::exchange(here.speakers, {});
+    driver->look();
+    here.speakers = speakers;
+    here.done.clear();
+    driver->look();
+    EXPECT_EQ(here.done.size(), 2u) << "speakers too";
 }
 
 TEST_F(JackDriverTest, ABlockHasItsMessagesAndGoesIntoThePorts) {
