@@ -180,7 +180,7 @@ private:
     QuestionBox questions_;
     X11Window window_;
     DesktopAudio audio_;
-    SettingsMenu settingsMenu_{audio_, [this](const std::string& what) { tell(what); }};
+    SettingsMenu settingsMenu_{audio_, [this](int scale) { window_.setScale(scale); }};
     StackedPages pages_;
     TransportBar bar_;
     CGrooveSamplerPropPage page_;

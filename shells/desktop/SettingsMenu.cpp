@@ -161,7 +161,7 @@ void SettingsMenu::offerScales() {
     for (Entry& entry : entries_)
         entry.action = [this, choose = std::move(entry.action)] {
             choose();
-            tell_("The window has its new size from the next start on.");
+            resize_(audio_.settings().scale);
         };
 }
 

@@ -15,8 +15,10 @@ namespace marnoth {
 /// moments lists none. The window's thread.
 class SettingsMenu {
 public:
-    /// `audio` outlives it, and all changes go there. `tell` takes a sentence for the user.
-    SettingsMenu(DesktopAudio& audio, DesktopAudio::Tell tell) : audio_(audio), tell_(std::move(tell)) {}
+    /// `audio` outlives it, and all changes go there. `resize` gives the window another scale, as
+    /// `DesktopSettings` has it.
+    SettingsMenu(DesktopAudio& audio, std::function<void(int)> resize)
+        : audio_(audio), resize_(std::move(resize)) {}
 
     std::vector<MenuItem> all();
     /// Carries an entry of the last menu out. What it gives is the menu behind it, empty when there is none.
@@ -43,7 +45,7 @@ private:
     std::vector<MenuItem> items() const;
 
     DesktopAudio& audio_;
-    const DesktopAudio::Tell tell_;
+    const std::function<void(int)> resize_;
     std::vector<Entry> entries_;  ///< of the menu that was given last
 };
 

@@ -34,7 +34,8 @@ protected:
     }
 
     Studio<Listener> studio;
-    SettingsMenu menu{studio.open(), [this](const std::string& what) { studio.told.push_back(what); }};
+    std::vector<int> scales;
+    SettingsMenu menu{studio.open(), [this](int scale) { scales.push_back(scale); }};
     std::vector<MenuItem> last;
 };
 
@@ -98,7 +99,7 @@ TEST_F(SettingsMenuTest, TransportAndScaleTouchNoDevice) {
     behind("Window");
     press(last, "200 %");
     EXPECT_EQ(studio.audio->settings().scale, 2);
-    EXPECT_EQ(studio.told, Lines{"The window has its new size from the next start on."});
+    EXPECT_EQ(scales, std::vector<int>{2});
     EXPECT_EQ(studio.one->get(&Device::attempts), 1);
 }
 
