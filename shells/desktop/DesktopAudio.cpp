@@ -137,7 +137,8 @@ void DesktopAudio::noneOpened() {
         nextTry_ = now_;
         return;
     }
-    if (!isKnown_) tell(failures_ + "The program plays without sound.");
+    // What comes first is read where the rest has no room.
+    if (!isKnown_) tell("The program plays without sound. " + failures_.substr(0, failures_.size() - 1));
     isKnown_ = true;
 }
 

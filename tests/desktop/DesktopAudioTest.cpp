@@ -57,7 +57,7 @@ TEST(DesktopAudio, WithoutAnythingTheProgramGoesOnAtThePaceOfTheClockAndSaysSo) 
     studio.one->refusal = "One isn't there.";
     studio.two->refusal = "Two is busy.";
     studio.open();
-    EXPECT_EQ(studio.told, Lines{"One isn't there. Two is busy. " + kSilent});
+    EXPECT_EQ(studio.told, Lines{kSilent + " One isn't there. Two is busy."});
     EXPECT_TRUE(studio.until([&] { return studio.client.blocks > 2; }));
     EXPECT_EQ(studio.told.size(), 1u);
 }
@@ -93,7 +93,7 @@ TEST(DesktopAudio, ADeviceThatGoesIsToldTriedAgainQuietlyAndItsReturnIsTold) {
     studio.one->set(&Device::refusal, std::string("One isn't there."));
     studio.one->set(&Device::trouble, std::string("One has gone."));
     ASSERT_TRUE(studio.until([&] { return !studio.told.empty(); }));
-    EXPECT_EQ(studio.told, Lines{"One has gone. One isn't there. " + kSilent});
+    EXPECT_EQ(studio.told, Lines{kSilent + " One has gone. One isn't there."});
     const int blocks = studio.client.blocks;
     EXPECT_TRUE(studio.until([&] { return studio.client.blocks > blocks + 2; })) << "it goes on";
     EXPECT_EQ(studio.one->get(&Device::attempts), 2) << "not before some seconds";
