@@ -1,6 +1,7 @@
 #pragma once
 
 #include <bitset>
+#include <cstddef>
 #include <cstdint>
 
 namespace marnoth {
@@ -28,7 +29,7 @@ private:
     static constexpr unsigned kNoteOff = 0x80;
     static constexpr unsigned kKeys = 128;
 
-    std::bitset<16 * kKeys> notes_;
+    std::bitset<std::size_t{16} * kKeys> notes_;
 };
 
 }  // namespace marnoth
