@@ -59,8 +59,8 @@ bool haveOneMidi(const SoundSystem& one, const SoundSystem& other) {
 
 /// The ports of `systems`, which all have the same.
 void printMidi(const std::vector<SoundSystem>& systems, std::ostream& out) {
-    std::vector<std::string> names;
-    for (const SoundSystem& system : systems) names.push_back(system.name);
+    std::vector<std::string> names(systems.size());
+    std::ranges::transform(systems, names.begin(), &SoundSystem::name);
     const SoundSystem& first = systems.front();
     out << "MIDI with " << joined(names, ", ") << ':';
     if (!first.missingMidi.empty())

@@ -43,9 +43,10 @@ private:
 
 RtSystems missing(const std::string& why) {
     RtSystems systems;
+    const std::string because = " can't be used: " + why + ".";
     for (const std::string name : {"PulseAudio", "ALSA"})
-        systems.audio.push_back(std::make_shared<MissingSystem>(name, name + " can't be used: " + why + "."));
-    systems.midi = std::make_shared<MissingMidi>("MIDI of ALSA can't be used: " + why + ".");
+        systems.audio.push_back(std::make_shared<MissingSystem>(name, name + because));
+    systems.midi = std::make_shared<MissingMidi>("MIDI of ALSA" + because);
     return systems;
 }
 

@@ -51,31 +51,32 @@ std::uint32_t rateFor(const AudioDevice& device, std::uint32_t wish) {
 
 }  // namespace
 
-RtAudioDriver::RtAudioDriver(std::unique_ptr<RtAudio> audio, const RtDevice& device, const AudioWish& wish,
+RtAudioDriver::RtAudioDriver(std::unique_ptr<RtAudio> audio, unsigned number,
+                             std::shared_ptr<const AudioDevice> device, const AudioWish& wish,
                              AudioClient& client)
     : audio_(std::move(audio)),
       client_(client),
-      name_(device.device.name),
-      rate_(rateFor(device.device, wish.rate)),
+      device_(std::move(device)),
+      rate_(rateFor(*device_, wish.rate)),
       frames_(wish.frames > 0 ? static_cast<unsigned>(wish.frames) : kUsualFrames) {
     try {
-        openStream(device.number);
+        openStream(number);
     } catch (const RtAudioError&) {
         // ALSA's own devices are for one program at a time.
         const bool isShared = audio_->getCurrentApi() != RtAudio::LINUX_ALSA;
-        throw std::runtime_error(name_ + " can't be opened" +
+        throw std::runtime_error(name() + " can't be opened" +
                                  (isShared ? "." : ": another program may hold it."));
     }
     const bool isReady = client_.prepare(rate_, frames());
     if (isReady) audio_->startStream();
     if (isReady && audio_->isStreamRunning()) return;
     close();
-    throw std::runtime_error(isReady ? name_ + " doesn't start." : "The instrument can't be started.");
+    throw std::runtime_error(isReady ? name() + " doesn't start." : "The instrument can't be started.");
 }
 
-void RtAudioDriver::openStream(unsigned device) {
+void RtAudioDriver::openStream(unsigned number) {
     RtAudio::StreamParameters output;
-    output.deviceId = device;
+    output.deviceId = number;
     output.nChannels = 2;
     RtAudio::StreamOptions options;
     options.flags = RTAUDIO_NONINTERLEAVED;
@@ -118,7 +119,7 @@ int RtAudioDriver::play(float* output, unsigned frames, bool isUnderrun) {
 }
 
 std::string RtAudioDriver::trouble() const {
-    return health_.isLost() ? name_ + " has gone." : std::string();
+    return health_.isLost() ? name() + " has gone." : std::string();
 }
 
 }  // namespace marnoth

@@ -5,9 +5,8 @@
 #include <memory>
 #include <string>
 
-#include "shells/desktop/AudioDriver.h"
+#include "shells/desktop/AudioSystem.h"
 #include "shells/desktop/StreamHealth.h"
-#include "shells/desktop/rtaudio/RtDevices.h"
 
 namespace marnoth {
 
@@ -15,25 +14,25 @@ namespace marnoth {
 /// never does.
 class RtAudioDriver final : public AudioDriver {
 public:
-    /// `audio` is open to be used; `client` outlives this. Throws `std::runtime_error`, with a sentence for
-    /// the user, when the device can't be had so.
-    RtAudioDriver(std::unique_ptr<RtAudio> audio, const RtDevice& device, const AudioWish& wish,
-                  AudioClient& client);
+    /// `audio` knows the device by `number`; `client` outlives this. Throws `std::runtime_error`, with a
+    /// sentence for the user, when the device can't be had so.
+    RtAudioDriver(std::unique_ptr<RtAudio> audio, unsigned number, std::shared_ptr<const AudioDevice> device,
+                  const AudioWish& wish, AudioClient& client);
     ~RtAudioDriver() override;
 
-    std::string name() const override { return name_; }
+    std::string name() const override { return device_->name; }
     std::uint32_t rate() const override { return rate_; }
     std::int32_t frames() const override { return static_cast<std::int32_t>(frames_); }
     std::string trouble() const override;
 
 private:
-    void openStream(unsigned device);
+    void openStream(unsigned number);
     void close();
     int play(float* output, unsigned frames, bool isUnderrun);
 
     const std::unique_ptr<RtAudio> audio_;
     AudioClient& client_;
-    const std::string name_;
+    const std::shared_ptr<const AudioDevice> device_;
     const std::uint32_t rate_;
     unsigned frames_;
     StreamHealth health_;

@@ -1,6 +1,8 @@
 #include "shells/desktop/rtaudio/RtAudioSystem.h"
 
+#include <algorithm>
 #include <stdexcept>
+#include <utility>
 
 #include "shells/desktop/rtaudio/RtAudioDriver.h"
 #include "shells/desktop/rtaudio/RtDevices.h"
@@ -11,6 +13,9 @@ std::vector<AudioDevice> RtAudioSystem::devices() {
     RtAudio audio(api_);
     std::vector<AudioDevice> devices;
     for (RtDevice& found : rtDevices(audio)) devices.push_back(std::move(found.device));
+    const auto playing = playing_.lock();
+    const auto isIt = [&](const AudioDevice& device) { return device.name == playing->name; };
+    if (playing && std::ranges::none_of(devices, isIt)) devices.push_back(*playing);
     return devices;
 }
 
@@ -28,7 +33,10 @@ std::unique_ptr<AudioDriver> RtAudioSystem::open(const AudioWish& wish, AudioCli
     if (!device && devices.empty()) throw std::runtime_error(missing());
     if (!device)
         throw std::runtime_error(name_ + " has no output " + wish.device + ", or another program holds it.");
-    return std::make_unique<RtAudioDriver>(std::move(audio), *device, wish, client);
+    auto playing = std::make_shared<const AudioDevice>(device->device);
+    playing_ = playing;
+    return std::make_unique<RtAudioDriver>(std::move(audio), device->number, std::move(playing), wish,
+                                           client);
 }
 
 }  // namespace marnoth

@@ -20,6 +20,7 @@ public:
 private:
     const RtAudio::Api api_;
     const std::string name_;
+    std::weak_ptr<const AudioDevice> playing_;  ///< nobody else sees it while we hold it
 };
 
 }  // namespace marnoth
