@@ -41,6 +41,8 @@ public:
         instrument_.midi(frame, status, data1, data2);
     }
     void render(std::int32_t frames, OutputPointers outputs) override;
+    void follow(const LiveTransport& told) override { instrument_.follow(told); }
+    MusicalPlace placeOf(std::int64_t frame) override { return instrument_.placeOf(frame); }
     void dropout() override { instrument_.dropout(); }
 
 private:

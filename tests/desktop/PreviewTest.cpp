@@ -23,7 +23,15 @@ public:
         for (float* const out : outputs)
             for (std::int32_t i = 0; out && i < frames; ++i) out[i] = 0.25f;
     }
+    void follow(const LiveTransport&) override { ++followed; }
+    MusicalPlace placeOf(std::int64_t) override {
+        ++placed;
+        return {};
+    }
     void dropout() override {}
+
+    int followed = 0;
+    int placed = 0;
 };
 
 /// A user at an audio system without a card.
@@ -110,6 +118,13 @@ TEST_F(PreviewTest, AChangeOfRateEndsIt) {
     preview.prepare(48000, kFrames);
     render();
     EXPECT_FALSE(preview.isPlaying());
+}
+
+TEST_F(PreviewTest, TheSystemsTransportReachesTheInstrument) {
+    preview.follow({});
+    preview.placeOf(0);
+    EXPECT_EQ(hum.followed, 1);
+    EXPECT_EQ(hum.placed, 1);
 }
 
 TEST_F(PreviewTest, WhatCantBeHeardIsSaid) {
