@@ -14,6 +14,8 @@ namespace marnoth {
 namespace {
 
 constexpr std::uint16_t kStereo = 2;
+/// Of a write, samples: what a disk that is full has no room for whole is lost.
+constexpr std::size_t kPiece = std::size_t{1} << 16;
 
 }  // namespace
 
@@ -72,7 +74,7 @@ bool TakeRecorder::drain(File& file) {
     const std::size_t to = written_.load(std::memory_order_acquire);
     if (from == to) return false;
     const std::size_t begin = from % kRoom;
-    const std::size_t count = std::min(to - from, kRoom - begin);
+    const std::size_t count = std::min({to - from, kRoom - begin, kPiece});
     file.write({ring_.data() + begin, count});
     read_.store(from + count, std::memory_order_release);
     return true;

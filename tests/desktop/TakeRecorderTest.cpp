@@ -1,9 +1,16 @@
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <thread>
+
 #include "shellkit/TempFolder.h"
 #include "shellkit/files/Failure.h"
 #include "shellkit/media/WaveFrames.h"
 #include "shells/desktop/TakeRecorder.h"
+#include "shells/desktop/Takes.h"
+#include "support/FileSizeLimit.h"
 
 namespace marnoth::test::take_recorder_test {
 namespace {
@@ -50,6 +57,37 @@ TEST(TakeRecorder, AFolderThatIsMissingIsToldAtOnce) {
     EXPECT_THROW(recorder.start(folder.name("no/take.wav"), 48000), FileFailure);
     EXPECT_FALSE(recorder.isRecording());
     EXPECT_EQ(recorder.stop(), "");
+}
+
+TEST(TakeRecorder, OnADiskThatFillsUpWhatThereIsIsKept) {
+    const TempFolder folder;
+    constexpr std::uintmax_t kRoomBytes = 600'000;
+    TakeRecorder recorder;
+    const std::vector<float> block(1000, 0.5f);
+    {
+        const FileSizeLimit limit(kRoomBytes);
+        recorder.start(folder.name("take.wav"), 48000);
+        for (int i = 0; i < 100; ++i) recorder.take(block, block);
+        for (int tries = 0; tries < 5000 && !recorder.hasFailed(); ++tries)
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        EXPECT_TRUE(recorder.hasFailed());
+        const std::string told = recorder.stop();
+        EXPECT_NE(told.find("take.wav"), std::string::npos) << told;
+        EXPECT_TRUE(told.ends_with("the take up to there is kept")) << told;
+    }
+    const WaveFrames wave = readWaveFrames(folder / "take.wav");
+    EXPECT_LE(std::filesystem::file_size(folder / "take.wav"), kRoomBytes);
+    EXPECT_GT(wave.samples.size(), 0u);
+    for (const float sample : wave.samples) ASSERT_EQ(sample, 0.5f);
+    recorder.start(folder.name("again.wav"), 48000);
+    EXPECT_EQ(recorder.stop(), "") << "the next one is whole";
+}
+
+TEST(Takes, AreCalledAsTheirUserWritesIt) {
+    const char* const home = std::getenv("HOME");
+    ASSERT_TRUE(home);
+    EXPECT_EQ(shortName(std::string(home) + "/Music/take-1.wav"), "~/Music/take-1.wav");
+    EXPECT_EQ(shortName("/else/where.wav"), "/else/where.wav");
 }
 
 TEST(TakeRecorder, MoreThanItsRoomAtOnceIsToldAsMissing) {
