@@ -1,11 +1,11 @@
 #pragma once
 
 #include <atomic>
-#include <bitset>
 #include <cstdint>
 #include <functional>
 
 #include "shells/desktop/AudioDriver.h"
+#include "shells/desktop/NotesOn.h"
 
 namespace marnoth {
 
@@ -40,14 +40,12 @@ private:
     /// Whether a driver is let through; then nobody else is until `leave`.
     bool enter(const void* driver);
     void leave() { isBusy_.store(false, std::memory_order_release); }
-    void noteHeld(std::uint8_t status, std::uint8_t key, std::uint8_t velocity);
-    void endHeld();
 
     AudioClient& client_;
     std::atomic<bool> isBusy_ = false;
     std::atomic<const void*> present_ = nullptr;
     std::atomic<std::uint32_t> dropouts_ = 0;  ///< that the client hasn't been told yet
-    std::bitset<16 * 128> held_;               ///< notes of the present driver; for who made it busy
+    NotesOn held_;                             ///< by the present driver; for who made it busy
 };
 
 }  // namespace marnoth

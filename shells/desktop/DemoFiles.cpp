@@ -14,7 +14,7 @@ std::optional<DemoFiles> findDemo(const std::filesystem::path& programFolder) {
         const std::filesystem::path project = folder / "groove.mrn";
         const std::filesystem::path song = folder / "groove.mid";
         if (std::filesystem::exists(project, error) && std::filesystem::exists(song, error))
-            return DemoFiles{utf8FromPath(project), utf8FromPath(song)};
+            return DemoFiles{utf8FromPath(project), utf8FromPath(song), utf8FromPath(folder)};
     }
     return {};
 }

@@ -10,6 +10,7 @@ namespace marnoth {
 struct DemoFiles {
     std::string project;
     std::string song;
+    std::string folder;  ///< its loops lie there too
 };
 
 /// The demo, seen from the folder of the program: installed, or in a build tree. Nothing where either file is

@@ -95,7 +95,7 @@ public:
             menu_.projectChanged(change, path);
         });
         takeSettings();
-        openFiles(options_.files);
+        openFiles(options_.files, errors);
         openPages();
         if (options_.files.empty() && !settingsFile_.wasThere() && !recovery_.hasFound()) menu_.openDemo();
         keepSettings();
@@ -153,7 +153,8 @@ public:
 private:
     void takeSettings();
     void keepSettings();
-    void openFiles(const std::vector<std::string>& files);
+    void openFile(const std::string& file, std::int32_t& pad);
+    void openFiles(const std::vector<std::string>& files, std::ostream& errors);
     void openPages();
     void useKey(int key, Modifiers held, bool down);
     void lookAtAudio(EventLoop::Time now);
@@ -176,7 +177,8 @@ private:
     std::unique_ptr<FontSource> fonts_ = platformFonts();
     std::unique_ptr<Font> questionFont_;
     Preview preview_{instrument_, instrument_.master()};
-    DesktopDialogs dialogs_{loop_, *questionFont_, preview_};
+    const std::optional<DemoFiles> demo_ = findDemo(programFolder());
+    DesktopDialogs dialogs_{loop_, *questionFont_, preview_, demo_ ? demo_->folder : std::string()};
     QuestionBox questions_;
     X11Window window_;
     DesktopAudio audio_;
@@ -189,7 +191,7 @@ private:
     ProjectCommands projects_{instrument_.sampler(), window_, page_, notices_};
     ProjectRecovery recovery_{instrument_, projects_.project(), window_, notices_, stateFolder()};
     SongCommands song_{instrument_};
-    FileMenu menu_{window_, projects_, song_, settings_, notices_, findDemo(programFolder())};
+    FileMenu menu_{window_, projects_, song_, settings_, notices_, demo_};
     std::string title_;
     std::string take_;  ///< the file of the last one
     bool isClosed_ = false;
@@ -211,19 +213,30 @@ void Desktop::keepSettings() {
     notices_.warn(settingsFile_.write(settings_));
 }
 
-void Desktop::openFiles(const std::vector<std::string>& files) {
-    IGrooveSampler& sampler = instrument_.sampler();
-    setLenientFiles(sampler, true);
+/// A loop goes to the next pad.
+void Desktop::openFile(const std::string& file, std::int32_t& pad) {
+    if (isSong(file)) {
+        song_.open(file);
+        menu_.remember(file);
+    } else if (isProject(file)) {
+        loadProjectFile(instrument_.sampler(), file);
+        projects_.opened(file);
+    } else if (pad < kPads) {
+        loadLoopFile(instrument_.sampler(), pad++, file);
+    }
+}
+
+/// What can't be opened is told; the rest is.
+void Desktop::openFiles(const std::vector<std::string>& files, std::ostream& errors) {
+    setLenientFiles(instrument_.sampler(), true);
     std::int32_t pad = 0;
     for (const std::string& file : files) {
-        if (isSong(file)) {
-            song_.open(file);
-            menu_.remember(file);
-        } else if (isProject(file)) {
-            loadProjectFile(sampler, file);
-            projects_.opened(file);
-        } else if (pad < kPads) {
-            loadLoopFile(sampler, pad++, file);
+        try {
+            openFile(file, pad);
+        } catch (const FileFailure& failure) {
+            // A double click has no terminal to be told in.
+            errors << "marnoth: " << failure.what() << "." << std::endl;
+            notices_.warn(failure.what() + std::string("."));
         }
     }
     // What was asked for by name can be asked for again: nothing is lost with it.

@@ -1,6 +1,7 @@
 #include "shells/desktop/DesktopDialogs.h"
 
 #include <cstdlib>
+#include <utility>
 
 #include "shellkit/text/InstrumentText.h"
 #include "shells/desktop/DialogPrograms.h"
@@ -16,13 +17,15 @@ std::string programPath() {
 
 }  // namespace
 
-DesktopDialogs::DesktopDialogs(EventLoop& loop, Font& font, FileListener& listener)
-    : portal_(loop),
+DesktopDialogs::DesktopDialogs(EventLoop& loop, Font& font, FileListener& listener, std::string demo)
+    : demo_(std::move(demo)),
+      portal_(loop),
       program_(loop, findDialogProgram(programPath())),
-      page_(font, &listener, [this] { return chosenFrom(); }) {}
+      page_(font, &listener, [this] { return morePlaces(); }) {}
 
-std::vector<FilePlace> DesktopDialogs::chosenFrom() const {
+std::vector<FilePlace> DesktopDialogs::morePlaces() const {
     std::vector<FilePlace> places;
+    if (!demo_.empty()) places.push_back({"Demo", demo_});
     for (const auto& [filter, folder] : chain_.folders)
         if (!folder.empty()) places.push_back({utf8FromPath(pathFromUtf8(folder).filename()), folder});
     return places;

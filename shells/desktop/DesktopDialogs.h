@@ -16,14 +16,16 @@ namespace marnoth {
 class DesktopDialogs {
 public:
     /// All outlive it. `font` is that of the page's own dialog, in which files are heard by `listener`.
-    DesktopDialogs(EventLoop& loop, Font& font, FileListener& listener);
+    /// `demo` is the folder of the loops to begin with, UTF-8; empty without one.
+    DesktopDialogs(EventLoop& loop, Font& font, FileListener& listener, std::string demo);
 
     FileChooser& chooser() { return chain_; }
 
 private:
-    /// Folders from which files were chosen.
-    std::vector<FilePlace> chosenFrom() const;
+    /// The demo's folder, and those from which files were chosen.
+    std::vector<FilePlace> morePlaces() const;
 
+    const std::string demo_;
     PortalChooser portal_;
     ProgramChooser program_;
     PageChooser page_;

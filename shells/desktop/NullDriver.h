@@ -16,7 +16,7 @@ public:
     NullDriver(const AudioWish& wish, AudioClient& client);
     ~NullDriver() override;
 
-    std::string name() const override { return "no sound"; }
+    std::string name() const override { return "No sound"; }
     std::uint32_t rate() const override { return rate_; }
     std::int32_t frames() const override { return frames_; }
     std::string trouble() const override { return {}; }

@@ -17,6 +17,8 @@ namespace fs = std::filesystem;
 
 /// Programs that run at once.
 constexpr int kMostPlaces = 16;
+constexpr const char* kState = ".state";
+constexpr const char* kLock = ".lock";
 
 /// Whole and on the disk before it takes the name.
 bool writeWhole(const fs::path& file, const std::vector<std::uint8_t>& bytes) {
@@ -60,25 +62,33 @@ RecoveryFile::RecoveryFile(const fs::path& folder) : folder_(folder) {
 }
 
 void RecoveryFile::takeAnyPlace(bool wantsLeft) {
-    std::error_code ignored;
     for (int number = 1; number <= kMostPlaces; ++number) {
-        if (!takePlace(number)) continue;
-        if (fs::exists(path_, ignored) == wantsLeft) return;
+        // Asked before the lock is made too: a place that nobody had leaves nothing in the folder.
+        if (isLeft(number) != wantsLeft || !takePlace(number)) continue;
+        if (isLeft(number) == wantsLeft) return;
         close(std::exchange(lock_, -1));
     }
     path_.clear();
 }
 
+fs::path RecoveryFile::place(int number, const char* ending) const {
+    return folder_ / ("recovery-" + std::to_string(number) + ending);
+}
+
+bool RecoveryFile::isLeft(int number) const {
+    std::error_code ignored;
+    return fs::exists(place(number, kState), ignored);
+}
+
 bool RecoveryFile::takePlace(int number) {
-    const std::string name = "recovery-" + std::to_string(number);
-    const int lock = open((folder_ / (name + ".lock")).c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+    const int lock = open(place(number, kLock).c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
     if (lock < 0) return false;
     if (flock(lock, LOCK_EX | LOCK_NB) != 0) {
         close(lock);
         return false;
     }
     lock_ = lock;
-    path_ = folder_ / (name + ".state");
+    path_ = place(number, kState);
     return true;
 }
 

@@ -49,6 +49,8 @@ public:
     const std::filesystem::path& path() const { return path_; }
 
 private:
+    std::filesystem::path place(int number, const char* ending) const;
+    bool isLeft(int number) const;
     bool takePlace(int number);
     void takeAnyPlace(bool wantsLeft);
 

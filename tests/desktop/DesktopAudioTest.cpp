@@ -122,7 +122,7 @@ TEST(DesktopAudio, AnotherDeviceIsOpenedWhileItPlays) {
     EXPECT_FALSE(studio.one->get(&Device::isOpen));
     EXPECT_EQ(studio.told, Lines{});
     studio.wish("none");
-    ASSERT_TRUE(studio.untilOpen("no sound"));
+    ASSERT_TRUE(studio.untilOpen("No sound"));
     EXPECT_FALSE(studio.two->get(&Device::isOpen));
     EXPECT_EQ(studio.client.rate, 44100u) << "silence is no reason for another rate";
 }

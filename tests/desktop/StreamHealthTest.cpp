@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "shells/desktop/HeldNotes.h"
+#include "shells/desktop/NotesOn.h"
 #include "shells/desktop/StreamHealth.h"
 
 namespace marnoth::test::stream_health_test {
@@ -50,8 +50,8 @@ TEST(StreamHealth, AFailureIsTheEndAtOnce) {
     EXPECT_EQ(health.block(true), Block::lost);
 }
 
-TEST(HeldNotes, EndsWhatWasntSwitchedOff) {
-    HeldNotes held;
+TEST(NotesOn, EndsWhatWasntSwitchedOff) {
+    NotesOn held;
     held.take(0x90, 60, 100);
     held.take(0x9F, 127, 1);
     held.take(0x91, 60, 100);

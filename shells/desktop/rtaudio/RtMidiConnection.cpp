@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "shells/desktop/HeldNotes.h"
+#include "shells/desktop/NotesOn.h"
 #include "shells/desktop/PartOfName.h"
 
 namespace marnoth {
@@ -40,7 +40,7 @@ private:
 
     const std::string name_;
     MidiReceiver& receiver_;
-    HeldNotes held_;
+    NotesOn held_;
     std::unique_ptr<RtMidiIn> input_;
 };
 

@@ -7,7 +7,7 @@
 namespace marnoth {
 
 /// The notes that messages have switched on and not off again. One thread.
-class HeldNotes {
+class NotesOn {
 public:
     void take(std::uint8_t status, std::uint8_t key, std::uint8_t velocity) {
         const unsigned kind = status & 0xF0u;
