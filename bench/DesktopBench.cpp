@@ -18,7 +18,7 @@
 #include "bench/HeldPads.h"
 #include "host/CreateInstance.h"
 #include "hostkit/LiveHost.h"
-#include "shells/desktop/LiveInstrument.h"
+#include "shells/desktop/playing/LiveInstrument.h"
 
 /// The desktop program's block, without its window: sixteen pads held, all seventeen outputs, transport,
 /// metronome, level and meter of the mix, and a take under way; 64 frames at 48000 Hz.

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "shells/desktop/AudioDriver.h"
+#include "shells/desktop/audio/AudioDriver.h"
 
 namespace marnoth {
 

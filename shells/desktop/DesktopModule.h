@@ -2,8 +2,8 @@
 
 #include <ostream>
 
-#include "shells/desktop/AudioSystems.h"
 #include "shells/desktop/Desktop.h"
+#include "shells/desktop/audio/AudioSystems.h"
 
 /// What the desktop's module gives out. It is loaded by the program that it was built with, so that this runs
 /// without it where windows and what they need are missing.

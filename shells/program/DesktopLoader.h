@@ -2,8 +2,8 @@
 
 #include <ostream>
 
-#include "shells/desktop/AudioSystems.h"
 #include "shells/desktop/Desktop.h"
+#include "shells/desktop/audio/AudioSystems.h"
 
 namespace marnoth {
 

@@ -10,8 +10,8 @@
 #include <thread>
 #include <vector>
 
-#include "shells/desktop/DesktopAudio.h"
-#include "shells/desktop/NullSystem.h"
+#include "shells/desktop/audio/DesktopAudio.h"
+#include "shells/desktop/audio/NullSystem.h"
 
 namespace marnoth::test {
 

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "shells/desktop/AudioSystems.h"
-#include "shells/desktop/NullSystem.h"
+#include "shells/desktop/audio/AudioSystems.h"
+#include "shells/desktop/audio/NullSystem.h"
 
 namespace marnoth::test::audio_systems_test {
 namespace {

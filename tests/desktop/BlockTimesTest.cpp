@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "shells/desktop/BlockTimes.h"
+#include "shells/desktop/audio/BlockTimes.h"
 
 namespace marnoth::test::block_times_test {
 namespace {

@@ -5,7 +5,7 @@
 #include "desktop/AudioStudio.h"
 #include "shellkit/TempFolder.h"
 #include "shellkit/files/LoopFiles.h"
-#include "shells/desktop/LiveInstrument.h"
+#include "shells/desktop/playing/LiveInstrument.h"
 #include "support/WaveFile.h"
 
 namespace marnoth::test::desktop_audio_test {

@@ -2,7 +2,7 @@
 
 #include <limits>
 
-#include "shells/desktop/DesktopSettings.h"
+#include "shells/desktop/settings/DesktopSettings.h"
 
 namespace marnoth::test::desktop_settings_test {
 namespace {

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "shellkit/TempFolder.h"
-#include "shells/desktop/DialogPrograms.h"
+#include "shells/desktop/dialogs/DialogPrograms.h"
 
 namespace marnoth::test::dialog_programs_test {
 namespace {

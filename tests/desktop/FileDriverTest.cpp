@@ -7,7 +7,7 @@
 
 #include "shellkit/TempFolder.h"
 #include "shellkit/media/WaveFrames.h"
-#include "shells/desktop/FileAudioSystem.h"
+#include "shells/desktop/audio/FileAudioSystem.h"
 #include "support/FileSizeLimit.h"
 
 namespace marnoth::test::file_driver_test {

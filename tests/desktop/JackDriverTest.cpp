@@ -3,8 +3,8 @@
 #include <map>
 #include <numeric>
 
-#include "shells/desktop/DesktopSettings.h"
-#include "shells/desktop/JackSystem.h"
+#include "shells/desktop/audio/JackSystem.h"
+#include "shells/desktop/settings/DesktopSettings.h"
 
 namespace marnoth::test::jack_driver_test {
 namespace {

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "shells/desktop/JackTransport.h"
+#include "shells/desktop/audio/JackTransport.h"
 
 namespace marnoth::test::jack_transport_test {
 namespace {

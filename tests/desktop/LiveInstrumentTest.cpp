@@ -6,7 +6,7 @@
 #include "shellkit/MidiBytes.h"
 #include "shellkit/files/LoopFiles.h"
 #include "shellkit/media/WaveFrames.h"
-#include "shells/desktop/LiveInstrument.h"
+#include "shells/desktop/playing/LiveInstrument.h"
 
 namespace marnoth::test::live_instrument_test {
 namespace {

@@ -8,7 +8,7 @@
 
 #include "shellkit/files/LoopFiles.h"
 #include "shellkit/media/WaveFrames.h"
-#include "shells/desktop/LiveInstrument.h"
+#include "shells/desktop/playing/LiveInstrument.h"
 #include "support/TempPath.h"
 #include "support/WaveFile.h"
 

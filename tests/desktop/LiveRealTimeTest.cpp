@@ -6,8 +6,8 @@
 
 #include "shellkit/TempFolder.h"
 #include "shellkit/files/LoopFiles.h"
-#include "shells/desktop/LiveInstrument.h"
-#include "shells/desktop/RealTime.h"
+#include "shells/desktop/audio/RealTime.h"
+#include "shells/desktop/playing/LiveInstrument.h"
 #include "support/RealTimeGuard.h"
 #include "support/WaveFile.h"
 

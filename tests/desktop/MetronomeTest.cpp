@@ -2,8 +2,8 @@
 
 #include <cmath>
 
-#include "shells/desktop/MasterLevel.h"
-#include "shells/desktop/Metronome.h"
+#include "shells/desktop/playing/MasterLevel.h"
+#include "shells/desktop/playing/Metronome.h"
 
 namespace marnoth::test::metronome_test {
 namespace {

@@ -3,7 +3,7 @@
 #include <tuple>
 #include <vector>
 
-#include "shells/desktop/MidiInput.h"
+#include "shells/desktop/midi/MidiInput.h"
 
 namespace marnoth::test::midi_input_test {
 namespace {

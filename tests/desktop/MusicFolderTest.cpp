@@ -2,7 +2,7 @@
 
 #include <sstream>
 
-#include "shells/desktop/MusicFolder.h"
+#include "shells/desktop/playing/MusicFolder.h"
 
 namespace marnoth {
 namespace {

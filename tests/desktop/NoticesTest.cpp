@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "shells/desktop/Notices.h"
+#include "shells/desktop/window/Notices.h"
 
 namespace marnoth::test::notices_test {
 namespace {

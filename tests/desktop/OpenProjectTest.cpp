@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "shells/desktop/LiveInstrument.h"
-#include "shells/desktop/OpenProject.h"
+#include "shells/desktop/playing/LiveInstrument.h"
+#include "shells/desktop/projects/OpenProject.h"
 
 namespace marnoth::test::open_project_test {
 namespace {

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "shells/desktop/LiveInstrument.h"
-#include "shells/desktop/PadKeys.h"
+#include "shells/desktop/playing/LiveInstrument.h"
+#include "shells/desktop/playing/PadKeys.h"
 
 namespace marnoth::test::pad_keys_test {
 namespace {

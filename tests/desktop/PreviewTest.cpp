@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "shellkit/TempFolder.h"
-#include "shells/desktop/Preview.h"
+#include "shells/desktop/playing/Preview.h"
 #include "support/WaveFile.h"
 
 namespace marnoth::test::preview_test {

@@ -5,7 +5,7 @@
 #include <optional>
 
 #include "shellkit/TempFolder.h"
-#include "shells/desktop/ProgramChooser.h"
+#include "shells/desktop/dialogs/ProgramChooser.h"
 #include "support/PlainAskingWindow.h"
 
 namespace marnoth::test::program_chooser_test {

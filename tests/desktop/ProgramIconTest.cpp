@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "shells/desktop/ProgramIcon.h"
+#include "shells/desktop/window/ProgramIcon.h"
 
 namespace marnoth {
 namespace {

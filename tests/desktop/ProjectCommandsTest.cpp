@@ -5,8 +5,8 @@
 #include "platform/drawing/HeadlessWindow.h"
 #include "platform/drawing/PlatformFonts.h"
 #include "shellkit/TempFolder.h"
-#include "shells/desktop/FileMenu.h"
-#include "shells/desktop/LiveInstrument.h"
+#include "shells/desktop/playing/LiveInstrument.h"
+#include "shells/desktop/projects/FileMenu.h"
 
 namespace marnoth::test::project_commands_test {
 namespace {
@@ -68,7 +68,7 @@ protected:
     }
 
     const TempFolder folder;
-    const DemoFiles demo{folder.name("demo/groove.mrn"), folder.name("demo/groove.mid")};
+    const DemoFiles demo{folder.name("demo/groove.mrn"), folder.name("demo/groove.mid"), folder.name("demo")};
     std::unique_ptr<FontSource> fonts = platformFonts();
     HeadlessWindow window;
     LiveInstrument instrument;

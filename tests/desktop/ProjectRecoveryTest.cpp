@@ -5,7 +5,7 @@
 
 #include "platform/drawing/HeadlessWindow.h"
 #include "shellkit/TempFolder.h"
-#include "shells/desktop/ProjectRecovery.h"
+#include "shells/desktop/projects/ProjectRecovery.h"
 
 namespace marnoth::test::project_recovery_test {
 namespace {

@@ -4,7 +4,7 @@
 #include <thread>
 
 #include "shellkit/TempFolder.h"
-#include "shells/desktop/RecoveryFile.h"
+#include "shells/desktop/projects/RecoveryFile.h"
 
 namespace marnoth::test::recovery_file_test {
 namespace {

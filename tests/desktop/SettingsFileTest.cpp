@@ -3,8 +3,8 @@
 #include <filesystem>
 
 #include "shellkit/TempFolder.h"
-#include "shells/desktop/SettingsFile.h"
-#include "shells/desktop/SettingsText.h"
+#include "shells/desktop/settings/SettingsFile.h"
+#include "shells/desktop/settings/SettingsText.h"
 
 namespace marnoth::test::settings_file_test {
 namespace {

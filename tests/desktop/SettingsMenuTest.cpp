@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "desktop/AudioStudio.h"
-#include "shells/desktop/SettingsMenu.h"
+#include "shells/desktop/settings/SettingsMenu.h"
 
 namespace marnoth::test::settings_menu_test {
 namespace {

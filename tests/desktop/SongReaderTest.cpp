@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "shells/desktop/SongReader.h"
+#include "shells/desktop/playing/SongReader.h"
 
 namespace marnoth::test::song_reader_test {
 namespace {

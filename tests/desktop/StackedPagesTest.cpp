@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/drawing/HeadlessWindow.h"
-#include "shells/desktop/StackedPages.h"
+#include "shells/desktop/window/StackedPages.h"
 
 namespace marnoth::test::stacked_pages_test {
 namespace {

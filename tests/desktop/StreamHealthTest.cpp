@@ -2,8 +2,8 @@
 
 #include <vector>
 
-#include "shells/desktop/NotesOn.h"
-#include "shells/desktop/StreamHealth.h"
+#include "shells/desktop/audio/StreamHealth.h"
+#include "shells/desktop/midi/NotesOn.h"
 
 namespace marnoth::test::stream_health_test {
 namespace {

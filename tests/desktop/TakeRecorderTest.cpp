@@ -8,8 +8,8 @@
 #include "shellkit/TempFolder.h"
 #include "shellkit/files/Failure.h"
 #include "shellkit/media/WaveFrames.h"
-#include "shells/desktop/TakeRecorder.h"
-#include "shells/desktop/Takes.h"
+#include "shells/desktop/playing/TakeRecorder.h"
+#include "shells/desktop/playing/Takes.h"
 #include "support/FileSizeLimit.h"
 
 namespace marnoth::test::take_recorder_test {

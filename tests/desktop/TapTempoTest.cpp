@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "shells/desktop/TapTempo.h"
+#include "shells/desktop/playing/TapTempo.h"
 
 namespace marnoth::test::tap_tempo_test {
 namespace {

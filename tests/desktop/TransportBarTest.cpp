@@ -2,7 +2,7 @@
 
 #include "platform/drawing/HeadlessWindow.h"
 #include "platform/drawing/PlatformFonts.h"
-#include "shells/desktop/TransportBar.h"
+#include "shells/desktop/window/TransportBar.h"
 
 namespace marnoth::test::transport_bar_test {
 namespace {
