@@ -17,6 +17,7 @@ constexpr int kRowsOfAWheelStep = 3;
 
 std::vector<std::string> foldersOf(const std::vector<FilePlace>& places) {
     std::vector<std::string> folders;
+    folders.reserve(places.size());
     for (const FilePlace& place : places) folders.push_back(place.folder);
     return folders;
 }
@@ -106,7 +107,7 @@ void FileDialog::mouseMove(Point at) {
 
 void FileDialog::wheel(Point at, int steps) {
     if (question_.isOpen() || !layout_.box.contains(at)) return;
-    scrollTo(static_cast<std::ptrdiff_t>(firstRow_) - steps * kRowsOfAWheelStep);
+    scrollTo(static_cast<std::ptrdiff_t>(firstRow_) - std::ptrdiff_t{steps} * kRowsOfAWheelStep);
 }
 
 void FileDialog::press(Button button) {
