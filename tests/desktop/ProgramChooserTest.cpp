@@ -73,7 +73,7 @@ TEST_F(ProgramChooserTest, AnAnswerWithoutEndIsNoFile) {
 }
 
 TEST_F(ProgramChooserTest, OneThatClosesItsEndAndStaysHoldsNobodyUp) {
-    ProgramChooser chooser(loop, zenity("exec >&-; sleep 100"));
+    ProgramChooser chooser(loop, zenity("exec >&-; exec sleep 100"));
     bool answered = false;
     chooser.ask({"A|*.a||", FileKind::open, {}}, window, [&](const FileAnswer&) { answered = true; });
     const auto begin = std::chrono::steady_clock::now();
@@ -88,7 +88,7 @@ TEST_F(ProgramChooserTest, WithoutAProgramNobodyIsAsked) {
 }
 
 TEST_F(ProgramChooserTest, AQuestionThatIsTakenBackEndsItsDialog) {
-    ProgramChooser chooser(loop, zenity("sleep 100"));
+    ProgramChooser chooser(loop, zenity("exec sleep 100"));
     bool answered = false;
     const auto begin = std::chrono::steady_clock::now();
     chooser.ask({"A|*.a||", FileKind::open, {}}, window, [&](const FileAnswer&) { answered = true; });
