@@ -5,6 +5,7 @@
 #include "editor/PageRig.h"
 #include "editor/skin/Palette.h"
 #include "editor/skin/Skin.h"
+#include "support/Sparingly.h"
 
 /// The page from its opening to its end: what it reads and when, and its picture where nothing but the skin
 /// is.
@@ -203,7 +204,7 @@ TEST_F(PageLife, WithoutAnEngineThePagePaintsItsGroundAndIdlePadsAndReadsNothing
 TEST_F(PageLife, WithoutAnEngineClicksAndKeysEverywhereDoNoHarm) {
     makePage();
     rig.page->open();
-    for (int y = 2; y < kPageHeight; y += 20)
+    for (int y = 2; y < kPageHeight; y += 20 * kSparingly)
         for (int x = 2; x < kPageWidth; x += 19) {
             rig.click({x, y});
             if (x % 5 == 0) rig.window.doubleClick({x, y});
