@@ -2,8 +2,10 @@
 
 #include <lv2/options/options.h>
 #include <lv2/state/state.h>
+#include <lv2/worker/worker.h>
 
 #include <array>
+#include <cstdlib>
 #include <exception>
 #include <numeric>
 
@@ -89,11 +91,46 @@ std::uint32_t setOptions(LV2_Handle instance, const LV2_Options_Option* options)
     return status;
 }
 
+/// Null where there is no room for it.
+char* textForHost(const std::string& text) {
+    return strdup(text.c_str());
+}
+
+char* noteNames(LV2_Handle instance) try {
+    return textForHost(pluginOf(instance).noteNames().document());
+} catch (const std::exception&) {
+    return nullptr;
+}
+
+char* noteNameModel(LV2_Handle instance) {
+    return textForHost(pluginOf(instance).noteNames().model());
+}
+
+void freeText(char* text) {
+    std::free(text);
+}
+
+LV2_Worker_Status work(LV2_Handle instance, LV2_Worker_Respond_Function respond,
+                       LV2_Worker_Respond_Handle handle, std::uint32_t size, const void* data) try {
+    return pluginOf(instance).noteNames().look() ? respond(handle, size, data) : LV2_WORKER_SUCCESS;
+} catch (const std::exception&) {
+    return LV2_WORKER_ERR_UNKNOWN;
+}
+
+LV2_Worker_Status workDone(LV2_Handle instance, std::uint32_t, const void*) {
+    pluginOf(instance).noteNames().tell();
+    return LV2_WORKER_SUCCESS;
+}
+
 const void* extensionData(const char* uri) {
     static constexpr LV2_State_Interface kState{save, restore};
     static constexpr LV2_Options_Interface kOptions{getOptions, setOptions};
+    static constexpr MidnamInterface kMidnam{noteNames, noteNameModel, freeText};
+    static constexpr LV2_Worker_Interface kWorker{work, workDone, nullptr};
     if (std::strcmp(uri, LV2_STATE__interface) == 0) return &kState;
     if (std::strcmp(uri, LV2_OPTIONS__interface) == 0) return &kOptions;
+    if (std::strcmp(uri, kMidnamInterfaceUri) == 0) return &kMidnam;
+    if (std::strcmp(uri, LV2_WORKER__interface) == 0) return &kWorker;
     return nullptr;
 }
 

@@ -28,6 +28,7 @@ Plugin::Plugin(double rate, std::span<const int> outputs, const LV2_URID_Map& ma
       log_(features, urids_.logError),
       host_(createInstrument),
       parameters_(host_.sampler(), map),
+      noteNames_(host_.sampler(), features),
       outputs_(outputs),
       rate_(rate) {
     LV2_URID_Map own = map;
@@ -61,6 +62,7 @@ void Plugin::run(std::uint32_t frames) {
     takeEvents(count);
     renderTo(count);
     writeEvents();
+    noteNames_.advance(frames, rate_);
 }
 
 void Plugin::takeEvents(std::int32_t frames) {

@@ -10,6 +10,7 @@
 #include "shells/lv2/Atoms.h"
 #include "shells/lv2/HostFeatures.h"
 #include "shells/lv2/HostPosition.h"
+#include "shells/lv2/NoteNames.h"
 #include "shells/lv2/PadParameters.h"
 #include "shells/lv2/PluginState.h"
 #include "shells/lv2/Urids.h"
@@ -45,6 +46,7 @@ public:
     void run(std::uint32_t frames);
 
     PluginState& state() { return state_; }
+    NoteNames& noteNames() { return noteNames_; }
     const Urids& urids() const { return urids_; }
     IGrooveSampler& sampler() { return host_.sampler(); }
 
@@ -66,6 +68,7 @@ private:
     LiveHost host_;
     PluginState state_{host_, urids_, log_};
     PadParameters parameters_;
+    NoteNames noteNames_;
     LV2_Atom_Forge forge_{};
     std::span<const int> outputs_;
     double rate_;

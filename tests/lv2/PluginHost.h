@@ -22,10 +22,11 @@ class PluginHost {
 public:
     static constexpr double kRate = 48000;
 
-    explicit PluginHost(std::uint32_t index = 0, double rate = kRate)
+    explicit PluginHost(std::uint32_t index = 0, double rate = kRate,
+                        const std::vector<const LV2_Feature*>& more = {})
         : descriptor_(pluginDescriptor(index)),
           outputs_(index == 0 ? 2 : 34),
-          instance_(descriptor_->instantiate(descriptor_, rate, "", world.features())) {
+          instance_(descriptor_->instantiate(descriptor_, rate, "", world.featuresAnd(more))) {
         EXPECT_NE(instance_, nullptr);
         descriptor_->connect_port(instance_, kFreeWheeling, &freeWheeling_);
         descriptor_->activate(instance_);

@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <map>
 #include <string>
+#include <vector>
 
 namespace marnoth::test {
 
@@ -16,6 +17,11 @@ class PluginWorld {
 public:
     LV2_URID urid(const std::string& uri) { return urids_.try_emplace(uri, urids_.size() + 1).first->second; }
     const LV2_Feature* const* features() const { return features_.data(); }
+    /// With those that a test adds.
+    const LV2_Feature* const* featuresAnd(const std::vector<const LV2_Feature*>& more) {
+        features_.insert(features_.begin(), more.begin(), more.end());
+        return features_.data();
+    }
     LV2_URID_Map* map() { return &map_; }
     LV2_URID_Unmap* unmap() { return &unmap_; }
 
@@ -50,7 +56,7 @@ private:
     LV2_Log_Log log_{this, logged, vlogged};
     LV2_Feature mapFeature_{LV2_URID__map, &map_};
     LV2_Feature logFeature_{LV2_LOG__log, &log_};
-    std::array<const LV2_Feature*, 3> features_{&mapFeature_, &logFeature_, nullptr};
+    std::vector<const LV2_Feature*> features_{&mapFeature_, &logFeature_, nullptr};
 };
 
 }  // namespace marnoth::test
