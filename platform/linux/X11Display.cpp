@@ -1,12 +1,12 @@
 #include "platform/linux/X11Display.h"
 
-#include <algorithm>
 #include <bit>
-#include <cmath>
 #include <cstdlib>
 #include <mutex>
 #include <set>
 #include <stdexcept>
+
+#include "platform/linux/WholeScale.h"
 
 namespace marnoth {
 
@@ -90,7 +90,6 @@ Atom X11Display::atom(const std::string& name) {
 
 int X11Display::wantedScale() const {
     constexpr double kPlainResolution = 96;
-    constexpr double kRoundsUp = 0.25;
     const char* const settings = XResourceManagerString(display_);
     if (!settings) return 1;
     const XrmDatabase database = XrmGetStringDatabase(settings);
@@ -99,9 +98,7 @@ int X11Display::wantedScale() const {
     const bool isTold = XrmGetResource(database, "Xft.dpi", "Xft.Dpi", &type, &value) != 0;
     const double resolution = isTold ? std::strtod(value.addr, nullptr) : kPlainResolution;
     XrmDestroyDatabase(database);
-    // Not a number counts as plain.
-    if (!(resolution > 0)) return 1;
-    return static_cast<int>(std::clamp(std::floor(resolution / kPlainResolution + kRoundsUp), 1.0, 8.0));
+    return wholeScale(resolution / kPlainResolution);
 }
 
 }  // namespace marnoth

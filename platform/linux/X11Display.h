@@ -29,7 +29,7 @@ public:
     /// The server doesn't answer any more: nothing is shown, and nothing comes.
     bool isLost() const { return lost_; }
     /// How many pixels of the screen a pixel of the page should have, by the resolution that the user's
-    /// settings tell for texts: 96 dots to the inch are 1, and three quarters of a step round up. 1 to 8.
+    /// settings tell for texts: 96 dots to the inch are 1 (`wholeScale`).
     int wantedScale() const;
 
 private:

@@ -19,7 +19,8 @@ void X11Window::setPage(PageEvents* page) {
 
 void X11Window::show() {
     XMapWindow(parts_->display.get(), parts_->window);
-    XFlush(parts_->display.get());
+    // On other connections, a host's first of all, it is there only when the server has come to it.
+    XSync(parts_->display.get(), kXFalse);
 }
 
 void X11Window::setTitle(const std::string& title) {

@@ -44,6 +44,7 @@ public:
 
     /// Not owned; null without a page.
     void setPage(PageEvents* page);
+    /// From here on other programs, and a host's connection, find it by its `id`.
     void show();
     void setTitle(const std::string& title);
     /// Called when the user closes the window; it stays open till it is destroyed.

@@ -32,10 +32,14 @@ Modifiers heldOf(unsigned state) {
     // What is uncovered keeps its pixels until it is shown: nothing flickers.
     wanted.background_pixmap = kXNone;
     wanted.bit_gravity = NorthWestGravity;
+    // A host's window may have another depth, which can't give its border and colours.
+    wanted.border_pixel = 0;
+    wanted.colormap = DefaultColormap(display.get(), DefaultScreen(display.get()));
     return XCreateWindow(display.get(), setup.parent ? setup.parent : display.root(), 0, 0,
                          static_cast<unsigned>(setup.width * scale),
                          static_cast<unsigned>(setup.height * scale), 0, display.depth(), InputOutput,
-                         display.visual(), CWEventMask | CWBackPixmap | CWBitGravity, &wanted);
+                         display.visual(),
+                         CWEventMask | CWBackPixmap | CWBitGravity | CWBorderPixel | CWColormap, &wanted);
 }
 
 }  // namespace

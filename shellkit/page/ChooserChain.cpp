@@ -33,6 +33,13 @@ void ChooserChain::cancel() {
     if (std::exchange(then_, {}) && !choosers_.empty()) choosers_.front()->cancel();
 }
 
+std::vector<FilePlace> ChooserChain::places() const {
+    std::vector<FilePlace> places;
+    for (const auto& [filter, folder] : folders)
+        if (!folder.empty()) places.push_back({utf8FromPath(pathFromUtf8(folder).filename()), folder});
+    return places;
+}
+
 void ChooserChain::askNext() {
     if (choosers_.empty()) return std::exchange(then_, {})({.wasAsked = false, .file = {}});
     choosers_.front()->ask(question_, *window_, [this](FileAnswer answer) { answered(std::move(answer)); });

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/drawing/FileChooser.h"
+#include "shellkit/page/UserPlaces.h"
 
 namespace marnoth {
 
@@ -23,6 +24,9 @@ public:
     void ask(const FileQuestion& question, AskingWindow& window,
              std::function<void(FileAnswer)> then) override;
     void cancel() override;
+
+    /// The folders from which files were chosen, by their own names.
+    std::vector<FilePlace> places() const;
 
     /// By filter: the folders in which dialogs begin, full paths in UTF-8.
     std::map<std::string, std::string> folders;

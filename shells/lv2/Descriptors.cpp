@@ -25,7 +25,7 @@ constexpr std::array<int, kOutputPins> allOutputs() {
 constexpr auto kAllOutputs = allOutputs();
 
 Plugin& pluginOf(LV2_Handle instance) {
-    return *static_cast<Plugin*>(instance);
+    return static_cast<Plugin&>(PluginInstance::of(instance));
 }
 
 /// Null where the host or the machine lacks something; the log says what.
@@ -35,7 +35,7 @@ LV2_Handle instantiate(const LV2_Descriptor* descriptor, double rate, const char
     if (!map) return nullptr;
     const bool isMulti = std::strcmp(descriptor->URI, kMultiUri) == 0;
     const std::span outputs(kAllOutputs);
-    return new Plugin(rate, isMulti ? outputs : outputs.first(1), *map, features);
+    return (new Plugin(rate, isMulti ? outputs : outputs.first(1), *map, features))->handle();
 } catch (const std::exception& error) {
     HostLog(features, 0).error(error.what());
     return nullptr;

@@ -3,6 +3,7 @@
 #include <lv2/core/lv2.h>
 #include <lv2/log/log.h>
 
+#include <cstdio>
 #include <cstring>
 #include <string>
 
@@ -23,7 +24,13 @@ public:
         : log_(featureOf<LV2_Log_Log>(features, LV2_LOG__log)), error_(error) {}
 
     /// A sentence for the user, of one line.
-    void error(const std::string& sentence) const;
+    void error(const std::string& sentence) const {
+        if (log_) {
+            log_->printf(log_->handle, error_, "marnoth: %s\n", sentence.c_str());
+        } else {
+            std::fprintf(stderr, "marnoth: %s\n", sentence.c_str());
+        }
+    }
 
 private:
     const LV2_Log_Log* log_;

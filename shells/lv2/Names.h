@@ -8,6 +8,9 @@ namespace marnoth {
 inline constexpr const char* kStereoUri = "urn:marnoth:instrument";       ///< the mix
 inline constexpr const char* kMultiUri = "urn:marnoth:instrument-multi";  ///< the mix and each pad by itself
 
+/// Their page.
+inline constexpr const char* kPageUri = "urn:marnoth:page";
+
 /// What their state holds.
 inline constexpr const char* kStateVersionUri = "urn:marnoth:stateVersion";
 inline constexpr const char* kProjectUri = "urn:marnoth:project";

@@ -12,6 +12,7 @@
 #include "shells/lv2/HostPosition.h"
 #include "shells/lv2/NoteNames.h"
 #include "shells/lv2/PadParameters.h"
+#include "shells/lv2/PluginInstance.h"
 #include "shells/lv2/PluginState.h"
 #include "shells/lv2/Urids.h"
 
@@ -29,7 +30,7 @@ enum PluginPort : std::uint32_t {
 ///
 /// Threads as hosts keep them: `run` is the one that renders, where nothing allocates; `state` is for any
 /// other; everything else is never called at once with anything.
-class Plugin {
+class Plugin final : public PluginInstance {
 public:
     /// Renders `outputs` of the instrument, 0 the mix, 1 to 16 the channels, at `rate` frames per second.
     /// `std::runtime_error` where that can't be.
@@ -48,7 +49,10 @@ public:
     PluginState& state() { return state_; }
     NoteNames& noteNames() { return noteNames_; }
     const Urids& urids() const { return urids_; }
-    IGrooveSampler& sampler() { return host_.sampler(); }
+
+    // PluginInstance.
+    IGrooveSampler& sampler() override { return host_.sampler(); }
+    PageMemory& pages() override { return pages_; }
 
 private:
     bool prepare();
@@ -66,6 +70,7 @@ private:
     Urids urids_;
     HostLog log_;
     LiveHost host_;
+    PageMemory pages_;
     PluginState state_{host_, urids_, log_};
     PadParameters parameters_;
     NoteNames noteNames_;

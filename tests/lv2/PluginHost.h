@@ -37,7 +37,7 @@ public:
     PluginHost(const PluginHost&) = delete;
     PluginHost& operator=(const PluginHost&) = delete;
 
-    Plugin& plugin() { return *static_cast<Plugin*>(instance_); }
+    Plugin& plugin() { return static_cast<Plugin&>(PluginInstance::of(instance_)); }
     IGrooveSampler& sampler() { return plugin().sampler(); }
     const LV2_Descriptor& descriptor() const { return *descriptor_; }
     LV2_Handle instance() const { return instance_; }

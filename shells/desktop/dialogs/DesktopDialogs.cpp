@@ -3,7 +3,6 @@
 #include <cstdlib>
 #include <utility>
 
-#include "shellkit/text/InstrumentText.h"
 #include "shells/desktop/dialogs/DialogPrograms.h"
 
 namespace marnoth {
@@ -24,10 +23,8 @@ DesktopDialogs::DesktopDialogs(EventLoop& loop, Font& font, FileListener& listen
       page_(font, &listener, [this] { return morePlaces(); }) {}
 
 std::vector<FilePlace> DesktopDialogs::morePlaces() const {
-    std::vector<FilePlace> places;
-    if (!demo_.empty()) places.push_back({"Demo", demo_});
-    for (const auto& [filter, folder] : chain_.folders)
-        if (!folder.empty()) places.push_back({utf8FromPath(pathFromUtf8(folder).filename()), folder});
+    std::vector<FilePlace> places = chain_.places();
+    if (!demo_.empty()) places.insert(places.begin(), {"Demo", demo_});
     return places;
 }
 

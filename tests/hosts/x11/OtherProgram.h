@@ -31,6 +31,19 @@ public:
         XMapWindow(display_, window_);
         XSync(display_, kXFalse);
     }
+    /// Shown at the screen's corner; none where the display has no such windows.
+    ::Window windowOfDepth(int depth) {
+        XVisualInfo visual{};
+        if (XMatchVisualInfo(display_, DefaultScreen(display_), depth, TrueColor, &visual) == 0)
+            return kXNone;
+        XSetWindowAttributes wanted{};
+        wanted.colormap = XCreateColormap(display_, DefaultRootWindow(display_), visual.visual, AllocNone);
+        const ::Window made = XCreateWindow(display_, DefaultRootWindow(display_), 0, 0, 700, 700, 0, depth,
+                                            InputOutput, visual.visual, CWColormap | CWBorderPixel, &wanted);
+        XMapWindow(display_, made);
+        XSync(display_, kXFalse);
+        return made;
+    }
     void focus(::Window window) {
         XSetInputFocus(display_, window, RevertToParent, CurrentTime);
         XSync(display_, kXFalse);

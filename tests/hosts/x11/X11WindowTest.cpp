@@ -254,6 +254,14 @@ TEST_F(X11WindowTest, AnEmbeddedPageGivesTheKeyboardBackAfterTyping) {
     EXPECT_TRUE(pump([&] { return holder() == other.window(); }));
 }
 
+TEST_F(X11WindowTest, AHostsWindowMayHaveAnotherDepth) {
+    const ::Window parent = other.windowOfDepth(32);
+    ASSERT_NE(parent, kXNone) << "the display has no such windows";
+    open(1, parent);
+    EXPECT_EQ(sizeOf(window->id()), (Point{200, 100}));
+    EXPECT_TRUE(pump([&] { return pixelAt(10, 10) == 0x0A141E; }));
+}
+
 TEST_F(X11WindowTest, AHostMayDestroyItsWindowFirst) {
     other.show();
     open(2, other.window());

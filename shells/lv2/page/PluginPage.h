@@ -1,0 +1,65 @@
+#pragma once
+
+#include <lv2/ui/ui.h>
+
+#include <chrono>
+#include <cstdint>
+#include <memory>
+
+#include "editor/GrooveSamplerPropPage.h"
+#include "platform/com/RefPtr.h"
+#include "platform/drawing/Font.h"
+#include "platform/linux/X11Window.h"
+#include "seam/IMarnothOptions.h"
+#include "shellkit/page/ChooserChain.h"
+#include "shellkit/page/PageChooser.h"
+#include "shellkit/page/QuestionBox.h"
+#include "shells/lv2/PluginInstance.h"
+
+namespace marnoth {
+
+/// A page of an instance, in its host's window. An instance may have several.
+///
+/// It has a connection to the display of its own, never waits, and brings nothing of a toolkit into the host:
+/// files are asked for over the page. The host's thread for windows alone.
+class PluginPage {
+public:
+    struct Setup {
+        unsigned long parent = 0;              ///< the host's window
+        double scaleFactor = 0;                ///< as the host enlarges its own; 0 where it tells none
+        const LV2UI_Resize* resize = nullptr;  ///< gets the size in pixels; null where the host has none
+    };
+
+    /// `instance` outlives it. Throws `std::runtime_error`, with a sentence for the user, where there is no
+    /// display or no font for it.
+    PluginPage(PluginInstance& instance, const Setup& setup);
+    ~PluginPage();
+    PluginPage(const PluginPage&) = delete;
+    PluginPage& operator=(const PluginPage&) = delete;
+
+    unsigned long window() const { return window_.id(); }
+    /// Takes what has come and paints, many times a second. False when the host has destroyed the window.
+    bool work();
+    void setScaleFactor(double factor);
+
+private:
+    /// What another page has changed is read here too.
+    void followOthers();
+    std::uint64_t changes() const;
+    void tellSize() const;
+
+    PageMemory& memory_;
+    const LV2UI_Resize* const resize_;
+    std::unique_ptr<FontSource> fonts_;
+    std::unique_ptr<Font> questionFont_;
+    PageChooser pageChooser_;
+    ChooserChain chooser_{{&pageChooser_}};
+    QuestionBox questions_;
+    X11Window window_;
+    CGrooveSamplerPropPage page_;
+    RefPtr<IMarnothOptions> options_;
+    std::uint64_t seen_ = 0;  ///< the instrument's count of changes
+    std::chrono::steady_clock::time_point nextLook_;
+};
+
+}  // namespace marnoth
