@@ -10,11 +10,9 @@
 #include <string_view>
 #include <vector>
 
-#include "fuzz/SeedFiles.h"
-#include "hostkit/MakeObject.h"
-#include "hostkit/MemoryStream.h"
+#include "fuzz/PluginSteps.h"
+#include "fuzz/ProjectSeeds.h"
 #include "shellkit/MidiBytes.h"
-#include "support/EngineHost.h"
 
 /// make_fuzz_seeds FOLDER: writes what the fuzzers begin with, a folder for each target.
 namespace marnoth::fuzz {
@@ -27,39 +25,8 @@ void makeWaves(const fs::path& folder) {
     for (const auto& [name, file] : waveSeeds()) file.write(folder / name);
 }
 
-Bytes saved(test::EngineHost& host) {
-    RefPtr<MemoryStream> stream = makeObject<MemoryStream>();
-    if (host.engine.SaveState(stream.get()) != S_OK) throw std::runtime_error("the project can't be saved");
-    return stream->takeBytes();
-}
-
-void load(test::EngineHost& host, std::int32_t pad, const test::WaveFile& file) {
-    const test::TempPath path = file.writeTemp();
-    std::int32_t bin = -1;
-    std::uint32_t status = 0;
-    if (FAILED(host.engine.LoadFileToPad(pad, "loop", path.c_str(), &bin, &status)))
-        throw std::runtime_error("a seed's loop can't be loaded");
-}
-
 void makeProjects(const fs::path& folder) {
-    using test::WaveFile;
-    WaveFile::writeBytes(folder / "empty.mrn", saved(*std::make_unique<test::EngineHost>()));
-    test::EngineHost one(11025, 1);
-    load(one, 0, WaveFile().rate(11025).frames(32, tone).acid({.beats = 1}).strc(3));
-    WaveFile::writeBytes(folder / "one.mrn", saved(one));
-    test::EngineHost two(22050, 2);
-    load(two, 0, WaveFile().rate(22050).channels(2).frames(64, tone).acid({.beats = 1}));
-    load(two, 3, WaveFile().rate(22050).frames(40, tone).acid({.flags = 1}));
-    two.engine.AddGrain(0, 2, 3, 1000000);
-    two.engine.SetGrainTranspose(0, 1, 7);
-    two.engine.SetGrainPan(0, 1, 0.25f);
-    two.engine.SetPadSolo(3, 1);
-    two.engine.SetPadChannel(3, 4);
-    WaveFile::writeBytes(folder / "two.mrn", saved(two));
-    Bytes wrapped(24, 0x20);
-    const Bytes form = saved(one);
-    wrapped.insert(wrapped.end(), form.begin(), form.end());
-    WaveFile::writeBytes(folder / "wrapped.mrn", wrapped);
+    for (const auto& [name, bytes] : projectSeeds()) test::WaveFile::writeBytes(folder / name, bytes);
 }
 
 void makeVersions(const fs::path& folder) {
@@ -108,14 +75,67 @@ void makeScripts(const fs::path& folder) {
     }
 }
 
+/// What a host does with a plug-in, written as its fuzz target reads it.
+class PluginStory {
+public:
+    template <class... Numbers>
+    PluginStory& step(PluginStep step, Numbers... numbers) {
+        test::append(bytes_, static_cast<std::uint8_t>(step));
+        (test::append(bytes_, numbers), ...);
+        return *this;
+    }
+    PluginStory& run(std::uint16_t frames) {
+        return step(PluginStep::run, frames, std::uint8_t{0}, std::uint8_t{200});
+    }
+    PluginStory& midi(std::int16_t frame, std::uint8_t status, std::uint8_t data1, std::uint8_t data2) {
+        return step(PluginStep::midi, frame, std::uint8_t{3}, status, data1, data2);
+    }
+    PluginStory& set(std::uint8_t parameter, std::uint8_t type, std::uint64_t value) {
+        return step(PluginStep::set, std::int16_t{3}, parameter, type, value);
+    }
+    PluginStory& restore(std::uint8_t project, std::uint8_t faults) {
+        return step(PluginStep::restore, project, faults, std::uint16_t{100}, std::uint8_t{0});
+    }
+    PluginStory& save(std::uint8_t files) { return step(PluginStep::save, std::uint8_t{0}, files); }
+    const Bytes& bytes() const { return bytes_; }
+
+private:
+    Bytes bytes_{0};
+};
+
+void makePlugins(const fs::path& folder) {
+    const auto write = [&](const char* name, const PluginStory& story) {
+        test::WaveFile::writeBytes(folder / name, story.bytes());
+    };
+    PluginStory played;
+    played.restore(2, 0)
+        .midi(0, 0x90, 60, 100)
+        .midi(20, 0xB0, 7, 50)
+        .run(64)
+        .midi(5, 0x80, 60, 0)
+        .run(700)
+        .save(0);
+    write("played", played);
+    PluginStory refused;
+    refused.restore(1, kInFile).save(1);
+    for (const std::uint8_t fault : std::initializer_list<std::uint8_t>{
+             kNoVersion, kNoProject, kNewerVersion, kOddVersion, kOddProject, kInFile | kNoFile, kCut})
+        refused.restore(2, fault).run(32);
+    write("refused", refused.step(PluginStep::names));
+    PluginStory automated;
+    for (std::uint8_t parameter = 0; parameter < 8; ++parameter) automated.set(parameter, 2, 0x3F000000);
+    write("automated", automated.run(64).step(PluginStep::activate).run(1));
+}
+
 void makeAll(const fs::path& folder) {
-    for (const char* target : {"wave", "project", "version", "midi", "script"})
+    for (const char* target : {"wave", "project", "version", "midi", "script", "lv2"})
         fs::create_directories(folder / target);
     makeWaves(folder / "wave");
     makeVersions(folder / "version");
     makeMidi(folder / "midi");
     makeScripts(folder / "script");
     makeProjects(folder / "project");
+    makePlugins(folder / "lv2");
 }
 
 }  // namespace
