@@ -1,10 +1,14 @@
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <barrier>
 #include <cstdlib>
 #include <fstream>
 #include <functional>
+#include <iostream>
 #include <random>
+#include <thread>
 
 #include "hosts/lv2/LilvHost.h"
 #include "shellkit/TempFolder.h"
@@ -17,6 +21,7 @@ namespace {
 constexpr std::uint32_t kRate = 48000;
 constexpr float kTempo = 120;
 constexpr std::int64_t kFramesOfTick = 25;
+constexpr std::int64_t kMostGrowth = 4 << 20;
 const std::string kStereo = "urn:marnoth:instrument";
 const std::string kMulti = "urn:marnoth:instrument-multi";
 
@@ -85,8 +90,8 @@ struct Studio {
 /// An instance with the groove's project.
 class Player {
 public:
-    explicit Player(const std::string& uri)
-        : host(Studio::get().plugins, uri, kRate), messages_(Studio::get().groove.messages) {}
+    explicit Player(const std::string& uri, double rate = kRate)
+        : host(Studio::get().plugins, uri, rate), messages_(Studio::get().groove.messages) {}
     void restoreGroove(const std::string& uri) {
         const TempFolder folder;
         writeText(folder / "state.ttl",
@@ -250,22 +255,60 @@ TEST(PluginInHost, ItsPresetsAreTheDemo) {
     }
 }
 
-TEST(PluginInHost, ThirtyTwoPlayAtOnceAndHundredsComeAndGo) {
+TEST(PluginInHost, ThirtyTwoOnSeveralThreadsEachPlayAsOneAlone) {
+    static constexpr int kThreads = 4;
+    static constexpr std::int64_t kBlock = 256, kBlocks = 300;
+    const Groove& groove = Studio::get().groove;
     std::vector<std::unique_ptr<Player>> players;
     for (int i = 0; i < 32; ++i) {
         players.push_back(std::make_unique<Player>(i % 2 ? kMulti : kStereo));
         players.back()->restoreGroove(i % 2 ? kMulti : kStereo);
         players.back()->host.activate();
     }
-    for (int block = 1; block <= 40; ++block)
-        for (const auto& player : players) player->playTo(256 * block, [] { return 256; });
-    expectSame(*players[0], 0, Studio::get().groove.stereo(), 256 * 40);
-    expectSame(*players[31], 0, Studio::get().groove.output(0), 256 * 40);
-    for (int i = 0; i < 300; ++i) {
-        LilvHost host(Studio::get().plugins, i % 2 ? kMulti : kStereo, 44100 + i);
-        host.activate();
-        host.block(64);
+    // In each cycle an instance is another thread's, and a cycle begins when all have ended the last one.
+    std::barrier cycle(kThreads);
+    std::vector<std::jthread> threads;
+    for (int thread = 0; thread < kThreads; ++thread)
+        threads.emplace_back([&, thread] {
+            for (int block = 0; block < kBlocks; ++block) {
+                for (int i = (thread + block) % kThreads; i < 32; i += kThreads)
+                    players[static_cast<std::size_t>(i)]->playTo(kBlock * (block + 1), [] { return kBlock; });
+                cycle.arrive_and_wait();
+            }
+        });
+    threads.clear();
+    const std::vector<float> stereo = groove.stereo();
+    const std::vector<float> mix = groove.output(0), fourth = groove.output(4);
+    for (std::size_t i = 0; i < players.size(); ++i) {
+        expectSame(*players[i], 0, i % 2 ? mix : stereo, kBlock * kBlocks);
+        if (i % 2) expectSame(*players[i], 4, fourth, kBlock * kBlocks);
     }
+}
+
+/// Bytes of this process that lie in memory.
+std::int64_t residentBytes() {
+    std::int64_t pages = 0;
+    std::ifstream("/proc/self/statm").ignore(64, ' ') >> pages;
+    return pages * sysconf(_SC_PAGESIZE);
+}
+
+/// Hundreds, or as many as MARNOTH_ROUNDS says.
+TEST(PluginInHost, InstancesComeAndGoAndLeaveNothing) {
+    const std::string wished = given("MARNOTH_ROUNDS");
+    const int rounds = wished.empty() ? 500 : std::stoi(wished);
+    std::int64_t begin = 0;
+    for (int i = 0; i < rounds; ++i) {
+        if (i == rounds / 10) begin = residentBytes();
+        const std::string& uri = i % 2 ? kMulti : kStereo;
+        Player player(uri, 44100 + i % 100);
+        if (i % 10 == 0) player.restoreGroove(uri);
+        player.host.activate();
+        player.host.midi(0, 0x90, 60, 100);
+        player.host.block(64);
+    }
+    const std::int64_t growth = residentBytes() - begin;
+    std::cout << rounds << " instances, " << growth / 1024 << " KiB more than after the first tenth\n";
+    EXPECT_LT(growth, kMostGrowth);
 }
 
 }  // namespace
