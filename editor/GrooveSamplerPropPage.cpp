@@ -74,6 +74,30 @@ void CGrooveSamplerPropPage::open() {
     poll(true);
 }
 
+KeptView CGrooveSamplerPropPage::keptView() const {
+    const TimeScale scale = m_editor.scale();
+    return {.currentPad = m_view.currentPad,
+            .currentBinFile = m_view.currentBinFile,
+            .selection = {m_view.selection.begin(), m_view.selection.end()},
+            .binSelection = {m_view.binSelection.begin(), m_view.binSelection.end()},
+            .pixelsPerBeat = scale.pixelsPerBeat,
+            .rowHeight = scale.rowHeight,
+            .snapIndex = scale.snapIndex,
+            .editorPosition = {scale.horizontal, scale.vertical},
+            .binPosition = m_bin.position(),
+            .showsKeyMap = m_strip.showsKeyMap()};
+}
+
+void CGrooveSamplerPropPage::show(const KeptView& view) {
+    if (!m_isOpen || !m_pGrooveSampler) return;
+    m_view.show(view, m_pGrooveSampler);
+    m_strip.showKeyMap(view.showsKeyMap);
+    m_editor.show(view);
+    m_bin.scrollTo(view.binPosition);
+    invalidate(screen().bounds());
+    RefreshAll();
+}
+
 void CGrooveSamplerPropPage::setRootScale(RootScale scale) {
     m_padPanel.setRootScale(scale);
     if (m_isOpen) RefreshPadControls();

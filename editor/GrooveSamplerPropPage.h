@@ -7,6 +7,7 @@
 #include <string>
 
 #include "editor/BoundEngine.h"
+#include "editor/KeptView.h"
 #include "editor/PageFrame.h"
 #include "editor/PageView.h"
 #include "editor/PaneParent.h"
@@ -79,6 +80,11 @@ public:
     void RefreshGrainReadouts() override;
     void SyncLoopToggles(int pad) override { m_strips.SyncLoopToggles(pad); }
     PageQuestions& questions() override { return PageFrame::questions(); }
+
+    /// How the user has left the page, and shows it so. Values that can't be are held to their ranges. Only
+    /// with an engine and a window.
+    KeptView keptView() const;
+    void show(const KeptView& view);
 
     // The view, for scripts and tests.
     int currentPad() const { return m_view.currentPad; }

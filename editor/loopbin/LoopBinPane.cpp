@@ -55,6 +55,11 @@ void LoopBinPane::paint(Surface& surface) {
     horizontal_.paint(surface);
 }
 
+void LoopBinPane::scrollTo(Point position) {
+    vertical_.SetTrackPosition(kBinRowHeight * page_.engine().binFileCount(), position.y, -1);
+    horizontal_.SetTrackPosition(-1, position.x, -1);
+}
+
 bool LoopBinPane::HitTestBinRow(Point at, int* index) const {
     *index = -1;
     if (!kBinList.contains(at)) return false;

@@ -34,6 +34,8 @@ public:
     CGrooveScroller& horizontal() { return horizontal_; }
     /// What is scrolled out at the left and above, pixels.
     Point position() const { return {horizontal_.position(), vertical_.position()}; }
+    /// As far as there is something.
+    void scrollTo(Point position);
 
 private:
     void askToDelete();

@@ -41,6 +41,15 @@ TimeScale PadEditorPane::scale() const {
     return scale;
 }
 
+void PadEditorPane::show(const KeptView& view) {
+    scale_.setZoom(view.pixelsPerBeat, view.rowHeight);
+    scale_.snapIndex = std::clamp(view.snapIndex, 0, static_cast<int>(kSnapTable.size()) - 1);
+    lightRow(-1);
+    updateScrollers();
+    horizontal_.SetTrackPosition(-1, view.editorPosition.x, -1);
+    vertical_.SetTrackPosition(-1, view.editorPosition.y, -1);
+}
+
 void PadEditorPane::updateScrollers() {
     const BoundEngine& engine = page_.engine();
     vertical_.SetTrackPosition(scale_.contentHeight(), vertical_.position(), -1);

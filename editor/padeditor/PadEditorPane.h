@@ -2,6 +2,7 @@
 
 #include <optional>
 
+#include "editor/KeptView.h"
 #include "editor/PaneParent.h"
 #include "editor/controls/GrooveScroller.h"
 #include "editor/padeditor/EventPlot.h"
@@ -49,6 +50,8 @@ public:
 
     /// Zoom, snap, and what the scrollers have.
     TimeScale scale() const;
+    /// Those of a view, as far as they can be.
+    void show(const KeptView& view);
     std::optional<GrainHit> HitTestGrain(Point at) const;
     std::optional<RowHit> HitTestRow(Point at) const;
     /// The pad whose mark of the loop length lies there, and where the mark is.

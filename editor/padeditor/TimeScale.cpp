@@ -1,6 +1,7 @@
 #include "editor/padeditor/TimeScale.h"
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 
 #include "editor/Truncate.h"
@@ -10,6 +11,13 @@ namespace {
 
 /// Whole beats that 64 bits of ticks hold, with room for a part of one more.
 constexpr std::int64_t kLastBeat = std::numeric_limits<std::int64_t>::max() / kTicks16PerBeat - 1;
+
+// What zooming comes to, pixels.
+constexpr double kNarrowestBeat = 20.0;
+constexpr double kWidestBeat = 200.0;
+constexpr int kLowestRow = 10;
+constexpr int kHighestRow = 30;
+constexpr int kRowStep = 5;
 
 }  // namespace
 
@@ -64,20 +72,25 @@ int TimeScale::contentWidth(std::int64_t endTicks16) const {
     return truncateToPixel((static_cast<double>(endTicks16) / kTicks16PerBeat + 1.0) * pixelsPerBeat + 0.5);
 }
 
+void TimeScale::setZoom(double beat, int row) {
+    if (!std::isnan(beat)) pixelsPerBeat = std::clamp(beat, kNarrowestBeat, kWidestBeat);
+    rowHeight = std::clamp(row - row % kRowStep, kLowestRow, kHighestRow);
+}
+
 void TimeScale::zoomIn() {
-    pixelsPerBeat = std::min(pixelsPerBeat * 1.5, 200.0);
+    pixelsPerBeat = std::min(pixelsPerBeat * 1.5, kWidestBeat);
 }
 
 void TimeScale::zoomOut() {
-    pixelsPerBeat = std::max(pixelsPerBeat * 0.6666666666666666, 20.0);
+    pixelsPerBeat = std::max(pixelsPerBeat * 0.6666666666666666, kNarrowestBeat);
 }
 
 void TimeScale::makeRowsHigher() {
-    rowHeight = std::min(rowHeight + 5, 30);
+    rowHeight = std::min(rowHeight + kRowStep, kHighestRow);
 }
 
 void TimeScale::makeRowsLower() {
-    rowHeight = std::max(rowHeight - 5, 10);
+    rowHeight = std::max(rowHeight - kRowStep, kLowestRow);
 }
 
 }  // namespace marnoth

@@ -47,6 +47,8 @@ struct TimeScale {
     int contentHeight() const { return kPads * rowHeight; }
 
     // Zooming leaves `horizontal` and `vertical` alone, whatever is seen then.
+    /// Held to what zooming comes to; what is no number changes nothing.
+    void setZoom(double beat, int row);
     void zoomIn();
     void zoomOut();
     void makeRowsHigher();

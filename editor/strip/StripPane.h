@@ -19,6 +19,7 @@ public:
     StripPane(PaneParent& page, Font& font);
 
     bool showsKeyMap() const { return showsKeyMap_; }
+    void showKeyMap(bool on) { showsKeyMap_ = on; }
     void paint(Surface& surface);
     /// Switches to the view of the tab that lies there; false where none does.
     bool HitTestViewTab(Point at);

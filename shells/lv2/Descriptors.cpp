@@ -61,12 +61,12 @@ void cleanup(LV2_Handle instance) {
 
 LV2_State_Status save(LV2_Handle instance, LV2_State_Store_Function store, LV2_State_Handle handle,
                       std::uint32_t, const LV2_Feature* const* features) {
-    return pluginOf(instance).state().save(store, handle, features);
+    return pluginOf(instance).save(store, handle, features);
 }
 
 LV2_State_Status restore(LV2_Handle instance, LV2_State_Retrieve_Function retrieve, LV2_State_Handle handle,
                          std::uint32_t, const LV2_Feature* const* features) {
-    return pluginOf(instance).state().restore(retrieve, handle, features);
+    return pluginOf(instance).restore(retrieve, handle, features);
 }
 
 /// The rate is the one option; a host sets it while the plug-in isn't active.

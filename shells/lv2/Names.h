@@ -14,6 +14,7 @@ inline constexpr const char* kPageUri = "urn:marnoth:page";
 /// What their state holds.
 inline constexpr const char* kStateVersionUri = "urn:marnoth:stateVersion";
 inline constexpr const char* kProjectUri = "urn:marnoth:project";
+inline constexpr const char* kViewUri = "urn:marnoth:view";
 
 /// What a host automates: pads 1 to 16 and, behind a colon, one of these.
 inline constexpr const char* kPadUri = "urn:marnoth:pad";

@@ -81,6 +81,7 @@ void PadParameters::setByController(std::uint8_t channel, std::uint8_t number, s
         std::int32_t answered = kAnyChannel;
         sampler_.GetPadChannel(pad, &answered);
         if (answered != kAnyChannel && answered != channel) continue;
+        ++changes_;
         if (number == kLevelController) sampler_.SetPadVolume(pad, level * level);
         if (number == kPanController) sampler_.SetPadPan(pad, pan);
     }
@@ -124,6 +125,7 @@ float PadParameters::read(std::size_t index) const {
 }
 
 void PadParameters::write(std::size_t index, float value) {
+    ++changes_;
     switch (kindOf(index)) {
         case PadParameter::level:
             sampler_.SetPadVolume(padOf(index), volumeOf(value));

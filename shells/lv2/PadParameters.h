@@ -44,6 +44,9 @@ public:
     /// A controller of a channel, 7 (level) or 10 (pan): for all pads that answer the channel.
     void setByController(std::uint8_t channel, std::uint8_t number, std::uint8_t value);
 
+    /// How many changes of the instrument all this made.
+    std::uint64_t changes() const { return changes_; }
+
     /// Calls `tell(index, value)` with everything that has changed since the host last set it or was told it.
     /// What `tell` answers false to is told the next time.
     template <class Tell>
@@ -74,7 +77,8 @@ private:
     RefPtr<IMarnothOptions> options_;
     std::array<LV2_URID, kCount> properties_{};  ///< pad by pad
     std::array<float, kCount> told_{};           ///< as the host knows them; it begins with their defaults
-    std::optional<std::uint64_t> seen_;          ///< the instrument's count of changes
+    std::uint64_t changes_ = 0;
+    std::optional<std::uint64_t> seen_;  ///< the instrument's count of changes
 };
 
 }  // namespace marnoth

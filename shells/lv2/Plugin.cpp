@@ -45,6 +45,7 @@ void Plugin::connect(std::uint32_t port, void* data) {
 }
 
 bool Plugin::prepare() {
+    const StateChanges::OfHost own(changes_);
     const std::uint32_t rate = wholeRate(rate_);
     if (FAILED(connectWithProject(host_, {rate, kMostFrames, outputs_}, connectedRate_))) return false;
     connectedRate_ = rate;
@@ -54,6 +55,17 @@ bool Plugin::prepare() {
 
 void Plugin::activate() {
     if (!prepare()) log_.error("the instrument can't be connected anew");
+}
+
+LV2_State_Status Plugin::save(LV2_State_Store_Function store, LV2_State_Handle handle,
+                              const LV2_Feature* const* features) {
+    return state_.save(store, handle, features);
+}
+
+LV2_State_Status Plugin::restore(LV2_State_Retrieve_Function retrieve, LV2_State_Handle handle,
+                                 const LV2_Feature* const* features) {
+    const StateChanges::OfHost own(changes_);
+    return state_.restore(retrieve, handle, features);
 }
 
 void Plugin::run(std::uint32_t frames) {
@@ -143,13 +155,14 @@ void Plugin::writeEvents() {
                               sizeof(LV2_Atom) + eventsOut_->atom.size);
     lv2_atom_forge_sequence_head(&forge_, &sequence, 0);
     parameters_.tellChanges([this](std::size_t index, float value) { return writeParameter(index, value); });
+    writeStateChanged();
     lv2_atom_forge_pop(&forge_, &sequence);
 }
 
 /// False where there is no room for it.
 bool Plugin::writeParameter(std::size_t index, float value) {
     constexpr std::uint32_t kMostBytes = 128;
-    if (forge_.size - forge_.offset < kMostBytes) return false;
+    if (!hasRoomFor(kMostBytes)) return false;
     LV2_Atom_Forge_Frame object;
     lv2_atom_forge_frame_time(&forge_, 0);
     lv2_atom_forge_object(&forge_, &object, 0, urids_.patchSet);
@@ -163,6 +176,17 @@ bool Plugin::writeParameter(std::size_t index, float value) {
     }
     lv2_atom_forge_pop(&forge_, &object);
     return true;
+}
+
+void Plugin::writeStateChanged() {
+    constexpr std::uint32_t kBytes = sizeof(LV2_Atom_Event) + sizeof(LV2_Atom_Object_Body);
+    owesStateChanged_ = changes_.byOthers(parameters_.changes()) || owesStateChanged_;
+    if (!owesStateChanged_ || !hasRoomFor(kBytes)) return;
+    LV2_Atom_Forge_Frame object;
+    lv2_atom_forge_frame_time(&forge_, 0);
+    lv2_atom_forge_object(&forge_, &object, 0, urids_.stateChanged);
+    lv2_atom_forge_pop(&forge_, &object);
+    owesStateChanged_ = false;
 }
 
 }  // namespace marnoth

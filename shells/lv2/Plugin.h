@@ -14,6 +14,7 @@
 #include "shells/lv2/PadParameters.h"
 #include "shells/lv2/PluginInstance.h"
 #include "shells/lv2/PluginState.h"
+#include "shells/lv2/StateChanges.h"
 #include "shells/lv2/Urids.h"
 
 namespace marnoth {
@@ -28,8 +29,8 @@ enum PluginPort : std::uint32_t {
 
 /// An instance of a plug-in: the instrument with what its host sends it.
 ///
-/// Threads as hosts keep them: `run` is the one that renders, where nothing allocates; `state` is for any
-/// other; everything else is never called at once with anything.
+/// Threads as hosts keep them: `run` is the one that renders, where nothing allocates; `save` and `restore`
+/// are for any other; everything else is never called at once with anything.
 class Plugin final : public PluginInstance {
 public:
     /// Renders `outputs` of the instrument, 0 the mix, 1 to 16 the channels, at `rate` frames per second.
@@ -46,7 +47,11 @@ public:
     void activate();
     void run(std::uint32_t frames);
 
-    PluginState& state() { return state_; }
+    /// The state, as `PluginState` has it.
+    LV2_State_Status save(LV2_State_Store_Function store, LV2_State_Handle handle,
+                          const LV2_Feature* const* features);
+    LV2_State_Status restore(LV2_State_Retrieve_Function retrieve, LV2_State_Handle handle,
+                             const LV2_Feature* const* features);
     NoteNames& noteNames() { return noteNames_; }
     const Urids& urids() const { return urids_; }
 
@@ -66,13 +71,18 @@ private:
     void renderTo(std::int32_t frame);
     void writeEvents();
     bool writeParameter(std::size_t index, float value);
+    void writeStateChanged();
+    /// Whether this many bytes more find room among the events that go out.
+    bool hasRoomFor(std::uint32_t bytes) const { return forge_.size - forge_.offset >= bytes; }
 
     Urids urids_;
     HostLog log_;
     LiveHost host_;
     PageMemory pages_;
-    PluginState state_{host_, urids_, log_};
+    PluginState state_{host_, pages_, urids_, log_};
     PadParameters parameters_;
+    StateChanges changes_{host_.sampler()};
+    bool owesStateChanged_ = false;  ///< the host is to be told yet
     NoteNames noteNames_;
     LV2_Atom_Forge forge_{};
     std::span<const int> outputs_;

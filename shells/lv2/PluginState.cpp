@@ -45,31 +45,21 @@ private:
     const LV2_State_Free_Path* free_;
 };
 
-/// A property as the host has it.
-struct Stored {
-    const void* value = nullptr;
-    std::size_t bytes = 0;
-    LV2_URID type = 0;
-};
-
-Stored retrieved(LV2_State_Retrieve_Function retrieve, LV2_State_Handle handle, LV2_URID key) {
-    Stored stored;
-    std::uint32_t flags = 0;
-    stored.value = retrieve(handle, key, &stored.bytes, &stored.type, &flags);
-    return stored;
-}
-
-std::optional<std::int32_t> versionIn(const Stored& stored, const Urids& urids) {
+/// A property is nothing where the host has none.
+std::optional<std::int32_t> versionIn(const void* value, std::size_t bytes) {
     std::int32_t version = 0;
-    if (!stored.value || stored.type != urids.atomInt || stored.bytes != sizeof version) return {};
-    std::memcpy(&version, stored.value, sizeof version);
+    if (!value || bytes != sizeof version) return {};
+    std::memcpy(&version, value, sizeof version);
     return version;
 }
 
+std::string textIn(const void* value, std::size_t bytes) {
+    const auto* text = static_cast<const char*>(value);
+    return text ? std::string(text, strnlen(text, bytes)) : std::string();
+}
+
 /// A path in a state as it is now.
-std::filesystem::path pathIn(const Stored& stored, const LV2_Feature* const* features) {
-    const auto* text = static_cast<const char*>(stored.value);
-    const std::string path(text, strnlen(text, stored.bytes));
+std::filesystem::path pathIn(const std::string& path, const LV2_Feature* const* features) {
     const auto* map = featureOf<LV2_State_Map_Path>(features, LV2_STATE__mapPath);
     if (!map) return path;
     const HostPath present(map->absolute_path(map->handle, path.c_str()), features);
@@ -110,9 +100,17 @@ LV2_State_Status PluginState::save(LV2_State_Store_Function store, LV2_State_Han
         const LV2_State_Status versioned =
             store(handle, urids_.stateVersion, &kStateVersion, sizeof kStateVersion, urids_.atomInt, kPlain);
         if (versioned != LV2_STATE_SUCCESS) return versioned;
-        return makePath && mapPath ? saveFile(store, handle, *makePath, *mapPath, features)
-                                   : saveChunk(store, handle);
+        const LV2_State_Status saved = makePath && mapPath
+                                           ? saveFile(store, handle, *makePath, *mapPath, features)
+                                           : saveChunk(store, handle);
+        return saved == LV2_STATE_SUCCESS ? saveView(store, handle) : saved;
     });
+}
+
+LV2_State_Status PluginState::saveView(LV2_State_Store_Function store, LV2_State_Handle handle) {
+    const std::string view = pages_.view();
+    if (view.empty()) return LV2_STATE_SUCCESS;
+    return store(handle, urids_.view, view.c_str(), view.size() + 1, urids_.atomString, kPlain);
 }
 
 LV2_State_Status PluginState::saveFile(LV2_State_Store_Function store, LV2_State_Handle handle,
@@ -143,6 +141,14 @@ LV2_State_Status PluginState::saveChunk(LV2_State_Store_Function store, LV2_Stat
     return store(handle, urids_.project, bytes.data(), bytes.size(), urids_.atomChunk, kPlain);
 }
 
+PluginState::Stored PluginState::retrieved(LV2_State_Retrieve_Function retrieve, LV2_State_Handle handle,
+                                           LV2_URID key) {
+    Stored stored;
+    std::uint32_t flags = 0;
+    stored.value = retrieve(handle, key, &stored.bytes, &stored.type, &flags);
+    return stored;
+}
+
 LV2_State_Status PluginState::restore(LV2_State_Retrieve_Function retrieve, LV2_State_Handle handle,
                                       const LV2_Feature* const* features) {
     return guarded(log_, [&] {
@@ -150,23 +156,32 @@ LV2_State_Status PluginState::restore(LV2_State_Retrieve_Function retrieve, LV2_
         const Stored project = retrieved(retrieve, handle, urids_.project);
         const Stored version = retrieved(retrieve, handle, urids_.stateVersion);
         if (!project.value && !version.value) return LV2_STATE_ERR_NO_PROPERTY;
-        const std::optional<std::int32_t> number = versionIn(version, urids_);
+        const std::optional<std::int32_t> number =
+            version.type == urids_.atomInt ? versionIn(version.value, version.bytes) : std::nullopt;
         if (!number) return refuse("it has no version");
         if (*number != kStateVersion)
             return refuse("it is of version " + std::to_string(*number) + ", and this reads version " +
                           std::to_string(kStateVersion));
         if (!project.value) return refuse("it has no project");
-        if (project.type == urids_.atomPath) {
-            RefPtr<FileStream> file;
-            const std::filesystem::path path = pathIn(project, features);
-            if (FAILED(FileStream::open(path, FileMode::read, &file)))
-                return refuse(path.string() + " can't be opened");
-            return load(*file);
-        }
-        if (project.type != urids_.atomChunk) return refuse("its project is neither a file nor a chunk");
-        const auto* bytes = static_cast<const std::uint8_t*>(project.value);
-        return load(*makeObject<MemoryStream>(std::vector<std::uint8_t>(bytes, bytes + project.bytes)));
+        const Stored view = retrieved(retrieve, handle, urids_.view);
+        const LV2_State_Status loaded = load(project, features);
+        if (loaded == LV2_STATE_SUCCESS)
+            pages_.restore(view.type == urids_.atomString ? textIn(view.value, view.bytes) : std::string());
+        return loaded;
     });
+}
+
+LV2_State_Status PluginState::load(const Stored& project, const LV2_Feature* const* features) {
+    if (project.type == urids_.atomPath) {
+        RefPtr<FileStream> file;
+        const std::filesystem::path path = pathIn(textIn(project.value, project.bytes), features);
+        if (FAILED(FileStream::open(path, FileMode::read, &file)))
+            return refuse(path.string() + " can't be opened");
+        return load(*file);
+    }
+    if (project.type != urids_.atomChunk) return refuse("its project is neither a file nor a chunk");
+    const auto* bytes = static_cast<const std::uint8_t*>(project.value);
+    return load(*makeObject<MemoryStream>(std::vector<std::uint8_t>(bytes, bytes + project.bytes)));
 }
 
 LV2_State_Status PluginState::load(IStream& project) {

@@ -5,6 +5,7 @@
 #include <lv2/midi/midi.h>
 #include <lv2/parameters/parameters.h>
 #include <lv2/patch/patch.h>
+#include <lv2/state/state.h>
 #include <lv2/time/time.h>
 
 #include "shells/lv2/Names.h"
@@ -24,6 +25,7 @@ Urids::Urids(const LV2_URID_Map& map) {
     atomPath = of(LV2_ATOM__Path);
     atomResource = of(LV2_ATOM__Resource);
     atomSequence = of(LV2_ATOM__Sequence);
+    atomString = of(LV2_ATOM__String);
     atomUrid = of(LV2_ATOM__URID);
     atomBeatTime = of(LV2_ATOM__beatTime);
     logError = of(LV2_LOG__Error);
@@ -46,6 +48,8 @@ Urids::Urids(const LV2_URID_Map& map) {
     timeSpeed = of(LV2_TIME__speed);
     project = of(kProjectUri);
     stateVersion = of(kStateVersionUri);
+    stateChanged = of(LV2_STATE__StateChanged);
+    view = of(kViewUri);
 }
 
 }  // namespace marnoth

@@ -305,6 +305,72 @@ TEST_F(PageLife, WhereNothingLiesOnItTheSkinIsSeen) {
     EXPECT_EQ(wrong, 0);
 }
 
+/// A page over two files of loops, and two pads with grains of them.
+void openWithLoops(PageRig& rig) {
+    for (int file = 0; file < 20; ++file) rig.addFile("loop.wav", 4);
+    rig.fillPad(0, 40);
+    rig.fillPad(5, 3);
+    rig.open();
+}
+
+TEST_F(PageLife, APageShowsHowAnotherWasLeft) {
+    openWithLoops(rig);
+    rig.click(PageRig::onBinRow(1));
+    rig.select(5, 2);
+    rig.alsoSelect(5, 0);
+    rig.click({kKeyMapTab.left + 4, kKeyMapTab.top + 4});
+    rig.click(rig.on(kZoomIn));
+    rig.click(rig.on(kRowsHigher));
+    rig.window.wheel(PageRig::onBeat(5, 0), WheelAxis::horizontal, 2);
+    rig.window.wheel(PageRig::onBinRow(3), WheelAxis::vertical, -1);
+    rig.move(kNowhere);
+    const KeptView left = rig.page->keptView();
+    EXPECT_EQ(left.currentPad, 5);
+    EXPECT_EQ(left.pixelsPerBeat, 81.0);
+    EXPECT_EQ(left.rowHeight, 15);
+    EXPECT_EQ(left.editorPosition.x, 162);
+    EXPECT_GT(left.binPosition.y, 0);
+    const std::vector<EventSelectionInfo> selected{{5, 2}, {5, 0}};
+    EXPECT_EQ(left.selection, selected);
+    const Bitmap seen = rig.page->screen();
+
+    PageRig other;
+    openWithLoops(other);
+    other.page->show(left);
+    other.window.settle();
+    EXPECT_EQ(other.page->keptView(), left);
+    int differing = 0;
+    for (int y = 0; y < kPageHeight; ++y)
+        for (int x = 0; x < kPageWidth; ++x) differing += seen.at(x, y) != other.page->screen().at(x, y);
+    EXPECT_EQ(differing, 0);
+}
+
+TEST_F(PageLife, OfAViewNothingIsShownThatCantBe) {
+    openWithLoops(rig);
+    rig.page->show({.currentPad = 99,
+                    .currentBinFile = 20,
+                    .selection = {{5, 3}, {-1, 0}, {16, 0}, {5, -1}, {5, 2}},
+                    .binSelection = {{19, 4}, {18, 0}, {19, 3}},
+                    .pixelsPerBeat = 1e300,
+                    .rowHeight = -2147483647,
+                    .snapIndex = -4,
+                    .editorPosition = {2147483647, -5},
+                    .binPosition = {-1, 2147483647},
+                    .showsKeyMap = false});
+    rig.window.settle();
+    const KeptView shown = rig.page->keptView();
+    EXPECT_EQ(shown.currentPad, 15);
+    EXPECT_EQ(shown.currentBinFile, 19);
+    EXPECT_EQ(shown.selection, (std::vector<EventSelectionInfo>{{5, 2}}));
+    EXPECT_EQ(shown.binSelection, (std::vector<EventSelectionInfo>{{19, 3}}));
+    EXPECT_EQ(shown.pixelsPerBeat, 200.0);
+    EXPECT_EQ(shown.rowHeight, 10);
+    EXPECT_EQ(shown.snapIndex, 0);
+    // 41 beats of 200 pixels less the 446 of the plot; twenty rows of 15 pixels less the list's 149.
+    EXPECT_EQ(shown.editorPosition, (Point{41 * 200 - kPadPlot.width(), 0}));
+    EXPECT_EQ(shown.binPosition, (Point{0, 20 * 15 - kBinList.height()}));
+}
+
 TEST_F(PageLife, ARingLiesAroundTheCurrentPad) {
     rig.open();
     // Pad 11 in the third column and row: 315, 118 to 405, 176 with the right and bottom edges outside.

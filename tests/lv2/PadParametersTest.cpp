@@ -22,6 +22,7 @@ Values toldBy(PluginHost& host) {
     const Urids& urids = host.plugin().urids();
     Values values;
     forEachEvent(host.eventsOut(), urids, [&](std::int64_t, const AtomView& event) {
+        if (objectType(event, urids) == urids.stateChanged) return;
         ASSERT_EQ(objectType(event, urids), host.world.urid(LV2_PATCH__Set));
         const auto property = propertyOf(event, urids.patchProperty);
         const auto value = propertyOf(event, urids.patchValue);

@@ -189,6 +189,42 @@ TEST(PluginState, WithNothingInItIsNone) {
     EXPECT_EQ(filesOf(host), 4);
 }
 
+TEST(PluginState, HoldsHowThePageWasLeft) {
+    Loaded host;
+    PageMemory& pages = host.plugin().pages();
+    HostState state(false);
+    state.save(host);
+    EXPECT_EQ(state.properties.size(), 2u) << "nobody has used a page";
+    pages.keep("pad 3\n", 0);
+    state.save(host);
+    const auto first = state.properties;
+    state.save(host);
+    EXPECT_EQ(state.properties, first);
+    PluginHost other;
+    ASSERT_EQ(state.restore(other), LV2_STATE_SUCCESS) << other.world.log;
+    EXPECT_EQ(other.plugin().pages().view(), "pad 3\n");
+    EXPECT_EQ(other.plugin().pages().restored(), 1u);
+    pages.keep("pad 5\n", 0);
+    other.plugin().pages().keep("pad 5\n", 0);
+    EXPECT_EQ(other.plugin().pages().view(), "pad 3\n") << "a page that hasn't shown it yet leaves it";
+}
+
+TEST(PluginState, WithoutAViewOrWithAnOddOneIsRestoredAllTheSame) {
+    Loaded host;
+    HostState state(false);
+    state.save(host);
+    PluginHost other;
+    other.plugin().pages().keep("pad 3\n", 0);
+    ASSERT_EQ(state.restore(other), LV2_STATE_SUCCESS) << other.world.log;
+    EXPECT_EQ(other.plugin().pages().view(), "") << "what it told of is gone with the project";
+    state.of(host, kViewUri) = {{'p', 'a', 'd', ' ', '1'}, host.world.urid(LV2_ATOM__Int)};
+    ASSERT_EQ(state.restore(other), LV2_STATE_SUCCESS) << other.world.log;
+    EXPECT_EQ(other.plugin().pages().view(), "");
+    state.of(host, kViewUri).type = host.world.urid(LV2_ATOM__String);
+    ASSERT_EQ(state.restore(other), LV2_STATE_SUCCESS) << other.world.log;
+    EXPECT_EQ(other.plugin().pages().view(), "pad 1") << "without the zero at its end";
+}
+
 TEST(PluginState, ThatCantBeWrittenIsTold) {
     Loaded host;
     HostState state(true);

@@ -1,7 +1,9 @@
 #include "shells/lv2/page/PluginPage.h"
 
 #include <array>
+#include <new>
 #include <stdexcept>
+#include <utility>
 
 #include "editor/PageLayout.h"
 #include "editor/skin/Skin.h"
@@ -11,6 +13,7 @@
 #include "shellkit/files/LoopFiles.h"
 #include "shellkit/files/ProjectFiles.h"
 #include "shells/lv2/page/PageKeysHelp.h"
+#include "shells/lv2/page/ViewText.h"
 
 namespace marnoth {
 
@@ -29,7 +32,8 @@ std::unique_ptr<Font> questionFont(FontSource& fonts) {
 }  // namespace
 
 PluginPage::PluginPage(PluginInstance& instance, const Setup& setup)
-    : memory_(instance.pages()),
+    : sampler_(instance.sampler()),
+      memory_(instance.pages()),
       resize_(setup.resize),
       fonts_(platformFonts()),
       questionFont_(questionFont(*fonts_)),
@@ -44,24 +48,26 @@ PluginPage::PluginPage(PluginInstance& instance, const Setup& setup)
                .icon = {}},
               *fonts_, questions_, chooser_),
       page_(window_) {
-    IGrooveSampler& sampler = instance.sampler();
-    sampler.QueryInterface(IID_IMarnothOptions, options_.putVoid());
-    setLenientFiles(sampler, true);
+    sampler_.QueryInterface(IID_IMarnothOptions, options_.putVoid());
+    setLenientFiles(sampler_, true);
     page_.checkLoads(adviceBeforeLoad);
-    page_.adviseOnLoads([&sampler](const std::string& file) { return adviceOnLoad(sampler, file); });
+    page_.adviseOnLoads([this](const std::string& file) { return adviceOnLoad(sampler_, file); });
     page_.setRootScale(RootScale::ofLoops);
-    const std::array<IUnknown*, 1> objects{&sampler};
-    page_.bind(objects);
     window_.setPage(&page_);
     window_.onHelp([this] { window_.askMessage(kPageKeysHelp, MessageKind::note, [](PageAnswer) {}); });
     page_.open();
-    seen_ = changes();
+    bind();
     window_.show();
     tellSize();
     ++memory_.open;
 }
 
 PluginPage::~PluginPage() {
+    try {
+        keepView();
+    } catch (const std::bad_alloc&) {
+        // Without memory it is as it was some moments before.
+    }
     --memory_.open;
 }
 
@@ -72,12 +78,41 @@ bool PluginPage::work() {
     return true;
 }
 
+void PluginPage::bind() {
+    restored_ = memory_.restored();
+    seen_ = changes();
+    const std::array<IUnknown*, 1> objects{&sampler_};
+    page_.bind(objects);
+    if (const std::string text = memory_.view(); !text.empty()) {
+        const LeftPage left = leftPageIn(text);
+        page_.show(left.view);
+        chooser_.folders = left.folders;
+    }
+    kept_ = viewText();
+}
+
 void PluginPage::followOthers() {
+    if (restored_ != memory_.restored()) return bind();
     const auto now = std::chrono::steady_clock::now();
-    if (memory_.open < 2 || now < nextLook_) return;
+    if (now < nextLook_) return;
     nextLook_ = now + kLookPeriod;
+    keepView();
     const std::uint64_t present = changes();
-    if (std::exchange(seen_, present) != present) page_.RefreshAll();
+    const bool isStale = std::exchange(seen_, present) != present;
+    // A single page has changed it itself, or hears of it by the refresh flag, which only one can read.
+    if (isStale && memory_.open > 1) page_.RefreshAll();
+}
+
+void PluginPage::keepView() {
+    // A page that nobody has used leaves states as they were.
+    std::string text = viewText();
+    if (text == kept_) return;
+    kept_ = text;
+    memory_.keep(std::move(text), restored_);
+}
+
+std::string PluginPage::viewText() const {
+    return textOf({page_.keptView(), chooser_.folders});
 }
 
 std::uint64_t PluginPage::changes() const {

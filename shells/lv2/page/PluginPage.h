@@ -5,6 +5,7 @@
 #include <chrono>
 #include <cstdint>
 #include <memory>
+#include <string>
 
 #include "editor/GrooveSamplerPropPage.h"
 #include "platform/com/RefPtr.h"
@@ -18,7 +19,8 @@
 
 namespace marnoth {
 
-/// A page of an instance, in its host's window. An instance may have several.
+/// A page of an instance, in its host's window. An instance may have several. How its user leaves it is kept,
+/// and shown by the next one.
 ///
 /// It has a connection to the display of its own, never waits, and brings nothing of a toolkit into the host:
 /// files are asked for over the page. The host's thread for windows alone.
@@ -43,11 +45,16 @@ public:
     void setScaleFactor(double factor);
 
 private:
-    /// What another page has changed is read here too.
+    /// The instrument is shown as it is now, with the view that was kept last.
+    void bind();
+    /// What a state has brought, or another page has changed, is read here too.
     void followOthers();
+    void keepView();
+    std::string viewText() const;
     std::uint64_t changes() const;
     void tellSize() const;
 
+    IGrooveSampler& sampler_;
     PageMemory& memory_;
     const LV2UI_Resize* const resize_;
     std::unique_ptr<FontSource> fonts_;
@@ -58,7 +65,9 @@ private:
     X11Window window_;
     CGrooveSamplerPropPage page_;
     RefPtr<IMarnothOptions> options_;
-    std::uint64_t seen_ = 0;  ///< the instrument's count of changes
+    std::uint64_t seen_ = 0;      ///< the instrument's count of changes
+    std::uint64_t restored_ = 0;  ///< the memory's count of states
+    std::string kept_;            ///< the view that the memory has, or had at first
     std::chrono::steady_clock::time_point nextLook_;
 };
 
