@@ -27,6 +27,7 @@ double HostPosition::ticksPerFrame() const {
 
 void HostPosition::take(const ToldPosition& told) {
     const bool wasPlaying = isPlaying();
+    const double ticksBefore = ticksPerFrame();
     if (told.speed && std::abs(*told.speed) <= kFastest) speed_ = *told.speed;
     const std::int64_t frame = countable(told.frame.value_or(std::llround(hostFrame_)));
     const bool goesOn = wasPlaying && isPlaying() &&
@@ -38,7 +39,7 @@ void HostPosition::take(const ToldPosition& told) {
         tempoIsTold_ = true;
     }
     if (!goesOn) tickIsTold_ = false;
-    takeBeat(told);
+    takeBeat(told, goesOn ? std::optional(ticksBefore) : std::nullopt);
 }
 
 void HostPosition::takeFrame(std::int64_t frame, bool goesOn) {
@@ -71,12 +72,25 @@ std::optional<double> HostPosition::toldBeat(const ToldPosition& told) const {
     return isLiveTick(tick) ? std::optional(tick) : std::nullopt;
 }
 
-void HostPosition::takeBeat(const ToldPosition& told) {
+void HostPosition::takeBeat(const ToldPosition& told, std::optional<double> ticksBefore) {
     const double byFrame = hostFrame_ / rate_ * tempo_ * kTicksPerBeat / 60.0;
     const std::optional<double> beat = toldBeat(told);
     if (beat) tickIsTold_ = std::abs(*beat - byFrame) > 1.0;
-    if (beat && tickIsTold_) tick_ = *beat;
+    if (beat && tickIsTold_) tick_ = ticksBefore ? unrounded(*beat, *ticksBefore) : *beat;
     if (!tickIsTold_) tick_ = byFrame;
+}
+
+double HostPosition::unrounded(double beat, double ticksBefore) const {
+    constexpr double kRounding = 0.5;
+    const double faster = ticksPerFrame() / ticksBefore;
+    if (faster == 1.0) return std::abs(beat - tick_) <= kRounding ? tick_ : beat;
+    const double change = (beat - faster * tick_) / (1.0 - faster);
+    for (double grid = kTicksPerBeat; grid >= kTicksPerBeat / 4.0; grid /= 2.0) {
+        const double onGrid = std::round(change / grid) * grid;
+        const double exact = onGrid + faster * (tick_ - onGrid);
+        if (onGrid <= tick_ && std::abs(exact - beat) <= kRounding) return exact;
+    }
+    return beat;
 }
 
 LiveTransport HostPosition::next() const {

@@ -24,9 +24,10 @@ struct ToldPosition {
 ///
 /// Between two positions time goes on at the host's speed. The frame is the truth: musical time follows from
 /// it and the tempo wherever the host's beats, which may be rounded, agree within a tick. Where they don't,
-/// as behind a change of tempo, the beats are. A change of the meter leaves musical time where it is. What
-/// goes backwards isn't played; at any other speed the tempo is so much faster or slower, and sound keeps its
-/// pitch.
+/// as behind a change of tempo, the beats are; but a change that comes in the middle of a block is told with
+/// the next one, and taken for one at a whole beat, a half or a quarter where the rounding allows that. A
+/// change of the meter leaves musical time where it is. What goes backwards isn't played; at any other speed
+/// the tempo is so much faster or slower, and sound keeps its pitch.
 ///
 /// The thread that renders; nothing allocates. Values that can't be count as left out.
 class HostPosition {
@@ -47,7 +48,9 @@ private:
     void takeFrame(std::int64_t frame, bool goesOn);
     void takeMeter(const ToldPosition& told, bool goesOn);
     std::optional<double> toldBeat(const ToldPosition& told) const;
-    void takeBeat(const ToldPosition& told);
+    /// `ticksBefore` is what a frame was until here; nothing where playing doesn't go on.
+    void takeBeat(const ToldPosition& told, std::optional<double> ticksBefore);
+    double unrounded(double beat, double ticksBefore) const;
 
     double rate_ = 48000.0;
     double speed_ = 0.0;

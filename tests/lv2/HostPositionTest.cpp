@@ -118,6 +118,39 @@ TEST(HostPosition, BehindAChangeOfTempoTheBeatsAreTold) {
     EXPECT_NEAR(position.next().tick.value(), 960 * 8.5, 1e-6);
 }
 
+/// Bars as a host tells them that rounds beats to so many parts.
+ToldPosition roundedAt(std::int64_t frame, double beat, double tempo) {
+    constexpr double kParts = 1920.0;
+    ToldPosition told = barsAt(frame, 0, std::round(beat * kParts) / kParts);
+    told.tempo = tempo;
+    return told;
+}
+
+TEST(HostPosition, AChangeOfTempoAtABeatInTheMiddleOfABlockIsExactInTheNextOne) {
+    // A beat lasts 28800 frames at 100 and 19200 at 150; the change is 769 frames into the block.
+    constexpr std::int64_t kChange = 8 * 28800;
+    const auto beatAt = [](std::int64_t frame) { return 8 + (frame - kChange) / 19200.0; };
+    HostPosition position = hostPosition();
+    position.take(roundedAt(kChange - 769, 8 - 769 / 28800.0, 100));
+    position.advance(1024);
+    position.take(roundedAt(kChange + 255, beatAt(kChange + 255), 150));
+    EXPECT_NEAR(position.next().tick.value(), 960 * beatAt(kChange + 255), 1e-6);
+    position.advance(1024);
+    position.take(roundedAt(kChange + 1279, beatAt(kChange + 1279), 150));
+    EXPECT_NEAR(position.next().tick.value(), 960 * beatAt(kChange + 1279), 1e-6)
+        << "what the host rounds away stays away";
+}
+
+TEST(HostPosition, AChangeOfTempoElsewhereIsWhereTheHostSays) {
+    HostPosition position = hostPosition();
+    position.take(roundedAt(0, 0, 100));
+    position.advance(1024);
+    // 12.8 ticks behind the beat.
+    const double beat = (12.8 + 1.5 * (1024 / 30.0 - 12.8)) / 960;
+    position.take(roundedAt(1024, beat, 150));
+    EXPECT_NEAR(position.next().tick.value(), 960 * beat, 0.25);
+}
+
 TEST(HostPosition, AtAnotherSpeedTheTempoIsThatOfWhatIsHeard) {
     HostPosition position = hostPosition();
     position.take(playingAt(kFramesOfBeat));

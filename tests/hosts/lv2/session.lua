@@ -1,0 +1,73 @@
+-- Makes a session for check-ardour, or opens that again and exports it, by what the environment says: SESSION its folder,
+-- FRAMES the engine's block. With EXPORT, a folder, it is exported there; otherwise it is made.
+
+local name = "groove"
+local rate = 48000
+local beat = Temporal.ticks_per_beat
+local float_wave = "c5a61d2c-6f2b-4a4f-9d0f-5a3c1c0f7e11"
+
+local function channels(kind, count)
+    return ARDOUR.ChanCount(ARDOUR.DataType(kind), count)
+end
+
+local function set_tempos(tempos)
+    local map = Temporal.TempoMap.fetch_writable()
+    for _, tempo in ipairs(tempos) do
+        local at = Temporal.timepos_t.from_ticks(math.floor(tempo[1] * beat))
+        map:set_tempo(Temporal.Tempo(tempo[2], tempo[2], 4), at)
+    end
+    Temporal.TempoMap.update(map)
+end
+
+local function add_track()
+    local info = ARDOUR.LuaAPI.new_plugin_info("urn:marnoth:instrument", ARDOUR.PluginType.LV2)
+    assert(not info:isnil(), "Ardour doesn't find the plug-in")
+    local track = Session:new_midi_track(channels("midi", 1), channels("audio", 2), true, info, nil, nil, 1, "Groove",
+        ARDOUR.PresentationInfo.max_order, ARDOUR.TrackMode.Normal, true):front()
+    for side = 0, 1 do
+        track:output():audio(side):connect("Master/audio_in " .. side + 1)
+    end
+    return track
+end
+
+local function load_preset(track)
+    local plugin = track:nth_plugin(0):to_insert():plugin(0)
+    assert(plugin:load_preset(plugin:preset_by_label("Groove")), "the preset isn't loaded")
+end
+
+local function save()
+    Session:save_state("", false, false, false, false, false)
+end
+
+local function make(folder)
+    create_session(folder, name, rate)
+    set_tempos({{0, 100}, {8, 150}, {13, 93.75}})
+    load_preset(add_track())
+    for _ = 1, 3 do
+        save()
+    end
+end
+
+local function export(folder, to, frames)
+    load_session(folder, name)
+    assert(Session:get_block_size() == frames, "the engine's blocks are others")
+    save()
+    local exported = Session:simple_export()
+    assert(exported:set_preset(float_wave), "there is no preset of exports")
+    exported:set_folder(to)
+    exported:set_name("take-" .. frames)
+    exported:set_range(0, 9 * rate)
+    assert(exported:run_export(), "the export fails")
+end
+
+local frames = tonumber(os.getenv("FRAMES"))
+AudioEngine:set_backend("None (Dummy)", "check-ardour", "")
+AudioEngine:set_buffer_size(frames)
+if os.getenv("EXPORT") then
+    export(os.getenv("SESSION"), os.getenv("EXPORT"), frames)
+else
+    make(os.getenv("SESSION"))
+end
+print("done")
+close_session()
+quit()
