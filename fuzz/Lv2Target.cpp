@@ -1,7 +1,3 @@
-#include <lv2/midi/midi.h>
-#include <lv2/patch/patch.h>
-#include <lv2/time/time.h>
-
 #include <bit>
 #include <limits>
 
@@ -26,20 +22,10 @@ LV2_URID urid(const std::string& uri) {
     return world().urid(uri);
 }
 
-/// What atoms and objects are and what they say, by numbers that an input can hold.
 LV2_URID nameOf(std::uint8_t number) {
     static const std::vector<LV2_URID> names = [] {
         std::vector<LV2_URID> all{0};
-        for (const char* uri :
-             {LV2_ATOM__Int,        LV2_ATOM__Float,     LV2_ATOM__Double,    LV2_ATOM__Long,
-              LV2_ATOM__Bool,       LV2_ATOM__URID,      LV2_ATOM__Object,    LV2_ATOM__Blank,
-              LV2_ATOM__Resource,   LV2_ATOM__Sequence,  LV2_ATOM__Chunk,     LV2_ATOM__Path,
-              LV2_ATOM__String,     LV2_MIDI__MidiEvent, LV2_PATCH__Set,      LV2_PATCH__Get,
-              LV2_PATCH__Put,       LV2_PATCH__body,     LV2_PATCH__property, LV2_PATCH__value,
-              LV2_TIME__Position,   LV2_TIME__frame,     LV2_TIME__speed,     LV2_TIME__beatsPerMinute,
-              LV2_TIME__bar,        LV2_TIME__barBeat,   LV2_TIME__beat,      LV2_TIME__beatUnit,
-              LV2_TIME__beatsPerBar})
-            all.push_back(urid(uri));
+        for (const char* name : kStoryNames) all.push_back(urid(name));
         return all;
     }();
     return names[number % names.size()];

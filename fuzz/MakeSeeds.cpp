@@ -93,6 +93,13 @@ public:
     PluginStory& set(std::uint8_t parameter, std::uint8_t type, std::uint64_t value) {
         return step(PluginStep::set, std::int16_t{3}, parameter, type, value);
     }
+    /// A position of doubles.
+    PluginStory& position(double frame, double speed, double tempo) {
+        step(PluginStep::object, std::int16_t{7}, storyNumber(LV2_TIME__Position), std::uint8_t{3});
+        property(LV2_TIME__frame, frame);
+        property(LV2_TIME__speed, speed);
+        return property(LV2_TIME__beatsPerMinute, tempo);
+    }
     PluginStory& restore(std::uint8_t project, std::uint8_t faults) {
         return step(PluginStep::restore, project, faults, std::uint16_t{100}, std::uint8_t{0});
     }
@@ -100,6 +107,14 @@ public:
     const Bytes& bytes() const { return bytes_; }
 
 private:
+    PluginStory& property(const char* key, double value) {
+        test::append(bytes_, storyNumber(key));
+        test::append(bytes_, storyNumber(LV2_ATOM__Double));
+        test::append(bytes_, std::uint8_t{sizeof value});
+        test::append(bytes_, value);
+        return *this;
+    }
+
     Bytes bytes_{0};
 };
 
@@ -123,7 +138,17 @@ void makePlugins(const fs::path& folder) {
         refused.restore(2, fault).run(32);
     write("refused", refused.step(PluginStep::names));
     PluginStory automated;
-    for (std::uint8_t parameter = 0; parameter < 8; ++parameter) automated.set(parameter, 2, 0x3F000000);
+    for (std::uint8_t parameter = 0; parameter < 8; ++parameter)
+        automated.set(parameter, storyNumber(LV2_ATOM__Float), 0x3F000000);
+    PluginStory moved;
+    moved.restore(2, 0);
+    for (const double tempo : {120.0, 60.0, 1e9, 0.0}) {
+        moved.position(-100, 1, tempo).midi(9, 0x90, 60, 1).run(200);
+        moved.position(1e15, 0.5, tempo).run(1000).position(5, 0, tempo).run(3);
+    }
+    write(
+        "moved",
+        moved.step(PluginStep::object, std::int16_t{0}, storyNumber(LV2_PATCH__Get), std::uint8_t{0}).run(9));
     write("automated", automated.run(64).step(PluginStep::activate).run(1));
 }
 

@@ -1,6 +1,12 @@
 #pragma once
 
+#include <lv2/atom/atom.h>
+#include <lv2/midi/midi.h>
+#include <lv2/patch/patch.h>
+#include <lv2/time/time.h>
+
 #include <cstdint>
+#include <string_view>
 
 namespace marnoth::fuzz {
 
@@ -22,6 +28,21 @@ enum class PluginStep : std::uint8_t {
     names,
     count,
 };
+
+/// What atoms and objects are and what they say, counted from 1 in an input; 0 is no name.
+inline constexpr const char* kStoryNames[]{
+    LV2_ATOM__Int,      LV2_ATOM__Float,  LV2_ATOM__Double,   LV2_ATOM__Long,           LV2_ATOM__Bool,
+    LV2_ATOM__URID,     LV2_ATOM__Object, LV2_ATOM__Blank,    LV2_ATOM__Resource,       LV2_ATOM__Sequence,
+    LV2_ATOM__Chunk,    LV2_ATOM__Path,   LV2_ATOM__String,   LV2_MIDI__MidiEvent,      LV2_PATCH__Set,
+    LV2_PATCH__Get,     LV2_PATCH__Put,   LV2_PATCH__body,    LV2_PATCH__property,      LV2_PATCH__value,
+    LV2_TIME__Position, LV2_TIME__frame,  LV2_TIME__speed,    LV2_TIME__beatsPerMinute, LV2_TIME__bar,
+    LV2_TIME__barBeat,  LV2_TIME__beat,   LV2_TIME__beatUnit, LV2_TIME__beatsPerBar};
+
+constexpr std::uint8_t storyNumber(std::string_view name) {
+    std::uint8_t number = 1;
+    while (kStoryNames[number - 1] != name) ++number;
+    return number;
+}
 
 /// What is wrong with a state; with none it is whole.
 enum StateFault : std::uint8_t {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <lv2/core/lv2.h>
 #include <lv2/log/log.h>
 #include <lv2/urid/urid.h>
 
