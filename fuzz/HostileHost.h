@@ -100,12 +100,13 @@ public:
         knowsPath_ = state.knowsPath;
         return stateInterface().restore(instance_, retrieved, &call, 0, hasFiles ? fileFeatures() : none());
     }
-    /// The project that an instance has.
-    State::Property project() {
+    /// All that an instance keeps.
+    std::map<LV2_URID, State::Property> kept() {
         State state;
         require(save(state, false) == LV2_STATE_SUCCESS, "it can be saved");
-        return state.properties.at(world_.urid(kProjectUri));
+        return state.properties;
     }
+    IGrooveSampler& sampler() { return static_cast<Plugin*>(instance_)->sampler(); }
     MemoryFile& file() {
         static MemoryFile file;
         return file;
@@ -169,13 +170,14 @@ private:
         require(event.time.frames >= 0 && event.time.frames <= std::max<std::int64_t>(frames, 1) - 1,
                 "an event is in its block");
         require(event.body.size <= end - at - sizeof event, "an event is whole");
-        requirePatch({out.data() + at + sizeof event, event.body.size}, event.body.type);
+        requireNews({out.data() + at + sizeof event, event.body.size}, event.body.type);
         return at + sizeof event + (event.body.size + 7) / 8 * 8;
     }
-    void requirePatch(std::span<const std::uint8_t> body, LV2_URID type) const {
+    void requireNews(std::span<const std::uint8_t> body, LV2_URID type) const {
         const Urids& urids = static_cast<Plugin*>(instance_)->urids();
         const AtomView object{type, body};
-        require(objectType(object, urids) == urids.patchSet, "it is a patch");
+        if (objectType(object, urids) == urids.stateChanged) return;
+        require(objectType(object, urids) == urids.patchSet, "it is news that a host knows");
         const auto property = propertyOf(object, urids.patchProperty);
         const auto value = propertyOf(object, urids.patchValue);
         require(property && uridIn(*property, urids) != 0, "it says of what");

@@ -6,6 +6,8 @@
 #include "fuzz/PluginSteps.h"
 #include "fuzz/ProjectSeeds.h"
 #include "platform/text/Text.h"
+#include "shellkit/page/HeadlessPage.h"
+#include "shells/lv2/page/ViewText.h"
 
 namespace marnoth::fuzz {
 namespace {
@@ -121,6 +123,8 @@ private:
                 return restore();
             case PluginStep::names:
                 return names();
+            case PluginStep::page:
+                return openPage();
             case PluginStep::count:
                 return;
         }
@@ -180,12 +184,13 @@ private:
 
     void save() {
         State state;
-        state.refuses = in_.byte() % 4;
+        state.refuses = in_.byte() % 5;
         const bool hasFiles = in_.byte() & 1;
         const bool isSaved = host_.save(state, hasFiles) == LV2_STATE_SUCCESS;
-        require(isSaved == (state.refuses == 0 || state.refuses > 2),
+        const auto kept = host_.kept();
+        require(isSaved == (state.refuses == 0 || state.refuses > static_cast<int>(kept.size())),
                 "a save fails where the host has no room");
-        require(host_.project() == host_.project(), "what hasn't changed is the same bytes");
+        require(kept == host_.kept(), "what hasn't changed is the same bytes");
     }
 
     void restore() {
@@ -202,7 +207,8 @@ private:
             if (at < project.size()) project[at] = byte;
         }
         describe(state, faults, project);
-        const State::Property before = host_.project();
+        describeView(state);
+        const auto before = host_.kept();
         const LV2_State_Status status = host_.restore(state, faults & kInFile);
         // The last one is behind other bytes, as no file is.
         const bool isWhole = (faults & ~kInFile) == 0 && edits == 0 && which + 1 < projects().size();
@@ -211,8 +217,21 @@ private:
                 "a state that isn't one is refused");
         require(!isWhole || status == LV2_STATE_SUCCESS, "a good state is taken");
         if (status != LV2_STATE_SUCCESS)
-            require(host_.project() == before, "a refused state leaves everything as it is");
-        if (status == LV2_STATE_SUCCESS && !isWhole) host_.isTame = false;
+            require(host_.kept() == before, "a refused state leaves everything as it is");
+        if (status != LV2_STATE_SUCCESS) return;
+        require(viewOf(host_.kept()) == viewOf(state.properties), "the page will be as it was left");
+        if (!isWhole) host_.isTame = false;
+    }
+    void describeView(State& state) {
+        const auto view = in_.take(in_.byte());
+        if (!view.empty())
+            state.properties[urid(kViewUri)] = {{view.begin(), view.end()}, urid(LV2_ATOM__String)};
+    }
+    static std::string viewOf(const std::map<LV2_URID, State::Property>& properties) {
+        const auto found = properties.find(urid(kViewUri));
+        if (found == properties.end()) return {};
+        const auto& bytes = found->second.bytes;
+        return {bytes.begin(), std::find(bytes.begin(), bytes.end(), 0)};
     }
     void describe(State& state, std::uint8_t faults, const Bytes& project) {
         std::int32_t version = faults & kNewerVersion ? 2 : 1;
@@ -235,6 +254,15 @@ private:
         const std::string text = host_.names();
         require(isUtf8(text), "names are UTF-8");
         for (const char byte : text) require(byte == '\n' || (byte >= ' ' || byte < 0), "names are text");
+    }
+
+    /// As the page's binary does, in a window without a screen.
+    void openPage() {
+        HeadlessPage page(host_.sampler(), "");
+        page.page().show(leftPageIn(viewOf(host_.kept())).view);
+        page.picture();
+        const LeftPage left{page.page().keptView(), {}};
+        require(leftPageIn(textOf(left)) == left, "how a page was left can be read again");
     }
 
     InputBytes in_;

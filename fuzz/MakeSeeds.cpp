@@ -100,8 +100,11 @@ public:
         property(LV2_TIME__speed, speed);
         return property(LV2_TIME__beatsPerMinute, tempo);
     }
-    PluginStory& restore(std::uint8_t project, std::uint8_t faults) {
-        return step(PluginStep::restore, project, faults, std::uint16_t{100}, std::uint8_t{0});
+    PluginStory& restore(std::uint8_t project, std::uint8_t faults, const std::string& view = {}) {
+        step(PluginStep::restore, project, faults, std::uint16_t{100}, std::uint8_t{0},
+             static_cast<std::uint8_t>(view.size()));
+        test::append(bytes_, view);
+        return *this;
     }
     PluginStory& save(std::uint8_t files) { return step(PluginStep::save, std::uint8_t{0}, files); }
     const Bytes& bytes() const { return bytes_; }
@@ -149,6 +152,9 @@ void makePlugins(const fs::path& folder) {
     write(
         "moved",
         moved.step(PluginStep::object, std::int16_t{0}, storyNumber(LV2_PATCH__Get), std::uint8_t{0}).run(9));
+    PluginStory shown;
+    shown.restore(2, 0, "pad 3\nfile 1\nzoom 80 20\nsnap 2\neditor 10 5\nbin 0 3\ngrains 3 0 3 1\nkeys\n");
+    write("shown", shown.step(PluginStep::page).run(64).step(PluginStep::page));
     write("automated", automated.run(64).step(PluginStep::activate).run(1));
 }
 

@@ -24,8 +24,10 @@ enum class PluginStep : std::uint8_t {
     activate,
     rate,     ///< which u8, type u8
     save,     ///< which property the host refuses u8, files u8
-    restore,  ///< project u8, faults u8 (`StateFault`), bytes kept u16, edits u8; each where u16, byte
+    restore,  ///< project u8, faults u8 (`StateFault`), bytes kept u16, edits u8; each where u16, byte;
+              ///< how the page was left u8, bytes
     names,
+    page,
     count,
 };
 
