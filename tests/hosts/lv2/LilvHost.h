@@ -66,6 +66,7 @@ public:
         isConnected.assign(audioPorts_.size(), true);
     }
 
+    LV2_Handle handle() const { return lilv_instance_get_handle(instance_.get()); }
     void activate() { lilv_instance_activate(instance_.get()); }
 
     /// A position at the start of the block to come, which is at a frame of the timeline.
