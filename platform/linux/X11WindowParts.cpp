@@ -15,6 +15,10 @@ constexpr long kEvents = ExposureMask | StructureNotifyMask | FocusChangeMask | 
                          KeyPressMask | KeyReleaseMask | ButtonPressMask | ButtonReleaseMask |
                          PointerMotionMask;
 
+/// A host under load takes its time to answer a press.
+constexpr std::chrono::seconds kPressIsAnswered{1};
+constexpr int kMostRetakes = 3;
+
 enum Button : unsigned { kLeft = 1, kRight = 3, kUp, kDown, kWheelLeft, kWheelRight };
 
 /// Downward also left of and above the window.
@@ -213,6 +217,7 @@ void X11Window::Parts::pressed(const XButtonEvent& event) {
     const Point at = toPage({event.x, event.y});
     const Modifiers held = heldOf(event.state);
     lastPress_ = Clock::now();
+    retakes_ = kMostRetakes;
     if (asked) {
         if (event.button == kLeft) tellQuestion([&] { return questions.leftDown(at); });
         return;
@@ -326,9 +331,19 @@ void X11Window::Parts::focusChanged(const XFocusChangeEvent& event) {
     keyboard.focus(event.type == FocusIn);
     if (event.type == FocusIn) return patience_.returned();
     patience_.left(now);
-    // A toolkit host answers a press in our window by taking the keyboard for a widget of its own.
-    if (isEmbedded && wantsFocus_ && now - lastPress_ < FocusPatience::kPatience)
-        XSetInputFocus(display.get(), window, RevertToParent, CurrentTime);
+    if (!isTakenForPress(now)) return;
+    --retakes_;
+    XSetInputFocus(display.get(), window, RevertToParent, CurrentTime);
+    // That it is back is known here, however busy everybody is, before patience ends.
+    XSync(display.get(), kXFalse);
+}
+
+bool X11Window::Parts::isTakenForPress(Time now) {
+    if (!isEmbedded || !wantsFocus_ || retakes_ == 0 || now - lastPress_ > kPressIsAnswered) return false;
+    const Point at = pointer.place();
+    const Rect whole = toScreen(shown.bounds());
+    // Elsewhere its user may have pressed on something of the host's.
+    return whole.contains(at);
 }
 
 void X11Window::Parts::unmapped() {

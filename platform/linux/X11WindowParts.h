@@ -95,6 +95,9 @@ private:
     /// A key that nobody here has a use for goes to the host.
     void handOn(XKeyEvent event);
     void focusChanged(const XFocusChangeEvent& event);
+    /// Whether the keyboard went since a toolkit host answers a press in our window by taking it for a widget
+    /// of its own.
+    bool isTakenForPress(Time now);
     void unmapped();
     void tick(Time now);
     void paint();
@@ -117,6 +120,7 @@ private:
     ClickCounter clicks_;
     FocusPatience patience_;
     Time lastPress_;
+    int retakes_ = 0;  ///< how often the keyboard may be taken back yet
     Point remainder_;  ///< of a relative drag: pixels of the screen that don't make one of the page yet
     ::Window formerFocus_ = kXNone;
     bool captured_ = false;

@@ -111,6 +111,13 @@ protected:
         XGetWindowAttributes(other.display(), id, &now);
         return {now.width, now.height};
     }
+    /// Who has the keyboard.
+    ::Window holder() {
+        ::Window now = 0;
+        int reverts = 0;
+        XGetInputFocus(other.display(), &now, &reverts);
+        return now;
+    }
     unsigned long pixelAt(int x, int y) {
         XImage* const image = XGetImage(other.display(), window->id(), x, y, 1, 1, AllPlanes, ZPixmap);
         const unsigned long pixel = image ? XGetPixel(image, 0, 0) & 0xFFFFFF : 0;
@@ -242,16 +249,29 @@ TEST_F(X11WindowTest, AnEmbeddedPageGivesTheKeyboardBackAfterTyping) {
     other.show();
     other.focus(other.window());
     open(1, other.window());
-    const auto holder = [&] {
-        ::Window now = 0;
-        int reverts = 0;
-        XGetInputFocus(other.display(), &now, &reverts);
-        return now;
-    };
     window->takeFocus(true);
     EXPECT_TRUE(pump([&] { return holder() == window->id(); }));
     window->takeFocus(false);
     EXPECT_TRUE(pump([&] { return holder() == other.window(); }));
+}
+
+TEST_F(X11WindowTest, AKeyboardThatAHostTakesAtAPressComesBackHoweverLateThatIs) {
+    other.show();
+    open(1, other.window());
+    other.move(20, 30);
+    other.button(1);
+    ASSERT_TRUE(pump([&] { return page.count("release 20,30") == 1; }));
+    window->takeFocus(true);
+    pumpFor(300ms);
+    other.focus(other.window());
+    EXPECT_TRUE(pump([&] { return holder() == window->id(); }));
+    pumpFor(150ms);
+    EXPECT_EQ(page.count("focus lost"), 0);
+    // What its user has moved to is the host's.
+    other.move(500, 500);
+    other.focus(other.window());
+    EXPECT_TRUE(pump([&] { return page.count("focus lost") == 1; }));
+    EXPECT_EQ(holder(), other.window());
 }
 
 TEST_F(X11WindowTest, AHostsWindowMayHaveAnotherDepth) {
