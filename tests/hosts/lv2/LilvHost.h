@@ -12,6 +12,7 @@
 
 #include "lv2/EventBuffer.h"
 #include "lv2/PluginWorld.h"
+#include "shells/lv2/Midnam.h"
 
 namespace marnoth::test {
 
@@ -101,6 +102,17 @@ public:
     }
     void restore(const LilvState& state) {
         lilv_state_restore(&state, instance_.get(), nullptr, nullptr, 0, world.features());
+    }
+
+    /// The document of note names that hosts ask for.
+    std::string noteNames() const {
+        const auto* midnam = static_cast<const MidnamInterface*>(
+            lilv_instance_get_extension_data(instance_.get(), kMidnamInterfaceUri));
+        if (!midnam) throw std::runtime_error("there are no note names");
+        char* const text = midnam->midnam(lilv_instance_get_handle(instance_.get()));
+        const std::string copy = text ? text : "";
+        midnam->free(text);
+        return copy;
     }
 
     PluginWorld world;

@@ -255,6 +255,16 @@ TEST(PluginInHost, ItsPresetsAreTheDemo) {
     }
 }
 
+TEST(PluginInHost, NamesTheKeysThatPlayTheGroove) {
+    Player player(kMulti);
+    player.restoreGroove(kMulti);
+    const std::string names = player.host.noteNames();
+    for (const char* note : {"Number=\"60\" Name=\"1 drums\"", "Number=\"62\" Name=\"2 percussion\"",
+                             "Number=\"64\" Name=\"3 bass\"", "Number=\"65\" Name=\"4 chords\""})
+        EXPECT_NE(names.find(note), names.npos) << note << " in " << names;
+    if (const std::string file = given("MARNOTH_NAMES"); !file.empty()) writeText(file, names);
+}
+
 TEST(PluginInHost, ThirtyTwoOnSeveralThreadsEachPlayAsOneAlone) {
     static constexpr int kThreads = 4;
     static constexpr std::int64_t kBlock = 256, kBlocks = 300;
