@@ -69,6 +69,10 @@ public:
     void setRootScale(RootScale scale);
     /// Reads everything from the engine and shows it. Only with an engine and a window.
     void RefreshAll();
+    /// The same for a shell that knows of changes made elsewhere; a grain that is selected may be gone.
+    void readAgain() {
+        carryOut([this] { RefreshAll(); });
+    }
     void showHelp() { window().showHelp(); }
 
     // What panes ask of the page.

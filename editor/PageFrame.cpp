@@ -149,9 +149,17 @@ void PageFrame::contextMenu(Point at, Modifiers held) {
 void PageFrame::sendKey(const ControlEvent& event) {
     if (!admits(event.held)) return;
     ++m_acts;
+    Control* const control = m_focus;
+    const auto text = [control] { return control ? control->shownText() : std::nullopt; };
+    const std::optional<std::string> before = text();
     carryOut([&] {
         if (m_focus && m_focus->handle(event) && m_focus->takesText()) actOnKey();
     });
+    if (control != m_focus) return;
+    if (event.key == kKeyReturn)
+        m_typed = false;
+    else if (text() != before)
+        m_typed = true;
 }
 
 bool PageFrame::keyDown(int key, Modifiers held) {
@@ -234,13 +242,16 @@ void PageFrame::releaseMouse() {
 
 void PageFrame::pasteInto(Control& control) {
     m_window.readClipboard([this, life = std::weak_ptr(m_life), &control](const std::string& text) {
-        if (!life.expired() && m_focus == &control) control.paste(text);
+        if (life.expired() || m_focus != &control) return;
+        control.paste(text);
+        m_typed = true;
     });
 }
 
 void PageFrame::focus(Control* control) {
     if (control == m_focus) return;
     Control* const before = std::exchange(m_focus, control);
+    m_typed = false;
     if (before) before->handle({ControlEventKind::focusOut, {}});
     m_window.takeFocus(m_focus != nullptr);
     if (m_focus) m_focus->handle({ControlEventKind::focusIn, {}});

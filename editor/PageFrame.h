@@ -79,6 +79,9 @@ public:
     Control* controlOf(int id) const;
     /// Gives a control the keyboard as a click into it does.
     void focusControl(Control& control);
+    /// Whether the user has typed what no value is yet, or has a list open: what is read again would take its
+    /// place.
+    bool isTyping() const { return m_focus && (m_typed || !m_focus->overlay().isEmpty()); }
     /// What a user sees.
     const Bitmap& screen() const { return m_screen; }
 
@@ -184,6 +187,7 @@ private:
     bool m_relativeDrag = false;
     Modifiers m_held;
     bool m_actedOnKey = false;
+    bool m_typed = false;  ///< into `m_focus`, and not taken over yet
     int m_acts = 0;
     int m_underWay = 0;                                       ///< events within each other
     std::shared_ptr<char> m_life = std::make_shared<char>();  ///< as long as the frame

@@ -32,7 +32,11 @@ public:
     /// How often that was.
     std::uint64_t restored() const { return restored_; }
 
-    std::atomic<int> open = 0;  ///< how many pages there are
+    /// Changes that the host has automated, as `PadParameters` counts them; the thread that renders tells
+    /// them.
+    std::atomic<std::uint64_t> automated = 0;
+    /// How often pages have changed something.
+    std::atomic<std::uint64_t> edited = 0;
 
 private:
     mutable std::mutex mutex_;

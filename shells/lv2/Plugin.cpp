@@ -73,6 +73,7 @@ void Plugin::run(std::uint32_t frames) {
     const auto count = static_cast<std::int32_t>(std::min<std::uint32_t>(frames, INT32_MAX));
     takeEvents(count);
     renderTo(count);
+    pages_.automated = parameters_.changes();
     writeEvents();
     noteNames_.advance(frames, rate_);
 }
@@ -101,7 +102,6 @@ void Plugin::takeMidi(std::int32_t frame, std::span<const std::uint8_t> bytes) {
     if ((status & 0xF0) == kController && PadParameters::isController(byte(1))) {
         renderTo(frame);
         parameters_.setByController(status & 0x0F, byte(1), byte(2));
-        host_.sampler().SetRefreshRequest(1);
     } else {
         host_.addMessage(frame - done_, status, byte(1), byte(2));
     }
@@ -130,7 +130,6 @@ void Plugin::setParameter(std::int32_t frame, LV2_URID property, const AtomView&
     if (!index || !number) return;
     renderTo(frame);
     parameters_.set(*index, *number);
-    host_.sampler().SetRefreshRequest(1);
 }
 
 void Plugin::askedFor(const AtomView& get) {

@@ -313,6 +313,24 @@ void openWithLoops(PageRig& rig) {
     rig.open();
 }
 
+TEST_F(PageLife, TellsWhileItsUserTypesOrHasAListOpen) {
+    rig.open();
+    EXPECT_FALSE(rig.page->isTyping());
+    rig.page->focusControl(rig.control(kLowVelocity));
+    EXPECT_FALSE(rig.page->isTyping()) << "nothing is typed yet";
+    rig.window.type("3");
+    EXPECT_TRUE(rig.page->isTyping());
+    rig.window.key(kKeyReturn);
+    EXPECT_FALSE(rig.page->isTyping());
+    rig.window.type("4");
+    rig.page->focusControl(rig.control(kHighVelocity));
+    EXPECT_FALSE(rig.page->isTyping()) << "another field has the keyboard";
+    rig.click(rig.on(kMidiChannel));
+    EXPECT_TRUE(rig.page->isTyping()) << "a list is open";
+    rig.click(kNowhere);
+    EXPECT_FALSE(rig.page->isTyping());
+}
+
 TEST_F(PageLife, APageShowsHowAnotherWasLeft) {
     openWithLoops(rig);
     rig.click(PageRig::onBinRow(1));

@@ -59,7 +59,6 @@ PluginPage::PluginPage(PluginInstance& instance, const Setup& setup)
     bind();
     window_.show();
     tellSize();
-    ++memory_.open;
 }
 
 PluginPage::~PluginPage() {
@@ -68,19 +67,24 @@ PluginPage::~PluginPage() {
     } catch (const std::bad_alloc&) {
         // Without memory it is as it was some moments before.
     }
-    --memory_.open;
 }
 
 bool PluginPage::work() {
+    const std::uint64_t before = edits();
     window_.dispatch();
     if (window_.isGone()) return false;
+    if (edits() != before) {
+        ++memory_.edited;
+        ++edited_;
+    }
     followOthers();
     return true;
 }
 
 void PluginPage::bind() {
     restored_ = memory_.restored();
-    seen_ = changes();
+    automated_ = memory_.automated;
+    edited_ = memory_.edited;
     const std::array<IUnknown*, 1> objects{&sampler_};
     page_.bind(objects);
     if (const std::string text = memory_.view(); !text.empty()) {
@@ -97,10 +101,10 @@ void PluginPage::followOthers() {
     if (now < nextLook_) return;
     nextLook_ = now + kLookPeriod;
     keepView();
-    const std::uint64_t present = changes();
-    const bool isStale = std::exchange(seen_, present) != present;
-    // A single page has changed it itself, or hears of it by the refresh flag, which only one can read.
-    if (isStale && memory_.open > 1) page_.RefreshAll();
+    if (page_.isTyping()) return;
+    const std::uint64_t automated = std::exchange(automated_, memory_.automated);
+    const std::uint64_t edited = std::exchange(edited_, memory_.edited);
+    if (automated != automated_ || edited != edited_) page_.readAgain();
 }
 
 void PluginPage::keepView() {
@@ -115,10 +119,10 @@ std::string PluginPage::viewText() const {
     return textOf({page_.keptView(), chooser_.folders});
 }
 
-std::uint64_t PluginPage::changes() const {
+std::uint64_t PluginPage::edits() const {
     std::uint64_t count = 0;
     if (options_) options_->GetChanges(&count);
-    return count;
+    return count - memory_.automated;
 }
 
 void PluginPage::setScaleFactor(double factor) {

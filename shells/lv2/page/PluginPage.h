@@ -47,11 +47,13 @@ public:
 private:
     /// The instrument is shown as it is now, with the view that was kept last.
     void bind();
-    /// What a state has brought, or another page has changed, is read here too.
+    /// What a state has brought, automation or another page has changed, is read here too: not in the middle
+    /// of what the user types, and no oftener than any refresh.
     void followOthers();
     void keepView();
     std::string viewText() const;
-    std::uint64_t changes() const;
+    /// The instrument's count of changes without those that are automated.
+    std::uint64_t edits() const;
     void tellSize() const;
 
     IGrooveSampler& sampler_;
@@ -65,9 +67,11 @@ private:
     X11Window window_;
     CGrooveSamplerPropPage page_;
     RefPtr<IMarnothOptions> options_;
-    std::uint64_t seen_ = 0;      ///< the instrument's count of changes
-    std::uint64_t restored_ = 0;  ///< the memory's count of states
-    std::string kept_;            ///< the view that the memory has, or had at first
+    // The memory's counts, of what is shown.
+    std::uint64_t automated_ = 0;
+    std::uint64_t edited_ = 0;
+    std::uint64_t restored_ = 0;
+    std::string kept_;  ///< the view that the memory has, or had at first
     std::chrono::steady_clock::time_point nextLook_;
 };
 

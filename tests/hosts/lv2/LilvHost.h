@@ -75,6 +75,7 @@ public:
     void midi(std::int64_t frame, std::uint8_t status, std::uint8_t key, std::uint8_t velocity) {
         in_.midi(frame, status, key, velocity);
     }
+    void automate(const std::string& property, float value) { in_.set(0, world.urid(property), value); }
     void block(std::uint32_t frames) {
         in_.end();
         out_.offer();

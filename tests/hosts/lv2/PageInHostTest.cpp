@@ -21,6 +21,8 @@ constexpr Point kMuteOfFirst{164, 51};
 constexpr Point kRingOfFirst{137, 20};
 constexpr Point kRingOfSixth{226, 80};
 constexpr Point kSixthPad{250, 80};
+constexpr Point kLowVelocity{580, 88};
+constexpr Point kTextOfLowVelocity{557, 84};
 constexpr Point kOpenProject{18, 37};
 constexpr Point kClearProject{60, 36};
 constexpr Point kQuestion{350, 291};  ///< on a button of one, or of a dialog of files
@@ -126,6 +128,30 @@ TEST_F(PageInHost, TwoPagesOfOneInstanceShowWhatEachOtherChanges) {
     XRaiseWindow(other->user.display(), other->user.window());
     XSync(other->user.display(), kXFalse);
     EXPECT_TRUE(run({one.get(), other.get()}, [&] { return at(*other, kMuteOfFirst) != before; }));
+}
+
+TEST_F(PageInHost, ShowsAutomationButNotInTheMiddleOfWhatIsTyped) {
+    const auto page = open();
+    const unsigned long before = at(*page, kMuteOfFirst);
+    const auto mute = [&](float on) {
+        plugin.automate("urn:marnoth:pad1:mute", on);
+        plugin.block(64);
+    };
+    const auto isMuted = [&] { return at(*page, kMuteOfFirst) != before; };
+    mute(1);
+    EXPECT_TRUE(run({page.get()}, isMuted));
+    mute(0);
+    ASSERT_TRUE(run({page.get()}, [&] { return !isMuted(); }));
+    ASSERT_TRUE(showsIn(*page, kLowVelocity, kTextOfLowVelocity)) << "all of it is selected";
+    page->user.focus(page->window);
+    page->user.type(XK_3);
+    runFor(*page, 50ms);
+    const unsigned long typed = at(*page, kTextOfLowVelocity);
+    mute(1);
+    EXPECT_FALSE(run({page.get()}, isMuted, 600ms));
+    EXPECT_EQ(at(*page, kTextOfLowVelocity), typed);
+    page->user.type(XK_Return);
+    EXPECT_TRUE(run({page.get()}, isMuted));
 }
 
 TEST_F(PageInHost, IsClosedUnderItsQuestions) {
