@@ -13,6 +13,7 @@ namespace marnoth::fuzz {
 namespace {
 
 constexpr int kMostSteps = 64;
+constexpr int kMostPages = 2;  // each takes as long as all else
 constexpr std::uint32_t kMostFrames = 8000;
 
 test::PluginWorld& world() {
@@ -258,6 +259,7 @@ private:
 
     /// As the page's binary does, in a window without a screen.
     void openPage() {
+        if (++pages_ > kMostPages) return;
         HeadlessPage page(host_.sampler(), "");
         page.page().show(leftPageIn(viewOf(host_.kept())).view);
         page.picture();
@@ -269,6 +271,7 @@ private:
     HostileHost host_;
     Events events_;
     std::uint32_t played_ = 0;
+    int pages_ = 0;
 };
 
 }  // namespace
