@@ -12,8 +12,6 @@ namespace marnoth {
 X11Manners::X11Manners(X11Display& display, ::Window window, const std::string& title)
     : display_(display), window_(window) {
     ::Display* const d = display_.get();
-    XWindowAttributes made{};
-    XGetWindowAttributes(d, window_, &made);
     XWMHints hints{};
     hints.flags = InputHint | StateHint;
     hints.input = kXTrue;
@@ -22,7 +20,6 @@ X11Manners::X11Manners(X11Display& display, ::Window window, const std::string& 
     std::string kind = "Marnoth";
     XClassHint group{name.data(), kind.data()};
     XSetWMProperties(d, window_, nullptr, nullptr, nullptr, 0, nullptr, &hints, &group);
-    setSize(made.width, made.height);
     std::array<Atom, 2> answered{display_.atom("WM_DELETE_WINDOW"), display_.atom("_NET_WM_PING")};
     XSetWMProtocols(d, window_, answered.data(), static_cast<int>(answered.size()));
     const long process = getpid();
@@ -41,12 +38,12 @@ void X11Manners::setIcon(std::span<const IconPicture> icon) {
                     reinterpret_cast<const unsigned char*>(words.data()), static_cast<int>(words.size()));
 }
 
-void X11Manners::setSize(int width, int height) {
+void X11Manners::setSize(X11Display& display, ::Window window, int width, int height) {
     XSizeHints size{};
     size.flags = PMinSize | PMaxSize;
     size.min_width = size.max_width = width;
     size.min_height = size.max_height = height;
-    XSetWMNormalHints(display_.get(), window_, &size);
+    XSetWMNormalHints(display.get(), window, &size);
 }
 
 void X11Manners::setTitle(const std::string& title) {

@@ -18,8 +18,8 @@ public:
     /// What task bars show; each size is one to choose from.
     void setIcon(std::span<const IconPicture> icon);
     void setTitle(const std::string& title);
-    /// The size that stays, in pixels of the screen.
-    void setSize(int width, int height);
+    /// The size that stays, in pixels of the screen: for a window of any kind, since hosts look there too.
+    static void setSize(X11Display& display, ::Window window, int width, int height);
     /// True when the message is the user's wish to close the window. Whether the program still answers is
     /// answered here.
     bool wantsToClose(const XClientMessageEvent& message);

@@ -66,6 +66,7 @@ X11Window::Parts::Parts(const Setup& setup, PageWindow& whole, FontSource& fontS
       whole_(whole),
       parent_(setup.parent) {
     if (!isEmbedded) manners.emplace(display, window, setup.title).setIcon(setup.icon);
+    X11Manners::setSize(display, window, setup.width * scale, setup.height * scale);
 }
 
 X11Window::Parts::~Parts() {
@@ -139,7 +140,7 @@ void X11Window::Parts::setScale(int wanted) {
     screen.setScale(scale);
     pointer.setScale(scale);
     const Rect size = toScreen(shown.bounds());
-    if (manners) manners->setSize(size.width(), size.height());
+    X11Manners::setSize(display, window, size.width(), size.height());
     XResizeWindow(display.get(), window, static_cast<unsigned>(size.width()),
                   static_cast<unsigned>(size.height()));
     // What the window grows by is asked for when it has grown.

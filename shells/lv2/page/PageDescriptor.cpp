@@ -6,6 +6,7 @@
 #include <lv2/options/options.h>
 #include <lv2/urid/urid.h>
 
+#include <bit>
 #include <cstring>
 #include <exception>
 #include <memory>
@@ -78,7 +79,7 @@ PluginInstance& instanceFrom(const LV2_Feature* const* features) {
 unsigned long parentFrom(const LV2_Feature* const* features) {
     void* const parent = featureOf<void>(features, LV2_UI__parent);
     if (!parent) throw std::runtime_error("The page needs a window of the host's to be in (ui:parent).");
-    return reinterpret_cast<unsigned long>(parent);
+    return std::bit_cast<unsigned long>(parent);
 }
 
 /// Null where the host or the machine lacks something; the log says what.
@@ -92,7 +93,7 @@ LV2UI_Handle instantiate(const LV2UI_Descriptor*, const char*, const char*, LV2U
                                       .scaleFactor = toldScaleFactor(features, urids),
                                       .resize = featureOf<LV2UI_Resize>(features, LV2_UI__resize)};
         auto shown = std::make_unique<ShownPage>(instance, setup, urids, log);
-        *widget = reinterpret_cast<LV2UI_Widget>(shown->page.window());
+        *widget = std::bit_cast<LV2UI_Widget>(shown->page.window());
         return shown.release();
     } catch (const std::exception& error) {
         log.error(error.what());
