@@ -100,7 +100,7 @@ private:
                 return run(frames, leftOut, 16u * in_.byte());
             }
             case PluginStep::midi:
-                return addBytes(urid(LV2_MIDI__MidiEvent));
+                return addMidi();
             case PluginStep::atom:
                 return addAtom();
             case PluginStep::object:
@@ -139,10 +139,10 @@ private:
         events_.clear();
     }
 
-    void addBytes(LV2_URID type) {
+    void addMidi() {
         const auto frame = in_.number<std::int16_t>();
         const std::size_t length = in_.byte();
-        events_.add(frame, type, in_.take(length));
+        events_.add(frame, urid(LV2_MIDI__MidiEvent), in_.take(length));
     }
     void addAtom() {
         const auto frame = in_.number<std::int16_t>();
@@ -199,6 +199,24 @@ private:
         const std::size_t which = in_.byte() % projects().size();
         Bytes project = projects()[which].second;
         const std::uint8_t faults = in_.byte();
+        const bool isEdited = damage(project, faults);
+        describe(state, faults, project);
+        describeView(state);
+        const auto before = host_.kept();
+        const LV2_State_Status status = host_.restore(state, faults & kInFile);
+        // The last one is behind other bytes, as no file is.
+        const bool isWhole = (faults & ~kInFile) == 0 && !isEdited && which + 1 < projects().size();
+        require(status != LV2_STATE_SUCCESS ||
+                    !(faults & (kNoVersion | kNoProject | kNewerVersion | kOddVersion)),
+                "a state that isn't one is refused");
+        require(!isWhole || status == LV2_STATE_SUCCESS, "a good state is taken");
+        if (status != LV2_STATE_SUCCESS)
+            return require(host_.kept() == before, "a refused state leaves everything as it is");
+        require(viewOf(host_.kept()) == viewOf(state.properties), "the page will be as it was left");
+        if (!isWhole) host_.isTame = false;
+    }
+    /// Cuts and overwrites it. Whether anything was to be overwritten.
+    bool damage(Bytes& project, std::uint8_t faults) {
         const std::size_t kept = in_.number<std::uint16_t>();
         if (faults & kCut) project.resize(std::min(kept, project.size()));
         const int edits = in_.byte() % 8;
@@ -207,21 +225,7 @@ private:
             const std::uint8_t byte = in_.byte();
             if (at < project.size()) project[at] = byte;
         }
-        describe(state, faults, project);
-        describeView(state);
-        const auto before = host_.kept();
-        const LV2_State_Status status = host_.restore(state, faults & kInFile);
-        // The last one is behind other bytes, as no file is.
-        const bool isWhole = (faults & ~kInFile) == 0 && edits == 0 && which + 1 < projects().size();
-        require(status != LV2_STATE_SUCCESS ||
-                    !(faults & (kNoVersion | kNoProject | kNewerVersion | kOddVersion)),
-                "a state that isn't one is refused");
-        require(!isWhole || status == LV2_STATE_SUCCESS, "a good state is taken");
-        if (status != LV2_STATE_SUCCESS)
-            require(host_.kept() == before, "a refused state leaves everything as it is");
-        if (status != LV2_STATE_SUCCESS) return;
-        require(viewOf(host_.kept()) == viewOf(state.properties), "the page will be as it was left");
-        if (!isWhole) host_.isTame = false;
+        return edits > 0;
     }
     void describeView(State& state) {
         const auto view = in_.take(in_.byte());
