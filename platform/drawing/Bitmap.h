@@ -10,10 +10,11 @@
 
 namespace marnoth {
 
+/// Without initial values, so that pictures are copied in one piece: `Color{}` is black.
 struct Color {
-    std::uint8_t red = 0;
-    std::uint8_t green = 0;
-    std::uint8_t blue = 0;
+    std::uint8_t red;
+    std::uint8_t green;
+    std::uint8_t blue;
 
     friend bool operator==(const Color&, const Color&) = default;
 };

@@ -61,7 +61,7 @@ private:
     int penWidth_ = 1;
     std::optional<Color> brush_;
     Font* font_ = nullptr;
-    Color textColor_;
+    Color textColor_{};
     Color groundColor_{255, 255, 255};
     Point position_;
     std::vector<Crossing> crossings_;

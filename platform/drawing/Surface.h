@@ -19,7 +19,7 @@ namespace marnoth {
 /// A line's colour and kind. Width 0 and 1 are one pixel; a dotted pen draws every other pixel (beginning
 /// with the first) in its colour and leaves the ones between in the ground colour.
 struct Pen {
-    Color color;
+    Color color{};
     int width = 0;
     bool dotted = false;
 

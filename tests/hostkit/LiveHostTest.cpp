@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 #include <random>
 #include <set>
@@ -97,8 +98,8 @@ void expectSameAudio(const LiveRig& live, const CutRig& cut) {
             const std::vector<float>& played = live.audio[2 * static_cast<std::size_t>(output) + channel];
             const std::vector<float> expected = cut.it.channelOf(output, channel);
             ASSERT_EQ(played.size(), expected.size());
-            for (std::size_t i = 0; i < played.size(); ++i)
-                ASSERT_EQ(played[i], expected[i]) << "output " << output << " frame " << i;
+            const auto first = std::mismatch(played.begin(), played.end(), expected.begin()).first;
+            ASSERT_EQ(first, played.end()) << "output " << output << " frame " << first - played.begin();
         }
     }
 }
