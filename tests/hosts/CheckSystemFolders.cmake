@@ -27,6 +27,7 @@ set(expected
     usr/share/doc/marnoth/README.md
     usr/share/doc/marnoth/assets/groove.svg
     usr/share/doc/marnoth/assets/page-windows.png
+    usr/share/doc/marnoth/assets/ardour.png
     usr/share/doc/marnoth/assets/playing.png
     usr/share/marnoth/demo/bass.wav
     usr/share/marnoth/demo/chords.wav
