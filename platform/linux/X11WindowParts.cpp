@@ -227,8 +227,9 @@ void X11Window::Parts::pressed(const XButtonEvent& event) {
     if (!page) return;
     switch (event.button) {
         case kLeft:
-            return clicks_.isDouble({event.x, event.y}, event.time) ? page->doubleClick(at, held)
-                                                                    : page->leftDown(at, held);
+            clicks_.isDouble({event.x, event.y}, event.time) ? page->doubleClick(at, held)
+                                                             : page->leftDown(at, held);
+            return keepKeyboard();
         case kRight:
             return page->rightDown(at, held);
         case kUp:
@@ -329,11 +330,17 @@ void X11Window::Parts::focusChanged(const XFocusChangeEvent& event) {
     // A grab of the keyboard, as by a window manager's keys, moves no focus.
     if (event.mode == NotifyGrab || event.mode == NotifyUngrab) return;
     const Time now = Clock::now();
-    keyboard.focus(event.type == FocusIn);
+    hasFocus_ = event.type == FocusIn;
+    keyboard.focus(hasFocus_);
     if (event.type == FocusIn) return patience_.returned();
     patience_.left(now);
     if (!isTakenForPress(now)) return;
     --retakes_;
+    keepKeyboard();
+}
+
+void X11Window::Parts::keepKeyboard() {
+    if (!isEmbedded || !wantsFocus_ || hasFocus_) return;
     XSetInputFocus(display.get(), window, RevertToParent, CurrentTime);
     // That it is back is known here, however busy everybody is, before patience ends.
     XSync(display.get(), kXFalse);

@@ -98,6 +98,8 @@ private:
     /// Whether the keyboard went since a toolkit host answers a press in our window by taking it for a widget
     /// of its own.
     bool isTakenForPress(Time now);
+    /// A host's window gets the keyboard back, if the page wants it and it is away.
+    void keepKeyboard();
     void unmapped();
     void tick(Time now);
     void paint();
@@ -125,6 +127,7 @@ private:
     ::Window formerFocus_ = kXNone;
     bool captured_ = false;
     bool wantsFocus_ = false;
+    bool hasFocus_ = false;
     bool destroyed_ = false;
 };
 

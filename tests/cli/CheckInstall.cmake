@@ -15,7 +15,7 @@ set(expected
     bin/marnoth${SUFFIX} share/doc/marnoth/CHANGELOG.md share/doc/marnoth/README.md
     share/doc/marnoth/assets/groove.svg share/doc/marnoth/assets/page-windows.png
     share/doc/marnoth/assets/ardour.png
-    share/doc/marnoth/assets/playing.png)
+    share/doc/marnoth/assets/playing.png share/doc/marnoth/assets/plugin-jalv.png)
 if(SUFFIX)
     list(APPEND expected bin/Marnoth.dll)
 else()

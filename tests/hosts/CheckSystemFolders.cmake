@@ -29,6 +29,7 @@ set(expected
     usr/share/doc/marnoth/assets/page-windows.png
     usr/share/doc/marnoth/assets/ardour.png
     usr/share/doc/marnoth/assets/playing.png
+    usr/share/doc/marnoth/assets/plugin-jalv.png
     usr/share/marnoth/demo/bass.wav
     usr/share/marnoth/demo/chords.wav
     usr/share/marnoth/demo/drums.wav

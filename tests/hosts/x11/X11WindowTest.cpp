@@ -274,6 +274,22 @@ TEST_F(X11WindowTest, AKeyboardThatAHostTakesAtAPressComesBackHoweverLateThatIs)
     EXPECT_EQ(holder(), other.window());
 }
 
+TEST_F(X11WindowTest, APressGetsTheKeyboardThatIsAboutToBeLost) {
+    other.show();
+    open(1, other.window());
+    window->takeFocus(true);
+    ASSERT_TRUE(pump([&] { return holder() == window->id(); }));
+    pumpFor(20ms);
+    other.move(500, 500);
+    other.focus(other.window());
+    pumpFor(20ms);
+    other.move(20, 30);
+    other.button(1);
+    EXPECT_TRUE(pump([&] { return holder() == window->id(); }));
+    pumpFor(200ms);
+    EXPECT_EQ(page.count("focus lost"), 0);
+}
+
 TEST_F(X11WindowTest, AHostsWindowMayHaveAnotherDepth) {
     const ::Window parent = other.windowOfDepth(32);
     ASSERT_NE(parent, kXNone) << "the display has no such windows";
