@@ -18,6 +18,7 @@ namespace marnoth {
 namespace {
 
 constexpr std::chrono::seconds kCopyPeriod{60};
+constexpr std::chrono::seconds kFirstCopy{10};  ///< after the start: a short visit's changes count, too
 
 }  // namespace
 
@@ -38,7 +39,7 @@ ProjectRecovery::ProjectRecovery(LiveInstrument& instrument, OpenProject& projec
       window_(window),
       notices_(notices),
       file_(folder),
-      nextCopy_(EventLoop::Time::clock::now() + kCopyPeriod) {}
+      nextCopy_(EventLoop::Time::clock::now() + kFirstCopy) {}
 
 void ProjectRecovery::offer(std::function<void()> opened) {
     if (!file_.found()) return;

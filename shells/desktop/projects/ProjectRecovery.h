@@ -14,9 +14,10 @@
 
 namespace marnoth {
 
-/// Loses nothing in a crash: copies the open project every minute in which it has changed, offers what a
-/// program that didn't end well has left, and keeps a copy where the user couldn't be asked. A copy changes
-/// neither the project's path nor its files nor its title. The window's thread.
+/// Loses nothing in a crash: copies the open project every minute in which it has changed, for the first time
+/// soon after the start, offers what a program that didn't end well has left, and keeps a copy where the user
+/// couldn't be asked. A copy changes neither the project's path nor its files nor its title. The window's
+/// thread.
 class ProjectRecovery {
 public:
     /// All outlive it. `folder` is where copies go.
