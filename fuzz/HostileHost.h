@@ -106,7 +106,7 @@ public:
         require(save(state, false) == LV2_STATE_SUCCESS, "it can be saved");
         return state.properties;
     }
-    IGrooveSampler& sampler() { return static_cast<Plugin*>(instance_)->sampler(); }
+    Plugin& plugin() const { return static_cast<Plugin&>(PluginInstance::of(instance_)); }
     MemoryFile& file() {
         static MemoryFile file;
         return file;
@@ -174,7 +174,7 @@ private:
         return at + sizeof event + (event.body.size + 7) / 8 * 8;
     }
     void requireNews(std::span<const std::uint8_t> body, LV2_URID type) const {
-        const Urids& urids = static_cast<Plugin*>(instance_)->urids();
+        const Urids& urids = plugin().urids();
         const AtomView object{type, body};
         if (objectType(object, urids) == urids.stateChanged) return;
         require(objectType(object, urids) == urids.patchSet, "it is news that a host knows");

@@ -264,7 +264,7 @@ private:
     /// As the page's binary does, in a window without a screen.
     void openPage() {
         if (++pages_ > kMostPages) return;
-        HeadlessPage page(host_.sampler(), "");
+        HeadlessPage page(host_.plugin().sampler(), "");
         page.page().show(leftPageIn(viewOf(host_.kept())).view);
         page.picture();
         const LeftPage left{page.page().keptView(), {}};
