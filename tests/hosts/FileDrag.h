@@ -10,6 +10,8 @@
 #include <string>
 #include <utility>
 
+#include "tests/hosts/x11/SelectionAnswer.h"
+
 namespace marnoth::test {
 
 /// A drag of files onto a window as a file manager does it (freedesktop.org, "Drag-and-Drop Protocol for the
@@ -72,15 +74,7 @@ private:
     void handOver(const XSelectionRequestEvent& request) {
         XChangeProperty(display_, request.requestor, request.property, request.target, 8, PropModeReplace,
                         reinterpret_cast<const unsigned char*>(list_.data()), static_cast<int>(list_.size()));
-        XEvent event{};
-        event.xselection.type = SelectionNotify;
-        event.xselection.requestor = request.requestor;
-        event.xselection.selection = request.selection;
-        event.xselection.target = request.target;
-        event.xselection.property = request.property;
-        event.xselection.time = request.time;
-        XSendEvent(display_, request.requestor, False, NoEventMask, &event);
-        XFlush(display_);
+        answerSelection(display_, request);
     }
 
     /// The yes or no of the target's message; meanwhile it may ask for the files.

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "platform/linux/X11Headers.h"
+#include "tests/hosts/x11/SelectionAnswer.h"
 
 namespace marnoth::test {
 
@@ -88,17 +89,7 @@ public:
         XSetSelectionOwner(display_, atom("CLIPBOARD"), window_, CurrentTime);
         XSync(display_, kXFalse);
     }
-    void answer(const XSelectionRequestEvent& request) {
-        XEvent told{};
-        told.xselection.type = SelectionNotify;
-        told.xselection.requestor = request.requestor;
-        told.xselection.selection = request.selection;
-        told.xselection.target = request.target;
-        told.xselection.property = request.property;
-        told.xselection.time = request.time;
-        XSendEvent(display_, request.requestor, kXFalse, NoEventMask, &told);
-        XFlush(display_);
-    }
+    void answer(const XSelectionRequestEvent& request) { answerSelection(display_, request); }
     void put(::Window window, Atom property, Atom type, int bits, const void* data, std::size_t units) {
         XChangeProperty(display_, window, property, type, bits, PropModeReplace,
                         static_cast<const unsigned char*>(data), static_cast<int>(units));
