@@ -149,6 +149,19 @@ HRESULT CGrooveSampler::GetSteady(std::uint32_t* on) {
     return S_OK;
 }
 
+HRESULT CGrooveSampler::SetSparse(std::uint32_t on) {
+    const CAutoLock lock(*this);
+    sparse_ = on != 0;
+    return S_OK;
+}
+
+HRESULT CGrooveSampler::GetSparse(std::uint32_t* on) {
+    if (!on) return E_POINTER;
+    const CAutoLock lock(*this);
+    *on = sparse_ ? 1 : 0;
+    return S_OK;
+}
+
 void CGrooveSampler::ClearPhaseAnchor() {
     const CAutoLock lock(*this);
     renderer_.clearPhaseAnchor();

@@ -63,6 +63,7 @@ public:
     HRESULT SaveState(IStream* stream) override;
     void ResetVoices() override;
     bool IsSteady() const override { return renderer_.isSteady(); }
+    bool IsSparse() const override { return sparse_; }
 
     /// Makes the output pin "Chan N" of a pad, N = pad + 1. 1 when the pad has its pin already;
     /// `E_INVALIDARG` for a bad pad.
@@ -160,6 +161,8 @@ public:
     HRESULT SetLenientFiles(std::uint32_t on) override;
     HRESULT GetLenientFiles(std::uint32_t* on) override;
     HRESULT GetChanges(std::uint64_t* count) override;
+    HRESULT SetSparse(std::uint32_t on) override;
+    HRESULT GetSparse(std::uint32_t* on) override;
 
 protected:
     virtual ~CGrooveSampler();
@@ -227,7 +230,8 @@ private:
     std::unique_ptr<UndoRing> undo_ = std::make_unique<UndoRing>();
     BlockRenderer renderer_;
     std::uint32_t auditionEnabled_ = 0;
-    std::uint32_t lenientFiles_ = 0;    ///< 1 or 0
+    std::uint32_t lenientFiles_ = 0;  ///< 1 or 0
+    bool sparse_ = false;
     std::uint32_t refreshRequest_ = 0;  ///< the one mailbox to the page
 };
 

@@ -56,7 +56,7 @@ void clear(IMediaSample& sample) {
 /// What stayed silent and can't say so is cleared as whoever asks for the audio of a silent pin finds it.
 void clearUnmarkedSilence(std::span<PinBuffer> buffers) {
     for (PinBuffer& buffer : buffers)
-        if (buffer.silent && !silenceOf(*buffer.sample)) GetBufferData(buffer);
+        if (buffer.silent && buffer.sample && !silenceOf(*buffer.sample)) GetBufferData(buffer);
 }
 
 void releaseSample(PinBuffer& buffer) {
@@ -115,6 +115,46 @@ private:
     CFilter& filter_;
 };
 
+/// Brings the buffers of a block one by one, as the engine opens them.
+class CFilter::LateBuffers final : public BufferSource {
+public:
+    LateBuffers(CFilter& filter, BlockBuffers& block, const SampleFlags& flags)
+        : filter_(filter), block_(block), flags_(flags) {}
+
+    /// Makes a descriptor for every outlet, for a block as long as `input`.
+    void describe(const PinBuffer& input) {
+        bytes_ = input.sample->GetActualDataLength();
+        for (const Outlet& outlet : block_.outlets) {
+            PinBuffer buffer;
+            buffer.frames = input.frames;
+            buffer.pinId = outlet.pinId;
+            buffer.silent = 1;
+            buffer.source = this;
+            block_.buffers.push_back(buffer);
+        }
+    }
+    void bring(PinBuffer& buffer) override {
+        const Outlet& outlet = block_.outlets[static_cast<std::size_t>(&buffer - block_.buffers.data())];
+        PinBuffer brought;
+        HRESULT hr = filter_.prepareBuffer(outlet, block_.output, &brought, flags_);
+        if (SUCCEEDED(hr)) hr = filter_.fitBuffer(brought, buffer.frames, bytes_);
+        if (FAILED(hr)) {
+            failure_ = hr;
+            releaseSample(brought);
+        }
+        buffer.sample = brought.sample;
+    }
+    /// `S_OK`, or why a buffer didn't come.
+    HRESULT result() const { return failure_; }
+
+private:
+    CFilter& filter_;
+    BlockBuffers& block_;
+    const SampleFlags& flags_;
+    LONG bytes_ = 0;
+    HRESULT failure_ = S_OK;
+};
+
 HRESULT CFilter::Receive(IMediaSample* in) {
     if (!in) return E_POINTER;
     const CAutoLock stream(m_streamLock);
@@ -124,10 +164,16 @@ HRESULT CFilter::Receive(IMediaSample* in) {
     PinBuffer input;
     input.sample = in;
     if (const HRESULT hr = beginBlock(block, input, flags); FAILED(hr)) return hr;
-    HRESULT hr = prepareBuffers(block, flags);
+    LateBuffers late(*this, block, flags);
+    HRESULT hr = S_OK;
+    if (block.sparse) {
+        late.describe(input);
+    } else {
+        hr = prepareBuffers(block, flags);
+    }
     if (SUCCEEDED(hr)) hr = renderReceived(block, input);
     if (block.rendered) deliverBlock(block);
-    return hr;
+    return SUCCEEDED(hr) && FAILED(late.result()) ? late.result() : hr;
 }
 
 /// What the sample says of the block, where that stands in the stream, and to whom it goes.
@@ -215,10 +261,11 @@ std::optional<CFilter::Outlet> CFilter::connectedOutlet(std::size_t& index) {
 
 void CFilter::takeOutlets(BlockBuffers& block) {
     const CAutoLock lock(pzi());
-    for (std::size_t index = 0; auto outlet = connectedOutlet(index); ++index)
-        block.outlets.push_back(std::move(*outlet));
+    for (const auto& pin : m_outputPins)
+        if (auto to = pin->GetDownstream()) block.outlets.push_back({pin->id(), std::move(to)});
     block.input = inputFormat;
     block.output = outputFormat;
+    block.sparse = IsSparse();
 }
 
 bool CFilter::isAsItCame(const BlockBuffers& block) const {
@@ -261,22 +308,28 @@ HRESULT CFilter::prepareBuffer(const Outlet& outlet, const WAVEFORMATEX& format,
     return S_OK;
 }
 
-/// Makes every buffer one of `frames` frames; `bytes` is the length of the input, fraction of a frame and
-/// all. The engine renders in the channels of the input, so the buffer has to hold those too.
 HRESULT CFilter::fitBuffers(BlockBuffers& block, std::int32_t frames, LONG bytes) {
-    const std::int64_t renderedBytes = std::int64_t{frames} * inputFormat.nBlockAlign;
     for (PinBuffer& buffer : block.buffers) {
-        if (buffer.frames < frames || buffer.sample->GetSize() < renderedBytes) return E_FAIL;
-        buffer.frames = frames;
-        buffer.sample->SetActualDataLength(bytes);
+        if (!buffer.sample) continue;
+        if (const HRESULT hr = fitBuffer(buffer, frames, bytes); FAILED(hr)) return hr;
     }
+    return S_OK;
+}
+
+/// Makes a buffer one of `frames` frames; `bytes` is the length of the input, fraction of a frame and all.
+/// The engine renders in the channels of the input, so the buffer has to hold those too.
+HRESULT CFilter::fitBuffer(PinBuffer& buffer, std::int32_t frames, LONG bytes) const {
+    const std::int64_t renderedBytes = std::int64_t{frames} * inputFormat.nBlockAlign;
+    if (buffer.frames < frames || buffer.sample->GetSize() < renderedBytes) return E_FAIL;
+    buffer.frames = frames;
+    buffer.sample->SetActualDataLength(bytes);
     return S_OK;
 }
 
 /// Without the instrument's lock: a renderer may keep a block for as long as the graph is paused.
 void CFilter::deliverBlock(BlockBuffers& block) {
     for (std::size_t i = 0; i < block.buffers.size(); ++i) {
-        if (*block.rendered == S_OK) deliverBuffer(block, i);
+        if (*block.rendered == S_OK && block.buffers[i].sample) deliverBuffer(block, i);
         if (*block.rendered == S_FALSE) block.outlets[i].to->endOfStream();
         releaseSample(block.buffers[i]);
     }

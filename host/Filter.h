@@ -19,7 +19,8 @@ namespace marnoth {
 /// graph with one input pin and seventeen output pins ("Mix Output", "Chan 1" to "Chan 16").
 ///
 /// One identity and one reference count for every interface. Audio at the input pin is the only clock: each
-/// sample received is one block rendered and one sample delivered on every connected output pin.
+/// sample received is one block rendered and one sample delivered on every connected output pin, or, for
+/// hosts that ask for it, on every one that there is something to hear of.
 ///
 /// The instrument's lock is that of `CPzi`: the streaming thread holds it while it renders a block, everybody
 /// else for one operation. The stream has a lock of its own, held from the sample that comes in to the last
@@ -124,8 +125,10 @@ private:
         // As they were when the block came.
         WAVEFORMATEX input{};
         WAVEFORMATEX output{};
+        bool sparse = false;
     };
     class BlockScope;
+    class LateBuffers;
     struct SampleFlags;
 
     // Output pins.
@@ -150,6 +153,7 @@ private:
                           const SampleFlags& flags);
     bool isAsItCame(const BlockBuffers& block) const;
     HRESULT fitBuffers(BlockBuffers& block, std::int32_t frames, LONG bytes);
+    HRESULT fitBuffer(PinBuffer& buffer, std::int32_t frames, LONG bytes) const;
     HRESULT renderReceived(BlockBuffers& block, PinBuffer& input);
     HRESULT renderWhole(BlockBuffers& block, PinBuffer& input);
     HRESULT renderPieces(BlockBuffers& block, PinBuffer& input);

@@ -6,11 +6,11 @@
 #include <utility>
 
 #include "hostkit/InstrumentGraph.h"
+#include "hostkit/InstrumentOptions.h"
 #include "hostkit/LiveCommands.h"
 #include "hostkit/LivePieces.h"
 #include "hostkit/MakeObject.h"
 #include "hostkit/OwnTransport.h"
-#include "hostkit/SteadyMode.h"
 #include "hostkit/StreamPosition.h"
 #include "hostkit/TransportFollower.h"
 #include "hostkit/UnderLock.h"
@@ -73,6 +73,9 @@ LiveHost::Parts::Parts(InstrumentMaker make) : instrument(make) {
     if (FAILED(instrument.attach(services))) throw std::runtime_error("the instrument can't be attached");
     if (FAILED(setSteady(instrument.sampler(), true)))
         throw std::runtime_error("the instrument has no steady mode");
+    // What isn't delivered is silence here anyway, and sixteen idle pads cost as good as nothing.
+    if (FAILED(setSparse(instrument.sampler(), true)))
+        throw std::runtime_error("the instrument has no sparse outputs");
     for (int pin = 0; pin < kOutputPins; ++pin)
         instrument.sink(pin).setTaker(
             [this, pin](std::span<const float> samples, bool silent) { outputs.take(pin, samples, silent); });

@@ -34,6 +34,12 @@ struct IMarnothOptions : IUnknown {
     /// to what they are already among them; playing, auditions and saves leave it. Where it is what it was at
     /// a save, that save has everything. `E_POINTER` for null.
     virtual HRESULT GetChanges(std::uint64_t* count) = 0;
+    /// Whether outputs are sparse from the next block on: one that stays silent through a block delivers
+    /// nothing, and a buffer is asked for when there is something to put into it. That is under the lock, so
+    /// it is for hosts whose buffers keep nobody waiting. The end of a stream is told as ever. `S_OK`.
+    virtual HRESULT SetSparse(std::uint32_t on) = 0;
+    /// 1 or 0. `E_POINTER` for null.
+    virtual HRESULT GetSparse(std::uint32_t* on) = 0;
 };
 
 }  // namespace marnoth

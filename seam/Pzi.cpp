@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 #include "platform/com/RefPtr.h"
 #include "platform/graph/Graph.h"
@@ -33,6 +34,7 @@ float* GetBufferData(PinBuffer& buffer) {
         buffer.silent = 0;
         return buffer.data;
     }
+    if (buffer.source) std::exchange(buffer.source, nullptr)->bring(buffer);
     BYTE* memory = nullptr;
     if (!buffer.sample || FAILED(buffer.sample->GetPointer(&memory)) || !memory) return nullptr;
     // The clearing counts one value to the frame, whatever the channels.

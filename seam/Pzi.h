@@ -76,6 +76,18 @@ struct IKvxSampleSilence : IUnknown {
     virtual void SetSilent(std::int32_t silent) = 0;
 };
 
+struct PinBuffer;
+
+/// Gives a buffer its sample when the instrument first opens it. Without the sample, which may fail to come,
+/// the buffer has no memory.
+class BufferSource {
+public:
+    virtual void bring(PinBuffer& buffer) = 0;
+
+protected:
+    ~BufferSource() = default;
+};
+
 /// One block buffer.
 struct PinBuffer {
     std::int32_t frames = 0;         ///< capacity in frames, then the frames of the block
@@ -88,6 +100,7 @@ struct PinBuffer {
     PinBuffer* whole = nullptr;
     std::int64_t wholeFrom = 0;
     std::int64_t wholeValues = 0;
+    BufferSource* source = nullptr;  ///< asked once for a sample that isn't there yet; null: nobody has one
 };
 
 /// The block's memory, for reading and writing; from then on the buffer isn't silent.
@@ -161,6 +174,8 @@ public:
     virtual void ResetVoices() = 0;
     /// Whether blocks are to be rendered in pieces that end at events.
     virtual bool IsSteady() const { return false; }
+    /// Whether an output that stays silent through a block needs no buffer and delivers nothing.
+    virtual bool IsSparse() const { return false; }
 
     /// Set by the shell when a connection is made, under the lock. The engine's audio format is the input
     /// format.

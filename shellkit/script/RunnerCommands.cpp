@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "hostkit/SteadyMode.h"
+#include "hostkit/InstrumentOptions.h"
 #include "seam/Limits.h"
 #include "shellkit/files/LoopFiles.h"
 #include "shellkit/script/ScriptCommand.h"

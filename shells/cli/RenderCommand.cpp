@@ -14,7 +14,7 @@
 
 #include "host/CreateInstance.h"
 #include "hostkit/HostRig.h"
-#include "hostkit/SteadyMode.h"
+#include "hostkit/InstrumentOptions.h"
 #include "sample/AcidWave.h"
 #include "seam/Limits.h"
 #include "seam/MusicalTime.h"

@@ -287,6 +287,7 @@ TEST_F(BadInput, IsRefusedByOptionsAndFaults) {
     EXPECT_EQ(options->GetSteady(nullptr), E_POINTER);
     EXPECT_EQ(options->GetLenientFiles(nullptr), E_POINTER);
     EXPECT_EQ(options->GetChanges(nullptr), E_POINTER);
+    EXPECT_EQ(options->GetSparse(nullptr), E_POINTER);
     const auto faults = query<IMarnothFaults>(*owner, IID_IMarnothFaults);
     EXPECT_EQ(faults->GetLoadFault(nullptr), E_POINTER);
     EXPECT_EQ(faults->GetLoadDamage(nullptr), E_POINTER);

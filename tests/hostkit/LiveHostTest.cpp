@@ -5,11 +5,11 @@
 #include <random>
 #include <set>
 
+#include "hostkit/InstrumentOptions.h"
 #include "hostkit/LiveRig.h"
 #include "hostkit/MakeObject.h"
 #include "hostkit/MemoryStream.h"
 #include "hostkit/PlayingRig.h"
-#include "hostkit/SteadyMode.h"
 #include "hostkit/ToldSynth.h"
 #include "platform/graph/Graph.h"
 

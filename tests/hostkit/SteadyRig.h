@@ -10,7 +10,7 @@
 
 #include "host/CreateInstance.h"
 #include "hostkit/HostRig.h"
-#include "hostkit/SteadyMode.h"
+#include "hostkit/InstrumentOptions.h"
 #include "support/WaveFile.h"
 
 /// What tests of the steady mode play and listen to.

@@ -6,8 +6,8 @@
 
 #include "host/CreateInstance.h"
 #include "hostkit/HostRig.h"
+#include "hostkit/InstrumentOptions.h"
 #include "hostkit/LiveRig.h"
-#include "hostkit/SteadyMode.h"
 #include "lv2/PluginHost.h"
 #include "support/RealTimeGuard.h"
 

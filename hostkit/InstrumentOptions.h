@@ -8,4 +8,7 @@ namespace marnoth {
 /// the instrument's, or that it doesn't know of such an option.
 HRESULT setSteady(IUnknown& instrument, bool on);
 
+/// The same for sparse outputs (`IMarnothOptions::SetSparse`).
+HRESULT setSparse(IUnknown& instrument, bool on);
+
 }  // namespace marnoth
