@@ -60,6 +60,10 @@ std::unique_ptr<Surface> CGrooveSamplerPropPage::drawInto(Bitmap& bitmap) {
 void CGrooveSamplerPropPage::bind(std::span<IUnknown* const> objects) {
     questions().cancel();
     m_wheelRun.end();
+    carryOut([&] { takeMouseAway(); });
+    // What is being typed, or chosen from a list, was meant for the engine that goes: none hears of it.
+    m_pGrooveSampler.bind({});
+    if (isTyping()) focusLost();
     m_pGrooveSampler.bind(objects);
     if (!m_pGrooveSampler || !m_isOpen) return;
     m_view.clearSelections();

@@ -52,7 +52,7 @@ PageFrame::PageFrame(PageWindow& window, const Bitmap& ground, SurfaceMaker make
       m_page(ground),
       m_screen(ground),
       m_questions(
-          window, [this] { loseMouseToQuestion(); },
+          window, [this] { takeMouseAway(); },
           [this](const std::function<void()>& answer) { carryOutAnswer(answer); }) {}
 
 Control* PageFrame::controlOf(int id) const {
@@ -201,7 +201,7 @@ void PageFrame::giveMouseBack() {
         m_window.releaseCapture();
 }
 
-void PageFrame::loseMouseToQuestion() {
+void PageFrame::takeMouseAway() {
     if (!m_captured && !m_pageCaptured) return;
     loseMouse();
     giveMouseBack();

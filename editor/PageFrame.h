@@ -95,6 +95,8 @@ protected:
     bool RectVisible(const Rect& area) const;
     /// All mouse events go to the page, also from over controls.
     void captureForPage();
+    /// A drag, whoever's it is, ends without effect; the rest of it reaches nobody.
+    void takeMouseAway();
 
     /// Questions to the user, whose answers come as an event does. Whoever has the mouse loses it, since the
     /// button may be let go over the question, and then nobody here hears of it.
@@ -165,7 +167,6 @@ private:
     bool admits(Modifiers held);
     void route(ControlEventKind kind, Point at, Modifiers held, void (PageFrame::*toPage)(Point));
     void sendKey(const ControlEvent& event);
-    void loseMouseToQuestion();
     void carryOutAnswer(const std::function<void()>& answer);
 
     void paintInvalid();

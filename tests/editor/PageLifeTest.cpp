@@ -111,6 +111,39 @@ TEST_F(PageLife, OpeningReadsEverythingInItsOrderAndBeginsToPoll) {
     EXPECT_EQ(rig.calls(), paintReads());
 }
 
+TEST_F(PageLife, ADragOfWhatAnotherEngineReplacesEndsWithoutEffect) {
+    rig.fillPad(0, 4);
+    rig.open();
+    RecordingSampler second;
+    second.pads = rig.engine.pads;
+    const Point mark = rig.inRow(0, 54 * 4);
+    const Point grain = rig.onBeat(0, 1);
+    for (const Point from : {mark, grain, rig.onPadImage(3)}) {
+        bindTo({&rig.engine});
+        rig.press(from);
+        rig.move(rig.onBeat(1, 2));
+        bindTo({&second});
+        second.take();
+        rig.move(rig.onBeat(2, 2));
+        rig.release(rig.onBeat(2, 2));
+        EXPECT_EQ(second.takeChanges(), Calls{}) << from.x;
+    }
+    EXPECT_EQ(rig.engine.pads[0].grains.size(), 4u);
+}
+
+TEST_F(PageLife, WhatIsTypedForAnotherEngineIsForgotten) {
+    rig.open();
+    rig.page->focusControl(rig.control(kLowVelocity));
+    rig.window.type("77");
+    EXPECT_TRUE(rig.page->isTyping());
+    RecordingSampler second;
+    bindTo({&second});
+    EXPECT_FALSE(rig.page->isTyping());
+    second.take();
+    rig.window.key(kKeyReturn);
+    EXPECT_EQ(second.takeChanges(), Calls{});
+}
+
 TEST_F(PageLife, WithoutARequestATickAsksOnlyWhichPadsPlay) {
     rig.open();
     rig.engine.pads[3].playing = true;
