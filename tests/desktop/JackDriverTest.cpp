@@ -15,6 +15,7 @@ using Lines = std::vector<std::string>;
 struct Server {
     bool runs = true;
     std::uint32_t rate = 44100;
+    std::uint32_t rateOfBlocks = 0;  ///< that it has from the first block on; 0 for the same
     jack_nframes_t frames = 256;
     jack_transport_state_t state = JackTransportStopped;
     jack_position_t position{};
@@ -36,6 +37,10 @@ struct Server {
     void* driver = nullptr;
 
     void run() { process(frames, driver); }
+    void begin() {
+        if (rateOfBlocks != 0) sampleRate(rateOfBlocks, driver);
+        run();
+    }
 };
 
 Server* server = nullptr;
@@ -58,8 +63,8 @@ JackLibrary library() {
     JackLibrary jack;
     jack.client_open = openClient;
     jack.client_close = [](jack_client_t*) { return server->done.push_back("closed"), 0; };
-    jack.activate = [](jack_client_t*) { return 0; };
-    jack.deactivate = [](jack_client_t*) { return 0; };
+    jack.activate = [](jack_client_t*) { return server->begin(), 0; };
+    jack.deactivate = [](jack_client_t*) { return server->done.push_back("deactivated"), 0; };
     jack.get_sample_rate = [](jack_client_t*) { return server->rate; };
     jack.get_buffer_size = [](jack_client_t*) { return server->frames; };
     jack.set_buffer_size = [](jack_client_t*, jack_nframes_t frames) {
@@ -242,6 +247,23 @@ TEST_F(JackDriverTest, AtAnotherRateItIsSilentUntilItIsOpenedAnew) {
     open();
     EXPECT_EQ(player.rate, 48000u);
     EXPECT_EQ(driver->trouble(), "");
+}
+
+TEST_F(JackDriverTest, AServerThatHasAnotherRateThanItSaidBeforePlaysAtItsOwn) {
+    here.rateOfBlocks = 48000;
+    open();
+    EXPECT_EQ(player.rate, 48000u);
+    EXPECT_EQ(driver->rate(), 48000u);
+    EXPECT_EQ(driver->trouble(), "") << "or it would be opened anew for ever";
+    EXPECT_TRUE(player.blocks.empty()) << "none before its player knows the rate";
+    here.run();
+    EXPECT_EQ(player.blocks.size(), 1u);
+    driver.reset();
+    EXPECT_NO_THROW(open({.device = {}, .midiPort = {}, .rate = 48000, .frames = 0}));
+    driver.reset();
+    here.done.clear();
+    EXPECT_THROW(open({.device = {}, .midiPort = {}, .rate = 44100, .frames = 0}), std::runtime_error);
+    EXPECT_EQ(here.done, (Lines{"deactivated", "closed"}));
 }
 
 TEST_F(JackDriverTest, DropoutsCountButWhileItFreewheels) {

@@ -18,4 +18,9 @@ std::vector<std::string> JackClient::ports(const char* type, unsigned long flags
     return names;
 }
 
+JackActivation::JackActivation(const JackLibrary& jack, jack_client_t* client)
+    : jack_(jack), client_(client) {
+    if (jack_.activate(client_) != 0) throw std::runtime_error("JACK doesn't start us.");
+}
+
 }  // namespace marnoth

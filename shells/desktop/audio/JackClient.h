@@ -25,4 +25,19 @@ private:
     jack_client_t* const handle_;
 };
 
+/// While it lives JACK calls; its end waits for the call that is under way. The connection may be in use for
+/// a moment yet by who asks for devices.
+class JackActivation {
+public:
+    /// Throws `std::runtime_error`, with a sentence for the user, when JACK refuses. Both outlive it.
+    JackActivation(const JackLibrary& jack, jack_client_t* client);
+    ~JackActivation() { jack_.deactivate(client_); }
+    JackActivation(const JackActivation&) = delete;
+    JackActivation& operator=(const JackActivation&) = delete;
+
+private:
+    const JackLibrary& jack_;
+    jack_client_t* const client_;
+};
+
 }  // namespace marnoth

@@ -1,8 +1,10 @@
 #include "shells/desktop/audio/JackDriver.h"
 
 #include <algorithm>
+#include <chrono>
 #include <limits>
 #include <stdexcept>
+#include <thread>
 #include <utility>
 
 #include "shells/desktop/audio/JackTransport.h"
@@ -31,16 +33,30 @@ JackDriver::JackDriver(const JackLibrary& jack, std::shared_ptr<const JackClient
       wish_(wish),
       connection_(std::move(connection)),
       handle_(connection_->handle()),
-      rate_(jack_.get_sample_rate(handle_)) {
-    if (wish_.rate && wish_.rate != rate_)
-        throw std::runtime_error("JACK runs at " + std::to_string(rate_) + ", not at " +
-                                 std::to_string(wish_.rate) + ".");
+      serverRate_(jack_.get_sample_rate(handle_)) {
     askForFrames();
     if (!addPorts()) throw std::runtime_error("JACK gives no more ports.");
-    if (!client_.prepare(rate_, frames_)) throw std::runtime_error("The instrument can't be started.");
     answerCallbacks();
-    if (jack_.activate(handle_) != 0) throw std::runtime_error("JACK doesn't start us.");
+    activation_.emplace(jack_, handle_);
+    awaitBlock();
+    start(serverRate_);
     look();
+}
+
+/// PipeWire says before the first block what rate is asked for, and only with it what rate there is.
+void JackDriver::awaitBlock() const {
+    constexpr std::chrono::seconds kPatience{1};
+    constexpr std::chrono::milliseconds kRest{1};
+    const auto end = std::chrono::steady_clock::now() + kPatience;
+    while (!hasBegun_ && std::chrono::steady_clock::now() < end) std::this_thread::sleep_for(kRest);
+}
+
+void JackDriver::start(std::uint32_t rate) {
+    if (wish_.rate && wish_.rate != rate)
+        throw std::runtime_error("JACK runs at " + std::to_string(rate) + ", not at " +
+                                 std::to_string(wish_.rate) + ".");
+    if (!client_.prepare(rate, frames_)) throw std::runtime_error("The instrument can't be started.");
+    rate_ = rate;
 }
 
 /// The length of blocks is the whole server's: it changes for who asks for one, and for nobody else.
@@ -68,8 +84,7 @@ void JackDriver::answerCallbacks() {
     jack_.set_sample_rate_callback(
         handle_,
         [](jack_nframes_t rate, void* self) {
-            auto& driver = *static_cast<JackDriver*>(self);
-            driver.hasOtherRate_ = rate != driver.rate_;
+            static_cast<JackDriver*>(self)->serverRate_ = rate;
             return 0;
         },
         this);
@@ -98,11 +113,6 @@ void JackDriver::answerCallbacks() {
         this);
 }
 
-JackDriver::~JackDriver() {
-    // The connection may be in use for a moment yet by who asks for devices.
-    jack_.deactivate(handle_);
-}
-
 bool JackDriver::addPorts() {
     for (std::size_t pointer = 0; pointer < audio_.size(); ++pointer)
         audio_[pointer] = jack_.port_register(handle_, portName(static_cast<int>(pointer)).c_str(),
@@ -116,7 +126,9 @@ int JackDriver::process(std::int32_t frames) {
     std::array<float*, SeparateOutputs::kPointers> outputs{};
     for (std::size_t pointer = 0; pointer < outputs.size(); ++pointer)
         outputs[pointer] = static_cast<float*>(jack_.port_get_buffer(audio_[pointer], count));
-    if (hasOtherRate_) {
+    hasBegun_ = true;
+    // What is rendered would be out of tune.
+    if (serverRate_ != rate_) {
         for (float* const output : outputs) std::fill_n(output, frames, 0.0f);
         return 0;
     }
@@ -167,7 +179,7 @@ void JackDriver::locate(std::int64_t frame) {
 
 std::string JackDriver::trouble() const {
     if (gone_) return "The JACK server has ended.";
-    return hasOtherRate_ ? "JACK plays at another rate now." : "";
+    return serverRate_ != rate_ ? "JACK plays at another rate now." : "";
 }
 
 void JackDriver::look() {

@@ -4,6 +4,7 @@
 #include <atomic>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -22,7 +23,6 @@ public:
     /// with a sentence for the user, when the server has another rate than is wished or refuses.
     JackDriver(const JackLibrary& jack, std::shared_ptr<const JackClient> connection, const AudioWish& wish,
                AudioClient& client);
-    ~JackDriver() override;
 
     std::string name() const override { return "JACK"; }
     std::uint32_t rate() const override { return rate_; }
@@ -39,6 +39,8 @@ private:
     void locate(std::int64_t frame) override;
 
     void askForFrames();
+    void awaitBlock() const;
+    void start(std::uint32_t rate);
     void answerCallbacks();
     int process(std::int32_t frames);
     void handNotesOn(jack_nframes_t frames);
@@ -55,16 +57,18 @@ private:
     jack_client_t* const handle_;
     std::array<jack_port_t*, SeparateOutputs::kPointers> audio_{};
     jack_port_t* midi_ = nullptr;
-    const std::uint32_t rate_;
+    std::atomic<std::uint32_t> serverRate_;  ///< frames per second, as all rates here
+    std::atomic<std::uint32_t> rate_ = 0;    ///< that the client renders at; 0 before it does
     std::atomic<std::int32_t> frames_ = 0;
     std::atomic<bool> gone_ = false;
-    std::atomic<bool> hasOtherRate_ = false;  ///< what is rendered would be out of tune
+    std::atomic<bool> hasBegun_ = false;  ///< a block has come
     std::atomic<bool> isFreewheeling_ = false;
     std::atomic<TransportRole> role_ = TransportRole::own;
     std::mutex newPortsMutex_;
     std::vector<jack_port_id_t> newPorts_;    ///< since the last look, from a thread of JACK's
     std::vector<std::string> knownMidi_;      ///< ports that are there and were connected once
     std::vector<std::string> knownSpeakers_;  ///< the same
+    std::optional<JackActivation> activation_;
 };
 
 }  // namespace marnoth
