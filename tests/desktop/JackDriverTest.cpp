@@ -158,10 +158,12 @@ public:
     }
     void follow(const LiveTransport& transport) override { told.push_back(transport); }
     MusicalPlace placeOf(std::int64_t frame) override { return {static_cast<double>(frame), 90.0}; }
+    void freewheel() override { ++freewheeled; }
     void dropout() override { ++dropouts; }
 
     std::uint32_t rate = 0;
     int dropouts = 0;
+    int freewheeled = 0;
     Lines heard;
     std::vector<std::int32_t> blocks;
     std::vector<LiveTransport> told;
@@ -274,6 +276,17 @@ TEST_F(JackDriverTest, DropoutsCountButWhileItFreewheels) {
     here.freewheel(0, here.driver);
     here.xrun(here.driver);
     EXPECT_EQ(player.dropouts, 2);
+}
+
+TEST_F(JackDriverTest, EachBlockOfAServerThatFreewheelsIsToldAsOne) {
+    open();
+    here.run();
+    here.freewheel(1, here.driver);
+    here.run();
+    here.run();
+    here.freewheel(0, here.driver);
+    here.run();
+    EXPECT_EQ(player.freewheeled, 2);
 }
 
 TEST_F(JackDriverTest, AServerThatEndsIsSaid) {

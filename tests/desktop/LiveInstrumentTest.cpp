@@ -257,6 +257,21 @@ TEST(LiveInstrument, TheMetronomeIsHeardButNotRecorded) {
     for (const float sample : take.samples) ASSERT_EQ(sample, 0.0f);
 }
 
+TEST(LiveInstrument, OfABlockThatFreewheelsATakeGetsAllAndNobodyTakesTheTime) {
+    constexpr std::int32_t kLong = 400'000;
+    const Groove groove;
+    const TempFolder folder;
+    Player player(groove, kLong);
+    player.live.recorder().start(folder.name("take.wav"), kRate);
+    player.live.freewheel();
+    player.render(kLong);
+    EXPECT_EQ(player.live.recorder().stop(), "");
+    EXPECT_EQ(readWaveFrames(folder / "take.wav").samples.size(), 2u * kLong);
+    EXPECT_EQ(player.live.blockTimes().blocks(), 0u);
+    player.render(1);
+    EXPECT_EQ(player.live.blockTimes().blocks(), 1u);
+}
+
 /// Blocks of 441 frames along with a clock that another program moves.
 class Follower {
 public:

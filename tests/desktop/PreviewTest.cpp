@@ -28,10 +28,12 @@ public:
         ++placed;
         return {};
     }
+    void freewheel() override { ++freewheeled; }
     void dropout() override {}
 
     int followed = 0;
     int placed = 0;
+    int freewheeled = 0;
 };
 
 /// A user at an audio system without a card.
@@ -123,8 +125,10 @@ TEST_F(PreviewTest, AChangeOfRateEndsIt) {
 TEST_F(PreviewTest, TheSystemsTransportReachesTheInstrument) {
     preview.follow({});
     preview.placeOf(0);
+    preview.freewheel();
     EXPECT_EQ(hum.followed, 1);
     EXPECT_EQ(hum.placed, 1);
+    EXPECT_EQ(hum.freewheeled, 1);
 }
 
 TEST_F(PreviewTest, WhatCantBeHeardIsSaid) {

@@ -90,6 +90,25 @@ TEST(Takes, AreCalledAsTheirUserWritesIt) {
     EXPECT_EQ(shortName("/else/where.wav"), "/else/where.wav");
 }
 
+TEST(TakeRecorder, WhoWaitsForRoomLosesNothing) {
+    const TempFolder folder;
+    constexpr int kBlocks = 100;
+    constexpr std::size_t kFrames = 4096;
+    TakeRecorder recorder;
+    recorder.start(folder.name("take.wav"), 48000);
+    for (int block = 0; block < kBlocks; ++block) {
+        const std::vector<float> constant(kFrames, static_cast<float>(block));
+        recorder.awaitRoom(kFrames);
+        recorder.take(constant, constant);
+    }
+    EXPECT_EQ(recorder.stop(), "");
+    const std::vector<float> samples = readWaveFrames(folder / "take.wav").samples;
+    ASSERT_EQ(samples.size(), kBlocks * kFrames * 2);
+    for (std::size_t i = 0; i < samples.size(); ++i)
+        ASSERT_EQ(samples[i], static_cast<float>(i / (2 * kFrames)));
+    recorder.awaitRoom(std::size_t{1} << 30);
+}
+
 TEST(TakeRecorder, MoreThanItsRoomAtOnceIsToldAsMissing) {
     const TempFolder folder;
     TakeRecorder recorder;

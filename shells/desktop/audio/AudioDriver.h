@@ -32,6 +32,8 @@ public:
     /// The system's own transport at the start of the next block, which moves with it; without it a client
     /// goes by its own.
     virtual void follow(const LiveTransport& /*told*/) {}
+    /// The system doesn't play the next block to anybody and waits for it as long as it takes.
+    virtual void freewheel() {}
     /// Behind a block: where a frame of that transport falls.
     virtual MusicalPlace placeOf(std::int64_t /*frame*/) { return {}; }
     /// The system lost time: something wasn't heard. Any thread.

@@ -50,6 +50,7 @@ public:
         switch_->render(this, frames, outputs);
     }
     void follow(const LiveTransport& told) override { switch_->follow(this, told); }
+    void freewheel() override { switch_->freewheel(this); }
     MusicalPlace placeOf(std::int64_t frame) override { return switch_->placeOf(this, frame); }
     void dropout() override { switch_->dropout(this); }
 

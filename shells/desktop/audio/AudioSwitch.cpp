@@ -39,6 +39,12 @@ void AudioSwitch::follow(const void* driver, const LiveTransport& told) {
     leave();
 }
 
+void AudioSwitch::freewheel(const void* driver) {
+    if (!enter(driver)) return;
+    client_.freewheel();
+    leave();
+}
+
 MusicalPlace AudioSwitch::placeOf(const void* driver, std::int64_t frame) {
     if (!enter(driver)) return {};
     const MusicalPlace place = client_.placeOf(frame);

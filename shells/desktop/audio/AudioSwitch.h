@@ -31,6 +31,7 @@ public:
     void midi(const void* driver, std::int32_t frame, std::uint8_t status, std::uint8_t data1,
               std::uint8_t data2);
     void follow(const void* driver, const LiveTransport& told);
+    void freewheel(const void* driver);
     MusicalPlace placeOf(const void* driver, std::int64_t frame);
     void render(const void* driver, std::int32_t frames, OutputPointers outputs);
     /// Any thread.

@@ -132,6 +132,7 @@ int JackDriver::process(std::int32_t frames) {
         for (float* const output : outputs) std::fill_n(output, frames, 0.0f);
         return 0;
     }
+    if (isFreewheeling_) client_.freewheel();
     if (role_ != TransportRole::own) tellTransport();
     handNotesOn(count);
     client_.render(frames, outputs);

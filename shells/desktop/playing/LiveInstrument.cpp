@@ -257,6 +257,7 @@ std::int32_t LiveInstrument::renderPiece(std::int32_t done, std::int32_t frames,
     const std::span left(piece[0], count);
     const std::span right(piece[1], count);
     master_.apply(left, right);
+    if (freewheels_) recorder_.awaitRoom(left.size());
     recorder_.take(left, right);
     metronome_.add(left, right, begin, step, metronomeIsOn_);
     if (step > 0.0 && end >= loopEnd_ - step / 2 && begin < loopEnd_) arrive(0.0);
@@ -285,6 +286,7 @@ void LiveInstrument::render(std::int32_t frames, OutputPointers outputs) {
     isPlaying_ = transport_.playing();
     tick_ = transport_.tick();
     tempo_ = transport_.tempo();
+    if (std::exchange(freewheels_, false)) return;
     const std::chrono::duration<float> took = Clock::now() - begin;
     times_.note(took.count() * static_cast<float>(rate_) / static_cast<float>(frames));
 }

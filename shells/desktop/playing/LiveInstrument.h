@@ -76,6 +76,8 @@ public:
     void midi(std::int32_t frame, std::uint8_t status, std::uint8_t data1, std::uint8_t data2) override;
     void render(std::int32_t frames, OutputPointers outputs) override;
     void follow(const LiveTransport& told) override { told_ = told; }
+    /// A take then gets all of the block, however slow its disk is.
+    void freewheel() override { freewheels_ = true; }
     MusicalPlace placeOf(std::int64_t frame) override;
     void dropout() override { ++dropouts_; }
 
@@ -138,6 +140,7 @@ private:
     std::optional<LiveTransport> told_;     ///< of a transport that is followed, for the next block
     std::optional<std::int64_t> expected_;  ///< the frame that it comes to if nobody moves it
     bool isTempoTold_ = false;              ///< and it has a tempo, which then is ours
+    bool freewheels_ = false;               ///< the next block may take its time
 };
 
 }  // namespace marnoth

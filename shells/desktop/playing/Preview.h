@@ -42,6 +42,7 @@ public:
     }
     void render(std::int32_t frames, OutputPointers outputs) override;
     void follow(const LiveTransport& told) override { instrument_.follow(told); }
+    void freewheel() override { instrument_.freewheel(); }
     MusicalPlace placeOf(std::int64_t frame) override { return instrument_.placeOf(frame); }
     void dropout() override { instrument_.dropout(); }
 

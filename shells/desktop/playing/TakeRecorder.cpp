@@ -55,13 +55,27 @@ std::string TakeRecorder::stop() {
     return lost_ ? "The disk was too slow: parts of the take are missing." : std::string();
 }
 
+bool TakeRecorder::hasRoom(std::size_t frames) const {
+    const std::size_t waiting =
+        written_.load(std::memory_order_relaxed) - read_.load(std::memory_order_acquire);
+    return waiting + 2 * frames <= kRoom;
+}
+
+void TakeRecorder::awaitRoom(std::size_t frames) const {
+    constexpr std::chrono::seconds kPatience{2};
+    constexpr std::chrono::milliseconds kRest{1};
+    const auto end = std::chrono::steady_clock::now() + kPatience;
+    while (recording_ && !failed_ && !hasRoom(frames) && std::chrono::steady_clock::now() < end)
+        std::this_thread::sleep_for(kRest);
+}
+
 void TakeRecorder::take(std::span<const float> left, std::span<const float> right) {
     if (!recording_ || failed_) return;
-    const std::size_t from = written_.load(std::memory_order_relaxed);
-    if (from + 2 * left.size() - read_.load(std::memory_order_acquire) > kRoom) {
+    if (!hasRoom(left.size())) {
         lost_ = true;
         return;
     }
+    const std::size_t from = written_.load(std::memory_order_relaxed);
     for (std::size_t frame = 0; frame < left.size(); ++frame) {
         ring_[(from + 2 * frame) % kRoom] = left[frame];
         ring_[(from + 2 * frame + 1) % kRoom] = right[frame];

@@ -29,7 +29,11 @@ public:
     /// The take has ended by itself: `stop` says why.
     bool hasFailed() const { return failed_; }
 
-    /// The thread that renders. Both are as long; beyond the ring's room they are lost, and `stop` says so.
+    // The thread that renders.
+    /// Waits until the ring has room for so many frames, though not for ever for a disk that hangs. Only for
+    /// blocks that nobody hears, which may come faster than a disk takes them.
+    void awaitRoom(std::size_t frames) const;
+    /// Both are as long; beyond the ring's room they are lost, and `stop` says so.
     void take(std::span<const float> left, std::span<const float> right);
 
 private:
@@ -37,6 +41,7 @@ private:
 
     void write(File& file);
     bool drain(File& file);
+    bool hasRoom(std::size_t frames) const;
 
     /// Some five seconds at 48000 Hz.
     static constexpr std::size_t kRoom = std::size_t{1} << 19;
