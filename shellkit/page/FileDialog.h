@@ -9,10 +9,10 @@
 #include "editor/controls/EditLine.h"
 #include "platform/drawing/FileChooser.h"
 #include "platform/drawing/PageOverlay.h"
+#include "shellkit/listening/FileListener.h"
 #include "shellkit/page/FileBrowser.h"
 #include "shellkit/page/FileDialogLayout.h"
 #include "shellkit/page/FileDialogPicture.h"
-#include "shellkit/page/FileListener.h"
 #include "shellkit/page/QuestionBox.h"
 #include "shellkit/page/UserPlaces.h"
 

@@ -178,7 +178,8 @@ private:
     std::unique_ptr<Font> questionFont_;
     Preview preview_{instrument_, instrument_.master()};
     const std::optional<DemoFiles> demo_ = findDemo(programFolder());
-    DesktopDialogs dialogs_{loop_, *questionFont_, preview_, demo_ ? demo_->folder : std::string()};
+    DesktopDialogs dialogs_{loop_, *questionFont_, preview_.listener(),
+                            demo_ ? demo_->folder : std::string()};
     QuestionBox questions_;
     X11Window window_;
     DesktopAudio audio_;

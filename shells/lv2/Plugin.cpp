@@ -50,6 +50,7 @@ bool Plugin::prepare() {
     if (FAILED(connectWithProject(host_, {rate, kMostFrames, outputs_}, connectedRate_))) return false;
     connectedRate_ = rate;
     position_.setRate(rate);
+    listening_.prepare(rate);
     return true;
 }
 
@@ -73,6 +74,7 @@ void Plugin::run(std::uint32_t frames) {
     const auto count = static_cast<std::int32_t>(std::min<std::uint32_t>(frames, INT32_MAX));
     takeEvents(count);
     renderTo(count);
+    listening_.add(count, std::span(audio_).first(2), 1.0f);
     pages_.automated = parameters_.changes();
     writeEvents();
     noteNames_.advance(frames, rate_);

@@ -58,6 +58,7 @@ public:
     // PluginInstance.
     IGrooveSampler& sampler() override { return host_.sampler(); }
     PageMemory& pages() override { return pages_; }
+    WavePlayer& listening() override { return listening_; }
 
 private:
     bool prepare();
@@ -93,6 +94,7 @@ private:
     LV2_Atom_Sequence* eventsOut_ = nullptr;
     std::array<float*, SeparateOutputs::kPointers> audio_{};
     std::int32_t done_ = 0;  ///< frames of the present block
+    WavePlayer listening_;
 };
 
 }  // namespace marnoth

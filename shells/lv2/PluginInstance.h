@@ -2,6 +2,7 @@
 
 #include <lv2/core/lv2.h>
 
+#include "shellkit/listening/WavePlayer.h"
 #include "shells/lv2/PageMemory.h"
 
 namespace marnoth {
@@ -17,6 +18,8 @@ public:
 
     virtual IGrooveSampler& sampler() = 0;
     virtual PageMemory& pages() = 0;
+    /// Plays what a page's user listens to in the mix; for the host's thread for windows.
+    virtual WavePlayer& listening() = 0;
 
 protected:
     ~PluginInstance() = default;

@@ -65,31 +65,31 @@ protected:
 };
 
 TEST_F(PreviewTest, AFileIsHeardBehindTheInstrumentOnceAndToItsEnd) {
-    ASSERT_EQ(preview.play(file(3 * kFrames)), "");
+    ASSERT_EQ(preview.listener().play(file(3 * kFrames)), "");
     for (int block = 0; block < 3; ++block) {
-        EXPECT_TRUE(preview.isPlaying());
+        EXPECT_TRUE(preview.listener().isPlaying());
         render();
         EXPECT_FLOAT_EQ(left.front(), 0.75f);
         EXPECT_FLOAT_EQ(left.back(), 0.75f);
         EXPECT_FLOAT_EQ(right.back(), 0.5f);
     }
-    EXPECT_FALSE(preview.isPlaying());
+    EXPECT_FALSE(preview.listener().isPlaying());
     for (int block = 0; block < 20; ++block) render();
     EXPECT_NEAR(left.back(), 0.25f, 1e-6f);
 }
 
 TEST_F(PreviewTest, ItIsAsLoudAsTheMixIsSet) {
     level.set(0.5f);
-    ASSERT_EQ(preview.play(file(2 * kFrames)), "");
+    ASSERT_EQ(preview.listener().play(file(2 * kFrames)), "");
     render();
     EXPECT_FLOAT_EQ(left.back(), 0.5f);
 }
 
 TEST_F(PreviewTest, StoppingOrChangingItDoesntClick) {
-    ASSERT_EQ(preview.play(file(100 * kFrames)), "");
+    ASSERT_EQ(preview.listener().play(file(100 * kFrames)), "");
     render();
-    preview.stop();
-    EXPECT_FALSE(preview.isPlaying());
+    preview.listener().stop();
+    EXPECT_FALSE(preview.listener().isPlaying());
     float before = left.back();
     render();
     // Twice the fall in a frame of half of full scale.
@@ -100,26 +100,26 @@ TEST_F(PreviewTest, StoppingOrChangingItDoesntClick) {
 
 TEST_F(PreviewTest, AnotherFileTakesThePlaceOfTheFirst) {
     const std::string other = file(kFrames, 0.125);
-    ASSERT_EQ(preview.play(file(100 * kFrames)), "");
+    ASSERT_EQ(preview.listener().play(file(100 * kFrames)), "");
     render();
-    ASSERT_EQ(preview.play(other), "");
+    ASSERT_EQ(preview.listener().play(other), "");
     render();
     EXPECT_FLOAT_EQ(left.back(), 0.375f);
-    EXPECT_FALSE(preview.isPlaying());
+    EXPECT_FALSE(preview.listener().isPlaying());
     // One that nobody has taken over goes too.
-    ASSERT_EQ(preview.play(other), "");
-    ASSERT_EQ(preview.play(other), "");
-    EXPECT_TRUE(preview.isPlaying());
+    ASSERT_EQ(preview.listener().play(other), "");
+    ASSERT_EQ(preview.listener().play(other), "");
+    EXPECT_TRUE(preview.listener().isPlaying());
     render();
-    EXPECT_FALSE(preview.isPlaying());
+    EXPECT_FALSE(preview.listener().isPlaying());
 }
 
 TEST_F(PreviewTest, AChangeOfRateEndsIt) {
-    ASSERT_EQ(preview.play(file(100 * kFrames)), "");
+    ASSERT_EQ(preview.listener().play(file(100 * kFrames)), "");
     render();
     preview.prepare(48000, kFrames);
     render();
-    EXPECT_FALSE(preview.isPlaying());
+    EXPECT_FALSE(preview.listener().isPlaying());
 }
 
 TEST_F(PreviewTest, TheSystemsTransportReachesTheInstrument) {
@@ -132,12 +132,12 @@ TEST_F(PreviewTest, TheSystemsTransportReachesTheInstrument) {
 }
 
 TEST_F(PreviewTest, WhatCantBeHeardIsSaid) {
-    EXPECT_NE(preview.play(folder_.name("none.wav")), "");
+    EXPECT_NE(preview.listener().play(folder_.name("none.wav")), "");
     writeText(folder_ / "text.wav", "no sound");
-    EXPECT_NE(preview.play(folder_.name("text.wav")), "");
-    EXPECT_FALSE(preview.isPlaying());
+    EXPECT_NE(preview.listener().play(folder_.name("text.wav")), "");
+    EXPECT_FALSE(preview.listener().isPlaying());
     Preview unplugged(hum, level);
-    EXPECT_NE(unplugged.play(file(kFrames)), "");
+    EXPECT_NE(unplugged.listener().play(file(kFrames)), "");
 }
 
 }  // namespace

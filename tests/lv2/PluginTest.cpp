@@ -9,7 +9,10 @@
 #include "hostkit/InstrumentOptions.h"
 #include "hostkit/LiveRig.h"
 #include "lv2/PluginHost.h"
+#include "shellkit/listening/FilePreview.h"
+#include "shellkit/text/InstrumentText.h"
 #include "support/RealTimeGuard.h"
+#include "support/WaveFile.h"
 
 namespace marnoth::test::plugin_test {
 namespace {
@@ -118,6 +121,40 @@ TEST(Plugin, OutputsThatNobodyTakesChangeNothingForTheOthers) {
     Player(host).play([] { return 1001; });
     const std::vector<float> expected = rendered(2, files, everyOutput());
     for (std::size_t i = 0; i < expected.size(); i += 2) ASSERT_EQ(host.audio[4][i / 2], expected[i]) << i;
+}
+
+TEST(Plugin, AFileThatItsPageListensToIsHeardInTheMixAloneAndInNoState) {
+    const TempPath file;
+    WaveFile()
+        .floats()
+        .channels(2)
+        .rate(kRate)
+        .frames(300, [](auto, int side) { return 0.5 - side * 0.25; })
+        .write(file.path());
+    PluginHost host(1);
+    host.block(64);
+    FilePreview preview(host.plugin().listening());
+    ASSERT_EQ(preview.play(utf8FromPath(file.path())), "");
+    int offences = 0;
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_TRUE(preview.isPlaying());
+        host.prepare(100);
+        RealTimeGuard guard;
+        host.plugin().run(100);
+        const RealTimeGuard::Offences made = guard.finish();
+        offences += made.allocations + made.frees;
+        host.clear();
+    }
+    EXPECT_EQ(offences, 0);
+    EXPECT_FALSE(preview.isPlaying());
+    for (std::size_t i = 64; i < 364; ++i) {
+        ASSERT_EQ(host.audio[0][i], 0.5f) << i;
+        ASSERT_EQ(host.audio[1][i], 0.25f) << i;
+        ASSERT_EQ(host.audio[2][i], 0.0f) << i;
+    }
+    std::int32_t files = -1;
+    EXPECT_EQ(host.sampler().GetBinFileCount(&files), S_OK);
+    EXPECT_EQ(files, 0);
 }
 
 TEST(Plugin, ANoteOnTheLastFrameOfABlockSoundsThere) {

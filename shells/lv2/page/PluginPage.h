@@ -12,6 +12,7 @@
 #include "platform/drawing/Font.h"
 #include "platform/linux/X11Window.h"
 #include "seam/IMarnothOptions.h"
+#include "shellkit/listening/FilePreview.h"
 #include "shellkit/page/ChooserChain.h"
 #include "shellkit/page/PageChooser.h"
 #include "shellkit/page/QuestionBox.h"
@@ -61,6 +62,7 @@ private:
     const LV2UI_Resize* const resize_;
     std::unique_ptr<FontSource> fonts_;
     std::unique_ptr<Font> questionFont_;
+    FilePreview preview_;
     PageChooser pageChooser_;
     ChooserChain chooser_{{&pageChooser_}};
     QuestionBox questions_;
