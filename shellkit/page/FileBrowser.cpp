@@ -104,6 +104,13 @@ fs::path FileBrowser::pathOf(const std::string& name) const {
     return folder_ / pathFromUtf8(name);
 }
 
+std::optional<std::string> FileBrowser::fileNamed(const std::string& name) const {
+    const fs::path path = pathOf(name).lexically_normal();
+    std::error_code ignored;
+    if (!fs::is_regular_file(path, ignored)) return {};
+    return utf8FromPath(path);
+}
+
 FileBrowser::Result FileBrowser::refuse(std::string why) {
     trouble_ = std::move(why);
     return {};

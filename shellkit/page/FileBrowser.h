@@ -36,6 +36,9 @@ public:
     void light(std::optional<std::size_t> entry);
     /// The lit entry's full path; nothing when none is lit, or a folder.
     std::optional<std::string> litFile() const;
+    /// The full path of the file that a name, read as `accept` reads it, stands for; nothing when none is
+    /// there.
+    std::optional<std::string> fileNamed(const std::string& name) const;
     /// Lights the first entry that begins with `name`, large letters as small ones; none when none does.
     void lightByName(const std::string& name);
     /// `name` with all that the entries which begin with it have in common.

@@ -309,11 +309,17 @@ void FileDialog::typed() {
 // What it is for.
 
 void FileDialog::listen() {
-    const auto file = browser_.litFile();
     if (!listener_) return;
+    auto file = browser_.litFile();
+    if (!file) file = browser_.fileNamed(name_.text());
     const bool isHeard = listener_->isPlaying() && (!file || *file == heard_);
     stopListening();
-    if (isHeard || !file) return;
+    note_.clear();
+    if (isHeard) return;
+    if (!file) {
+        note_ = "Choose a file to hear it.";
+        return;
+    }
     heard_ = *file;
     note_ = listener_->play(*file);
 }

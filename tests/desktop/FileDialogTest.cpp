@@ -308,6 +308,17 @@ TEST_F(FileDialogTest, AFileIsHeardUntilItIsPressedAgainOrTheDialogGoes) {
     EXPECT_TRUE(shows("No sound."));
 }
 
+TEST_F(FileDialogTest, AFileOfAnotherFolderIsHeardByTheNameThatIsTyped) {
+    open();
+    click(middle(layout().listen));
+    EXPECT_EQ(ears.playing, "");
+    EXPECT_TRUE(shows("Choose a file to hear it."));
+    type("Drums/kick.wav");
+    click(middle(layout().listen));
+    EXPECT_EQ(ears.playing, here("Drums/kick.wav"));
+    EXPECT_FALSE(shows("Choose a file to hear it."));
+}
+
 TEST_F(FileDialogTest, OnlyFilesToOpenCanBeHeard) {
     open(FileKind::save, kProjects);
     EXPECT_FALSE(shows("Listen"));
