@@ -343,7 +343,7 @@ TEST_F(JackDriverTest, WhoLeadsSaysTheBeatsAndDoesntFollowItsOwn) {
     position.frame_rate = 44100;
     here.timebase(JackTransportRolling, 256, &position, 0, here.driver);
     EXPECT_EQ(position.beat, 2) << "the player has a tick for each frame";
-    EXPECT_EQ(position.beats_per_minute, 90.0);
+    EXPECT_EQ(double{position.beats_per_minute}, 90.0) << "a copy, since the record is packed";
     here.run();
     ASSERT_EQ(player.told.size(), 1u);
     EXPECT_FALSE(player.told[0].tempo);

@@ -76,8 +76,8 @@ TEST(JackTransport, WhatIsWrittenIsBarBeatAndTickFromOneOn) {
     EXPECT_EQ(position.bar, 2);
     EXPECT_EQ(position.beat, 3);
     EXPECT_EQ(position.tick, 240);
-    EXPECT_EQ(position.bar_start_tick, 3840.0);
-    EXPECT_EQ(position.ticks_per_beat, 960.0);
+    EXPECT_EQ(double{position.bar_start_tick}, 3840.0);
+    EXPECT_EQ(double{position.ticks_per_beat}, 960.0);
     EXPECT_EQ(position.beats_per_minute, 97.5);
     EXPECT_EQ(position.beats_per_bar, 4.0f);
 }
