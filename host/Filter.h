@@ -144,16 +144,18 @@ private:
     HRESULT NotifyPinSetChanged(std::int32_t count);
     void disconnectLeftOverPins();
 
-    // Block cycle.
+    // Buffers of a block.
     std::optional<Outlet> connectedOutlet(std::size_t& index);
     void takeOutlets(BlockBuffers& block);
-    HRESULT beginBlock(BlockBuffers& block, PinBuffer& input, SampleFlags& flags);
+    bool isAsItCame(const BlockBuffers& block) const;
     HRESULT prepareBuffers(BlockBuffers& block, const SampleFlags& flags);
     HRESULT prepareBuffer(const Outlet& outlet, const WAVEFORMATEX& format, PinBuffer* buffer,
                           const SampleFlags& flags);
-    bool isAsItCame(const BlockBuffers& block) const;
     HRESULT fitBuffers(BlockBuffers& block, std::int32_t frames, LONG bytes);
     HRESULT fitBuffer(PinBuffer& buffer, std::int32_t frames, LONG bytes) const;
+
+    // Block cycle.
+    HRESULT beginBlock(BlockBuffers& block, PinBuffer& input, SampleFlags& flags);
     HRESULT renderReceived(BlockBuffers& block, PinBuffer& input);
     HRESULT renderWhole(BlockBuffers& block, PinBuffer& input);
     HRESULT renderPieces(BlockBuffers& block, PinBuffer& input);
