@@ -18,12 +18,18 @@ std::string named(const FileQuestion& question, const std::string& file) {
     return complete != file && std::filesystem::exists(pathFromUtf8(complete), ignored) ? file : complete;
 }
 
+/// Empty for a folder that isn't there, or not any more.
+std::string ifThere(const std::string& folder) {
+    std::error_code ignored;
+    return std::filesystem::is_directory(pathFromUtf8(folder), ignored) ? folder : std::string();
+}
+
 }  // namespace
 
 void ChooserChain::ask(const FileQuestion& question, AskingWindow& window,
                        std::function<void(FileAnswer)> then) {
     question_ = question;
-    if (question_.folder.empty()) question_.folder = folders[question_.filter];
+    if (question_.folder.empty()) question_.folder = ifThere(folders[question_.filter]);
     window_ = &window;
     then_ = std::move(then);
     askNext();
@@ -36,7 +42,8 @@ void ChooserChain::cancel() {
 std::vector<FilePlace> ChooserChain::places() const {
     std::vector<FilePlace> places;
     for (const auto& [filter, folder] : folders)
-        if (!folder.empty()) places.push_back({utf8FromPath(pathFromUtf8(folder).filename()), folder});
+        if (!ifThere(folder).empty())
+            places.push_back({utf8FromPath(pathFromUtf8(folder).filename()), folder});
     return places;
 }
 

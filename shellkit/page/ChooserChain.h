@@ -12,7 +12,8 @@
 namespace marnoth {
 
 /// Asks for files by the first of several dialogs that comes up. One that doesn't isn't tried again: nobody
-/// waits for it twice. A dialog begins in the folder of the file that was chosen last under the same filter.
+/// waits for it twice. A dialog begins in the folder of the file that was chosen last under the same filter,
+/// as long as that is there.
 ///
 /// A new file gets its filter's extension where its user typed none, unless there is a file of that name
 /// already, over which nobody was asked. The window's thread.
@@ -25,7 +26,7 @@ public:
              std::function<void(FileAnswer)> then) override;
     void cancel() override;
 
-    /// The folders from which files were chosen, by their own names.
+    /// The folders from which files were chosen, those of them that are there, by their own names.
     std::vector<FilePlace> places() const;
 
     /// By filter: the folders in which dialogs begin, full paths in UTF-8.

@@ -184,8 +184,8 @@ void drawFileDialog(Surface& surface, Font& font, const FileDialogLayout& layout
                     EditLine& name, const Looks& looks) {
     surface.SelectFont(&font);
     drawBox(surface, layout.box);
-    write(surface, {layout.title.left, layout.title.top},
-          (browser.saves() ? "Save: " : "Open: ") + browser.filter().name, kPalette[8], kDialogGround);
+    write(surface, {layout.title.left, layout.title.top}, browser.filter().title(browser.saves()),
+          kPalette[8], kDialogGround);
     write(surface, {layout.path.left, layout.path.top + 2},
           endThatFits(font, browser.folder(), layout.path.width()), kDialogInk, kDialogGround);
     drawPlaces(surface, font, layout, browser, looks);

@@ -16,6 +16,8 @@ struct FileFilter {
     bool matches(std::string_view name) const;
     /// `file` with the first pattern's extension behind it, unless it fits one.
     std::string withExtension(std::string file) const;
+    /// Of a dialog for such files: "Open: Wave Files (*.wav)".
+    std::string title(bool saves) const { return (saves ? "Save: " : "Open: ") + name; }
 
     std::string name;                   ///< "Wave Files (*.wav)"
     std::vector<std::string> patterns;  ///< "*.wav"

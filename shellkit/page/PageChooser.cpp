@@ -11,7 +11,7 @@ void PageChooser::ask(const FileQuestion& question, AskingWindow& window,
                       std::function<void(FileAnswer)> then) {
     cancel();
     FileQuestion begun = question;
-    if (begun.folder.empty()) begun.folder = musicFolderOfUser();
+    if (begun.folder.empty()) begun.folder = folderToBeginIn();
     const auto answered = [this, then = std::move(then)](std::optional<std::string> file) {
         const auto answer = then;
         close();

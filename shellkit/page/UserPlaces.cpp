@@ -56,6 +56,11 @@ std::string musicFolderOfUser() {
     return {};
 }
 
+std::string folderToBeginIn() {
+    const std::string music = musicFolderOfUser();
+    return music.empty() ? homeFolder() : music;
+}
+
 std::vector<FilePlace> userPlaces() {
     std::vector<FilePlace> places;
     for (const FilePlace& place : {FilePlace{"Home", homeFolder()}, FilePlace{"Music", musicFolderOfUser()},

@@ -17,6 +17,9 @@ std::string homeFolder();
 /// (freedesktop.org, "xdg-user-dirs"), or by its usual name; empty when there is none.
 std::string musicFolderOfUser();
 
+/// Where a user looks for files who hasn't yet been anywhere: his music, else his home.
+std::string folderToBeginIn();
+
 /// Home, music and the whole system, those of them that are there.
 std::vector<FilePlace> userPlaces();
 

@@ -200,6 +200,7 @@ private:
 
 /// What is kept holds from the start, but for what is told.
 void Desktop::takeSettings() {
+    dialogs_.beginWhereKept(settings_);
     bar_.setUp(settings_.metronome, settings_.level, settings_.loopBars);
     instrument_.setMetronome(settings_.metronome);
     instrument_.master().set(settings_.level);
@@ -210,6 +211,7 @@ void Desktop::takeSettings() {
 
 void Desktop::keepSettings() {
     settings_.loopBars = bar_.loopBars();
+    dialogs_.keepFolders(settings_);
     keepChanges(settings_, atStart_, audio_.settings());
     notices_.warn(settingsFile_.write(settings_));
 }

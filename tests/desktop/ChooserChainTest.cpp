@@ -1,7 +1,10 @@
 #include <gtest/gtest.h>
 
+#include "editor/TestPage.h"
+#include "editor/texts/PageTexts.h"
 #include "shellkit/TempFolder.h"
-#include "shellkit/page/ChooserChain.h"
+#include "shells/desktop/dialogs/DesktopDialogs.h"
+#include "shells/desktop/projects/FileMenu.h"
 #include "support/PlainAskingWindow.h"
 
 namespace marnoth::test::chooser_chain_test {
@@ -75,13 +78,21 @@ TEST_F(ChooserChainTest, WhenAllFailItIsSaidOnce) {
 }
 
 TEST_F(ChooserChainTest, ADialogBeginsWhereTheLastFileOfItsFilterWas) {
-    first.inAdvance = FileAnswer{.wasAsked = true, .file = "/songs/a.mrn"};
+    const TempFolder folder;
+    std::filesystem::create_directory(folder / "songs");
+    first.inAdvance = FileAnswer{.wasAsked = true, .file = folder.name("songs/a.mrn")};
     ask();
     EXPECT_EQ(first.question.folder, "");
     ask();
-    EXPECT_EQ(first.question.folder, "/songs");
+    EXPECT_EQ(first.question.folder, folder.name("songs"));
+    ASSERT_EQ(chain.places().size(), 1u);
+    EXPECT_EQ(chain.places()[0].name, "songs");
     chain.ask({"Wave Files (*.wav)|*.wav||", FileKind::open, {}}, window, [](const FileAnswer&) {});
     EXPECT_EQ(first.question.folder, "");
+    std::filesystem::remove(folder / "songs");
+    ask();
+    EXPECT_EQ(first.question.folder, "") << "it has gone";
+    EXPECT_TRUE(chain.places().empty());
 }
 
 TEST_F(ChooserChainTest, ANewFileGetsItsExtensionUnlessThatWouldReplaceAnother) {
@@ -105,6 +116,37 @@ TEST_F(ChooserChainTest, TakingItBackReachesTheOneThatAsks) {
     chain.cancel();
     EXPECT_EQ(second.cancels, 1);
     EXPECT_TRUE(answers.empty());
+}
+
+class NoEars final : public FileListener {
+public:
+    std::string play(const std::string&) override { return {}; }
+    void stop() override {}
+    bool isPlaying() const override { return false; }
+};
+
+TEST(DesktopDialogs, FoldersAreKeptForTheNextStartAndOneForAllThatAsksForProjects) {
+    EventLoop loop;
+    FixedFont font;
+    NoEars ears;
+    DesktopDialogs dialogs(loop, font, ears, "");
+    std::map<std::string, std::string>& folders = dialogs.chooser().folders;
+    DesktopSettings settings;
+    dialogs.beginWhereKept(settings);
+    dialogs.keepFolders(settings);
+    EXPECT_EQ(settings, DesktopSettings());
+    settings.loopFolder = "/loops";
+    settings.projectFolder = "/songs";
+    dialogs.beginWhereKept(settings);
+    EXPECT_EQ(folders[kWaveFilter], "/loops");
+    EXPECT_EQ(folders[kFilesFilter], "/songs");
+    for (const char* const filter : {kProjectFilter, kFilesFilter}) {
+        folders[filter] = std::string("/") + filter[0];
+        dialogs.keepFolders(settings);
+        EXPECT_EQ(settings.projectFolder, folders[filter]);
+        EXPECT_EQ(folders[kProjectFilter], folders[kFilesFilter]);
+    }
+    EXPECT_EQ(settings.loopFolder, "/loops");
 }
 
 }  // namespace

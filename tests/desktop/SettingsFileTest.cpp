@@ -25,6 +25,8 @@ DesktopSettings others() {
     settings.songTempo = false;
     settings.songRepeats = true;
     settings.recent = {"/home/me/B\xc3\xa4ume = 3.mrn", "/tmp/a.mid"};
+    settings.loopFolder = "/home/me/my loops";
+    settings.projectFolder = "/home/me/B\xc3\xa4ume";
     return settings;
 }
 

@@ -8,6 +8,7 @@
 #include "shells/desktop/EventLoop.h"
 #include "shells/desktop/dialogs/PortalChooser.h"
 #include "shells/desktop/dialogs/ProgramChooser.h"
+#include "shells/desktop/settings/DesktopSettings.h"
 
 namespace marnoth {
 
@@ -19,7 +20,11 @@ public:
     /// `demo` is the folder of the loops to begin with, UTF-8; empty without one.
     DesktopDialogs(EventLoop& loop, Font& font, FileListener& listener, std::string demo);
 
-    FileChooser& chooser() { return chain_; }
+    ChooserChain& chooser() { return chain_; }
+    /// Dialogs begin in the folders that are kept in `settings`.
+    void beginWhereKept(const DesktopSettings& settings);
+    /// Keeps the folders from which files were chosen last.
+    void keepFolders(DesktopSettings& settings);
 
 private:
     /// The demo's folder, and those from which files were chosen.

@@ -18,24 +18,29 @@ std::string patternsOf(const FileFilter& filter) {
 
 std::vector<std::string> zenity(const FileQuestion& question, unsigned long window) {
     const FileFilter filter(question.filter);
+    const bool saves = question.kind == FileKind::save;
     std::vector<std::string> words{"zenity",
                                    "--file-selection",
+                                   "--title=" + filter.title(saves),
                                    "--modal",
                                    "--attach=" + std::to_string(window),
                                    "--file-filter=" + filter.name + " | " + patternsOf(filter),
                                    "--file-filter=* | *"};
     // With the slash it is a folder, not a name in the one above.
     if (!question.folder.empty()) words.push_back("--filename=" + question.folder + "/");
-    if (question.kind == FileKind::save) words.insert(words.end(), {"--save", "--confirm-overwrite"});
+    if (saves) words.insert(words.end(), {"--save", "--confirm-overwrite"});
     return words;
 }
 
 std::vector<std::string> kdialog(const FileQuestion& question, unsigned long window) {
     const FileFilter filter(question.filter);
+    const bool saves = question.kind == FileKind::save;
     return {"kdialog",
+            "--title",
+            filter.title(saves),
             "--attach",
             std::to_string(window),
-            question.kind == FileKind::save ? "--getsavefilename" : "--getopenfilename",
+            saves ? "--getsavefilename" : "--getopenfilename",
             question.folder.empty() ? "." : question.folder + "/",
             filter.name + " (" + patternsOf(filter) + ")"};
 }

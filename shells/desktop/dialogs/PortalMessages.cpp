@@ -139,7 +139,7 @@ BusMessage openDialogMessage(const BusLibrary& bus, sd_bus* connection, const Fi
     CallWriter writer(bus, message.get());
     std::array<char, 32> parent{};
     std::snprintf(parent.data(), parent.size(), "x11:%lx", window);
-    writer.append("ss", parent.data(), saves ? "Save" : "Open");
+    writer.append("ss", parent.data(), FileFilter(question.filter).title(saves).c_str());
     writeOptions(writer, question);
     if (!writer.isFine()) message.reset();
     return message;

@@ -10,6 +10,7 @@
 #include <array>
 #include <utility>
 
+#include "shellkit/page/UserPlaces.h"
 #include "shells/desktop/dialogs/DialogPrograms.h"
 
 namespace marnoth {
@@ -32,7 +33,10 @@ void ProgramChooser::ask(const FileQuestion& question, AskingWindow& window,
                          std::function<void(FileAnswer)> then) {
     cancel();
     answer_.clear();
-    std::vector<std::string> command = dialogCommand(program_, question, window.id());
+    FileQuestion begun = question;
+    // By themselves they begin with files of any kind that were used last, or where the program was started.
+    if (begun.folder.empty()) begun.folder = folderToBeginIn();
+    std::vector<std::string> command = dialogCommand(program_, begun, window.id());
     if (command.empty() || !start(std::move(command))) {
         end();
         return then({.wasAsked = false, .file = {}});

@@ -12,7 +12,6 @@ namespace marnoth {
 
 namespace {
 
-constexpr const char* kFilesFilter = "Projects and MIDI files|*.mrn;*.mid;*.midi||";
 constexpr std::size_t kLongestFolderShown = 40;  ///< bytes
 
 /// "groove.mrn (/home/me/Music)": the end of a long folder is what tells it from others.

@@ -15,6 +15,8 @@
 
 namespace marnoth {
 
+inline constexpr const char* kFilesFilter = "Projects and MIDI files|*.mrn;*.mid;*.midi||";
+
 /// The menu of projects and MIDI files, and what its entries do. Remembers in the settings which files were
 /// used last. Nothing here may be called while a question is open. The window's thread.
 class FileMenu {

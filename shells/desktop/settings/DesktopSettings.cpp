@@ -34,6 +34,8 @@ DesktopSettings usable(DesktopSettings settings) {
     keepWithin(settings.level, 0.0f, DesktopSettings::kHighestLevel, usual.level);
     keepWithin(settings.loopBars, 1, DesktopSettings::kMostLoopBars, usual.loopBars);
     for (std::string& file : settings.recent) keepName(file);
+    keepName(settings.loopFolder);
+    keepName(settings.projectFolder);
     std::erase(settings.recent, "");
     settings.recent.resize(std::min(settings.recent.size(), DesktopSettings::kMostRecent));
     return settings;

@@ -39,6 +39,9 @@ struct DesktopSettings {
     bool songRepeats = false;              ///< and over and over
     std::vector<std::string> recent = {};  ///< projects and MIDI files, full paths, the last one first
 
+    std::string loopFolder = {};     ///< where dialogs for loops begin, a full path; empty for the usual
+    std::string projectFolder = {};  ///< the same for projects and MIDI files
+
     friend bool operator==(const DesktopSettings&, const DesktopSettings&) = default;
 };
 

@@ -93,7 +93,9 @@ const std::vector<Entry>& entries() {
                                 number("level", &S::level),
                                 number("loop-bars", &S::loopBars),
                                 yesOrNo("song-tempo", &S::songTempo),
-                                yesOrNo("song-repeats", &S::songRepeats)};
+                                yesOrNo("song-repeats", &S::songRepeats),
+                                word("loop-folder", &S::loopFolder),
+                                word("project-folder", &S::projectFolder)};
         for (std::size_t place = 0; place < S::kMostRecent; ++place) list.push_back(recentFile(place));
         return list;
     }();
