@@ -1,6 +1,7 @@
 #include "shells/cli/DevicesCommand.h"
 
 #include <algorithm>
+#include <span>
 
 #include "shellkit/files/Failure.h"
 #include "shellkit/text/PlainText.h"
@@ -37,8 +38,16 @@ void printSoundJson(const std::vector<SoundSystem>& systems, std::ostream& out) 
     out << printed({{"systems", list}});
 }
 
-void printOutputs(const SoundSystem& system, std::ostream& out) {
-    out << system.name;
+std::string namesOf(std::span<const SoundSystem> systems) {
+    std::vector<std::string> names(systems.size());
+    std::ranges::transform(systems, names.begin(), &SoundSystem::name);
+    return joined(names, ", ");
+}
+
+/// The outputs of `systems`, which all are missing for the same reason where there are several.
+void printOutputs(std::span<const SoundSystem> systems, std::ostream& out) {
+    const SoundSystem& system = systems.front();
+    out << namesOf(systems);
     if (!system.missing.empty())
         out << ": " << inOneLine(system.missing);
     else if (system.takesAnyName)
@@ -53,16 +62,22 @@ void printOutputs(const SoundSystem& system, std::ostream& out) {
     }
 }
 
+std::span<const SoundSystem> missingAlike(std::span<const SoundSystem> systems) {
+    const std::string& missing = systems.front().missing;
+    const auto other = std::ranges::find_if(systems.subspan(1), [&](const SoundSystem& system) {
+        return missing.empty() || system.missing != missing;
+    });
+    return {systems.begin(), other};
+}
+
 bool haveOneMidi(const SoundSystem& one, const SoundSystem& other) {
     return one.midiPorts == other.midiPorts && one.missingMidi == other.missingMidi;
 }
 
 /// The ports of `systems`, which all have the same.
 void printMidi(const std::vector<SoundSystem>& systems, std::ostream& out) {
-    std::vector<std::string> names(systems.size());
-    std::ranges::transform(systems, names.begin(), &SoundSystem::name);
     const SoundSystem& first = systems.front();
-    out << "MIDI with " << joined(names, ", ") << ':';
+    out << "MIDI with " << namesOf(systems) << ':';
     if (!first.missingMidi.empty())
         out << ' ' << inOneLine(first.missingMidi);
     else if (first.midiPorts.empty())
@@ -72,7 +87,11 @@ void printMidi(const std::vector<SoundSystem>& systems, std::ostream& out) {
 }
 
 void printSound(std::vector<SoundSystem> systems, std::ostream& out) {
-    for (const SoundSystem& system : systems) printOutputs(system, out);
+    for (std::span<const SoundSystem> rest(systems); !rest.empty();) {
+        const auto alike = missingAlike(rest);
+        printOutputs(alike, out);
+        rest = rest.subspan(alike.size());
+    }
     std::erase_if(systems, [](const SoundSystem& system) { return !system.missing.empty(); });
     while (!systems.empty()) {
         const SoundSystem first = systems.front();

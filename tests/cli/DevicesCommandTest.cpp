@@ -50,6 +50,20 @@ TEST(DevicesCommand, TellsWhatThereIsAndWhyTheRestIsnt) {
               "MIDI with No sound: There is no sequencer.\n");
 }
 
+TEST(DevicesCommand, SystemsThatLackTheSameStandInOneLine) {
+    const CliRun run = devices({}, [] {
+        std::vector<SoundSystem> systems = someSystems();
+        systems[1].missing = systems[2].missing = "The module isn't installed.";
+        systems[1].outputs.clear();
+        return systems;
+    });
+    EXPECT_EQ(run.out,
+              "JACK: No JACK server runs.\n"
+              "PulseAudio, File: The module isn't installed.\n"
+              "No sound\n"
+              "MIDI with No sound: There is no sequencer.\n");
+}
+
 TEST(DevicesCommand, TellsTheSameAsJson) {
     const std::string json = devices({"--json"}).out;
     EXPECT_EQ(json.substr(0, json.find("    {\n      \"name\": \"File\"")), R"({

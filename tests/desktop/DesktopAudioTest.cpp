@@ -62,6 +62,13 @@ TEST(DesktopAudio, WithoutAnythingTheProgramGoesOnAtThePaceOfTheClockAndSaysSo) 
     EXPECT_EQ(studio.told.size(), 1u);
 }
 
+TEST(DesktopAudio, WhatSeveralSystemsLackIsToldOnce) {
+    PlainStudio studio;
+    studio.one->refusal = studio.two->refusal = "The module isn't installed.";
+    studio.open();
+    EXPECT_EQ(studio.told, Lines{kSilent + " The module isn't installed."});
+}
+
 TEST(DesktopAudio, WhatWasAskedForByNameAndIsntThereEndsTheProgram) {
     const auto failure = [](const std::string& name) -> std::string {
         PlainStudio studio;

@@ -106,7 +106,8 @@ void DesktopAudio::finish() {
 }
 
 void DesktopAudio::failed(const std::string& why) {
-    failures_ += why + " ";
+    // Systems may lack the same.
+    if (failures_.find(why) == failures_.npos) failures_ += why + " ";
     if (open_.driver) {
         // It may have been shut out already.
         switch_->give(open_.entrance.get(), [this](AudioClient& client) {

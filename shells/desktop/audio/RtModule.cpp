@@ -41,12 +41,13 @@ private:
     const std::string why_;
 };
 
+/// All say the same, so that it can be told once.
 RtSystems missing(const std::string& why) {
     RtSystems systems;
-    const std::string because = " can't be used: " + why + ".";
+    const std::string sentence = std::string(kModule) + ", the way to PulseAudio and ALSA, " + why + ".";
     for (const std::string name : {"PulseAudio", "ALSA"})
-        systems.audio.push_back(std::make_shared<MissingSystem>(name, name + because));
-    systems.midi = std::make_shared<MissingMidi>("MIDI of ALSA" + because);
+        systems.audio.push_back(std::make_shared<MissingSystem>(name, sentence));
+    systems.midi = std::make_shared<MissingMidi>(sentence);
     return systems;
 }
 
@@ -55,12 +56,12 @@ RtSystems missing(const std::string& why) {
 RtSystems loadRtSystems() {
     std::error_code ignored;
     const fs::path module = modulePath();
-    if (!fs::exists(module, ignored)) return missing(std::string(kModule) + " isn't installed");
+    if (!fs::exists(module, ignored)) return missing("isn't installed");
     // Never unloaded: its libraries have threads and handlers of their own.
     void* const library = dlopen(module.c_str(), RTLD_NOW | RTLD_LOCAL);
-    if (!library) return missing(dlerror());
+    if (!library) return missing("can't be used: " + std::string(dlerror()));
     const auto make = reinterpret_cast<MakeRtSystems>(dlsym(library, kMakeRtSystems));
-    if (!make) return missing(module.string() + " is damaged");
+    if (!make) return missing("is damaged");
     RtSystems systems;
     make(systems);
     return systems;
