@@ -242,6 +242,26 @@ TEST_F(ProjectCommandsTest, AMidiFileThatCantBePlayedIsToldAndTheFormerStays) {
     EXPECT_NE(notice().find("broken.mid"), std::string::npos);
 }
 
+TEST_F(ProjectCommandsTest, OfFilesThatAreDroppedProjectsAndMidiFilesAreOpenedAsByTheMenu) {
+    openChanged();
+    writeText(folder / "beat.mid", kSong);
+    writeText(folder / "loop.wav", "x");
+    EXPECT_FALSE(menu->take(Lines{file("loop.wav")})) << "loops are the page's";
+    window.answer("cancel");
+    EXPECT_TRUE(menu->take(Lines{file("other.mrn"), file("beat.mid")}));
+    EXPECT_EQ(song.name(), "beat.mid");
+    EXPECT_EQ(window.takeLog(), (Lines{kAsksForChanges + "cancel"}));
+    EXPECT_EQ(volume(), 0.75f);
+    window.answer("no");
+    EXPECT_TRUE(menu->take(Lines{file("other.mrn")}));
+    EXPECT_EQ(title(), "other.mrn - Marnoth");
+    EXPECT_EQ(settings.recent, (Lines{file("other.mrn"), file("beat.mid"), file("song.mrn")}));
+    writeText(folder / "broken.mid", "x");
+    EXPECT_TRUE(menu->take(Lines{file("broken.mid")}));
+    EXPECT_NE(notice().find("broken.mid"), std::string::npos);
+    EXPECT_EQ(song.name(), "beat.mid");
+}
+
 TEST_F(ProjectCommandsTest, HowMidiFilesPlayIsKept) {
     const auto idOf = [&](const std::string& text) {
         for (const MenuItem& item : menu->items())

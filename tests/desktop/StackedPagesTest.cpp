@@ -38,7 +38,7 @@ public:
         heard.push_back("over " + text(at));
         return DropEffect::copy;
     }
-    void dragLeave() override {}
+    void dragLeave() override { heard.push_back("leave"); }
     DropEffect drop(Point at, std::optional<std::span<const std::string>>) override {
         heard.push_back("drop " + text(at));
         return DropEffect::copy;
@@ -172,6 +172,19 @@ TEST_F(StackedPagesTest, FilesAreDroppedOnThePage) {
     const std::vector<std::string> files{"/a.wav"};
     window.drop({5, 50}, files);
     EXPECT_EQ(page.take(), (Lines{"over 5,30", "drop 5,30"}));
+}
+
+TEST_F(StackedPagesTest, FilesThatTheProgramTakesArentThePages) {
+    Lines taken;
+    pages.takeFiles([&](std::span<const std::string> files) {
+        taken.assign(files.begin(), files.end());
+        return files.front() == "/a.mid";
+    });
+    for (const char* const file : {"/a.mid", "/a.wav"}) {
+        window.drop({5, 50}, Lines{file});
+        EXPECT_EQ(taken, Lines{file});
+    }
+    EXPECT_EQ(page.take(), (Lines{"over 5,30", "leave", "over 5,30", "drop 5,30"}));
 }
 
 }  // namespace
