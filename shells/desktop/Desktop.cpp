@@ -336,7 +336,7 @@ void Desktop::record(bool on) try {
     take_ = newTakeName();
     instrument_.recorder().start(take_, instrument_.rate());
 } catch (const FileFailure& failure) {
-    notices_.warn(failure.what() + std::string("."));
+    notices_.warn("Nothing is recorded. " + std::string(failure.what()) + ".");
 }
 
 void Desktop::endTake() {

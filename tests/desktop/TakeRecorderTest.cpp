@@ -83,6 +83,48 @@ TEST(TakeRecorder, OnADiskThatFillsUpWhatThereIsIsKept) {
     EXPECT_EQ(recorder.stop(), "") << "the next one is whole";
 }
 
+/// The user's music folder while it lives.
+class MusicFolderOf {
+public:
+    explicit MusicFolderOf(const std::string& folder) { setenv(kName, folder.c_str(), 1); }
+    ~MusicFolderOf() {
+        if (former_.empty())
+            unsetenv(kName);
+        else
+            setenv(kName, former_.c_str(), 1);
+    }
+    MusicFolderOf(const MusicFolderOf&) = delete;
+    MusicFolderOf& operator=(const MusicFolderOf&) = delete;
+
+private:
+    static constexpr const char* kName = "XDG_MUSIC_DIR";
+    const std::string former_ = std::getenv(kName) ? std::getenv(kName) : "";
+};
+
+TEST(Takes, HaveTheFirstNameThatNothingHas) {
+    const TempFolder folder;
+    const MusicFolderOf music(folder.name(""));
+    EXPECT_EQ(newTakeName(), folder.name("Marnoth/take-1.wav"));
+    writeText(folder / "Marnoth/take-1.wav", "x");
+    writeText(folder / "Marnoth/take-2.wav.part", "x");
+    EXPECT_EQ(newTakeName(), folder.name("Marnoth/take-3.wav"));
+}
+
+TEST(Takes, AreToldByNameWhereNothingCanBeWritten) {
+    const MusicFolderOf music("/proc/nowhere");
+    TakeRecorder recorder;
+    const std::vector<float> block(64, 0.5f);
+    try {
+        recorder.start(newTakeName(), 48000);
+        ADD_FAILURE() << "it began";
+    } catch (const FileFailure& failure) {
+        EXPECT_EQ(failure.what(), std::string("/proc/nowhere/Marnoth/take-1.wav: it can't be created"));
+    }
+    recorder.take(block, block);
+    EXPECT_FALSE(recorder.isRecording());
+    EXPECT_FALSE(recorder.hasFailed());
+}
+
 TEST(Takes, AreCalledAsTheirUserWritesIt) {
     const char* const home = std::getenv("HOME");
     ASSERT_TRUE(home);
