@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <future>
+#include <stdexcept>
+
 #include "shells/desktop/audio/AudioSystems.h"
 #include "shells/desktop/audio/NullSystem.h"
 
@@ -63,6 +66,38 @@ TEST(FindAudio, BehindASystemAndAColonStandsWhatItOpensAsItIs) {
 TEST(FindAudio, WhatIsNowhereIsntFound) {
     EXPECT_EQ(found("oss"), "-");
     EXPECT_EQ(found("oss:usb"), "-");
+}
+
+/// Tells its devices when the test is over.
+class Hanging final : public AudioSystem {
+public:
+    explicit Hanging(std::shared_future<void> end) : end_(std::move(end)) {}
+    std::string name() const override { return "PulseAudio"; }
+    std::vector<AudioDevice> devices() override {
+        end_.wait();
+        return {};
+    }
+    std::vector<std::string> midiPorts() override { return {}; }
+    std::unique_ptr<AudioDriver> open(const AudioWish&, AudioClient&) override { return nullptr; }
+
+private:
+    const std::shared_future<void> end_;
+};
+
+TEST(FindAudio, ASystemThatHangsIsPassedOverAndToldWhereNoOtherHasTheDevice) {
+    constexpr std::chrono::milliseconds kPatience{20};
+    std::promise<void> end;
+    AudioSystems systems = someSystems();
+    systems.insert(systems.begin(), std::make_shared<Hanging>(end.get_future().share()));
+    EXPECT_EQ(findAudio(systems, "usb", kPatience)->system->name(), "ALSA");
+    EXPECT_EQ(findAudio(systems, "pulse", kPatience)->system->name(), "PulseAudio");
+    try {
+        findAudio(systems, "headphones", kPatience);
+        ADD_FAILURE() << "nobody knows";
+    } catch (const std::runtime_error& error) {
+        EXPECT_EQ(error.what(), std::string("PulseAudio doesn't answer."));
+    }
+    end.set_value();
 }
 
 TEST(FindAudio, ThisMachinesLastWayIsNone) {

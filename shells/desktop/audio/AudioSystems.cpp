@@ -2,12 +2,14 @@
 
 #include <algorithm>
 #include <mutex>
+#include <stdexcept>
 #include <utility>
 
 #include "shells/desktop/audio/FileAudioSystem.h"
 #include "shells/desktop/audio/JackSystem.h"
 #include "shells/desktop/audio/NullSystem.h"
 #include "shells/desktop/audio/PartOfName.h"
+#include "shells/desktop/audio/Patience.h"
 #include "shells/desktop/audio/RtModule.h"
 #include "shells/desktop/midi/SystemWithMidi.h"
 
@@ -56,10 +58,16 @@ std::shared_ptr<AudioSystem> systemNamed(const AudioSystems& systems, const std:
     return wanted.empty() || found == systems.end() ? nullptr : *found;
 }
 
-std::optional<AudioChoice> deviceWith(const AudioSystems& systems, const std::string& part) {
-    for (const auto& system : systems)
-        for (const AudioDevice& device : system->devices())
+std::optional<AudioChoice> deviceWith(const AudioSystems& systems, const std::string& part,
+                                      std::chrono::milliseconds patience) {
+    std::string silent;
+    for (const auto& system : systems) {
+        const auto devices = within(patience, [system] { return system->devices(); });
+        if (!devices && silent.empty()) silent = system->name();
+        for (const AudioDevice& device : devices.value_or(std::vector<AudioDevice>()))
             if (isPartOfName(part, device.name)) return AudioChoice{system, device.name};
+    }
+    if (!silent.empty()) throw std::runtime_error(silent + " doesn't answer.");
     return std::nullopt;
 }
 
@@ -80,13 +88,14 @@ AudioSystems oneCallAtATime(AudioSystems systems) {
     return systems;
 }
 
-std::optional<AudioChoice> findAudio(const AudioSystems& systems, const std::string& name) {
+std::optional<AudioChoice> findAudio(const AudioSystems& systems, const std::string& name,
+                                     std::chrono::milliseconds patience) {
     const std::string wanted = inSmallLetters(name);
     if (auto system = systemNamed(systems, wanted)) return AudioChoice{std::move(system), {}};
     if (const std::size_t colon = name.find(':'); colon != name.npos)
         if (auto system = systemNamed(systems, wanted.substr(0, colon)))
             return AudioChoice{std::move(system), name.substr(colon + 1)};
-    return deviceWith(systems, wanted);
+    return deviceWith(systems, wanted, patience);
 }
 
 }  // namespace marnoth

@@ -22,11 +22,16 @@ std::string describe(const AudioChoice& choice, const AudioDriver& driver) {
            " frames per second, blocks of " + std::to_string(driver.frames()) + ".";
 }
 
-std::vector<AudioChoice> namedChoice(const AudioSystems& systems, const std::string& name) {
-    std::vector<AudioChoice> choices;
-    if (name.empty()) return choices;
-    if (auto choice = findAudio(systems, name)) choices.push_back(std::move(*choice));
-    return choices;
+/// What `name` names; nothing, with a sentence in `failure`, where it names nothing.
+std::vector<AudioChoice> namedChoice(const AudioSystems& systems, const std::string& name,
+                                     std::string& failure) try {
+    if (name.empty()) return {};
+    if (auto choice = findAudio(systems, name)) return {std::move(*choice)};
+    failure = "There is no audio system or device " + name + ".";
+    return {};
+} catch (const std::runtime_error& error) {
+    failure = error.what();
+    return {};
 }
 
 /// All but no sound, for which nobody needs a system.
@@ -43,10 +48,10 @@ DesktopAudio::DesktopAudio(AudioSystems systems, const DesktopSettings& settings
       settings_(settings),
       tell_(std::move(tell)),
       errors_(errors),
-      switch_(std::make_shared<AudioSwitch>(client)),
-      choices_(namedChoice(systems_, settings.audio)) {
-    if (choices_.empty() && !settings.audio.empty())
-        failures_ = "There is no audio system or device " + settings.audio + ". ";
+      switch_(std::make_shared<AudioSwitch>(client)) {
+    std::string failure;
+    choices_ = namedChoice(systems_, settings.audio, failure);
+    if (!failure.empty()) failures_ = failure + " ";
     if (!insists) addBest(systems_, choices_);
     openAtStart(insists);
 }
@@ -167,9 +172,10 @@ void DesktopAudio::change(const DesktopSettings& settings) {
     }
     // A device is looked for only once: its system may be busy with an attempt that waits for this thread.
     const bool isSameDevice = settings.audio == settings_.audio && !choices_.empty();
-    Choices choices = isSameDevice ? choices_ : namedChoice(systems_, settings.audio);
+    std::string failure;
+    Choices choices = isSameDevice ? choices_ : namedChoice(systems_, settings.audio, failure);
     if (choices.empty() && settings.audio.empty()) addBest(systems_, choices);
-    if (choices.empty()) return tell("There is no audio system or device " + settings.audio + ".");
+    if (choices.empty()) return tell(failure);
     if (!former_) former_ = {settings_, choices_};
     settings_ = settings;
     choices_ = std::move(choices);

@@ -1,30 +1,21 @@
 #include "shells/desktop/settings/SettingsMenu.h"
 
 #include <algorithm>
-#include <chrono>
-#include <future>
-#include <thread>
 #include <utility>
 
 #include "shells/desktop/audio/NullSystem.h"
+#include "shells/desktop/audio/Patience.h"
 
 namespace marnoth {
 
 namespace {
 
-constexpr std::chrono::milliseconds kListPatience{2000};
 constexpr const char* kDevicesOwn = "The device's own";
 
-/// What `list` gives, on a thread that may take longer than anybody waits for it.
+/// What `list` gives; nothing where it can't be waited for.
 template <class List>
-auto listed(List list) -> decltype(list()) try {
-    std::packaged_task<decltype(list())()> task(std::move(list));
-    auto found = task.get_future();
-    std::thread(std::move(task)).detach();
-    if (found.wait_for(kListPatience) == std::future_status::ready) return found.get();
-    return {};
-} catch (const std::exception&) {
-    return {};
+auto listed(List list) {
+    return within(kAudioListPatience, std::move(list)).value_or(decltype(list()){});
 }
 
 std::string orOwn(std::int64_t value, const std::string& unit) {
