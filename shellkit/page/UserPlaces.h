@@ -17,7 +17,7 @@ std::string homeFolder();
 /// (freedesktop.org, "xdg-user-dirs"), or by its usual name; empty when there is none.
 std::string musicFolderOfUser();
 
-/// Where a user looks for files who hasn't yet been anywhere: his music, else his home.
+/// Where dialogs begin for a user who has chosen nothing yet: among the music, else at home.
 std::string folderToBeginIn();
 
 /// Home, music and the whole system, those of them that are there.
