@@ -9,14 +9,14 @@ namespace marnoth {
 
 namespace {
 
-constexpr int kPadding = 16;
+constexpr int kQuestionPadding = 16;
 constexpr int kTextWidth = 330;
-constexpr int kButtonWidth = 72;
-constexpr int kButtonHeight = 20;
+constexpr int kAnswerWidth = 72;
+constexpr int kAnswerHeight = 20;
 constexpr int kButtonGap = 8;
 constexpr int kMenuMargin = 18;  ///< left of the texts, for checks, and right of them
 constexpr int kMenuBorder = 3;
-constexpr int kRowLeading = 4;
+constexpr int kItemLeading = 4;
 
 /// Words go into the next line where they don't fit, and where the text breaks a line.
 std::vector<std::string> wrapped(std::string_view text, Font& font) {
@@ -40,16 +40,17 @@ QuestionLayout layOutBox(const ShownQuestion& question, Font& font, const Rect& 
     QuestionLayout layout;
     layout.lines = wrapped(question.text, font);
     const int textHeight = static_cast<int>(layout.lines.size()) * font.lineHeight();
-    const int width = kTextWidth + 2 * kPadding;
-    const int height = textHeight + kButtonHeight + 3 * kPadding;
+    const int width = kTextWidth + 2 * kQuestionPadding;
+    const int height = textHeight + kAnswerHeight + 3 * kQuestionPadding;
     layout.box = Rect::at(page.left + (page.width() - width) / 2, page.top + (page.height() - height) / 2,
                           width, height);
-    layout.text = {layout.box.left + kPadding, layout.box.top + kPadding};
-    const int step = kButtonWidth + kButtonGap;
-    int left = layout.box.right - kPadding + kButtonGap - step * static_cast<int>(question.buttons.size());
+    layout.text = {layout.box.left + kQuestionPadding, layout.box.top + kQuestionPadding};
+    const int step = kAnswerWidth + kButtonGap;
+    int left =
+        layout.box.right - kQuestionPadding + kButtonGap - step * static_cast<int>(question.buttons.size());
     for (std::size_t button = 0; button < question.buttons.size(); ++button, left += step)
-        layout.choices.push_back(
-            Rect::at(left, layout.box.bottom - kPadding - kButtonHeight, kButtonWidth, kButtonHeight));
+        layout.choices.push_back(Rect::at(left, layout.box.bottom - kQuestionPadding - kAnswerHeight,
+                                          kAnswerWidth, kAnswerHeight));
     return layout;
 }
 
@@ -58,7 +59,7 @@ QuestionLayout layOutMenu(const ShownQuestion& menu, Font& font, const Rect& pag
     int width = 0;
     for (const MenuItem& item : menu.items) width = std::max(width, font.widthOf(item.text));
     width += 2 * kMenuMargin;
-    const int rowHeight = font.lineHeight() + kRowLeading;
+    const int rowHeight = font.lineHeight() + kItemLeading;
     const int fullWidth = width + 2 * kMenuBorder;
     const int height = static_cast<int>(menu.items.size()) * rowHeight + 2 * kMenuBorder;
     layout.box = Rect::at(std::clamp(menu.at.x, page.left, std::max(page.left, page.right - fullWidth)),
