@@ -1,5 +1,6 @@
 -- Makes a session for check-ardour, or opens that again and exports it, by what the environment says: SESSION its folder,
--- FRAMES the engine's block. With EXPORT, a folder, it is exported there; otherwise it is made.
+-- FRAMES the engine's block. With EXPORT, a folder, it is exported there; otherwise it is made. With OUTPUT it is one with the
+-- plug-in of many outputs, of which that one is heard: 0 the mix, 1 to 16 a pad's.
 
 local name = "groove"
 local rate = 48000
@@ -19,14 +20,35 @@ local function set_tempos(tempos)
     Temporal.TempoMap.update(map)
 end
 
-local function add_track()
-    local info = ARDOUR.LuaAPI.new_plugin_info("urn:marnoth:instrument", ARDOUR.PluginType.LV2)
-    assert(not info:isnil(), "Ardour doesn't find the plug-in")
-    local track = Session:new_midi_track(channels("midi", 1), channels("audio", 2), true, info, nil, nil, 1, "Groove",
-        ARDOUR.PresentationInfo.max_order, ARDOUR.TrackMode.Normal, true):front()
-    for side = 0, 1 do
-        track:output():audio(side):connect("Master/audio_in " .. side + 1)
+local function lead_all_out(track)
+    track:set_strict_io(false)
+    assert(track:customize_plugin_insert(track:nth_plugin(0), 1, channels("audio", 34), channels("audio", 0)),
+        "Ardour doesn't give the plug-in all of its outputs")
+    -- Otherwise it spreads them as if they stood in a circle.
+    track:panner_shell():set_bypassed(true)
+end
+
+-- The master gets a pair of a track's outputs and no other.
+local function connect(track, output)
+    local ports = track:output()
+    for index = 0, ports:n_ports():n_audio() - 1 do
+        ports:audio(index):disconnect_all()
     end
+    for side = 0, 1 do
+        ports:audio(2 * output + side):connect("Master/audio_in " .. side + 1)
+    end
+end
+
+local function add_track(output)
+    local uri = "urn:marnoth:instrument" .. (output and "-multi" or "")
+    local info = ARDOUR.LuaAPI.new_plugin_info(uri, ARDOUR.PluginType.LV2)
+    assert(not info:isnil(), "Ardour doesn't find the plug-in")
+    local track = Session:new_midi_track(channels("midi", 1), channels("audio", 2), not output, info, nil, nil, 1, "Groove",
+        ARDOUR.PresentationInfo.max_order, ARDOUR.TrackMode.Normal, true):front()
+    if output then
+        lead_all_out(track)
+    end
+    connect(track, output or 0)
     return track
 end
 
@@ -39,17 +61,20 @@ local function save()
     Session:save_state("", false, false, false, false, false)
 end
 
-local function make(folder)
+local function make(folder, output)
     create_session(folder, name, rate)
     set_tempos({{0, 100}, {8, 150}, {13, 93.75}})
-    load_preset(add_track())
+    load_preset(add_track(output))
     for _ = 1, 3 do
         save()
     end
 end
 
-local function export(folder, to, frames)
+local function export(folder, to, frames, output)
     load_session(folder, name)
+    if output then
+        connect(Session:route_by_name("Groove"), output)
+    end
     assert(Session:get_block_size() == frames, "the engine's blocks are others")
     save()
     local exported = Session:simple_export()
@@ -60,13 +85,13 @@ local function export(folder, to, frames)
     assert(exported:run_export(), "the export fails")
 end
 
-local frames = tonumber(os.getenv("FRAMES"))
+local frames, output = tonumber(os.getenv("FRAMES")), tonumber(os.getenv("OUTPUT"))
 AudioEngine:set_backend("None (Dummy)", "check-ardour", "")
 AudioEngine:set_buffer_size(frames)
 if os.getenv("EXPORT") then
-    export(os.getenv("SESSION"), os.getenv("EXPORT"), frames)
+    export(os.getenv("SESSION"), os.getenv("EXPORT"), frames, output)
 else
-    make(os.getenv("SESSION"))
+    make(os.getenv("SESSION"), output)
 end
 print("done")
 close_session()
