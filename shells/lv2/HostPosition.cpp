@@ -25,7 +25,7 @@ double HostPosition::ticksPerFrame() const {
     return speed_ * tempo_ * kTicksPerBeat / 60.0 / rate_;
 }
 
-void HostPosition::take(const ToldPosition& told) {
+bool HostPosition::take(const ToldPosition& told) {
     const bool wasPlaying = isPlaying();
     const double ticksBefore = ticksPerFrame();
     if (told.speed && std::abs(*told.speed) <= kFastest) speed_ = *told.speed;
@@ -40,6 +40,7 @@ void HostPosition::take(const ToldPosition& told) {
     }
     if (!goesOn) tickIsTold_ = false;
     takeBeat(told, goesOn ? std::optional(ticksBefore) : std::nullopt);
+    return wasPlaying && isPlaying() && !goesOn;
 }
 
 void HostPosition::takeFrame(std::int64_t frame, bool goesOn) {

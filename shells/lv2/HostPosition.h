@@ -35,8 +35,9 @@ public:
     /// Frames per second.
     void setRate(double rate) { rate_ = rate; }
 
-    /// The host's position at the frame that was come to.
-    void take(const ToldPosition& told);
+    /// The host's position at the frame that was come to. Whether it plays on from another place than it had
+    /// come to.
+    bool take(const ToldPosition& told);
     /// What the block that begins here is played by.
     LiveTransport next() const;
     /// So many frames are over.

@@ -71,6 +71,7 @@ LV2_State_Status Plugin::restore(LV2_State_Retrieve_Function retrieve, LV2_State
 
 void Plugin::run(std::uint32_t frames) {
     done_ = 0;
+    recentNotes_.beginBlock();
     const auto count = static_cast<std::int32_t>(std::min<std::uint32_t>(frames, INT32_MAX));
     takeEvents(count);
     renderTo(count);
@@ -106,13 +107,22 @@ void Plugin::takeMidi(std::int32_t frame, std::span<const std::uint8_t> bytes) {
         parameters_.setByController(status & 0x0F, byte(1), byte(2));
     } else {
         host_.addMessage(frame - done_, status, byte(1), byte(2));
+        recentNotes_.take(status, byte(1), byte(2));
     }
+}
+
+void Plugin::takePosition(std::int32_t frame, const AtomView& object) {
+    renderTo(frame);
+    const bool jumps = position_.take(positionIn(object, urids_));
+    if (!jumps || frame != 0) return;
+    // The jump may have been within the last block.
+    for (const RecentNotes::Note& note : recentNotes_.notes())
+        host_.addMessage(0, note.status, note.key, note.velocity);
 }
 
 void Plugin::takeObject(std::int32_t frame, LV2_URID type, const AtomView& object) {
     if (type == urids_.timePosition) {
-        renderTo(frame);
-        position_.take(positionIn(object, urids_));
+        takePosition(frame, object);
     } else if (type == urids_.patchSet) {
         const auto property = propertyOf(object, urids_.patchProperty);
         const auto value = propertyOf(object, urids_.patchValue);

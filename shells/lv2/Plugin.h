@@ -14,6 +14,7 @@
 #include "shells/lv2/PadParameters.h"
 #include "shells/lv2/PluginInstance.h"
 #include "shells/lv2/PluginState.h"
+#include "shells/lv2/RecentNotes.h"
 #include "shells/lv2/StateChanges.h"
 #include "shells/lv2/Urids.h"
 
@@ -65,6 +66,7 @@ private:
     void takeEvents(std::int32_t frames);
     void take(std::int32_t frame, const AtomView& event);
     void takeMidi(std::int32_t frame, std::span<const std::uint8_t> bytes);
+    void takePosition(std::int32_t frame, const AtomView& object);
     void takeObject(std::int32_t frame, LV2_URID type, const AtomView& object);
     void setParameter(std::int32_t frame, LV2_URID property, const AtomView& value);
     void askedFor(const AtomView& get);
@@ -90,6 +92,7 @@ private:
     double rate_;
     std::uint32_t connectedRate_ = 0;  ///< 0 before the first connection
     HostPosition position_;
+    RecentNotes recentNotes_;
     const LV2_Atom_Sequence* eventsIn_ = nullptr;
     LV2_Atom_Sequence* eventsOut_ = nullptr;
     std::array<float*, SeparateOutputs::kPointers> audio_{};

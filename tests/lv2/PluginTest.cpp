@@ -157,6 +157,65 @@ TEST(Plugin, AFileThatItsPageListensToIsHeardInTheMixAloneAndInNoState) {
     EXPECT_EQ(files, 0);
 }
 
+/// Rounds of a loop that are as long as the blocks but for some frames: the place is told behind the block in
+/// which it changed.
+class Rounds {
+public:
+    Rounds() {
+        layPads(host.sampler(), files_);
+        host.position(0, 960'000, 1, 120);
+        host.block(256);
+    }
+    void jump() { host.position(0, 480'016, 1, 120); }
+    /// What is heard from 20 ms behind the jump on, where the fades of before are over.
+    std::vector<float> heard() {
+        host.block(2000);
+        return {host.audio[0].end() - 1000, host.audio[0].end()};
+    }
+
+    PluginHost host;
+
+private:
+    std::vector<TempPath> files_ = padFiles(kRate);
+};
+
+TEST(Plugin, ANoteThatBeganInTheBlockOfAJumpIsOneOfTheNewPlace) {
+    Rounds late;
+    late.host.midi(240, 0x90, 48, 100);
+    late.host.block(256);
+    late.jump();
+    Rounds early;
+    early.host.block(256);
+    early.jump();
+    early.host.midi(0, 0x90, 48, 100);
+    const std::vector<float> heard = late.heard();
+    EXPECT_EQ(heard, early.heard());
+    EXPECT_GT(*std::max_element(heard.begin(), heard.end()), 0.05f);
+    late.host.midi(0, 0x80, 48, 0);
+    late.host.block(2000);
+    EXPECT_EQ(late.host.audio[0].back(), 0.0f) << "its end ends it";
+}
+
+TEST(Plugin, NotesThatEndedOrBeganEarlierAreOverWithAJump) {
+    Rounds ended;
+    ended.host.midi(100, 0x90, 48, 100);
+    ended.host.midi(240, 0x80, 48, 0);
+    ended.host.block(256);
+    ended.jump();
+    Rounds old;
+    old.host.midi(240, 0x90, 48, 100);
+    old.host.block(256);
+    old.host.block(256);
+    old.jump();
+    Rounds told;
+    told.host.midi(240, 0x90, 48, 100);
+    told.host.block(256);
+    told.host.midi(0, 0x90, 48, 0);
+    told.jump();
+    for (Rounds* rounds : {&ended, &old, &told})
+        for (const float value : rounds->heard()) ASSERT_EQ(value, 0.0f);
+}
+
 TEST(Plugin, ANoteOnTheLastFrameOfABlockSoundsThere) {
     const auto files = padFiles(kRate);
     PluginHost early;
