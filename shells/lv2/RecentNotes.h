@@ -29,6 +29,7 @@ public:
     /// A message of the present block.
     void take(std::uint8_t status, std::uint8_t key, std::uint8_t velocity) {
         const auto kind = static_cast<std::uint8_t>(status & 0xF0);
+        if (kind == kController && key >= kFirstChannelMode) return forget();
         if (kind != kNoteOff && kind != kNoteOn) return;
         const auto noteOn = static_cast<std::uint8_t>(kNoteOn | (status & 0x0F));
         if (kind == kNoteOn && velocity > 0) return present_.add({noteOn, key, velocity});
@@ -41,6 +42,9 @@ public:
 private:
     static constexpr std::uint8_t kNoteOff = 0x80;
     static constexpr std::uint8_t kNoteOn = 0x90;
+    static constexpr std::uint8_t kController = 0xB0;
+    /// From here on controllers are about all notes at once, "all sound off" and "all notes off" among them.
+    static constexpr std::uint8_t kFirstChannelMode = 120;
 
     /// What doesn't fit in was never there.
     class Notes {
@@ -60,6 +64,11 @@ private:
         std::array<Note, 64> notes_{};
         std::size_t count_ = 0;
     };
+
+    void forget() {
+        last_ = {};
+        present_ = {};
+    }
 
     Notes last_;
     Notes present_;

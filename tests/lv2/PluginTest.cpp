@@ -212,7 +212,12 @@ TEST(Plugin, NotesThatEndedOrBeganEarlierAreOverWithAJump) {
     told.host.block(256);
     told.host.midi(0, 0x90, 48, 0);
     told.jump();
-    for (Rounds* rounds : {&ended, &old, &told})
+    Rounds silenced;
+    silenced.host.midi(100, 0x90, 48, 100);
+    silenced.host.midi(240, 0xB0, 123, 0);
+    silenced.host.block(256);
+    silenced.jump();
+    for (Rounds* rounds : {&ended, &old, &told, &silenced})
         for (const float value : rounds->heard()) ASSERT_EQ(value, 0.0f);
 }
 
