@@ -64,9 +64,10 @@ bool PadParameters::isSwitch(std::size_t index) {
 
 void PadParameters::set(std::size_t index, double value) {
     if (std::isnan(value)) return;
-    const float wanted = heldToRange(kindOf(index), value);
-    if (wanted != read(index)) write(index, wanted);
-    told_[index] = read(index);
+    const Setting present{heldToRange(kindOf(index), value), read(index)};
+    if (present.wanted != present.read && present != set_[index]) write(index, present.wanted);
+    set_[index] = {present.wanted, read(index)};
+    told_[index] = set_[index].read;
 }
 
 bool PadParameters::isController(std::uint8_t number) {

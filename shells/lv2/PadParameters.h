@@ -66,6 +66,13 @@ public:
 private:
     static constexpr std::size_t kCount = kPadParameters * kPads;
 
+    /// Not every level reads back as it was written, and hosts send the same one with each block.
+    struct Setting {
+        float wanted = 0;
+        float read = 0;
+        bool operator==(const Setting&) const = default;
+    };
+
     /// Whether the instrument has changed since the last time.
     bool look();
     void askAgain() { seen_.reset(); }
@@ -76,6 +83,7 @@ private:
     IGrooveSampler& sampler_;
     RefPtr<IMarnothOptions> options_;
     std::array<LV2_URID, kCount> properties_{};  ///< pad by pad
+    std::array<Setting, kCount> set_{};          ///< by the host, the last time
     std::array<float, kCount> told_{};           ///< as the host knows them; it begins with their defaults
     std::uint64_t changes_ = 0;
     std::optional<std::uint64_t> seen_;  ///< the instrument's count of changes

@@ -120,6 +120,23 @@ TEST(PadParameters, ThatAHostSetsAsItWasToldThemLeaveTheLastDigit) {
     EXPECT_EQ(host.volume(2), 2.0f);
 }
 
+TEST(PadParameters, ThatAHostSetsWithEachBlockToTheSameAreSetOnce) {
+    Automated host;
+    for (int step = 1; step <= 150; ++step) {
+        host.set(0, uriOf(1, "level"), -0.5f * static_cast<float>(step));
+        host.block(64);
+        const std::uint64_t changes = host.plugin().pages().automated;
+        host.set(0, uriOf(1, "level"), -0.5f * static_cast<float>(step));
+        host.block(64);
+        EXPECT_EQ(host.plugin().pages().automated, changes) << step;
+        EXPECT_EQ(changes, static_cast<std::uint64_t>(step));
+    }
+    host.sampler().SetPadVolume(0, 1.0f);
+    host.set(0, uriOf(1, "level"), -75.0f);
+    host.block(64);
+    EXPECT_EQ(host.volume(1), 0.0f) << "what others have changed is set again";
+}
+
 TEST(PadParameters, AreToldWhenTheHostAsks) {
     Automated host;
     host.events().get(0, 0);
