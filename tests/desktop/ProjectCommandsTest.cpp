@@ -262,6 +262,16 @@ TEST_F(ProjectCommandsTest, OfFilesThatAreDroppedProjectsAndMidiFilesAreOpenedAs
     EXPECT_EQ(song.name(), "beat.mid");
 }
 
+TEST_F(ProjectCommandsTest, WhatIsDroppedWithAProjectOrAMidiFileIsLeftOutAndThatIsTold) {
+    writeText(folder / "beat.mid", kSong);
+    EXPECT_TRUE(menu->take(Lines{file("beat.mid")}));
+    EXPECT_EQ(notice(), "");
+    writeText(folder / "loop.wav", "x");
+    EXPECT_TRUE(menu->take(Lines{file("loop.wav"), file("beat.mid")}));
+    EXPECT_EQ(notice(), "At once only a project and a MIDI file are opened; drop loops by themselves.");
+    EXPECT_EQ(song.name(), "beat.mid");
+}
+
 TEST_F(ProjectCommandsTest, HowMidiFilesPlayIsKept) {
     const auto idOf = [&](const std::string& text) {
         for (const MenuItem& item : menu->items())

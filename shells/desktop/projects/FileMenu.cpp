@@ -125,10 +125,14 @@ bool FileMenu::take(std::span<const std::string> files) {
     const auto song = std::ranges::find_if(files, isSong);
     const auto project =
         std::ranges::find_if(files, [](const std::string& file) { return !isSong(file) && isProject(file); });
+    const std::size_t taken = (song != files.end()) + (project != files.end());
+    if (taken == 0) return false;
+    if (taken < files.size())
+        notices_.tell("At once only a project and a MIDI file are opened; drop loops by themselves.");
     if (song != files.end()) openSong(*song);
     // This may ask about the one that is open, and comes last.
     if (project != files.end()) projects_.open(*project);
-    return song != files.end() || project != files.end();
+    return true;
 }
 
 void FileMenu::openRecent(std::size_t place) {

@@ -32,7 +32,8 @@ public:
 
     /// By what the file is; what can't be opened is told, and costs nothing of what is open.
     void open(const std::string& file);
-    /// Files that are dropped on the window: MIDI files and a project. False when there are none among them.
+    /// Files that are dropped on the window: a MIDI file and a project; what else comes with them is left
+    /// out, and that is told. False when there are none among them.
     bool take(std::span<const std::string> files);
     /// Both of its files.
     void openDemo();
