@@ -11,6 +11,8 @@
 namespace {
 
 constexpr float kAudible = 1e-6f;
+/// In which the round before fades out.
+constexpr double kSecondsOfFade = 0.05;
 
 struct Take {
     int rate = 0;
@@ -30,33 +32,40 @@ Take readTake(const std::string& name) {
     return take;
 }
 
-int compare(const char* one, const char* other, double seconds, double tolerance) {
+int compare(const char* one, const char* other, double seconds, double tolerance, int rounds) {
     const Take a = readTake(one);
     const Take b = readTake(other);
-    const auto count = static_cast<std::size_t>(seconds * a.rate) * 2;
-    if (a.rate != b.rate || a.samples.size() < count || b.samples.size() < count) {
+    const auto round = static_cast<std::size_t>(std::llround(seconds * a.rate)) * 2;
+    const std::size_t count = round * static_cast<std::size_t>(rounds);
+    if (a.rate != b.rate || a.samples.size() < count || b.samples.size() < round) {
         std::cerr << "there are " << a.samples.size() / 2 << " and " << b.samples.size() / 2
                   << " audible frames, at " << a.rate << " and " << b.rate << "\n";
         return 1;
     }
+    const auto fade = static_cast<std::size_t>(kSecondsOfFade * a.rate) * 2;
     double most = 0;
     std::size_t where = 0;
-    for (std::size_t i = 0; i < count; ++i)
-        if (const double difference = std::abs(static_cast<double>(a.samples[i]) - b.samples[i]);
-            difference > most) {
-            most = difference;
-            where = i / 2;
-        }
+    for (std::size_t i = 0; i < count; ++i) {
+        if (i >= round && i % round < fade) continue;
+        const double difference = std::abs(static_cast<double>(a.samples[i]) - b.samples[i % round]);
+        if (difference <= most) continue;
+        most = difference;
+        where = i / 2;
+    }
     std::cout << "largest difference in " << count / 2 << " frames: " << most << " at " << where << "\n";
     return most <= tolerance ? 0 : 1;
 }
 
 }  // namespace
 
-/// Compares stereo recordings from where each begins to be heard: compare_takes A.wav B.wav SECONDS TOLERANCE
+/// Compares stereo recordings from where each begins to be heard:
+///     compare_takes A.wav B.wav SECONDS TOLERANCE [ROUNDS]
+/// With ROUNDS the first goes round what the second plays once, in so many seconds.
 int main(int argc, char** argv) try {
-    if (argc != 5) throw std::runtime_error("compare_takes A.wav B.wav SECONDS TOLERANCE");
-    return compare(argv[1], argv[2], std::atof(argv[3]), std::atof(argv[4]));
+    if (argc < 5 || argc > 6)
+        throw std::runtime_error("compare_takes A.wav B.wav SECONDS TOLERANCE [ROUNDS]");
+    return compare(argv[1], argv[2], std::atof(argv[3]), std::atof(argv[4]),
+                   argc > 5 ? std::atoi(argv[5]) : 1);
 } catch (const std::exception& error) {
     std::cerr << error.what() << "\n";
     return 2;

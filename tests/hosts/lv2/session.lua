@@ -1,6 +1,7 @@
 -- Makes a session for check-ardour, or opens that again and exports it, by what the environment says: SESSION its folder,
 -- FRAMES the engine's block. With EXPORT, a folder, it is exported there; otherwise it is made. With OUTPUT it is one with the
--- plug-in of many outputs, of which that one is heard: 0 the mix, 1 to 16 a pad's.
+-- plug-in of many outputs, of which that one is heard: 0 the mix, 1 to 16 a pad's. With LOOP it is opened at the JACK server
+-- and its loop range is played for so many seconds.
 
 local name = "groove"
 local rate = 48000
@@ -85,13 +86,28 @@ local function export(folder, to, frames, output)
     assert(exported:run_export(), "the export fails")
 end
 
-local frames, output = tonumber(os.getenv("FRAMES")), tonumber(os.getenv("OUTPUT"))
-AudioEngine:set_backend("None (Dummy)", "check-ardour", "")
-AudioEngine:set_buffer_size(frames)
-if os.getenv("EXPORT") then
-    export(os.getenv("SESSION"), os.getenv("EXPORT"), frames, output)
+local function play_loop(folder, seconds)
+    load_session(folder, name)
+    Session:request_play_loop(true, false)
+    ARDOUR.LuaAPI.usleep(1000000 * seconds)
+    assert(Session:transport_rolling() and Session:get_play_loop(), "Ardour doesn't play the loop")
+    Session:request_stop(false, false, ARDOUR.TransportRequestSource.TRS_UI)
+    ARDOUR.LuaAPI.usleep(500000)
+end
+
+local folder = os.getenv("SESSION")
+local frames, output, loop = tonumber(os.getenv("FRAMES")), tonumber(os.getenv("OUTPUT")), tonumber(os.getenv("LOOP"))
+if loop then
+    AudioEngine:set_backend("JACK", "ardour", "")
+    play_loop(folder, loop)
 else
-    make(os.getenv("SESSION"), output)
+    AudioEngine:set_backend("None (Dummy)", "check-ardour", "")
+    AudioEngine:set_buffer_size(frames)
+    if os.getenv("EXPORT") then
+        export(folder, os.getenv("EXPORT"), frames, output)
+    else
+        make(folder, output)
+    end
 end
 print("done")
 close_session()
