@@ -38,7 +38,7 @@ public:
     static bool isSwitch(std::size_t index);
 
     /// What can't be is held to the range, what is no number changes nothing, and a value that is as the host
-    /// was told leaves the instrument as it is, to the last digit.
+    /// was told or has set it before leaves the instrument as it is, to the last digit.
     void set(std::size_t index, double value);
     static bool isController(std::uint8_t number);
     /// A controller of a channel, 7 (level) or 10 (pan): for all pads that answer the channel.

@@ -37,7 +37,7 @@ int compare(const char* one, const char* other, double seconds, double tolerance
     const Take b = readTake(other);
     const auto round = static_cast<std::size_t>(std::llround(seconds * a.rate)) * 2;
     const std::size_t count = round * static_cast<std::size_t>(rounds);
-    if (a.rate != b.rate || a.samples.size() < count || b.samples.size() < round) {
+    if (count == 0 || a.rate != b.rate || a.samples.size() < count || b.samples.size() < round) {
         std::cerr << "there are " << a.samples.size() / 2 << " and " << b.samples.size() / 2
                   << " audible frames, at " << a.rate << " and " << b.rate << "\n";
         return 1;
@@ -45,15 +45,17 @@ int compare(const char* one, const char* other, double seconds, double tolerance
     const auto fade = static_cast<std::size_t>(kSecondsOfFade * a.rate) * 2;
     double most = 0;
     std::size_t where = 0;
+    bool isAlike = true;
     for (std::size_t i = 0; i < count; ++i) {
         if (i >= round && i % round < fade) continue;
         const double difference = std::abs(static_cast<double>(a.samples[i]) - b.samples[i % round]);
+        isAlike = isAlike && difference <= tolerance;  // what is no number isn't
         if (difference <= most) continue;
         most = difference;
         where = i / 2;
     }
     std::cout << "largest difference in " << count / 2 << " frames: " << most << " at " << where << "\n";
-    return most <= tolerance ? 0 : 1;
+    return isAlike ? 0 : 1;
 }
 
 }  // namespace
